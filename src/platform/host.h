@@ -1,0 +1,30 @@
+// What the host system gives the program, as one table of interfaces. `app/` fills it once at start-up, tests fill
+// it with fakes; everything else only reads it. Interface thread only. Pointers are not owned; an entry may be null
+// until the module behind it has been asked for.
+#pragma once
+
+namespace ql240 {
+
+class Drives;
+class FolderDialogs;
+class MediaPlatform;
+class RunningWindows;
+class SensorLibrary;
+class UrlOpener;
+class WaveOut;
+class WebPages;
+
+struct Host {
+    Drives* drives = nullptr;
+    FolderDialogs* folderDialogs = nullptr;
+    MediaPlatform* media = nullptr;
+    RunningWindows* runningWindows = nullptr;
+    SensorLibrary* sensorLibrary = nullptr;
+    UrlOpener* urlOpener = nullptr;
+    WaveOut* waveOut = nullptr;
+    WebPages* webPages = nullptr;
+};
+
+Host& host();
+
+}  // namespace ql240

@@ -1,0 +1,13 @@
+#!/bin/sh
+# Runs one test program with locale, time zone, platform and home folders fixed, so that neither the machine's
+# settings nor another test can change its result.
+set -eu
+home=$(mktemp -d "${TMPDIR:-/tmp}/ql240-test.XXXXXX")
+trap 'rm -rf "$home"' EXIT
+mkdir -p -m 700 "$home/config" "$home/cache" "$home/data" "$home/runtime"
+export HOME="$home" XDG_CONFIG_HOME="$home/config" XDG_CACHE_HOME="$home/cache"
+export XDG_DATA_HOME="$home/data" XDG_RUNTIME_DIR="$home/runtime"
+export LC_ALL=C.UTF-8 TZ=UTC QT_QPA_PLATFORM="${QT_QPA_PLATFORM:-offscreen}"
+export QT_SCALE_FACTOR="${QT_SCALE_FACTOR:-1}" QT_FONT_DPI=96
+unset DBUS_SESSION_BUS_ADDRESS DISPLAY WAYLAND_DISPLAY || true
+"$@"
