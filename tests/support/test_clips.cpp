@@ -1,0 +1,218 @@
+#include "support/test_clips.h"
+
+#include <QtCore/QCryptographicHash>
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QProcess>
+#include <QtCore/QTemporaryDir>
+#include <algorithm>
+
+#include "support/frame_code.h"
+
+namespace ql240 {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr int kProcessTimeoutMs = 60000;
+constexpr char kPatternVersion[] = "1"; // count up when the painted pattern changes
+
+// The variable rate's cycle, as testClipFrameTimes() gives it too.
+constexpr char kVariableTimes[] =
+    "settb=1/90000,setpts=(floor(N/3)*150+if(eq(mod(N\\,3)\\,1)\\,20\\,if(eq(mod(N\\,3)\\,2)\\,60\\,0)))/"
+    "1000/TB";
+
+bool isFullRange(const TestClipSpec& spec) {
+    return spec.fullRange || spec.codec == TestClipSpec::Codec::MotionJpeg;
+}
+
+// Both streams come stacked in one raw picture, the first on top.
+QSize canvasSize(const TestClipSpec& spec) {
+    if (spec.videoStreams < 2)
+        return spec.size;
+    return {std::max(spec.size.width(), spec.secondSize.width()),
+            spec.size.height() + spec.secondSize.height()};
+}
+
+QString streamFilter(const TestClipSpec& spec, QSize size, int top) {
+    QString filter = QStringLiteral("crop=%1:%2:0:%3,").arg(size.width()).arg(size.height()).arg(top);
+    if (spec.variableRate)
+        filter += QLatin1String(kVariableTimes) + QLatin1Char(',');
+    return filter + QStringLiteral("scale=in_range=%1:out_range=%1").arg(isFullRange(spec) ? "pc" : "tv");
+}
+
+QString filterGraph(const TestClipSpec& spec) {
+    const QString first = streamFilter(spec, spec.size, 0);
+    const QString second = streamFilter(spec, spec.secondSize, spec.size.height());
+    if (spec.videoStreams < 2)
+        return QStringLiteral("[0:v]%1[v0]").arg(first);
+    return QStringLiteral("[0:v]split[a][b];[a]%1[v0];[b]%2[v1]").arg(first, second);
+}
+
+QStringList words(const QString& text) {
+    return text.split(QLatin1Char(' '));
+}
+
+QStringList codecArguments(const TestClipSpec& spec) {
+    const QString range = QStringLiteral("-color_range %1 ").arg(isFullRange(spec) ? "pc" : "tv");
+    const QString h264 = QStringLiteral(
+        "-c:v libx264 -preset veryfast -crf 26 -g %1 -bf %2 "
+        "-x264-params threads=1:scenecut=0:b-adapt=0:keyint_min=%1");
+    const QString h265 = QStringLiteral(
+        "-c:v libx265 -preset ultrafast -crf 28 -tag:v hvc1 -x265-params "
+        "log-level=error:pools=1:frame-threads=1:scenecut=0:b-adapt=0:"
+        "keyint=%1:min-keyint=%1:bframes=%2");
+    if (spec.codec == TestClipSpec::Codec::MotionJpeg)
+        return words(range + QStringLiteral("-c:v mjpeg -q:v 5 -huffman default"));
+    const QString& encoder = spec.codec == TestClipSpec::Codec::H264 ? h264 : h265;
+    return words(range + encoder.arg(spec.keyframeInterval).arg(spec.bFrames));
+}
+
+double lengthSeconds(const TestClipSpec& spec) {
+    const auto times = testClipFrameTimes(spec);
+    return std::chrono::duration<double>(times.last() - times.first()).count() + 1.0 / spec.rate;
+}
+
+QStringList inputArguments(const TestClipSpec& spec) {
+    const QSize canvas = canvasSize(spec);
+    QStringList arguments = words(QStringLiteral("-loglevel error -y -fflags +bitexact -filter_threads 1 "
+                                                 "-f rawvideo -pix_fmt %1 -s %2x%3 -r %4 -i pipe:0")
+                                      .arg(isFullRange(spec) ? "yuvj420p" : "yuv420p")
+                                      .arg(canvas.width())
+                                      .arg(canvas.height())
+                                      .arg(spec.rate));
+    if (spec.sound)
+        arguments += words(QStringLiteral("-f lavfi -i sine=frequency=%1:sample_rate=32000:duration=%2")
+                               .arg(spec.toneHz)
+                               .arg(lengthSeconds(spec)));
+    return arguments;
+}
+
+QString containerArguments(const TestClipSpec& spec) {
+    if (spec.container == TestClipSpec::Container::Avi)
+        return QStringLiteral("-f avi");
+    QString arguments = QStringLiteral("-f mp4 -video_track_timescale 90000");
+    if (spec.faststart)
+        arguments += QLatin1String(" -movflags +faststart");
+    if (!spec.editLists)
+        arguments += QLatin1String(" -use_editlist 0");
+    if (spec.firstTimeMs)
+        arguments += QStringLiteral(" -output_ts_offset %1").arg(spec.firstTimeMs / 1000.0);
+    return arguments;
+}
+
+QString soundArguments(const TestClipSpec& spec) {
+    if (!spec.sound)
+        return QStringLiteral("-an");
+    const bool avi = spec.container == TestClipSpec::Container::Avi;
+    return QLatin1String("-map 1:a -ac 1 ") + QLatin1String(avi ? "-c:a pcm_s16le" : "-c:a aac -b:a 64k");
+}
+
+QStringList ffmpegArguments(const TestClipSpec& spec) {
+    QStringList arguments = inputArguments(spec) + QStringList{"-filter_complex", filterGraph(spec)};
+    for (int stream = 0; stream < spec.videoStreams; ++stream)
+        arguments += {"-map", QStringLiteral("[v%1]").arg(stream)};
+    if (spec.variableRate)
+        arguments += words(QStringLiteral("-fps_mode passthrough -enc_time_base 1:90000"));
+    arguments += codecArguments(spec) + words(soundArguments(spec));
+    arguments +=
+        words(QStringLiteral("-map_metadata -1 -fflags +bitexact -flags:v +bitexact -flags:a +bitexact"));
+    return arguments + words(QStringLiteral("-threads 1 ") + containerArguments(spec));
+}
+
+void stackPicture(QByteArray& raw, QSize canvas, QSize size, int top, FrameMark mark, bool fullRange) {
+    QByteArray luma(qsizetype(size.width()) * size.height(), 0);
+    paintFrameLuma({reinterpret_cast<uchar*>(luma.data()), size_t(luma.size())}, size.width(), size.height(),
+                   mark, fullRange);
+    for (int y = 0; y < size.height(); ++y)
+        std::copy_n(luma.constData() + qsizetype(y) * size.width(), size.width(),
+                    raw.data() + qsizetype(top + y) * canvas.width());
+}
+
+QByteArray rawFrame(const TestClipSpec& spec, int number) {
+    const QSize canvas = canvasSize(spec);
+    const qsizetype area = qsizetype(canvas.width()) * canvas.height();
+    QByteArray raw(area * 3 / 2, char(128));
+    stackPicture(raw, canvas, spec.size, 0, {number, 0}, isFullRange(spec));
+    if (spec.videoStreams > 1)
+        stackPicture(raw, canvas, spec.secondSize, spec.size.height(), {number, 1}, isFullRange(spec));
+    return raw;
+}
+
+bool feedFrames(QProcess& ffmpeg, const TestClipSpec& spec) {
+    for (int number = 0; number < spec.frames; ++number) {
+        ffmpeg.write(rawFrame(spec, number));
+        while (ffmpeg.bytesToWrite() > 0)
+            if (!ffmpeg.waitForBytesWritten(kProcessTimeoutMs))
+                return false;
+    }
+    ffmpeg.closeWriteChannel();
+    return ffmpeg.waitForFinished(kProcessTimeoutMs) && ffmpeg.exitStatus() == QProcess::NormalExit &&
+           ffmpeg.exitCode() == 0;
+}
+
+bool appendTrailer(const QString& path, const QByteArray& trailer) {
+    QFile file(path);
+    return trailer.isEmpty() || (file.open(QIODevice::Append) && file.write(trailer) == trailer.size());
+}
+
+bool makeClipFile(const TestClipSpec& spec, const QString& path) {
+    QProcess ffmpeg;
+    ffmpeg.start(QStringLiteral("ffmpeg"), ffmpegArguments(spec) + QStringList{path});
+    if (ffmpeg.waitForStarted(kProcessTimeoutMs) && feedFrames(ffmpeg, spec))
+        return appendTrailer(path, spec.trailer);
+    qWarning("ffmpeg: %s %s", qPrintable(ffmpeg.errorString()), ffmpeg.readAllStandardError().constData());
+    return false;
+}
+
+QString clipFolder() {
+    const QString folder = qEnvironmentVariable("QL240_TEST_CLIPS", QStringLiteral(QL240_TEST_CLIPS_FOLDER));
+    return QDir().mkpath(folder) ? folder : QString();
+}
+
+QString clipName(const TestClipSpec& spec) {
+    QCryptographicHash hash(QCryptographicHash::Sha1);
+    hash.addData(kPatternVersion);
+    hash.addData(QByteArray::number(spec.frames));
+    hash.addData(ffmpegArguments(spec).join(QLatin1Char('\n')).toUtf8());
+    hash.addData(spec.trailer);
+    const bool avi = spec.container == TestClipSpec::Container::Avi;
+    return QString::fromLatin1(hash.result().toHex().first(16)) + QLatin1String(avi ? ".avi" : ".mp4");
+}
+
+} // namespace
+
+TestClipSpec aviTestClip() {
+    TestClipSpec spec;
+    spec.container = TestClipSpec::Container::Avi;
+    spec.codec = TestClipSpec::Codec::MotionJpeg;
+    spec.rate = 15;
+    return spec;
+}
+
+QString makeTestClip(const TestClipSpec& spec) {
+    const QDir folder(clipFolder());
+    const QString path = folder.absoluteFilePath(clipName(spec));
+    if (QFile::exists(path))
+        return path;
+    QTemporaryDir workshop(folder.absoluteFilePath(QStringLiteral("making-XXXXXX")));
+    const QString made = workshop.filePath(clipName(spec));
+    if (!workshop.isValid() || !makeClipFile(spec, made))
+        return {};
+    // Another test program may have been faster; its file is as good.
+    return QFile::rename(made, path) || QFile::exists(path) ? path : QString();
+}
+
+QList<std::chrono::nanoseconds> testClipFrameTimes(const TestClipSpec& spec) {
+    constexpr std::array<std::chrono::nanoseconds, 3> variable{0ms, 20ms, 60ms};
+    QList<std::chrono::nanoseconds> times;
+    for (int n = 0; n < spec.frames; ++n) {
+        std::chrono::nanoseconds time = std::chrono::nanoseconds(1s) * n / spec.rate;
+        if (spec.variableRate)
+            time = 150ms * (n / 3) + variable[size_t(n % 3)];
+        times.append(time + std::chrono::milliseconds(spec.firstTimeMs));
+    }
+    return times;
+}
+
+} // namespace ql240
