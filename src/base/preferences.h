@@ -1,0 +1,24 @@
+// The viewer's own preferences: three texts in an ini file of the user's (UTF-8). Every call opens the file
+// afresh, and a write is on disk when the call returns. Any thread may call, none is kept waiting for
+// another.
+#pragma once
+
+#include <QString>
+
+namespace ql240 {
+
+// <configuration folder>/QL240/local.ini; makes the folder where it is missing. Empty when it cannot be made.
+QString localIniPath();
+
+// Readers fill `value` and return true when the key is stored; otherwise they leave it alone and return
+// false. What is stored is handed out as it is, known value or not.
+bool readLanguage(QString& value);
+bool readSpeedUnit(QString& value);
+bool readLastFolder(QString& value);
+
+// Writers store nothing, silently, where the file cannot be written.
+void writeLanguage(const QString& value);
+void writeSpeedUnit(const QString& value);
+void writeLastFolder(const QString& value);
+
+} // namespace ql240

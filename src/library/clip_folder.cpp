@@ -1,0 +1,64 @@
+#include "library/clip_folder.h"
+
+#include <QDirIterator>
+#include <algorithm>
+
+#include "library/clip.h"
+
+namespace ql240 {
+namespace {
+
+std::vector<std::unique_ptr<Clip>>& retiredClips() {
+    static std::vector<std::unique_ptr<Clip>> clips;
+    return clips;
+}
+
+// Cheaper than the directory's own name filters, which run two regular expressions an entry.
+bool namedLikeRecording(const QString& fileName) {
+    return fileName.endsWith(QLatin1String(".mp4"), Qt::CaseInsensitive) ||
+           fileName.endsWith(QLatin1String(".avi"), Qt::CaseInsensitive);
+}
+
+} // namespace
+
+bool holdsRecordings(const QString& path) {
+    QDirIterator entries(path, QDir::AllEntries | QDir::NoDotAndDotDot);
+    while (entries.hasNext()) {
+        entries.next();
+        if (namedLikeRecording(entries.fileName()))
+            return true;
+    }
+    return false;
+}
+
+ClipFolder::ClipFolder(const QString& path) : m_path(path) {
+    if (!path.isEmpty())
+        scan();
+}
+
+void ClipFolder::scan() {
+    QDirIterator entries(m_path, QDir::Files);
+    while (entries.hasNext()) {
+        entries.next();
+        const QString name = entries.fileName();
+        if (!namedLikeRecording(name))
+            continue;
+        const QFileInfo file = entries.fileInfo();
+        // Asking for the size makes the record keep what the file system says now.
+        if (file.size() <= 0)
+            continue;
+        m_records.push_back(std::make_unique<Clip>(file));
+        m_clips.insert(name, m_records.back().get());
+    }
+}
+
+ClipFolder::~ClipFolder() {
+    auto& retired = retiredClips();
+    std::move(m_records.begin(), m_records.end(), std::back_inserter(retired));
+}
+
+void releaseRetiredClips(const Clip* held) {
+    std::erase_if(retiredClips(), [held](const auto& clip) { return clip.get() != held; });
+}
+
+} // namespace ql240

@@ -1,0 +1,15 @@
+#include "library/clip_name.h"
+
+namespace ql240 {
+
+QString clipDateText(const QString& fileName) {
+    QString text = fileName;
+    for (const char* part : {"REC_", "EVS_", ".mp4", "_"})
+        text.remove(QLatin1String(part));
+    // Inserting behind the end fills the gap with spaces.
+    text.insert(4, QLatin1Char('.'));
+    text.insert(7, QLatin1Char('.'));
+    return text.left(10);
+}
+
+} // namespace ql240

@@ -1,0 +1,20 @@
+// Access to the skin's pictures by their resource paths (":/gfx_r/…"). Interface thread only.
+#pragma once
+
+#include <QIcon>
+#include <QPixmap>
+#include <QString>
+
+namespace ql240 {
+
+// ":/gfx_r/2012/" + name + ".png"
+QString skinPath(const QString& name);
+
+// The picture at `path`, in its "@2x" form where a screen has more than one device pixel a pixel. Its size in
+// pixels of the interface is deviceIndependentSize(). Empty when there is no such picture.
+QPixmap skinPixmap(const QString& path);
+
+// The same as an icon; null when there is no such picture.
+QIcon skinIcon(const QString& path);
+
+} // namespace ql240

@@ -1,0 +1,183 @@
+#include "widgets/window_helper.h"
+
+#include <QGuiApplication>
+#include <QHoverEvent>
+#include <QMouseEvent>
+#include <QWidget>
+#include <QWindow>
+
+namespace ql240 {
+namespace {
+
+constexpr int kBorder = 5;
+constexpr Qt::WindowFlags kFrameless = Qt::FramelessWindowHint | Qt::CustomizeWindowHint;
+
+// A Wayland client can't place its own windows; the compositor moves them from the first movement on.
+bool compositorMoves() {
+    return QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
+}
+
+Qt::Edges resizeEdges(const EdgeFlags& edges) {
+    Qt::Edges result;
+    result.setFlag(Qt::LeftEdge, edges.left);
+    result.setFlag(Qt::RightEdge, edges.right && !edges.left);
+    result.setFlag(Qt::TopEdge, edges.top);
+    result.setFlag(Qt::BottomEdge, edges.bottom && !edges.top);
+    return result;
+}
+
+Qt::CursorShape resizeCursor(const EdgeFlags& edges) {
+    if (edges.topLeft || edges.bottomRight)
+        return Qt::SizeFDiagCursor;
+    if (edges.topRight || edges.bottomLeft)
+        return Qt::SizeBDiagCursor;
+    return edges.left || edges.right ? Qt::SizeHorCursor : Qt::SizeVerCursor;
+}
+
+} // namespace
+
+struct FlHlp::Record {
+    QWidget* window = nullptr;
+    bool dragging = false;
+    QPoint dragOffset;
+    EdgeFlags edges;
+    bool cursorChanged = false;
+    Qt::WindowFlags savedFlags;
+};
+
+EdgeFlags edgesAt(QPoint point, const QRect& frame) {
+    const int right = frame.left() + frame.width();
+    const int bottom = frame.top() + frame.height();
+    EdgeFlags edges;
+    edges.left = frame.left() <= point.x() && point.x() <= frame.left() + kBorder;
+    edges.right = right - kBorder <= point.x() && point.x() <= right;
+    edges.top = frame.top() <= point.y() && point.y() <= frame.top() + kBorder;
+    edges.bottom = bottom - kBorder <= point.y() && point.y() <= bottom;
+    edges.topLeft = edges.top && edges.left;
+    edges.bottomLeft = edges.bottom && edges.left;
+    edges.topRight = edges.top && edges.right;
+    edges.bottomRight = edges.bottom && edges.right;
+    edges.any = edges.left || edges.right || edges.top || edges.bottom;
+    return edges;
+}
+
+FlHlp::FlHlp(QObject* parent) : QObject(parent) {}
+
+FlHlp::~FlHlp() {
+    for (const auto& record : std::as_const(m_windows))
+        giveBack(*record);
+}
+
+void FlHlp::watchWindow(QWidget* window) {
+    if (!window || m_windows.contains(window))
+        return;
+    auto record = std::make_shared<Record>();
+    record->window = window;
+    record->savedFlags = window->windowFlags();
+    const bool visible = window->isVisible();
+    window->setMouseTracking(true);
+    window->setWindowFlags(kFrameless);
+    window->setAttribute(Qt::WA_Hover);
+    // Changing the flags has hidden the window.
+    window->setVisible(visible);
+    m_windows.insert(window, record);
+    window->installEventFilter(this);
+    connect(window, &QObject::destroyed, this, [this](QObject* gone) { m_windows.remove(gone); });
+}
+
+void FlHlp::giveBack(Record& record) {
+    QWidget& window = *record.window;
+    const bool visible = window.isVisible();
+    window.setMouseTracking(false);
+    window.setWindowFlags(record.savedFlags);
+    window.setAttribute(Qt::WA_Hover, false);
+    window.setVisible(visible);
+}
+
+bool FlHlp::eventFilter(QObject* object, QEvent* event) {
+    const auto record = m_windows.value(object);
+    if (!record)
+        return false;
+    switch (event->type()) {
+        case QEvent::MouseButtonPress:
+            press(*record, static_cast<QMouseEvent&>(*event));
+            break;
+        case QEvent::MouseMove:
+            drag(*record, static_cast<QMouseEvent&>(*event));
+            break;
+        case QEvent::MouseButtonRelease:
+            release(*record, static_cast<QMouseEvent&>(*event));
+            break;
+        case QEvent::Leave:
+            leave(*record);
+            break;
+        case QEvent::HoverMove:
+            if (!record->dragging)
+                showResizeCursor(*record, record->window->mapToGlobal(
+                                              static_cast<QHoverEvent*>(event)->position().toPoint()));
+            break;
+        default:
+            break;
+    }
+    return false;
+}
+
+void FlHlp::press(Record& record, const QMouseEvent& event) {
+    if (event.button() != Qt::LeftButton)
+        return;
+    const QPoint point = event.globalPosition().toPoint();
+    const QRect frame = record.window->frameGeometry();
+    record.dragging = true;
+    record.edges = edgesAt(point, frame);
+    record.dragOffset = point - frame.topLeft();
+}
+
+void FlHlp::drag(Record& record, const QMouseEvent& event) {
+    const QPoint point = event.globalPosition().toPoint();
+    if (!record.dragging) {
+        showResizeCursor(record, point);
+        return;
+    }
+    QWindow* handle = record.window->windowHandle();
+    if (m_resizable && record.edges.any) {
+        record.dragging = !(handle && handle->startSystemResize(resizeEdges(record.edges)));
+        return;
+    }
+    if (!m_movable || record.window->isFullScreen())
+        return;
+    if (compositorMoves() && handle && handle->startSystemMove()) {
+        // The compositor keeps the release to itself.
+        record.dragging = false;
+        return;
+    }
+    record.window->move(point - record.dragOffset);
+}
+
+void FlHlp::release(Record& record, const QMouseEvent& event) {
+    if (event.button() != Qt::LeftButton)
+        return;
+    record.dragging = false;
+    record.edges = {};
+}
+
+void FlHlp::leave(Record& record) {
+    if (record.dragging)
+        return;
+    record.window->unsetCursor();
+    record.cursorChanged = false;
+}
+
+void FlHlp::showResizeCursor(Record& record, QPoint point) {
+    if (!m_resizable)
+        return;
+    const EdgeFlags edges = edgesAt(point, record.window->frameGeometry());
+    if (edges.any) {
+        record.window->setCursor(resizeCursor(edges));
+        record.cursorChanged = true;
+    } else if (record.cursorChanged) {
+        record.window->unsetCursor();
+        record.cursorChanged = false;
+    }
+}
+
+} // namespace ql240
