@@ -1,0 +1,168 @@
+#include "platform/linux/udisks_drives.h"
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusObjectPath>
+#include <QDeadlineTimer>
+#include <QFile>
+#include <QMap>
+#include <QVariantMap>
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <vector>
+
+namespace ql240 {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kAnswerLimit = 500ms;
+
+using Interfaces = QMap<QString, QVariantMap>;
+using ManagedObjects = QMap<QString, Interfaces>;
+
+// A connection of its own for each question: the shared one of the process would outlive a restarted bus. It
+// is opened as to a peer and says hello itself, since that part of joining a bus otherwise blocks for 25 s on
+// a bus that accepts and then keeps silent.
+class BusConnection {
+public:
+    explicit BusConnection(QDeadlineTimer limit)
+        : m_limit(limit), m_name(uniqueName()), m_bus(QDBusConnection::connectToPeer(address(), m_name)) {}
+    ~BusConnection() { QDBusConnection::disconnectFromPeer(m_name); }
+    Q_DISABLE_COPY_MOVE(BusConnection)
+
+    bool join() {
+        if (!m_bus.isConnected())
+            return false;
+        const auto hello = QDBusMessage::createMethodCall(
+            QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+            QStringLiteral("org.freedesktop.DBus"), QStringLiteral("Hello"));
+        return ask(hello).type() == QDBusMessage::ReplyMessage;
+    }
+
+    QDBusMessage ask(const QDBusMessage& question) {
+        const auto left = int(std::max<qint64>(1, m_limit.remainingTime()));
+        return m_bus.call(question, QDBus::Block, left);
+    }
+
+private:
+    static QString address() {
+        const QString given = qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS");
+        return given.isEmpty() ? QStringLiteral("unix:path=/var/run/dbus/system_bus_socket") : given;
+    }
+
+    static QString uniqueName() {
+        static std::atomic<unsigned> count = 0;
+        return QStringLiteral("ql240-drives-%1").arg(++count);
+    }
+
+    QDeadlineTimer m_limit;
+    QString m_name;
+    QDBusConnection m_bus;
+};
+
+ManagedObjects managedObjects(const QDBusMessage& reply) {
+    ManagedObjects objects;
+    if (reply.signature() != QLatin1String("a{oa{sa{sv}}}"))
+        return objects;
+    const auto argument = reply.arguments().constFirst().value<QDBusArgument>();
+    argument.beginMap();
+    while (!argument.atEnd()) {
+        QDBusObjectPath path;
+        Interfaces interfaces;
+        argument.beginMapEntry();
+        argument >> path;
+        argument.beginMap();
+        while (!argument.atEnd()) {
+            QString name;
+            QVariantMap properties;
+            argument.beginMapEntry();
+            argument >> name >> properties;
+            argument.endMapEntry();
+            interfaces.insert(name, properties);
+        }
+        argument.endMap();
+        argument.endMapEntry();
+        objects.insert(path.path(), interfaces);
+    }
+    argument.endMap();
+    return objects;
+}
+
+// The service's byte strings end in a NUL.
+QByteArray byteString(QByteArray bytes) {
+    while (bytes.endsWith('\0'))
+        bytes.chop(1);
+    return bytes;
+}
+
+// The first mount point that is not the root folder (a card is never the system itself), without trailing
+// slash.
+QString mountPoint(const QVariant& value) {
+    const auto argument = value.value<QDBusArgument>();
+    if (argument.currentSignature() != QLatin1String("aay"))
+        return {};
+    QString found;
+    argument.beginArray();
+    while (!argument.atEnd()) {
+        QByteArray bytes;
+        argument >> bytes;
+        QString path = QFile::decodeName(byteString(bytes));
+        while (path.endsWith(u'/'))
+            path.chop(1);
+        if (found.isEmpty())
+            found = path;
+    }
+    argument.endArray();
+    return found;
+}
+
+bool isRemovable(const Interfaces& drive) {
+    const QVariantMap properties = drive.value(QStringLiteral("org.freedesktop.UDisks2.Drive"));
+    return properties.value(QStringLiteral("Removable")).toBool() ||
+           properties.value(QStringLiteral("MediaRemovable")).toBool();
+}
+
+struct Volume {
+    QByteArray device;
+    DriveInfo info;
+};
+
+QList<DriveInfo> removableVolumes(const ManagedObjects& objects) {
+    std::vector<Volume> volumes;
+    for (const Interfaces& object : objects) {
+        const QVariantMap block = object.value(QStringLiteral("org.freedesktop.UDisks2.Block"));
+        const auto drive = block.value(QStringLiteral("Drive")).value<QDBusObjectPath>().path();
+        if (!isRemovable(objects.value(drive)))
+            continue;
+        const QVariantMap fileSystem = object.value(QStringLiteral("org.freedesktop.UDisks2.Filesystem"));
+        const QString path = mountPoint(fileSystem.value(QStringLiteral("MountPoints")));
+        if (path.isEmpty())
+            continue;
+        volumes.push_back({byteString(block.value(QStringLiteral("Device")).toByteArray()),
+                           {path, block.value(QStringLiteral("IdLabel")).toString().toLocal8Bit(),
+                            block.value(QStringLiteral("IdType")).toString().toLocal8Bit()}});
+    }
+    std::stable_sort(volumes.begin(), volumes.end(),
+                     [](const Volume& a, const Volume& b) { return a.device < b.device; });
+    QList<DriveInfo> drives;
+    for (const Volume& volume : volumes)
+        drives.append(volume.info);
+    return drives;
+}
+
+} // namespace
+
+QList<DriveInfo> UDisksDrives::removableDrives() {
+    BusConnection bus{QDeadlineTimer(kAnswerLimit)};
+    if (!bus.join())
+        return {};
+    const auto question = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.UDisks2"), QStringLiteral("/org/freedesktop/UDisks2"),
+        QStringLiteral("org.freedesktop.DBus.ObjectManager"), QStringLiteral("GetManagedObjects"));
+    return removableVolumes(managedObjects(bus.ask(question)));
+}
+
+} // namespace ql240

@@ -1,0 +1,13 @@
+// Removable volumes over the UDisks2 service on the system bus (address from DBUS_SYSTEM_BUS_ADDRESS).
+#pragma once
+
+#include "platform/drives.h"
+
+namespace ql240 {
+
+class UDisksDrives : public Drives {
+public:
+    QList<DriveInfo> removableDrives() override;
+};
+
+} // namespace ql240

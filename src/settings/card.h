@@ -1,0 +1,35 @@
+// The camera's card among the removable drives, and its version file. Nothing is cached: drives come and go.
+// A drive is named by its mount point without trailing slash. Names on the card are found without regard to
+// case, so that a copy on a case-sensitive file system serves as well. Everything here may block on a dying
+// card reader; see card_call.h. Any thread.
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <optional>
+
+#include "platform/drives.h"
+
+namespace ql240 {
+
+QList<DriveInfo> listRemovableDrives();
+
+// The last removable drive whose version file opens; empty when there is none.
+QString findCardDrive();
+
+// The drive's "setting" and "update" folder, in the spelling found on the drive; where none exists, as it
+// would be made.
+QString settingFolder(const QString& drive);
+QString updateFolder(const QString& drive);
+
+// The settings folder of the first removable drive that has one; empty when none has. Where the picture
+// adjustment comes from, which does not ask for a version file.
+QString firstSettingFolder();
+
+// The lines of "version.txt" in the update folder, joined by "\n" with none after the last. `openVersionText`
+// is nothing when the file does not open, `readVersionText` is empty then. Past its first MiB the file is not
+// read.
+std::optional<QString> openVersionText(const QString& updateFolder);
+QString readVersionText(const QString& updateFolder);
+
+} // namespace ql240

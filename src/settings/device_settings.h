@@ -1,0 +1,47 @@
+// The camera's settings on one card: a short-lived value made from the card's settings folder, changed, and
+// saved. Reading and saving block on the card (card_call.h bounds that); an object belongs to one thread at a
+// time.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include "settings/setting_values.h"
+
+namespace ql240 {
+
+class CardFiles;
+class CardFolder;
+CardFiles& systemCardFiles();
+
+class DeviceSettings : public SettingValues {
+public:
+    // The defaults and, unless the folder's name is empty, what "setting.dat" and then the byte files say.
+    explicit DeviceSettings(const QString& folder, CardFiles& files = systemCardFiles());
+
+    // "setting.dat"; false if it doesn't open.
+    bool loadText();
+    // The byte files; true only if both the brightness and the contrast file opened.
+    bool loadBytes();
+
+    void setTime(bool set, const QString& clockText);
+
+    // Writes the byte files and, if the clock is to be set, "settime.dat". Each file on the card is either as
+    // it was or new at every moment; one that can't be written is left out. The result says whether
+    // "settime.dat" opened.
+    bool save();
+
+    bool setsClock() const { return m_setsClock; }
+    const QString& clockText() const { return m_clockText; } // "yyyy-MM-dd-hh-mm-ss"
+    const QString& folder() const { return m_folder; }
+
+private:
+    CardFolder cardFolder() const;
+
+    bool m_setsClock = false;
+    QString m_clockText;
+    QString m_folder;
+    CardFiles* m_files;
+};
+
+} // namespace ql240
