@@ -1,6 +1,6 @@
-// The calling convention of the media pipeline: identifiers, status codes, reference-counted interfaces and the
-// handle that counts for its holder. A status is a 32-bit number, negative for failure. Reference counts may be
-// changed on any thread; everything else keeps to the threads that each interface names.
+// The calling convention of the media pipeline: identifiers, status codes, reference-counted interfaces and
+// the handle that counts for its holder. A status is a 32-bit number, negative for failure. Reference counts
+// may be changed on any thread; everything else keeps to the threads that each interface names.
 #pragma once
 
 #include <array>
@@ -13,7 +13,7 @@ namespace ql240 {
 using Status = std::int32_t;
 
 constexpr Status kStatusOk = 0;
-constexpr Status kStatusIntermediate = 0x00040237;  // a state change is under way
+constexpr Status kStatusIntermediate = 0x00040237; // a state change is under way
 constexpr Status kStatusFail = static_cast<Status>(0x80004005);
 constexpr Status kStatusNoInterface = static_cast<Status>(0x80004002);
 constexpr Status kStatusInvalidPointer = static_cast<Status>(0x80004003);
@@ -26,8 +26,12 @@ constexpr Status kStatusCannotConnect = static_cast<Status>(0x80040217);
 constexpr Status kStatusTypeNotAccepted = static_cast<Status>(0x8004022A);
 constexpr Status kStatusWrongState = static_cast<Status>(0x80040227);
 
-constexpr bool failed(Status status) { return status < 0; }
-constexpr bool succeeded(Status status) { return status >= 0; }
+constexpr bool failed(Status status) {
+    return status < 0;
+}
+constexpr bool succeeded(Status status) {
+    return status >= 0;
+}
 
 // A 128-bit identifier of a class, an interface or a media type.
 struct Guid {
@@ -49,7 +53,7 @@ constexpr std::uint32_t hexNumber(std::string_view digits) {
     return value;
 }
 
-}  // namespace detail
+} // namespace detail
 
 // Reads the registry form "{E436EBB5-524F-11CE-9F53-0020AF0BA770}".
 constexpr Guid guid(std::string_view text) {
@@ -58,7 +62,8 @@ constexpr Guid guid(std::string_view text) {
     result.data2 = static_cast<std::uint16_t>(detail::hexNumber(text.substr(10, 4)));
     result.data3 = static_cast<std::uint16_t>(detail::hexNumber(text.substr(15, 4)));
     for (std::size_t i = 0; i < 8; ++i)
-        result.data4[i] = static_cast<std::uint8_t>(detail::hexNumber(text.substr(20 + 2 * i + (i > 1 ? 1 : 0), 2)));
+        result.data4[i] =
+            static_cast<std::uint8_t>(detail::hexNumber(text.substr(20 + 2 * i + (i > 1 ? 1 : 0), 2)));
     return result;
 }
 
@@ -66,8 +71,8 @@ class IUnknown {
 public:
     static constexpr Guid kIid = guid("{00000000-0000-0000-C000-000000000046}");
 
-    // Hands out the interface `iid` of this object in *object, counted for the caller; kStatusNoInterface and a null
-    // *object if it has none.
+    // Hands out the interface `iid` of this object in *object, counted for the caller; kStatusNoInterface and
+    // a null *object if it has none.
     virtual Status QueryInterface(const Guid& iid, void** object) = 0;
     virtual std::uint32_t AddRef() = 0;
     virtual std::uint32_t Release() = 0;
@@ -122,4 +127,4 @@ private:
     T* m_object = nullptr;
 };
 
-}  // namespace ql240
+} // namespace ql240

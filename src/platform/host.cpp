@@ -7,4 +7,4 @@ Host& host() {
     return table;
 }
 
-}  // namespace ql240
+} // namespace ql240

@@ -1,6 +1,6 @@
-// What the host system gives the program, as one table of interfaces. `app/` fills it once at start-up, tests fill
-// it with fakes; everything else only reads it. Interface thread only. Pointers are not owned; an entry may be null
-// until the module behind it has been asked for.
+// What the host system gives the program, as one table of interfaces. `app/` fills it once at start-up, tests
+// fill it with fakes; everything else only reads it. Interface thread only. Pointers are not owned; an entry
+// may be null until the module behind it has been asked for.
 #pragma once
 
 namespace ql240 {
@@ -27,4 +27,4 @@ struct Host {
 
 Host& host();
 
-}  // namespace ql240
+} // namespace ql240

@@ -1,6 +1,6 @@
-// The media pipeline as the program sees it: a graph of filters joined pin to pin, its transport, the sample grabber
-// and the renderer's window. All calls on the interface thread, except the callbacks of ISampleGrabberCB, which come
-// on streaming threads. Media time is in units of 100 ns.
+// The media pipeline as the program sees it: a graph of filters joined pin to pin, its transport, the sample
+// grabber and the renderer's window. All calls on the interface thread, except the callbacks of
+// ISampleGrabberCB, which come on streaming threads. Media time is in units of 100 ns.
 #pragma once
 
 #include <cstdint>
@@ -44,8 +44,8 @@ public:
 class IEnumPins : public IUnknown {
 public:
     static constexpr Guid kIid = guid("{56A86892-0AD4-11CE-B03A-0020AF0BA770}");
-    // Puts up to `count` pins, counted for the caller, into `pins` and their number into *fetched. kStatusOk if all of
-    // them were there, a positive status if fewer were left.
+    // Puts up to `count` pins, counted for the caller, into `pins` and their number into *fetched. kStatusOk
+    // if all of them were there, a positive status if fewer were left.
     virtual Status Next(std::uint32_t count, IPin** pins, std::uint32_t* fetched) = 0;
 };
 
@@ -66,8 +66,8 @@ class ISampleGrabberCB : public IUnknown {
 public:
     static constexpr Guid kIid = guid("{0579154A-2B53-4994-B0D0-E773148EFF85}");
     virtual Status SampleCB(double sampleTime, void* sample) = 0;
-    // One decoded frame, in place: what is written into `buffer` (`length` bytes) is what goes on down the graph.
-    // `sampleTime` in seconds.
+    // One decoded frame, in place: what is written into `buffer` (`length` bytes) is what goes on down the
+    // graph. `sampleTime` in seconds.
     virtual Status BufferCB(double sampleTime, std::uint8_t* buffer, std::int32_t length) = 0;
 };
 
@@ -81,8 +81,8 @@ public:
     // After SetCallback(nullptr, …) has returned, no callback is under way and none will come.
     virtual Status SetCallback(ISampleGrabberCB* callback, GrabberCallback kind) = 0;
     virtual Status GetConnectedMediaType(MediaType* type) = 0;
-    // With a null `buffer`, puts the size in bytes of the kept frame into *size; else copies the kept frame, which
-    // must fit into *size bytes.
+    // With a null `buffer`, puts the size in bytes of the kept frame into *size; else copies the kept frame,
+    // which must fit into *size bytes.
     virtual Status GetCurrentBuffer(std::int32_t* size, std::uint8_t* buffer) = 0;
 };
 
@@ -93,7 +93,7 @@ public:
     virtual Status GetVideoSize(std::int32_t* width, std::int32_t* height) = 0;
 };
 
-constexpr std::uint32_t kWindowStyleChild = 0x46000000;  // child, clip siblings, clip children
+constexpr std::uint32_t kWindowStyleChild = 0x46000000; // child, clip siblings, clip children
 
 class IVideoWindow : public IUnknown {
 public:
@@ -103,7 +103,8 @@ public:
     virtual Status put_WindowStyle(std::uint32_t style) = 0;
     virtual Status put_MessageDrain(WindowToken drain) = 0;
     // Position and size in host pixels (device-independent, as the host's own geometry).
-    virtual Status SetWindowPosition(std::int32_t left, std::int32_t top, std::int32_t width, std::int32_t height) = 0;
+    virtual Status SetWindowPosition(std::int32_t left, std::int32_t top, std::int32_t width,
+                                     std::int32_t height) = 0;
     virtual Status put_Left(std::int32_t left) = 0;
     virtual Status put_Top(std::int32_t top) = 0;
     virtual Status put_Width(std::int32_t width) = 0;
@@ -128,7 +129,8 @@ enum class Positioning : std::uint32_t { None = 0, Absolute = 1 };
 class IMediaSeeking : public IUnknown {
 public:
     static constexpr Guid kIid = guid("{36B73880-C2C8-11CF-8B46-00805F6CEF60}");
-    // A current position before the start becomes the start, one at or past the end the last unit of the clip.
+    // A current position before the start becomes the start, one at or past the end the last unit of the
+    // clip.
     virtual Status SetPositions(std::int64_t* current, Positioning currentFlags, std::int64_t* stop,
                                 Positioning stopFlags) = 0;
     virtual Status GetPositions(std::int64_t* current, std::int64_t* stop) = 0;
@@ -152,4 +154,4 @@ public:
     virtual Status Render(IPin* output) = 0;
 };
 
-}  // namespace ql240
+} // namespace ql240

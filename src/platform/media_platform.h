@@ -1,4 +1,5 @@
-// The factory of the media pipeline: makes filters and graphs by class identifier. Owned by `app/`; interface thread.
+// The factory of the media pipeline: makes filters and graphs by class identifier. Owned by `app/`; interface
+// thread.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +21,7 @@ constexpr Guid kVideoRenderer = guid("{B87BEB7B-8D29-423F-AE4D-6582C10175AC}");
 constexpr Guid kAudioDecoder = guid("{2EEB4ADF-4578-4D10-BCA7-BB955F56320A}");
 constexpr Guid kAudioRenderer = guid("{79376820-07D0-11CF-A24D-0020AFD79767}");
 
-}  // namespace class_id
+} // namespace class_id
 
 enum class ClassContext : std::uint32_t { InprocServer = 0x1, All = 0x17 };
 
@@ -28,10 +29,10 @@ class MediaPlatform {
 public:
     virtual ~MediaPlatform() = default;
 
-    // Makes an object of the class and hands out its interface `iid` in *object, counted for the caller. Failure:
-    // kStatusClassNotRegistered, kStatusNoInterface; *object is null then.
-    virtual Status CoCreateInstance(const Guid& classId, IUnknown* outer, ClassContext context, const Guid& iid,
-                                    void** object) = 0;
+    // Makes an object of the class and hands out its interface `iid` in *object, counted for the caller.
+    // Failure: kStatusClassNotRegistered, kStatusNoInterface; *object is null then.
+    virtual Status CoCreateInstance(const Guid& classId, IUnknown* outer, ClassContext context,
+                                    const Guid& iid, void** object) = 0;
 
     // Loads what the first clip will need, on a thread of its own.
     virtual void warmUp() = 0;
@@ -40,4 +41,4 @@ public:
     virtual void setOutputVolume(std::uint16_t left, std::uint16_t right) = 0;
 };
 
-}  // namespace ql240
+} // namespace ql240

@@ -9,7 +9,7 @@ namespace {
 constexpr std::uint32_t kNoError = 0;
 constexpr std::uint32_t kBadDevice = 2;
 
-}  // namespace
+} // namespace
 
 std::uint32_t OutputVolume::waveOutGetVolume(std::uint32_t device, std::uint32_t* volume) {
     if (device != 0)
@@ -36,4 +36,4 @@ void OutputVolume::tell() const {
         m_listener(static_cast<std::uint16_t>(m_volume & 0xFFFF), static_cast<std::uint16_t>(m_volume >> 16));
 }
 
-}  // namespace ql240
+} // namespace ql240

@@ -1,5 +1,5 @@
-// The sound output's volume, process-wide. The low 16 bits are the left channel, the high 16 bits the right one,
-// 0 silent to 0xFFFF loudest. Interface thread.
+// The sound output's volume, process-wide. The low 16 bits are the left channel, the high 16 bits the right
+// one, 0 silent to 0xFFFF loudest. Interface thread.
 #pragma once
 
 #include <cstdint>
@@ -15,8 +15,8 @@ public:
     virtual std::uint32_t waveOutSetVolume(std::uint32_t device, std::uint32_t volume) = 0;
 };
 
-// The volume of the program's own clips. It outlives every clip and may be set before the media module is loaded: the
-// listener gets each new value, and the present one when it is set.
+// The volume of the program's own clips. It outlives every clip and may be set before the media module is
+// loaded: the listener gets each new value, and the present one when it is set.
 class OutputVolume final : public WaveOut {
 public:
     using Listener = std::function<void(std::uint16_t left, std::uint16_t right)>;
@@ -32,4 +32,4 @@ private:
     Listener m_listener;
 };
 
-}  // namespace ql240
+} // namespace ql240

@@ -37,4 +37,4 @@ void FrameAdjuster::remakeSavedFrame(std::size_t length, const QSize& frameSize)
     m_repeatNext = false;
 }
 
-}  // namespace ql240
+} // namespace ql240

@@ -1,6 +1,6 @@
-// The picture adjustment of one video stream: adjusts every other frame and repeats it over the one that follows, so
-// that it costs half of the frames' processing at half the frame rate. setAdjust on the interface thread, filter on the
-// stream's own streaming thread.
+// The picture adjustment of one video stream: adjusts every other frame and repeats it over the one that
+// follows, so that it costs half of the frames' processing at half the frame rate. setAdjust on the interface
+// thread, filter on the stream's own streaming thread.
 #pragma once
 
 #include <QSize>
@@ -33,4 +33,4 @@ private:
     QSize m_savedSize{-1, -1};
 };
 
-}  // namespace ql240
+} // namespace ql240

@@ -23,7 +23,7 @@ constexpr std::array kRenderer = {u"Video Renderer", u"Video Renderer 0003"};
 constexpr auto kAudioDecoder = u"Audio Decoder";
 constexpr auto kAudioRenderer = u"Default DirectSound Device";
 
-}  // namespace filter_name
+} // namespace filter_name
 
 namespace pin_name {
 
@@ -43,7 +43,7 @@ constexpr auto kConverterOut = u"XForm Out";
 constexpr auto kRendererIn = u"VMR Input0";
 constexpr auto kSoundIn = u"Audio Input pin (rendered)";
 
-}  // namespace pin_name
+} // namespace pin_name
 
 constexpr MediaType kGrabbedType{kMediaTypeVideo, kMediaSubtypeYuy2, Guid{}};
 
@@ -92,7 +92,7 @@ Status join(IGraphBuilder& graph, IBaseFilter& upstream, const char16_t* output,
     return join(graph, findPinByName(upstream, output), findPinByName(downstream, input));
 }
 
-}  // namespace
+} // namespace
 
 ComPtr<IPin> findPinByName(IBaseFilter& filter, std::u16string_view name, int skip) {
     ComPtr<IPin> found;
@@ -115,8 +115,8 @@ int countPinsByName(IBaseFilter& filter, std::u16string_view name) {
 
 Status GraphRecipe::addFilter(IGraphBuilder& graph, const Guid& classId, const char16_t* name,
                               ComPtr<IBaseFilter>& slot) {
-    const Status status = m_platform.CoCreateInstance(classId, nullptr, ClassContext::All, IBaseFilter::kIid,
-                                                      slot.putVoid());
+    const Status status =
+        m_platform.CoCreateInstance(classId, nullptr, ClassContext::All, IBaseFilter::kIid, slot.putVoid());
     return failed(status) ? status : graph.AddFilter(slot.get(), name);
 }
 
@@ -177,11 +177,13 @@ Status GraphRecipe::addMp4Filters(IGraphBuilder& graph) {
     for (auto& video : m_video)
         steps.then([&] { return addFilter(graph, class_id::kVideoDecoder, kVideoDecoder, video.decoder); });
     for (std::size_t i = 0; i < m_video.size(); ++i)
-        steps.then([&] { return addFilter(graph, class_id::kVideoRenderer, kRenderer[i], m_video[i].renderer); });
+        steps.then(
+            [&] { return addFilter(graph, class_id::kVideoRenderer, kRenderer[i], m_video[i].renderer); });
     for (int i = 0; i < kMaxStreams; ++i) {
         auto& converter = m_video[static_cast<std::size_t>(i)].converter;
-        steps.then([&] { return addGrabber(graph, i); })
-            .then([&] { return addFilter(graph, class_id::kColourConverter, kConverter, converter); });
+        steps.then([&] { return addGrabber(graph, i); }).then([&] {
+            return addFilter(graph, class_id::kColourConverter, kConverter, converter);
+        });
     }
     return steps.status();
 }
@@ -198,7 +200,9 @@ Status GraphRecipe::buildMp4(IGraphBuilder& graph, const std::u16string& path) {
         })
         .then([&] { return addMp4Filters(graph); })
         .then([&] { return join(graph, *m_splitter.get(), kMp4Sound, *m_audioDecoder.get(), kDecoderIn); })
-        .then([&] { return join(graph, *m_audioDecoder.get(), kDecoderOut, *m_audioRenderer.get(), kSoundIn); });
+        .then([&] {
+            return join(graph, *m_audioDecoder.get(), kDecoderOut, *m_audioRenderer.get(), kSoundIn);
+        });
     for (int i = 0; i < std::min(m_videoStreamCount, kMaxStreams); ++i)
         steps.then([&] { return joinVideoChain(graph, i, findPinByName(*m_splitter.get(), kMp4Video, i)); });
     return steps.status();
@@ -212,4 +216,4 @@ ComPtr<IBaseFilter> GraphRecipe::takeRenderer(int index) {
     return std::exchange(m_video[static_cast<std::size_t>(index)].renderer, nullptr);
 }
 
-}  // namespace ql240
+} // namespace ql240

@@ -1,6 +1,6 @@
-// The two recipes by which a clip's filter graph is built: every filter made by class identifier, added under a fixed
-// name and joined by pin names. Lives inside one Player::open; the graph keeps the filters alive afterwards.
-// Interface thread.
+// The two recipes by which a clip's filter graph is built: every filter made by class identifier, added under
+// a fixed name and joined by pin names. Lives inside one Player::open; the graph keeps the filters alive
+// afterwards. Interface thread.
 #pragma once
 
 #include <array>
@@ -19,8 +19,8 @@ public:
 
     explicit GraphRecipe(MediaPlatform& platform) : m_platform(platform) {}
 
-    // Both fill the empty `graph` for the clip file `path` and return the status of the first step that fails; filters
-    // added before it stay in the graph.
+    // Both fill the empty `graph` for the clip file `path` and return the status of the first step that
+    // fails; filters added before it stay in the graph.
     Status buildAvi(IGraphBuilder& graph, const std::u16string& path);
     Status buildMp4(IGraphBuilder& graph, const std::u16string& path);
 
@@ -39,7 +39,8 @@ private:
         ComPtr<IBaseFilter> renderer;
     };
 
-    Status addFilter(IGraphBuilder& graph, const Guid& classId, const char16_t* name, ComPtr<IBaseFilter>& slot);
+    Status addFilter(IGraphBuilder& graph, const Guid& classId, const char16_t* name,
+                     ComPtr<IBaseFilter>& slot);
     Status addSource(IGraphBuilder& graph, const std::u16string& path);
     Status addGrabber(IGraphBuilder& graph, int index);
     Status addMp4Filters(IGraphBuilder& graph);
@@ -54,9 +55,9 @@ private:
     int m_videoStreamCount = 0;
 };
 
-// The pin of the `skip`+1-th match of `name`, letters compared without regard to case, in the filter's own order; null
-// if there is none.
+// The pin of the `skip`+1-th match of `name`, letters compared without regard to case, in the filter's own
+// order; null if there is none.
 ComPtr<IPin> findPinByName(IBaseFilter& filter, std::u16string_view name, int skip = 0);
 int countPinsByName(IBaseFilter& filter, std::u16string_view name);
 
-}  // namespace ql240
+} // namespace ql240

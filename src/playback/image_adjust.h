@@ -1,5 +1,5 @@
-// Arithmetic on YUY2 frames: 2 bytes a pixel in groups Y0 U Y1 V, rows without padding. Integer BT.601, studio range.
-// Any thread.
+// Arithmetic on YUY2 frames: 2 bytes a pixel in groups Y0 U Y1 V, rows without padding. Integer BT.601,
+// studio range. Any thread.
 #pragma once
 
 #include <cstddef>
@@ -8,8 +8,8 @@
 namespace ql240 {
 
 struct ImageAdjust {
-    std::int32_t brightness = 0;  // added to the scaled luma
-    std::int32_t contrast = 100;  // percent
+    std::int32_t brightness = 0; // added to the scaled luma
+    std::int32_t contrast = 100; // percent
     constexpr bool isNeutral() const { return brightness == 0 && contrast == 100; }
 };
 
@@ -20,12 +20,12 @@ struct Rgb {
 // Luma scaling: trunc((y - 16) * contrast / 100) + brightness.
 std::int32_t scaledLuma(std::uint8_t y, const ImageAdjust& adjust);
 
-// Applies brightness and contrast in place to length / 4 pixel pairs; up to 3 bytes at the end stay as they are. Uses
-// the processor's vector instructions where it has them; every result is that of adjustYuy2Scalar.
+// Applies brightness and contrast in place to length / 4 pixel pairs; up to 3 bytes at the end stay as they
+// are. Uses the processor's vector instructions where it has them; every result is that of adjustYuy2Scalar.
 void adjustYuy2(std::uint8_t* yuy2, std::size_t length, const ImageAdjust& adjust);
 void adjustYuy2Scalar(std::uint8_t* yuy2, std::size_t length, const ImageAdjust& adjust);
 
 // Writes 3 bytes a pixel (R, G, B) for `pairs` pixel pairs, neutral adjustment.
 void yuy2ToRgb(const std::uint8_t* yuy2, std::size_t pairs, std::uint8_t* rgb);
 
-}  // namespace ql240
+} // namespace ql240

@@ -35,8 +35,8 @@ bool isMp4Name(const QString& fileName) {
 ComPtr<IGraphBuilder> newGraph(MediaPlatform* platform) {
     ComPtr<IGraphBuilder> graph;
     if (platform)
-        platform->CoCreateInstance(class_id::kFilterGraph, nullptr, ClassContext::InprocServer, IGraphBuilder::kIid,
-                                   graph.putVoid());
+        platform->CoCreateInstance(class_id::kFilterGraph, nullptr, ClassContext::InprocServer,
+                                   IGraphBuilder::kIid, graph.putVoid());
     return graph;
 }
 
@@ -53,7 +53,7 @@ ComPtr<Interface> of(const ComPtr<IBaseFilter>& filter) {
     return filter.as<Interface>();
 }
 
-}  // namespace
+} // namespace
 
 std::int32_t Player::videoStreamCount = 0;
 
@@ -194,8 +194,8 @@ bool Player::stop() {
 }
 
 bool Player::setPosition(std::int64_t units) {
-    return succeeded(m_graph.as<IMediaSeeking>()->SetPositions(&units, Positioning::Absolute, nullptr,
-                                                               Positioning::None));
+    return succeeded(
+        m_graph.as<IMediaSeeking>()->SetPositions(&units, Positioning::Absolute, nullptr, Positioning::None));
 }
 
 bool Player::rewind() {
@@ -319,4 +319,4 @@ bool Player::hideWindow(int index) {
     return shown && succeeded(shown->put_Visible(false));
 }
 
-}  // namespace ql240
+} // namespace ql240

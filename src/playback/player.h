@@ -1,5 +1,6 @@
-// The playback engine of one clip at a time: owns the clip's filter graph and drives it. Positions and durations in
-// whole milliseconds. Interface thread; the frames go through the SampleHandlers on streaming threads.
+// The playback engine of one clip at a time: owns the clip's filter graph and drives it. Positions and
+// durations in whole milliseconds. Interface thread; the frames go through the SampleHandlers on streaming
+// threads.
 #pragma once
 
 #include <QImage>
@@ -21,7 +22,7 @@ class SampleHandler;
 class Player {
 public:
     static constexpr int kStreams = 2;
-    static constexpr std::int64_t kStep = 666666;  // 1/15 s in units of 100 ns
+    static constexpr std::int64_t kStep = 666666; // 1/15 s in units of 100 ns
     using Handlers = std::array<SampleHandler*, kStreams>;
 
     // Number of video streams of the last clip opened in this process, 1 or 2; 0 before the first.
@@ -44,7 +45,7 @@ public:
     bool stepForward();
     bool stepBack();
     bool seek(std::int32_t ms);
-    Status setRate(double rate);  // -1 while closed
+    Status setRate(double rate); // -1 while closed
 
     std::int64_t positionMs() const;
     std::int64_t durationMs() const;
@@ -55,8 +56,8 @@ public:
     // Native frame size; 0 x 0 while closed or unknown. Any thread.
     QSize videoSize(int index) const;
 
-    // The stream's frame as 24-bit RGB. With `grab`, first takes the last decoded frame; a null image where there is
-    // none or where its rows are padded.
+    // The stream's frame as 24-bit RGB. With `grab`, first takes the last decoded frame; a null image where
+    // there is none or where its rows are padded.
     const QImage& frame(int index, bool grab);
 
     // The renderer's window inside the host; `rect` in host coordinates.
@@ -88,8 +89,9 @@ private:
     const Clip* m_clip = nullptr;
     std::uint32_t m_state = 0;
 
-    // Written by the interface thread, read by streaming threads: width in the high half, height in the low one.
+    // Written by the interface thread, read by streaming threads: width in the high half, height in the low
+    // one.
     std::array<std::atomic<std::uint64_t>, kStreams> m_videoSize{};
 };
 
-}  // namespace ql240
+} // namespace ql240

@@ -18,4 +18,4 @@ Status SampleHandler::BufferCB(double sampleTime, std::uint8_t* buffer, std::int
     return kStatusOk;
 }
 
-}  // namespace ql240
+} // namespace ql240

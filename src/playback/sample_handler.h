@@ -1,5 +1,5 @@
-// The way of decoded frames from a sample grabber to the view that filters them. The handler is called on streaming
-// threads; it is owned by the view and not reference-counted.
+// The way of decoded frames from a sample grabber to the view that filters them. The handler is called on
+// streaming threads; it is owned by the view and not reference-counted.
 #pragma once
 
 #include <cstdint>
@@ -10,9 +10,10 @@ namespace ql240 {
 
 class SampleFilter {
 public:
-    // One decoded YUY2 frame of stream `index`, writable in place, `length` bytes, at `sampleTime` seconds. Streaming
-    // thread.
-    virtual void filterSample(std::int32_t index, double sampleTime, std::uint8_t* buffer, std::int32_t length) = 0;
+    // One decoded YUY2 frame of stream `index`, writable in place, `length` bytes, at `sampleTime` seconds.
+    // Streaming thread.
+    virtual void filterSample(std::int32_t index, double sampleTime, std::uint8_t* buffer,
+                              std::int32_t length) = 0;
 
 protected:
     ~SampleFilter() = default;
@@ -34,4 +35,4 @@ private:
     std::int32_t m_index = -1;
 };
 
-}  // namespace ql240
+} // namespace ql240

@@ -18,10 +18,10 @@ constexpr float kMaxZoom = 4.0F;
 constexpr int kDragThreshold = 3;
 constexpr int kPanSlack = 50;
 
-}  // namespace
+} // namespace
 
-// The ratio is a float, its rounding to hundredths is done in double and stored as a float again: exact ratios depend
-// on it.
+// The ratio is a float, its rounding to hundredths is done in double and stored as a float again: exact
+// ratios depend on it.
 QRect fittedRect(const QSize& view, const QSize& frame) {
     const auto viewWidth = static_cast<float>(view.width());
     const auto frameWidth = static_cast<float>(frame.width());
@@ -39,7 +39,9 @@ QRect fittedRect(const QSize& view, const QSize& frame) {
 }
 
 VideoView::VideoView(QWidget* parent)
-    : QLabel(parent), m_background(skinPixmap(":/gfx_r/2012/screen.png")), m_player(std::make_unique<Player>()) {
+    : QLabel(parent),
+      m_background(skinPixmap(":/gfx_r/2012/screen.png")),
+      m_player(std::make_unique<Player>()) {
     for (int i = 0; i < Player::kStreams; ++i) {
         const auto at = static_cast<std::size_t>(i);
         m_handlers[at] = std::make_unique<SampleHandler>(this);
@@ -110,7 +112,8 @@ void VideoView::zoomStep(int step) {
         return static_cast<int>(-0.5 * (zoomed - static_cast<float>(nominal)));
     };
     const Target target = zoomTarget();
-    target.player->resizeWindow(token(), static_cast<int>(zoomedWidth), static_cast<int>(zoomedHeight), target.second);
+    target.player->resizeWindow(token(), static_cast<int>(zoomedWidth), static_cast<int>(zoomedHeight),
+                                target.second);
     target.player->moveWindow(token(), centred(zoomedWidth, m_nominalSize.width()),
                               centred(zoomedHeight, m_nominalSize.height()), target.second);
     setFocus();
@@ -176,7 +179,8 @@ void VideoView::filterSample(std::int32_t index, double, std::uint8_t* buffer, s
     bringBackHidden();
 }
 
-// A hidden picture comes back with the next decoded frame. Streaming thread; the layout is the interface thread's.
+// A hidden picture comes back with the next decoded frame. Streaming thread; the layout is the interface
+// thread's.
 void VideoView::bringBackHidden() {
     const bool first = !m_showStream[0].exchange(true);
     const bool second = m_hasSecondPlayer && !m_showStream[1].exchange(true);
@@ -214,4 +218,4 @@ void VideoView::hideEvent(QHideEvent* event) {
         m_secondPlayer->hideWindow(1);
 }
 
-}  // namespace ql240
+} // namespace ql240

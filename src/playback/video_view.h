@@ -1,5 +1,5 @@
-// The widget that shows video: fits, zooms and pans the renderer's window inside itself and adjusts every decoded
-// frame. Owns its Player. Interface thread, but for filterSample, which streaming threads call.
+// The widget that shows video: fits, zooms and pans the renderer's window inside itself and adjusts every
+// decoded frame. Owns its Player. Interface thread, but for filterSample, which streaming threads call.
 #pragma once
 
 #include <QLabel>
@@ -30,15 +30,16 @@ public:
     void setFrameSize(const QSize& size) { m_frameSize = size; }
     void setImageAdjust(std::int32_t brightness, std::int32_t contrast);
     void setVideoVisible(bool on);
-    void zoomStep(int step);  // +1 in, -1 out, 0 fit
-    void layoutVideo();       // fits the picture
+    void zoomStep(int step); // +1 in, -1 out, 0 fit
+    void layoutVideo();      // fits the picture
     void setZoomWinMode(bool on) { m_zoomWinMode = on; }
     void setSelected(bool on);
 
     float zoom() const { return m_zoom; }
     int heightForWidth(int width) const override { return width / 2; }
 
-    void filterSample(std::int32_t index, double sampleTime, std::uint8_t* buffer, std::int32_t length) override;
+    void filterSample(std::int32_t index, double sampleTime, std::uint8_t* buffer,
+                      std::int32_t length) override;
 
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -88,8 +89,8 @@ private:
     std::array<std::unique_ptr<FrameAdjuster>, Player::kStreams> m_adjusters;
 };
 
-// Where a picture of `frame` pixels goes in a view of `view` pixels: only side margins are ever made, the picture takes
-// the full height. A null rectangle if the frame has no width.
+// Where a picture of `frame` pixels goes in a view of `view` pixels: only side margins are ever made, the
+// picture takes the full height. A null rectangle if the frame has no width.
 QRect fittedRect(const QSize& view, const QSize& frame);
 
-}  // namespace ql240
+} // namespace ql240

@@ -25,7 +25,7 @@ std::uint32_t encodedVolume(int level) {
     return channel | channel << 16;
 }
 
-}  // namespace
+} // namespace
 
 WidgetVolume::WidgetVolume(QWidget* parent)
     : QWidget(parent),
@@ -67,4 +67,4 @@ void WidgetVolume::paintEvent(QPaintEvent*) {
         painter.drawPixmap(QRect(1 + kSegmentWidth * i, 1, kSegmentWidth, kSegmentHeight), m_segment);
 }
 
-}  // namespace ql240
+} // namespace ql240

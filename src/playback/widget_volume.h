@@ -1,5 +1,5 @@
-// The volume gauge: ten segments that show and set the program's sound volume. Enabled means that the sound is on.
-// Interface thread.
+// The volume gauge: ten segments that show and set the program's sound volume. Enabled means that the sound
+// is on. Interface thread.
 #pragma once
 
 #include <QPixmap>
@@ -31,4 +31,4 @@ private:
     int m_level = kMaxLevel;
 };
 
-}  // namespace ql240
+} // namespace ql240

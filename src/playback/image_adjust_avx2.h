@@ -1,0 +1,18 @@
+// The picture adjustment of YUY2 frames for processors with AVX2; compiled for them, called only on them. Any
+// thread.
+#pragma once
+
+#include "playback/image_adjust.h"
+
+namespace ql240 {
+
+// Within these bounds every intermediate value of the vector code fits its lane.
+constexpr bool fitsAvx2(const ImageAdjust& adjust) {
+    return adjust.contrast >= 0 && adjust.contrast <= 170 && adjust.brightness >= -1000 &&
+           adjust.brightness <= 1000;
+}
+
+// Adjusts the whole blocks of 32 bytes and returns how many bytes it has done.
+std::size_t adjustYuy2Avx2(std::uint8_t* yuy2, std::size_t length, const ImageAdjust& adjust);
+
+} // namespace ql240
