@@ -1,0 +1,69 @@
+// Paints the dashboard panel from plain values. Interface thread only; coordinates are those of
+// panel_layout.h.
+#pragma once
+
+#include <QFont>
+#include <QPixmap>
+#include <QString>
+#include <array>
+
+#include "sensors/panel_layout.h"
+#include "sensors/sensor_track.h"
+
+class QPainter;
+
+namespace ql240 {
+
+struct PanelImages {
+    QPixmap speedDial;
+    QPixmap gpsLamp;
+    QPixmap kmLabel;
+    QPixmap mphLabel;
+    QPixmap shockGauge;
+    QPixmap earthGauge;
+    QPixmap playTimeLabel;
+    QPixmap modelLabel;
+    QPixmap dateLabel;
+    QPixmap thumb;
+    std::array<QPixmap, panel::kSegmentCount> segments;
+    std::array<QPixmap, panel::kDigitCount> digits;
+};
+
+PanelImages loadPanelImages();
+
+struct PanelState {
+    QSize size = panel::kSize;
+    bool enabled = true; // the gauges show
+    bool hasFix = false;
+    bool kilometres = true;
+    qint32 speedKmh = 0;
+    qint32 progressMaximum = 0;
+    qint32 progressValue = 0;
+    qint16 accX = 0;
+    qint16 accY = 0;
+    qint16 accZ = 0;
+    double latitude = 0.0;
+    double longitude = 0.0;
+    QString timeText;
+    QString modelText;
+    QString dateText;
+};
+
+// "mm:ss/mm:ss" of two times in ms; minutes go on past 59.
+QString progressText(qint32 valueMs, qint32 maximumMs);
+
+// A raw acceleration in g as shown, three significant digits.
+QString accelerationText(qint16 raw);
+
+// A degree as shown, six significant digits; empty for 0.
+QString degreeText(double degrees);
+
+// The accelerations of a whole track over the strip, one line a sample and axis.
+void paintTrace(QPainter& painter, const SensorTrack& track, int width);
+
+// Everything else, in two steps because the trace lies between them: what is under it, then the cursor and
+// texts.
+void paintInstruments(QPainter& painter, const PanelImages& images, const PanelState& state);
+void paintReadings(QPainter& painter, const PanelImages& images, const PanelState& state);
+
+} // namespace ql240

@@ -1,0 +1,262 @@
+#include "sensors/widget_progress.h"
+
+#include <QDate>
+#include <QMouseEvent>
+#include <QPainter>
+
+#include "platform/host.h"
+#include "settings/card.h"
+#include "widgets/fonts.h"
+
+namespace ql240 {
+namespace {
+
+constexpr int kRepaintMs = 2000;
+constexpr int kModelLength = 5;
+
+QPoint placeOf(const QMouseEvent* event) {
+    return event->position().toPoint();
+}
+bool isInStrip(QPoint place) {
+    return place.y() <= panel::kStripBottom;
+}
+
+} // namespace
+
+WidgetProgressA::WidgetProgressA(QWidget* parent)
+    : QWidget(parent),
+      m_timeText(progressText(0, 0)),
+      m_modelText(QStringLiteral("unknown")),
+      m_images(loadPanelImages()),
+      m_repaintTimer(this) {
+    resize(panel::kSize);
+    setFont(uiFont(panel::kFontPoints));
+    connect(&m_repaintTimer, &QTimer::timeout, this, &WidgetProgressA::OnTimeoutAnimation);
+    loadCardModel();
+}
+
+void WidgetProgressA::setRange(qint32 minimum, qint32 maximum) {
+    if (minimum > maximum || (minimum == m_minimum && maximum == m_maximum)) {
+        return;
+    }
+    m_minimum = minimum;
+    m_maximum = maximum;
+    rebuildTimeText();
+    m_textForced = true;
+}
+
+void WidgetProgressA::setValue(qint32 value) {
+    if (!m_textForced && (value == m_value || value < m_minimum || value > m_maximum)) {
+        return;
+    }
+    m_value = value;
+    rebuildTimeText();
+    update();
+}
+
+void WidgetProgressA::setDateText(const QString& text) {
+    m_dateText = text;
+}
+
+void WidgetProgressA::setClipPath(const QString& path) {
+    m_clipPath = path;
+    loadCardModel();
+}
+
+void WidgetProgressA::setActive(bool on) {
+    setEnabled(on);
+    setAnimating(on);
+    if (!on) {
+        zeroReadings();
+    }
+}
+
+void WidgetProgressA::setAnimating(bool on) {
+    if (on) {
+        m_repaintTimer.start(kRepaintMs);
+    } else {
+        m_repaintTimer.stop();
+    }
+}
+
+void WidgetProgressA::resetIndicators() {
+    m_repaintTimer.stop();
+    setSpeed(0);
+    if (m_hasFix) {
+        m_hasFix = false;
+        update();
+    }
+}
+
+void WidgetProgressA::setSpeed(qint32 kmh) {
+    if (kmh != m_speed) {
+        m_speed = kmh;
+        update();
+    }
+}
+
+void WidgetProgressA::setKilometres(bool on) {
+    if (on != m_kilometres) {
+        m_kilometres = on;
+        update();
+    }
+}
+
+void WidgetProgressA::loadSensorData(qint64 durationMs) {
+    if (!m_clipPath.isEmpty()) {
+        appendTrack(durationMs);
+        m_trace = QPixmap();
+    }
+}
+
+void WidgetProgressA::appendTrack(qint64 durationMs) {
+    if (appendTrailer(m_track, m_clipPath, durationMs)) {
+        m_loaded = true;
+        return;
+    }
+    zeroReadings();
+    SensorLibrary* library = host().sensorLibrary;
+    m_loaded = library != nullptr && appendLibrarySamples(m_track, *library, m_clipPath);
+}
+
+void WidgetProgressA::clearSensorData() {
+    m_track.clear();
+    m_trace = QPixmap();
+    m_maximum = -1;
+    m_value = -1;
+    update();
+}
+
+SensorSample WidgetProgressA::sampleAt(qint32 timeMs) {
+    if (!m_loaded) {
+        return {};
+    }
+    const SensorSample sample = sampleForTime(m_track, timeMs);
+    m_latitude = sample.latitude;
+    m_longitude = sample.longitude;
+    m_accX = sample.accX;
+    m_accY = sample.accY;
+    m_accZ = sample.accZ;
+    if (sample.hasPosition() != m_hasFix) {
+        m_hasFix = sample.hasPosition();
+        update();
+    }
+    return sample;
+}
+
+PanelState WidgetProgressA::state() const {
+    const QString today = QDate::currentDate().toString(QStringLiteral("yyyy.MM.dd"));
+    return {.size = size(),
+            .enabled = isEnabled(),
+            .hasFix = m_hasFix,
+            .kilometres = m_kilometres,
+            .speedKmh = m_speed,
+            .progressMaximum = m_maximum,
+            .progressValue = m_value,
+            .accX = m_accX,
+            .accY = m_accY,
+            .accZ = m_accZ,
+            .latitude = m_latitude,
+            .longitude = m_longitude,
+            .timeText = m_timeText,
+            .modelText = m_modelText,
+            .dateText = m_dateText.isEmpty() ? today : m_dateText};
+}
+
+void WidgetProgressA::mousePressEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton) {
+        event->ignore();
+    } else if (!isInStrip(placeOf(event))) {
+        QWidget::mousePressEvent(event);
+    } else if (panel::seekArea(rect()).contains(placeOf(event))) {
+        m_dragging = true;
+        update();
+        event->accept();
+    } else {
+        event->ignore();
+    }
+}
+
+void WidgetProgressA::mouseMoveEvent(QMouseEvent* event) {
+    if (!m_dragging) {
+        event->ignore();
+    } else if (!isInStrip(placeOf(event))) {
+        QWidget::mouseMoveEvent(event);
+    } else if (panel::seekArea(rect()).contains(placeOf(event))) {
+        update();
+        event->accept();
+    } else {
+        event->ignore();
+    }
+}
+
+void WidgetProgressA::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton || !m_dragging) {
+        event->ignore();
+        return;
+    }
+    if (!isInStrip(placeOf(event))) {
+        QWidget::mouseReleaseEvent(event);
+        return;
+    }
+    m_dragging = false;
+    if (!panel::seekArea(rect()).contains(placeOf(event))) {
+        event->ignore();
+        return;
+    }
+    event->accept();
+    Q_EMIT clicked(panel::seekTarget(placeOf(event).x(), m_minimum, m_maximum, width()));
+}
+
+void WidgetProgressA::OnTimeoutAnimation() {
+    update();
+}
+
+void WidgetProgressA::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const PanelState shown = state();
+    paintInstruments(painter, m_images, shown);
+    painter.drawPixmap(0, 0, trace());
+    paintReadings(painter, m_images, shown);
+    m_textForced = false;
+}
+
+// The last drive that has a version file decides.
+void WidgetProgressA::loadCardModel() {
+    for (const DriveInfo& drive : listRemovableDrives()) {
+        if (const std::optional<QString> text = openVersionText(updateFolder(drive.drive))) {
+            setModelFromVersion(*text);
+        }
+    }
+}
+
+void WidgetProgressA::setModelFromVersion(const QString& versionText) {
+    m_modelText = versionText.left(kModelLength);
+}
+
+void WidgetProgressA::rebuildTimeText() {
+    m_timeText = progressText(m_value, m_maximum);
+}
+
+void WidgetProgressA::zeroReadings() {
+    m_latitude = 0.0;
+    m_longitude = 0.0;
+    m_accX = 0;
+    m_accY = 0;
+    m_accZ = 0;
+}
+
+const QPixmap& WidgetProgressA::trace() {
+    const double ratio = devicePixelRatioF();
+    const QSize wanted = (QSizeF(width(), panel::kStripBottom + 1) * ratio).toSize();
+    if (m_trace.size() != wanted || m_trace.devicePixelRatio() != ratio) {
+        m_trace = QPixmap(wanted);
+        m_trace.setDevicePixelRatio(ratio);
+        m_trace.fill(Qt::transparent);
+        QPainter painter(&m_trace);
+        paintTrace(painter, m_track, width());
+    }
+    return m_trace;
+}
+
+} // namespace ql240

@@ -1,0 +1,93 @@
+// The dashboard panel under the video: speedometer, readings, the clip's acceleration trace and, over it, the
+// progress strip. It owns the sensor track of the clip being played. The main window feeds it; interface
+// thread only. Times in ms, speeds in km/h.
+#pragma once
+
+#include <QTimer>
+#include <QWidget>
+
+#include "sensors/panel_painting.h"
+
+namespace ql240 {
+
+class WidgetProgressA : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit WidgetProgressA(QWidget* parent = nullptr);
+
+    // Ignored when minimum > maximum. A change lets the next setValue through whatever its value.
+    void setRange(qint32 minimum, qint32 maximum);
+    void setValue(qint32 value);
+    void setDateText(const QString& text);
+    void setClipPath(const QString& path);
+
+    // On: enabled and repainted every two seconds; off: disabled, and the readings go back to zero.
+    void setActive(bool on);
+    void setAnimating(bool on);
+    void resetIndicators();
+
+    qint32 speed() const { return m_speed; }
+    void setSpeed(qint32 kmh);
+    bool kilometres() const { return m_kilometres; }
+    void setKilometres(bool on);
+
+    // The track: a load appends to it, from the trailer of the clip or through the sensor library.
+    void loadSensorData(qint64 durationMs);
+    void clearSensorData();
+    // The sample at a playback position; its values become the ones shown, except for the speed.
+    SensorSample sampleAt(qint32 timeMs);
+    const SensorTrack& sensorTrack() const { return m_track; }
+
+    // What the panel shows at the moment.
+    PanelState state() const;
+
+    // Public, since the main window hands its own events on.
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+
+Q_SIGNALS:
+    void clicked(int timeMs);
+
+public Q_SLOTS:
+    void OnTimeoutAnimation();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void loadCardModel();
+    void setModelFromVersion(const QString& versionText);
+    void rebuildTimeText();
+    void zeroReadings();
+    void appendTrack(qint64 durationMs);
+    const QPixmap& trace();
+
+    bool m_loaded = false;
+    qint32 m_minimum = 0;
+    qint32 m_maximum = 0;
+    qint32 m_value = 0;
+    qint16 m_accX = 0;
+    qint16 m_accY = 0;
+    qint16 m_accZ = 0;
+    double m_latitude = 0.0;
+    double m_longitude = 0.0;
+    QString m_timeText;
+    QString m_modelText;
+    QString m_dateText;
+    QString m_clipPath;
+    bool m_textForced = false;
+    bool m_dragging = false;
+    SensorTrack m_track;
+    PanelImages m_images;
+    QTimer m_repaintTimer;
+    bool m_kilometres = true;
+    bool m_hasFix = false;
+    qint32 m_speed = 0;
+
+    // The trace of the whole track, drawn once for this track, size and device ratio.
+    QPixmap m_trace;
+};
+
+} // namespace ql240
