@@ -1,0 +1,27 @@
+// The parts of the program that are shared objects of their own because what they link is slow to load: each
+// is loaded when it is first asked for. Interface thread only.
+#pragma once
+
+#include <QtCore/QString>
+
+namespace ql240 {
+
+class MediaPlatform;
+class WebPages;
+
+// Says where the modules are. Until then nothing is loaded, so that tests run against what they put into the
+// host table and nothing else.
+void setModuleFolder(const QString& path);
+
+// The folder of the modules that belong to a program in `programFolder`: in the build tree as installed,
+// lib/ql240 beside the program's own folder.
+QString moduleFolderOf(const QString& programFolder);
+
+// The host table's entry; when it is empty, it is filled from the module first. Null when the module is
+// missing or doesn't load; that is tried once.
+WebPages* requireWebPages();
+
+// Deletes what the modules made, before the application object goes. Whatever came from them must be gone.
+void releaseModules();
+
+} // namespace ql240
