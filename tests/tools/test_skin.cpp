@@ -1,0 +1,138 @@
+// The pictures as the program gets them: all there, of the sizes that the windows count on, and telling their
+// looks.
+#include <QtTest>
+#include <cmath>
+
+class TestSkin : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void hasPictures_data();
+    void hasPictures();
+    void hasIcons_data();
+    void hasIcons();
+    void looksDifferInLightness_data();
+    void looksDifferInLightness();
+    void segmentsFillTheirPictures();
+};
+
+namespace {
+
+QImage picture(const QString& name) {
+    return QImage(QStringLiteral(":/gfx_r/2012/%1.png").arg(name));
+}
+
+// Perceived lightness, 0 to 100 (CIE 1976 L*), of a colour over the window's ground.
+double lightness(QRgb pixel) {
+    const auto channel = [&](int value) {
+        const double over = (value * qAlpha(pixel) + 9.0 * (255 - qAlpha(pixel))) / 255 / 255;
+        return over <= 0.04045 ? over / 12.92 : std::pow((over + 0.055) / 1.055, 2.4);
+    };
+    const double luminance =
+        0.2126 * channel(qRed(pixel)) + 0.7152 * channel(qGreen(pixel)) + 0.0722 * channel(qBlue(pixel));
+    return luminance > 0.008856 ? 116 * std::cbrt(luminance) - 16 : 903.3 * luminance;
+}
+
+// How far two looks of a control differ in lightness, root mean square over its pixels.
+double lightnessDifference(const QImage& a, const QImage& b) {
+    double sum = 0;
+    for (int y = 0; y < a.height(); ++y) {
+        for (int x = 0; x < a.width(); ++x) {
+            sum += std::pow(lightness(a.pixel(x, y)) - lightness(b.pixel(x, y)), 2);
+        }
+    }
+    return std::sqrt(sum / (a.width() * a.height()));
+}
+
+} // namespace
+
+void TestSkin::hasPictures_data() {
+    QTest::addColumn<QSize>("size");
+    const auto row = [](const char* name, int width, int height) {
+        QTest::newRow(name) << QSize(width, height);
+    };
+    row("main_viewer_bg", 1024, 645);
+    row("ql240_logo", 196, 22);
+    row("volume_bar", 52, 9);
+    row("volume_level", 5, 7);
+    row("speed_meter1", 184, 184);
+    row("shock_gage2", 131, 131);
+    row("earth2", 131, 131);
+    row("gps_on", 43, 43);
+    row("km", 24, 13);
+    row("mph", 36, 13);
+    row("playtime", 82, 16);
+    row("model", 82, 29);
+    row("date", 82, 30);
+    row("progress_bar", 10, 33);
+    row("0", 20, 23);
+    row("9", 20, 23);
+    row("s1", 20, 31);
+    row("s24", 31, 16);
+}
+
+void TestSkin::hasPictures() {
+    QFETCH(QSize, size);
+    const QString name = QString::fromLatin1(QTest::currentDataTag());
+    QCOMPARE(picture(name).size(), size);
+    QCOMPARE(picture(name + QStringLiteral("@2x")).size(), size * 2);
+}
+
+void TestSkin::hasIcons_data() {
+    QTest::addColumn<int>("edge");
+    QTest::newRow(":/gfx_r/2012/ico_16.ico") << 16;
+    QTest::newRow(":/gfx_r/2012/ico_64.ico") << 64;
+    QTest::newRow(":/gfx_r/2012/ico_128.ico") << 128;
+    QTest::newRow(":/gfx_r/2012/ico_256.ico") << 256;
+    QTest::newRow(":/gfx_r/icon/ico_256.ico") << 256;
+}
+
+void TestSkin::hasIcons() {
+    QFETCH(int, edge);
+    const QImage icon(QString::fromLatin1(QTest::currentDataTag()));
+    QCOMPARE(icon.size(), QSize(edge, edge));
+    QCOMPARE(qAlpha(icon.pixel(0, 0)), 0);
+    QCOMPARE(qAlpha(icon.pixel(edge / 2, edge / 2)), 255);
+}
+
+void TestSkin::looksDifferInLightness_data() {
+    QTest::addColumn<QString>("stem");
+    for (const char* stem : {"play_", "pause", "stop_", "pre_file_", "rw_", "fw_", "next_file_", "zoom_in_",
+                             "zoom_out_", "original_screen_", "pan_", "volume", "setting_", "snapshot_",
+                             "print_", "close_", "exit_", "file_open_", "folder_open_"}) {
+        QTest::newRow(stem) << QString::fromLatin1(stem);
+    }
+}
+
+void TestSkin::looksDifferInLightness() {
+    QFETCH(QString, stem);
+    QList<QImage> looks;
+    for (int look = 1; look <= 3; ++look) {
+        looks << picture(stem + QString::number(look));
+        QVERIFY(!looks.back().isNull());
+        QCOMPARE(looks.back().size(), looks.front().size());
+    }
+    // Eight steps of lightness over the whole picture are seen at a glance.
+    QVERIFY(lightnessDifference(looks[0], looks[1]) > 8);
+    QVERIFY(lightnessDifference(looks[0], looks[2]) > 8);
+    QVERIFY(lightnessDifference(looks[1], looks[2]) > 8);
+}
+
+// A segment that missed its picture's place would be cut off or leave it empty.
+void TestSkin::segmentsFillTheirPictures() {
+    for (int index = 1; index <= 24; ++index) {
+        const QImage segment = picture(QStringLiteral("s%1").arg(index));
+        QRect lit;
+        for (int y = 0; y < segment.height(); ++y) {
+            for (int x = 0; x < segment.width(); ++x) {
+                if (qAlpha(segment.pixel(x, y)) > 128) {
+                    lit |= QRect(x, y, 1, 1);
+                }
+            }
+        }
+        QVERIFY2(lit.width() >= segment.width() - 5 && lit.height() >= segment.height() - 5,
+                 qPrintable(QString::number(index)));
+    }
+}
+
+QTEST_MAIN(TestSkin)
+#include "test_skin.moc"

@@ -1,0 +1,103 @@
+#include "skin_writer.h"
+
+#include <QBuffer>
+#include <QDataStream>
+#include <QFile>
+#include <QFileInfo>
+#include <QPainter>
+
+#include "shapes.h"
+
+namespace ql240::skin {
+namespace {
+
+QByteArray pngBytes(const QImage& image) {
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "PNG", 0); // quality 0: strongest compression
+    return bytes;
+}
+
+// An icon file that holds one PNG: a directory of one entry of 16 bytes after a header of 6.
+QByteArray icoBytes(const QImage& image) {
+    const QByteArray png = pngBytes(image);
+    QByteArray bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    stream.setByteOrder(QDataStream::LittleEndian);
+    const auto edge = [](int pixels) { return static_cast<quint8>(pixels == 256 ? 0 : pixels); };
+    stream << quint16(0) << quint16(1) << quint16(1);
+    stream << edge(image.width()) << edge(image.height()) << quint8(0) << quint8(0) << quint16(1)
+           << quint16(32) << quint32(png.size()) << quint32(22);
+    stream.writeRawData(png.constData(), static_cast<int>(png.size()));
+    return bytes;
+}
+
+bool writeFile(const QString& path, const QByteArray& bytes, QString& error) {
+    QFile file(path);
+    if (!QDir().mkpath(QFileInfo(path).path()) || !file.open(QIODevice::WriteOnly) ||
+        file.write(bytes) != bytes.size() || !file.flush()) {
+        error = QStringLiteral("%1: %2").arg(path, file.errorString());
+        return false;
+    }
+    return true;
+}
+
+QByteArray resourceList(const QStringList& paths) {
+    QString list = QStringLiteral("<RCC>\n<qresource prefix=\"/\">\n");
+    for (const QString& path : paths) {
+        list += QStringLiteral("<file>%1</file>\n").arg(path);
+    }
+    return (list + QStringLiteral("</qresource>\n</RCC>\n")).toUtf8();
+}
+
+} // namespace
+
+QImage renderPicture(const Picture& picture, const Palette& palette, const QString& sourceFolder, int scale,
+                     QString& error) {
+    QImage image(picture.size * scale, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.scale(scale, scale);
+    Canvas canvas(painter, picture, palette, sourceFolder);
+    for (const Shape& shape : picture.shapes) {
+        const PaintFunction paint = findShape(shape.verb);
+        ShapeArguments arguments(shape, palette);
+        painter.save();
+        paint ? paint(canvas, arguments) : arguments.fail(QStringLiteral("no such shape"));
+        painter.restore();
+        if (!arguments.atEnd()) {
+            arguments.fail(QStringLiteral("too many arguments"));
+        }
+        if (!arguments.error().isEmpty()) {
+            error = arguments.error();
+            return {};
+        }
+    }
+    painter.end();
+    return image.convertToFormat(QImage::Format_ARGB32);
+}
+
+bool writeSkin(const PictureTable& table, const QString& sourceFolder, const QDir& output, QString& error) {
+    QStringList paths;
+    for (const Picture& picture : table.pictures) {
+        const bool isIcon = picture.path.endsWith(QLatin1String(".ico"));
+        for (int scale = 1; scale <= (isIcon ? 1 : 2); ++scale) {
+            const QImage image = renderPicture(picture, table.palette, sourceFolder, scale, error);
+            if (image.isNull()) {
+                return false;
+            }
+            QString path = QStringLiteral("gfx_r/") + picture.path;
+            if (scale == 2) {
+                path.replace(QLatin1String(".png"), QLatin1String("@2x.png"));
+            }
+            if (!writeFile(output.filePath(path), isIcon ? icoBytes(image) : pngBytes(image), error)) {
+                return false;
+            }
+            paths << path;
+        }
+    }
+    return writeFile(output.filePath(QStringLiteral("skin.qrc")), resourceList(paths), error);
+}
+
+} // namespace ql240::skin
