@@ -1,0 +1,13 @@
+// Addresses shown by whatever the desktop has for them.
+#pragma once
+
+#include "platform/url_opener.h"
+
+namespace ql240 {
+
+class DesktopUrlOpener : public UrlOpener {
+public:
+    bool openUrl(const QString& address) override;
+};
+
+} // namespace ql240

@@ -1,0 +1,52 @@
+#include "platform/linux/local_running_windows.h"
+
+#include <QFile>
+#include <QGuiApplication>
+#include <QStandardPaths>
+
+#include "platform/linux/window_socket.h"
+
+namespace ql240 {
+namespace {
+
+// Wayland desktops give the first, X11 desktops the second.
+constexpr const char* kTokenVariables[] = {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"};
+
+} // namespace
+
+LocalRunningWindows::LocalRunningWindows(const QString& folder) : m_folder(folder) {
+    for (const char* variable : kTokenVariables) {
+        if (m_token.isEmpty())
+            m_token = qgetenv(variable);
+    }
+}
+
+QString LocalRunningWindows::userFolder() {
+    return QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+}
+
+// "QL240 Viewer" → <folder>/ql240-viewer.sock
+QByteArray LocalRunningWindows::socketPath(const QString& title) const {
+    const QString name = title.toLower().replace(QLatin1Char(' '), QLatin1Char('-'));
+    return QFile::encodeName(m_folder + QLatin1Char('/') + name + QStringLiteral(".sock"));
+}
+
+std::unique_ptr<RunningWindow> LocalRunningWindows::findWindow(const QString& title) {
+    UniqueFd socket = WindowClient::connectTo(socketPath(title));
+    if (!socket.isValid())
+        return nullptr;
+    return std::make_unique<WindowClient>(std::move(socket), m_token);
+}
+
+std::shared_ptr<void> LocalRunningWindows::announceWindow(const QString& title, MessageHandler handler) {
+    auto server = std::make_shared<WindowServer>(socketPath(title), std::move(handler));
+    return server->isListening() ? server : nullptr;
+}
+
+void LocalRunningWindows::useActivationToken(const QByteArray& token) {
+    // The toolkit's Wayland side takes the token of its next activation from here.
+    if (!token.isEmpty() && QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
+        qputenv(kTokenVariables[0], token);
+}
+
+} // namespace ql240
