@@ -1,6 +1,7 @@
 #include "platform/modules.h"
 
 #include "platform/host.h"
+#include "platform/media_platform.h"
 #include "platform/web_engine_setup.h"
 #include "platform/web_pages.h"
 
@@ -8,6 +9,7 @@
 #include <QtCore/QLibrary>
 
 #include <memory>
+#include <utility>
 
 namespace ql240 {
 
@@ -37,6 +39,8 @@ struct Module {
 
 struct Modules {
     QString folder;
+    std::function<void(MediaPlatform&)> mediaLoaded;
+    Module<MediaPlatform> media{"libql240-media.so", kCreateMediaPlatform, false, nullptr};
     Module<WebPages> map{"libql240-map.so", kCreateWebPages, false, nullptr};
 };
 
@@ -55,6 +59,20 @@ QString moduleFolderOf(const QString& programFolder) {
     return QDir::cleanPath(programFolder + QLatin1String("/../lib/ql240"));
 }
 
+void setMediaLoadedHandler(std::function<void(MediaPlatform&)> handler) {
+    modules().mediaLoaded = std::move(handler);
+}
+
+MediaPlatform* requireMediaPlatform() {
+    Host& table = host();
+    if (!table.media) {
+        table.media = modules().media.require(modules().folder);
+        if (table.media && modules().mediaLoaded)
+            modules().mediaLoaded(*table.media);
+    }
+    return table.media;
+}
+
 WebPages* requireWebPages() {
     Host& table = host();
     if (!table.webPages && webEngineCanRun()) {
@@ -65,6 +83,9 @@ WebPages* requireWebPages() {
 }
 
 void releaseModules() {
+    if (host().media == modules().media.made.get())
+        host().media = nullptr;
+    modules().media.made.reset();
     if (host().webPages == modules().map.made.get())
         host().webPages = nullptr;
     modules().map.made.reset();

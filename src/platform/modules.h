@@ -4,6 +4,8 @@
 
 #include <QtCore/QString>
 
+#include <functional>
+
 namespace ql240 {
 
 class MediaPlatform;
@@ -17,9 +19,13 @@ void setModuleFolder(const QString& path);
 // lib/ql240 beside the program's own folder.
 QString moduleFolderOf(const QString& programFolder);
 
-// The host table's entry; when it is empty, it is filled from the module first. Null when the module is
-// missing or doesn't load; that is tried once.
+// The host table's entries; an empty one is filled from its module first. Null when the module is missing or
+// doesn't load; that is tried once.
+MediaPlatform* requireMediaPlatform();
 WebPages* requireWebPages();
+
+// Called once, when the media module has been loaded.
+void setMediaLoadedHandler(std::function<void(MediaPlatform&)> handler);
 
 // Deletes what the modules made, before the application object goes. Whatever came from them must be gone.
 void releaseModules();

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "library/clip.h"
-#include "platform/host.h"
 #include "platform/media_platform.h"
+#include "platform/modules.h"
 #include "playback/graph_recipe.h"
 #include "playback/image_adjust.h"
 #include "playback/sample_handler.h"
@@ -67,7 +67,7 @@ bool Player::open(const Clip* clip, const Handlers& handlers, WindowToken host) 
     if (!clip)
         return false;
     m_state = 0;
-    MediaPlatform* platform = ql240::host().media;
+    MediaPlatform* platform = requireMediaPlatform();
     m_graph = newGraph(platform);
     if (!m_graph)
         return false;

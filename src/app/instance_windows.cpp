@@ -1,0 +1,60 @@
+#include "app/instance_windows.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QWidget>
+
+#include "platform/host.h"
+#include "platform/running_windows.h"
+
+namespace ql240 {
+namespace {
+
+void bringToFront(QWidget* window) {
+    window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+    window->raise();
+    window->activateWindow();
+    // A dialog that keeps the window from input must not end up behind it.
+    QWidget* modal = QApplication::activeModalWidget();
+    if (modal && modal != window) {
+        modal->raise();
+        modal->activateWindow();
+    }
+}
+
+} // namespace
+
+InstanceWindows::InstanceWindows(const QStringList& titles) : m_titles(titles) {
+    qApp->installEventFilter(this);
+}
+
+bool InstanceWindows::eventFilter(QObject* object, QEvent* event) {
+    const QEvent::Type type = event->type();
+    if (type != QEvent::Show && type != QEvent::Hide)
+        return false;
+    auto* window = qobject_cast<QWidget*>(object);
+    // Hidden and shown by the window system (another desktop, minimised), it is still there.
+    if (!window || !window->isWindow() || event->spontaneous())
+        return false;
+    if (type == QEvent::Hide)
+        m_announced.remove(window);
+    else if (m_titles.contains(window->windowTitle()) && !m_announced.contains(window))
+        announce(window);
+    return false;
+}
+
+void InstanceWindows::announce(QWidget* window) {
+    auto announced = host().runningWindows->announceWindow(
+        window->windowTitle(), [window](int message, const QByteArray& token) {
+            if (message != kFocusMessage)
+                return;
+            host().runningWindows->useActivationToken(token);
+            bringToFront(window);
+        });
+    if (!announced)
+        return;
+    m_announced.insert(window, announced);
+    connect(window, &QObject::destroyed, this, [this](QObject* gone) { m_announced.remove(gone); });
+}
+
+} // namespace ql240

@@ -1,0 +1,34 @@
+// Fills the host table with what a Linux desktop offers, for as long as it lives. Made before the application
+// object, one in a process. Interface thread only.
+#pragma once
+
+#include "platform/linux/desktop_url_opener.h"
+#include "platform/linux/local_running_windows.h"
+#include "platform/linux/system_folder_dialogs.h"
+#include "platform/linux/udisks_drives.h"
+#include "platform/wave_out.h"
+
+namespace ql240 {
+
+class LinuxHost {
+public:
+    LinuxHost();
+    ~LinuxHost();
+    LinuxHost(const LinuxHost&) = delete;
+    LinuxHost& operator=(const LinuxHost&) = delete;
+
+    // False when there is no display to show a window on.
+    bool initialise();
+
+    // What needs the application object: where the modules are.
+    void enterApplication();
+
+private:
+    UDisksDrives m_drives;
+    SystemFolderDialogs m_folderDialogs;
+    LocalRunningWindows m_runningWindows;
+    DesktopUrlOpener m_urlOpener;
+    OutputVolume m_volume;
+};
+
+} // namespace ql240

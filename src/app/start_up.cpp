@@ -1,0 +1,94 @@
+#include "app/start_up.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <QLocale>
+#include <QSplashScreen>
+
+#include "app/instance_windows.h"
+#include "app/linux_host.h"
+#include "app/style.h"
+#include "base/language.h"
+#include "base/preferences.h"
+#include "mainwindow/main_window.h"
+#include "platform/host.h"
+#include "platform/modules.h"
+#include "platform/running_windows.h"
+#include "platform/web_engine_setup.h"
+#include "settings/config_window.h"
+#include "widgets/skin.h"
+
+namespace ql240 {
+namespace {
+
+constexpr int kNoPlatform = 1;
+constexpr int kHandedOver = 0;
+
+QString viewerTitle() {
+    return QStringLiteral("QL240 Viewer");
+}
+QString settingTitle() {
+    return QStringLiteral("QL240 Setting");
+}
+
+void chooseLanguage() {
+    QString code;
+    if (!readLanguage(code)) {
+        code = languageCodeFor(QLocale::system().language());
+        writeLanguage(code);
+    }
+    setCurrentLanguage(code);
+}
+
+bool handOver(const QString& title) {
+    const auto running = host().runningWindows->findWindow(title);
+    if (running)
+        running->sendMessage(kFocusMessage);
+    return running != nullptr;
+}
+
+int runViewer(QSplashScreen& splash) {
+    if (handOver(viewerTitle()))
+        return kHandedOver;
+    MainWindow window(nullptr, Qt::FramelessWindowHint);
+    window.setWindowTitle(QCoreApplication::translate("ql240::MainWindow", "QL240 Viewer"));
+    window.show();
+    QCoreApplication::processEvents();
+    splash.finish(&window);
+    return QCoreApplication::exec();
+}
+
+int runSettings() {
+    if (handOver(settingTitle()))
+        return kHandedOver;
+    ConfigWindow window;
+    window.show();
+    return QCoreApplication::exec();
+}
+
+} // namespace
+
+int startUp(int argc, char** argv) {
+    LinuxHost platform;
+    if (!platform.initialise())
+        return kNoPlatform;
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    prepareStyle();
+    prepareWebEngine();
+
+    QApplication application(argc, argv);
+    platform.enterApplication();
+    applyStyle();
+    QApplication::setWindowIcon(QIcon(skinPixmap(QStringLiteral(":/gfx_r/icon/ico_256.ico"))));
+    chooseLanguage();
+    QSplashScreen splash(skinPixmap(QStringLiteral(":gfx_r/splash/splash.png")));
+    splash.show();
+
+    InstanceWindows instances({viewerTitle(), settingTitle()});
+    // The toolkit has taken its own options out.
+    const int result = argc == 1 ? runViewer(splash) : runSettings();
+    releaseModules();
+    return result;
+}
+
+} // namespace ql240

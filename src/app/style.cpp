@@ -1,0 +1,45 @@
+#include "app/style.h"
+
+#include <QApplication>
+#include <QPalette>
+
+#include "widgets/fonts.h"
+
+namespace ql240 {
+namespace {
+
+constexpr QColor kWindow(9, 9, 9);
+constexpr QColor kField(7, 7, 7);
+constexpr QColor kRaised(38, 38, 37);
+constexpr QColor kText(220, 220, 220);
+constexpr QColor kFaint(120, 120, 120);
+constexpr QColor kSelection(46, 92, 138);
+
+QPalette darkPalette() {
+    QPalette palette(kText, kRaised, kText, kField, kFaint, kText, kText, kField, kWindow);
+    palette.setColor(QPalette::AlternateBase, kRaised);
+    palette.setColor(QPalette::ToolTipBase, kRaised);
+    palette.setColor(QPalette::ToolTipText, kText);
+    palette.setColor(QPalette::PlaceholderText, kFaint);
+    palette.setColor(QPalette::Highlight, kSelection);
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Link, QColor(110, 170, 230));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, kFaint);
+    return palette;
+}
+
+} // namespace
+
+void prepareStyle() {
+    if (!qEnvironmentVariableIsSet("QT_FONT_DPI"))
+        qputenv("QT_FONT_DPI", "96");
+}
+
+void applyStyle() {
+    QApplication::setStyle(QStringLiteral("Fusion"));
+    QApplication::setPalette(darkPalette());
+    installFontSubstitutes();
+}
+
+} // namespace ql240
