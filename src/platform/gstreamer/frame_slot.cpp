@@ -1,0 +1,101 @@
+#include "platform/gstreamer/frame_slot.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+
+#include <utility>
+
+namespace ql240::gstreamer {
+
+namespace {
+
+using SlotPointer = std::shared_ptr<FrameSlot>;
+
+} // namespace
+
+const int FrameSlot::kFrameReady = QEvent::registerEventType();
+
+void FrameSlot::connectTo(const SlotPointer& slot, GstAppSink* sink) {
+    GstAppSinkCallbacks callbacks{};
+    const auto pull = [](GstAppSink* from, gpointer user, GstSample* (*take)(GstAppSink*)) {
+        if (SampleHandle sample{take(from)})
+            (*static_cast<SlotPointer*>(user))->deliver(std::move(sample));
+        return GST_FLOW_OK;
+    };
+    static const auto pullAny = pull;
+    callbacks.new_preroll = [](GstAppSink* from, gpointer user) {
+        return pullAny(from, user, gst_app_sink_pull_preroll);
+    };
+    callbacks.new_sample = [](GstAppSink* from, gpointer user) {
+        return pullAny(from, user, gst_app_sink_pull_sample);
+    };
+    gst_app_sink_set_callbacks(sink, &callbacks, new SlotPointer(slot),
+                               [](gpointer user) { delete static_cast<SlotPointer*>(user); });
+}
+
+QSize FrameSlot::frameSize() const {
+    const std::scoped_lock lock(m_mutex);
+    return m_frameSize;
+}
+
+// Streaming thread. The first frame of a run comes twice, as preroll and as sample; its second coming
+// converts nothing.
+void FrameSlot::deliver(SampleHandle sample) {
+    const std::scoped_lock converting(m_convertMutex);
+    PictureTarget target;
+    {
+        const std::scoped_lock lock(m_mutex);
+        const bool again =
+            m_last && gst_sample_get_buffer(m_last.get()) == gst_sample_get_buffer(sample.get());
+        m_last = std::move(sample);
+        m_frameSize = FrameConverter::frameSize(m_last.get());
+        if (again || !m_window || m_target.visible.isEmpty())
+            return;
+        target = m_target;
+        sample.reset(gst_sample_ref(m_last.get()));
+    }
+    if (!m_converter.convert(sample.get(), target.size, target.visible, &m_back))
+        return;
+    const std::scoped_lock lock(m_mutex);
+    if (target == m_target && m_window)
+        tellWindow();
+}
+
+// With m_mutex and m_convertMutex held.
+void FrameSlot::tellWindow() {
+    std::swap(m_ready, m_back);
+    m_readyIsFresh = true;
+    if (!std::exchange(m_told, true))
+        QCoreApplication::postEvent(m_window, new QEvent(static_cast<QEvent::Type>(kFrameReady)));
+}
+
+void FrameSlot::setTarget(QObject* window, const PictureTarget& target) {
+    SampleHandle last;
+    {
+        const std::scoped_lock lock(m_mutex);
+        if (m_window == window && m_target == target)
+            return;
+        if (m_window != window)
+            m_told = false;
+        m_window = window;
+        m_target = target;
+        if (!m_last || !window || target.visible.isEmpty())
+            return;
+        last.reset(gst_sample_ref(m_last.get()));
+    }
+    const std::scoped_lock converting(m_convertMutex);
+    if (!m_converter.convert(last.get(), target.size, target.visible, &m_back))
+        return;
+    const std::scoped_lock lock(m_mutex);
+    tellWindow();
+}
+
+const QImage& FrameSlot::takePicture() {
+    const std::scoped_lock lock(m_mutex);
+    m_told = false;
+    if (std::exchange(m_readyIsFresh, false))
+        std::swap(m_front, m_ready);
+    return m_front;
+}
+
+} // namespace ql240::gstreamer

@@ -1,0 +1,260 @@
+#include "platform/gstreamer/graph.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+
+#include <algorithm>
+
+#include "platform/gstreamer/audio_filters.h"
+#include "platform/gstreamer/source_filters.h"
+#include "platform/gstreamer/video_filters.h"
+
+namespace ql240::gstreamer {
+
+namespace {
+
+const int kBusEvent = QEvent::registerEventType();
+
+Filter& asFilter(const ComPtr<IBaseFilter>& filter) {
+    return static_cast<Filter&>(*filter.get());
+}
+
+} // namespace
+
+Graph::Graph() : m_pipeline(GST_ELEMENT(gst_object_ref_sink(gst_pipeline_new(nullptr)))) {
+    m_bus.reset(gst_element_get_bus(m_pipeline.get()));
+    gst_element_set_state(m_pipeline.get(), GST_STATE_READY);
+}
+
+// The threads end before anything that they call goes.
+Graph::~Graph() {
+    gst_bus_set_sync_handler(m_bus.get(), nullptr, nullptr, nullptr);
+    gst_element_set_state(m_pipeline.get(), GST_STATE_NULL);
+    for (const auto& filter : m_filters)
+        asFilter(filter).leavePipeline();
+}
+
+Status Graph::AddFilter(IBaseFilter* filter, const char16_t*) {
+    if (!filter)
+        return kStatusInvalidPointer;
+    asFilter(m_filters.emplace_back(filter)).enterPipeline(m_pipeline.get());
+    return kStatusOk;
+}
+
+Status Graph::ConnectDirect(IPin* output, IPin* input, const MediaType*) {
+    if (!output || !input)
+        return kStatusInvalidPointer;
+    auto& from = static_cast<Pin&>(*output);
+    auto& to = static_cast<Pin&>(*input);
+    if (from.direction() != PinDirection::Output || to.direction() != PinDirection::Input)
+        return kStatusCannotConnect;
+    if (from.peer() || to.peer())
+        return kStatusAlreadyConnected;
+    return joinPins(from, to);
+}
+
+Status Graph::joinPins(Pin& output, Pin& input) {
+    const Status prepared = input.filter().prepareInput(input, output);
+    if (failed(prepared))
+        return prepared;
+    if (!output.pad() || !input.pad() || gst_pad_link(output.pad(), input.pad()) != GST_PAD_LINK_OK)
+        return kStatusCannotConnect;
+    Pin::join(output, input);
+    return input.filter().inputJoined(input);
+}
+
+Status Graph::Render(IPin* output) {
+    if (!output)
+        return kStatusInvalidPointer;
+    const ComPtr<IBaseFilter> decoder(new AudioDecoder);
+    const ComPtr<IBaseFilter> sound(new AudioRenderer);
+    AddFilter(decoder.get(), u"Audio Decoder");
+    AddFilter(sound.get(), u"Default DirectSound Device");
+    const Status decoded = ConnectDirect(output, asFilter(decoder).inputPin(), nullptr);
+    return failed(decoded)
+               ? decoded
+               : ConnectDirect(asFilter(decoder).outputPin(), asFilter(sound).inputPin(), nullptr);
+}
+
+// The filters from the source down to `sink`; empty if the source doesn't reach it.
+std::vector<Filter*> Graph::chainOf(Filter& sink) const {
+    std::vector<Filter*> chain{&sink};
+    while (!chain.back()->isSource()) {
+        const Pin* input = chain.back()->inputPin();
+        if (!input || !input->peer())
+            return {};
+        chain.push_back(&input->peer()->filter());
+    }
+    return chain;
+}
+
+// Elements that lie beside the way from the source to a sink would stop the preroll or the end of the stream.
+void Graph::dropIdleFilters() {
+    std::vector<Filter*> used;
+    for (const auto& filter : m_filters) {
+        if (!asFilter(filter).isSink())
+            continue;
+        const auto chain = chainOf(asFilter(filter));
+        used.insert(used.end(), chain.begin(), chain.end());
+    }
+    for (const auto& filter : m_filters) {
+        if (std::find(used.begin(), used.end(), &asFilter(filter)) == used.end())
+            asFilter(filter).leavePipeline();
+    }
+}
+
+void Graph::start() {
+    const auto isVideo = [](const ComPtr<IBaseFilter>& filter) {
+        return dynamic_cast<VideoDecoder*>(filter.get()) && asFilter(filter).inputPin()->peer();
+    };
+    const auto videoStreams = static_cast<int>(std::count_if(m_filters.begin(), m_filters.end(), isVideo));
+    dropIdleFilters();
+    gst_bus_set_sync_handler(m_bus.get(), messagePosted, this, nullptr);
+    m_transport->start([&] {
+        for (const auto& filter : m_filters)
+            asFilter(filter).beforeFirstRun(videoStreams);
+    });
+}
+
+Transport* Graph::transport() {
+    if (m_transport)
+        return m_transport.get();
+    Splitter* splitter = nullptr;
+    for (const auto& filter : m_filters) {
+        if (!asFilter(filter).isSink())
+            continue;
+        const auto chain = chainOf(asFilter(filter));
+        if (chain.size() > 1)
+            splitter = dynamic_cast<Splitter*>(chain[chain.size() - 2]);
+    }
+    if (splitter)
+        m_transport = std::make_unique<Transport>(m_pipeline.get(), *splitter);
+    return m_transport.get();
+}
+
+Status Graph::setState(GraphState state) {
+    drainBus();
+    if (!transport())
+        return kStatusFail;
+    if (!m_transport->isStarted()) {
+        if (state == GraphState::Stopped)
+            return kStatusOk;
+        start();
+    }
+    const bool accepted = m_transport->setState(state);
+    if (state != GraphState::Stopped)
+        m_transport->sendPending();
+    return accepted ? kStatusOk : kStatusFail;
+}
+
+Status Graph::Run() {
+    return setState(GraphState::Running);
+}
+
+Status Graph::Pause() {
+    return setState(GraphState::Paused);
+}
+
+Status Graph::Stop() {
+    return setState(GraphState::Stopped);
+}
+
+Status Graph::GetState(std::int32_t, GraphState* state) {
+    drainBus();
+    *state = m_transport ? m_transport->state() : GraphState::Stopped;
+    return !m_transport || m_transport->isSettled() ? kStatusOk : kStatusIntermediate;
+}
+
+Status Graph::SetPositions(std::int64_t* current, Positioning currentFlags, std::int64_t*,
+                           Positioning stopFlags) {
+    if (stopFlags != Positioning::None)
+        return kStatusInvalidArgument;
+    if (currentFlags == Positioning::None)
+        return kStatusOk;
+    drainBus();
+    if (!transport())
+        return kStatusFail;
+    m_transport->seek(*current);
+    return kStatusOk;
+}
+
+Status Graph::GetPositions(std::int64_t* current, std::int64_t* stop) {
+    const Status status = GetCurrentPosition(current);
+    return failed(status) ? status : GetStopPosition(stop);
+}
+
+Status Graph::GetCurrentPosition(std::int64_t* current) {
+    drainBus();
+    *current = transport() ? m_transport->position() : 0;
+    return m_transport ? kStatusOk : kStatusFail;
+}
+
+Status Graph::GetStopPosition(std::int64_t* stop) {
+    *stop = transport() ? m_transport->duration() : 0;
+    return m_transport ? kStatusOk : kStatusFail;
+}
+
+Status Graph::SetRate(double rate) {
+    drainBus();
+    return transport() && m_transport->setRate(rate) ? kStatusOk : kStatusInvalidArgument;
+}
+
+Status Graph::GetVideoSize(std::int32_t* width, std::int32_t* height) {
+    for (const auto& filter : m_filters) {
+        if (auto* renderer = dynamic_cast<VideoRenderer*>(filter.get()))
+            return renderer->GetVideoSize(width, height);
+    }
+    return kStatusNotConnected;
+}
+
+// Streaming thread. The bus keeps the message; the interface thread reads it when it next comes by, at the
+// latest when the event arrives.
+GstBusSyncReply Graph::messagePosted(GstBus*, GstMessage* message, gpointer self) {
+    constexpr auto kWanted = GST_MESSAGE_ASYNC_DONE | GST_MESSAGE_EOS | GST_MESSAGE_ERROR;
+    if (!(GST_MESSAGE_TYPE(message) & kWanted))
+        return GST_BUS_DROP;
+    QCoreApplication::postEvent(static_cast<Graph*>(self), new QEvent(static_cast<QEvent::Type>(kBusEvent)));
+    return GST_BUS_PASS;
+}
+
+bool Graph::event(QEvent* event) {
+    if (event->type() != kBusEvent)
+        return QObject::event(event);
+    drainBus();
+    return true;
+}
+
+void Graph::drainBus() {
+    if (!m_transport || !m_transport->isStarted())
+        return;
+    while (const MessageHandle message{gst_bus_pop(m_bus.get())}) {
+        if (AudioRenderer* sound = failedSound(message.get()))
+            dropSound(*sound);
+        else
+            m_transport->handle(message.get());
+    }
+}
+
+AudioRenderer* Graph::failedSound(GstMessage* message) const {
+    if (GST_MESSAGE_TYPE(message) != GST_MESSAGE_ERROR)
+        return nullptr;
+    for (const auto& filter : m_filters) {
+        auto* sound = dynamic_cast<AudioRenderer*>(filter.get());
+        if (sound && sound->contains(GST_MESSAGE_SRC(message)))
+            return sound;
+    }
+    return nullptr;
+}
+
+// A sound server that dies takes its stream with it, not the picture.
+void Graph::dropSound(AudioRenderer& sound) {
+    const auto chain = chainOf(sound);
+    for (Filter* filter : chain) {
+        if (filter->isSource() || dynamic_cast<Splitter*>(filter))
+            break;
+        filter->leavePipeline();
+    }
+    m_transport->restartStreams();
+}
+
+} // namespace ql240::gstreamer

@@ -1,0 +1,66 @@
+// A filter graph over one GStreamer pipeline. Interface thread; the pipeline's threads only wake it through
+// an event.
+#pragma once
+
+#include <QObject>
+
+#include <memory>
+#include <vector>
+
+#include "platform/gstreamer/com_object.h"
+#include "platform/gstreamer/gst_filter.h"
+#include "platform/gstreamer/transport.h"
+#include "platform/media_graph.h"
+
+namespace ql240::gstreamer {
+
+class AudioRenderer;
+class Splitter;
+
+class Graph final : public QObject,
+                    public ComObject<IGraphBuilder, IMediaControl, IMediaSeeking, IBasicVideo> {
+public:
+    Graph();
+    ~Graph() override;
+
+    Status AddFilter(IBaseFilter* filter, const char16_t* name) override;
+    Status ConnectDirect(IPin* output, IPin* input, const MediaType* type) override;
+    Status Render(IPin* output) override;
+
+    Status Run() override;
+    Status Pause() override;
+    Status Stop() override;
+    Status GetState(std::int32_t timeoutMs, GraphState* state) override;
+
+    Status SetPositions(std::int64_t* current, Positioning currentFlags, std::int64_t* stop,
+                        Positioning stopFlags) override;
+    Status GetPositions(std::int64_t* current, std::int64_t* stop) override;
+    Status GetCurrentPosition(std::int64_t* current) override;
+    Status GetStopPosition(std::int64_t* stop) override;
+    Status SetRate(double rate) override;
+
+    Status GetVideoSize(std::int32_t* width, std::int32_t* height) override;
+
+protected:
+    bool event(QEvent* event) override;
+
+private:
+    static GstBusSyncReply messagePosted(GstBus* bus, GstMessage* message, gpointer self);
+    Status joinPins(Pin& output, Pin& input);
+    Status setState(GraphState state);
+    // The transport, once something can play; null before and if nothing can.
+    Transport* transport();
+    void start();
+    std::vector<Filter*> chainOf(Filter& sink) const;
+    void dropIdleFilters();
+    void drainBus();
+    void dropSound(AudioRenderer& sound);
+    AudioRenderer* failedSound(GstMessage* message) const;
+
+    ElementHandle m_pipeline;
+    BusHandle m_bus;
+    std::vector<ComPtr<IBaseFilter>> m_filters;
+    std::unique_ptr<Transport> m_transport;
+};
+
+} // namespace ql240::gstreamer

@@ -1,0 +1,142 @@
+#include "platform/gstreamer/source_filters.h"
+
+#include <QFile>
+#include <QString>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace ql240::gstreamer {
+
+namespace {
+
+constexpr auto kPadsMessage = "ql240-pads";
+
+// Opening a FIFO would wait for a writer; a directory opens but can't be read.
+bool isReadableFile(const QByteArray& path) {
+    const int file = ::open(path.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (file < 0)
+        return false;
+    struct stat status {};
+    const bool regular = ::fstat(file, &status) == 0 && S_ISREG(status.st_mode);
+    ::close(file);
+    return regular;
+}
+
+GstPadProbeReturn holdBack(GstPad*, GstPadProbeInfo*, gpointer) {
+    return GST_PAD_PROBE_OK;
+}
+
+std::u16string pinName(Container container, GstPad* pad, std::size_t index) {
+    if (container == Container::Avi)
+        return QString::asprintf("Stream %02zu", index).toStdU16String();
+    const CapsHandle caps(gst_pad_get_current_caps(pad));
+    const QString type =
+        caps ? QString::fromLatin1(gst_structure_get_name(gst_caps_get_structure(caps.get(), 0))) : QString();
+    if (type.startsWith(QLatin1String("video/")) || type.startsWith(QLatin1String("image/")))
+        return u"vide";
+    return type.startsWith(QLatin1String("audio/")) ? u"soun" : u"other";
+}
+
+} // namespace
+
+FileSource::FileSource() {
+    if (GstElement* source = addElement("filesrc"))
+        addPin(u"Output", PinDirection::Output).setPad(staticPad(source, "src"));
+}
+
+Status FileSource::Load(const char16_t* path, const MediaType*) {
+    const QByteArray local = QFile::encodeName(QString::fromUtf16(path));
+    if (!isReadableFile(local))
+        return kStatusFileNotFound;
+    g_object_set(element(), "location", local.constData(), nullptr);
+    return kStatusOk;
+}
+
+Splitter::Splitter(Container container) : m_container(container) {
+    GstElement* demuxer = addElement(container == Container::Avi ? "avidemux" : "qtdemux");
+    if (!demuxer)
+        return;
+    addPin(container == Container::Avi ? u"Input pin" : u"Input", PinDirection::Input)
+        .setPad(staticPad(demuxer, "sink"));
+    g_signal_connect(demuxer, "pad-added", G_CALLBACK(padAdded), this);
+    g_signal_connect(demuxer, "no-more-pads", G_CALLBACK(noMorePads), this);
+}
+
+// The demuxer's thread must have ended before its streams go.
+Splitter::~Splitter() {
+    leavePipeline();
+}
+
+// Both on the demuxer's thread.
+void Splitter::padAdded(GstElement*, GstPad* pad, gpointer self) {
+    const gulong probe =
+        gst_pad_add_probe(pad, GST_PAD_PROBE_TYPE_BLOCK_DOWNSTREAM, holdBack, nullptr, nullptr);
+    auto* splitter = static_cast<Splitter*>(self);
+    const std::scoped_lock lock(splitter->m_mutex);
+    splitter->m_streams.push_back({share(pad), probe});
+}
+
+void Splitter::noMorePads(GstElement* demuxer, gpointer) {
+    gst_element_post_message(
+        demuxer, gst_message_new_application(GST_OBJECT(demuxer), gst_structure_new_empty(kPadsMessage)));
+}
+
+Status Splitter::inputJoined(Pin& input) {
+    GstElement* demuxer = elements().front().get();
+    auto* upstream = dynamic_cast<FileSource*>(&input.peer()->filter());
+    if (!upstream)
+        return kStatusCannotConnect;
+    gst_element_set_state(demuxer, GST_STATE_PAUSED);
+    gst_element_set_state(upstream->element(), GST_STATE_PAUSED);
+    if (!waitForPads())
+        return kStatusCannotConnect;
+    makeOutputPins();
+    return kStatusOk;
+}
+
+bool Splitter::waitForPads() {
+    const BusHandle bus(gst_element_get_bus(pipeline()));
+    const auto wanted =
+        static_cast<GstMessageType>(GST_MESSAGE_APPLICATION | GST_MESSAGE_ERROR | GST_MESSAGE_EOS);
+    const GstClockTime limit = static_cast<GstClockTime>(kTimeLimit.count()) * GST_MSECOND;
+    const MessageHandle message(gst_bus_timed_pop_filtered(bus.get(), limit, wanted));
+    return message && GST_MESSAGE_TYPE(message.get()) == GST_MESSAGE_APPLICATION;
+}
+
+void Splitter::makeOutputPins() {
+    const std::scoped_lock lock(m_mutex);
+    for (std::size_t i = 0; i < m_streams.size(); ++i) {
+        GstPad* pad = m_streams[i].pad.get();
+        addPin(pinName(m_container, pad, i), PinDirection::Output).setPad(share(pad));
+    }
+}
+
+void Splitter::beforeFirstRun(int) {
+    const std::scoped_lock lock(m_mutex);
+    for (const auto& stream : m_streams)
+        gst_pad_remove_probe(stream.pad.get(), stream.blockProbe);
+}
+
+std::int64_t Splitter::durationNs() const {
+    const std::scoped_lock lock(m_mutex);
+    gint64 longest = 0;
+    for (const auto& stream : m_streams) {
+        gint64 duration = 0;
+        if (gst_pad_query_duration(stream.pad.get(), GST_FORMAT_TIME, &duration))
+            longest = std::max(longest, duration);
+    }
+    return longest;
+}
+
+bool Splitter::sendSeek(GstEvent* event) const {
+    for (const auto& pin : pins()) {
+        if (pin->direction() == PinDirection::Output && gst_pad_is_linked(pin->pad()))
+            return gst_pad_send_event(pin->pad(), event);
+    }
+    gst_event_unref(event);
+    return false;
+}
+
+} // namespace ql240::gstreamer

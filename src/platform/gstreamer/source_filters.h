@@ -1,0 +1,58 @@
+// The filters at the head of a graph: the file and the splitter of its container.
+#pragma once
+
+#include <chrono>
+#include <mutex>
+
+#include "platform/gstreamer/gst_filter.h"
+
+namespace ql240::gstreamer {
+
+class FileSource final : public FilterWith<IFileSourceFilter> {
+public:
+    FileSource();
+
+    // Only regular files are opened.
+    Status Load(const char16_t* path, const MediaType* type) override;
+    bool isSource() const override { return true; }
+    GstElement* element() const { return elements().empty() ? nullptr : elements().front().get(); }
+};
+
+enum class Container { Avi, Mp4 };
+
+// Shows its output pins as soon as its input is joined: until the graph first runs, every stream is held back
+// at its pad.
+class Splitter final : public Filter {
+public:
+    explicit Splitter(Container container);
+    ~Splitter() override;
+
+    Status inputJoined(Pin& input) override;
+    void beforeFirstRun(int videoStreams) override;
+
+    // Clip duration in ns as the container tells it; 0 if it doesn't.
+    std::int64_t durationNs() const;
+    // Sends a seek to the demuxer; takes the event over.
+    bool sendSeek(GstEvent* event) const;
+
+private:
+    static constexpr std::chrono::milliseconds kTimeLimit{3000};
+
+    static void padAdded(GstElement* demuxer, GstPad* pad, gpointer self);
+    static void noMorePads(GstElement* demuxer, gpointer self);
+    bool waitForPads();
+    void makeOutputPins();
+
+    struct Stream {
+        PadHandle pad;
+        gulong blockProbe;
+    };
+
+    Container m_container;
+
+    // Filled by the demuxer's thread until it has no more pads.
+    mutable std::mutex m_mutex;
+    std::vector<Stream> m_streams;
+};
+
+} // namespace ql240::gstreamer

@@ -1,0 +1,173 @@
+#include "platform/gstreamer/transport.h"
+
+#include <algorithm>
+
+#include "platform/gstreamer/source_filters.h"
+
+namespace ql240::gstreamer {
+
+namespace {
+
+constexpr std::int64_t kNsPerUnit = 100;
+constexpr qint64 kPatienceMs = 3000; // a preroll that never comes doesn't hold later seeks for ever
+
+std::int64_t toUnits(std::int64_t ns) {
+    return (ns + kNsPerUnit / 2) / kNsPerUnit;
+}
+
+} // namespace
+
+Transport::Transport(GstElement* pipeline, const Splitter& splitter)
+    : m_pipeline(pipeline), m_splitter(splitter), m_duration(toUnits(splitter.durationNs())) {}
+
+std::int64_t Transport::clamped(std::int64_t target) const {
+    return std::clamp(target, std::int64_t{0}, std::max(std::int64_t{0}, m_duration - 1));
+}
+
+bool Transport::start(const std::function<void()>& release) {
+    // A target set before the first run goes straight to the demuxer, which waits at its pads.
+    if (m_pending && *m_pending > 0 && !sendSeek(*m_pending))
+        return false;
+    if (m_pending)
+        m_held = *m_pending;
+    m_pending.reset();
+    m_started = true;
+    m_state = GraphState::Paused;
+    const bool accepted = applyState();
+    release();
+    return accepted;
+}
+
+bool Transport::applyState() {
+    const GstState wanted = m_state == GraphState::Running ? GST_STATE_PLAYING : GST_STATE_PAUSED;
+    switch (gst_element_set_state(m_pipeline, wanted)) {
+        case GST_STATE_CHANGE_ASYNC:
+            m_inFlight = true;
+            m_inFlightSince.start();
+            return true;
+        case GST_STATE_CHANGE_FAILURE:
+            end();
+            return false;
+        default:
+            return true;
+    }
+}
+
+bool Transport::setState(GraphState state) {
+    if (m_state == state && state != GraphState::Stopped)
+        return true;
+    m_state = state;
+    if (state == GraphState::Stopped) {
+        m_pending = 0;
+        m_ended = false;
+    }
+    return applyState();
+}
+
+void Transport::seek(std::int64_t target) {
+    target = clamped(target);
+    m_ended = false;
+    const bool shown = !m_inFlight && m_held == target && m_state != GraphState::Running;
+    if (shown)
+        m_pending.reset();
+    else
+        m_pending = target;
+    sendPending();
+}
+
+void Transport::sendPending() {
+    if (!m_started || !m_pending || (m_inFlight && m_inFlightSince.elapsed() < kPatienceMs))
+        return;
+    const std::int64_t target = *m_pending;
+    m_pending.reset();
+    if (m_state != GraphState::Running && !m_inFlight && m_held == target)
+        return;
+    if (!sendSeek(target)) {
+        m_last = position();
+        return;
+    }
+    m_target = target;
+    m_held.reset();
+    m_inFlight = true;
+    m_inFlightSince.start();
+}
+
+bool Transport::sendSeek(std::int64_t target) {
+    const auto flags = static_cast<GstSeekFlags>(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_ACCURATE);
+    return m_splitter.sendSeek(gst_event_new_seek(m_rate, GST_FORMAT_TIME, flags, GST_SEEK_TYPE_SET,
+                                                  target * kNsPerUnit, GST_SEEK_TYPE_NONE, -1));
+}
+
+bool Transport::setRate(double rate) {
+    if (rate <= 0)
+        return false;
+    if (rate == m_rate)
+        return true;
+    const std::int64_t here = position();
+    m_rate = rate;
+    m_held.reset();
+    seek(here);
+    return true;
+}
+
+void Transport::restartStreams() {
+    const std::int64_t here = position();
+    m_ended = false;
+    m_inFlight = false;
+    m_held.reset();
+    m_pending = clamped(here);
+    sendPending();
+    applyState();
+}
+
+std::int64_t Transport::position() const {
+    if (m_ended)
+        return m_duration;
+    if (m_pending)
+        return *m_pending;
+    if (m_target)
+        return *m_target;
+    if (!m_started)
+        return 0;
+    if (m_held && m_state != GraphState::Running)
+        return *m_held;
+    gint64 ns = 0;
+    if (!m_inFlight && gst_element_query_position(m_pipeline, GST_FORMAT_TIME, &ns))
+        m_last = std::clamp(toUnits(ns), m_held.value_or(0), m_duration);
+    else if (m_held)
+        m_last = *m_held;
+    return m_last;
+}
+
+void Transport::settle() {
+    m_inFlight = false;
+    if (m_target)
+        m_held = std::exchange(m_target, std::nullopt);
+    sendPending();
+}
+
+// The end of the stream, or an error after a good open: the clip is over.
+void Transport::end() {
+    m_inFlight = false;
+    m_target.reset();
+    m_held.reset();
+    m_ended = !m_pending;
+    m_last = m_duration;
+    sendPending();
+}
+
+void Transport::handle(GstMessage* message) {
+    switch (GST_MESSAGE_TYPE(message)) {
+        case GST_MESSAGE_ASYNC_DONE:
+            settle();
+            break;
+        case GST_MESSAGE_EOS:
+        case GST_MESSAGE_ERROR:
+            end();
+            break;
+        default:
+            break;
+    }
+}
+
+} // namespace ql240::gstreamer
