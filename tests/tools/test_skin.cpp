@@ -13,6 +13,8 @@ private Q_SLOTS:
     void looksDifferInLightness_data();
     void looksDifferInLightness();
     void segmentsFillTheirPictures();
+    void ticksStandOverTheirMarks_data();
+    void ticksStandOverTheirMarks();
 };
 
 namespace {
@@ -68,6 +70,24 @@ void TestSkin::hasPictures_data() {
     row("9", 20, 23);
     row("s1", 20, 31);
     row("s24", 31, 16);
+    row("setting_bg", 554, 730);
+    row("video_edit_bg", 554, 260);
+    row("video_over_bg", 554, 260);
+    row("shock_bg", 554, 260);
+    row("batt_timer_bg", 554, 147);
+    row("batt_12v_bg", 554, 147);
+    row("batt_24v_bg", 554, 147);
+    row("LED_bg", 241, 260);
+    row("memory_warning_bg", 554, 260);
+    row("gmt_bg", 633, 361);
+    row("check", 14, 14);
+    row("discheck2", 14, 14);
+    row("check1", 16, 15);
+    row("dst_check", 16, 15);
+    row("dis_saver", 233, 28);
+    row("time_select2", 21, 14);
+    row("time_bar1", 21, 284);
+    row("time_bar2", 21, 284);
 }
 
 void TestSkin::hasPictures() {
@@ -96,9 +116,12 @@ void TestSkin::hasIcons() {
 
 void TestSkin::looksDifferInLightness_data() {
     QTest::addColumn<QString>("stem");
-    for (const char* stem : {"play_", "pause", "stop_", "pre_file_", "rw_", "fw_", "next_file_", "zoom_in_",
-                             "zoom_out_", "original_screen_", "pan_", "volume", "setting_", "snapshot_",
-                             "print_", "close_", "exit_", "file_open_", "folder_open_"}) {
+    for (const char* stem : {"play_",  "pause",         "stop_",      "pre_file_",    "rw_",
+                             "fw_",    "next_file_",    "zoom_in_",   "zoom_out_",    "original_screen_",
+                             "pan_",   "volume",        "setting_",   "snapshot_",    "print_",
+                             "close_", "exit_",         "file_open_", "folder_open_", "OK",
+                             "cancel", "apply",         "gmt_",       "get_time_",    "video_edit_",
+                             "shock_", "battery_time_", "time_select"}) {
         QTest::newRow(stem) << QString::fromLatin1(stem);
     }
 }
@@ -132,6 +155,41 @@ void TestSkin::segmentsFillTheirPictures() {
         QVERIFY2(lit.width() >= segment.width() - 5 && lit.height() >= segment.height() - 5,
                  qPrintable(QString::number(index)));
     }
+}
+
+void TestSkin::ticksStandOverTheirMarks_data() {
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("y");
+    QTest::addColumn<QList<int>>("marks");
+    const QList<int> levels{169, 219, 269, 319, 369, 419, 469};
+    const QList<int> sensitivities{64, 112, 161, 209, 257, 305, 353, 401, 449, 497};
+    const QList<int> voltages{58, 113, 168, 223, 278, 333, 388, 443, 498};
+    QTest::newRow("brightness") << "video_edit_bg" << 118 << levels;
+    QTest::newRow("contrast") << "video_edit_bg" << 201 << levels;
+    QTest::newRow("driving") << "shock_bg" << 117 << sensitivities;
+    QTest::newRow("parked") << "shock_bg" << 198 << sensitivities;
+    QTest::newRow("timer") << "batt_timer_bg" << 90 << QList<int>{108, 160, 212, 264, 316, 368, 420, 472};
+    QTest::newRow("12 V") << "batt_12v_bg" << 91 << voltages;
+    QTest::newRow("24 V") << "batt_24v_bg" << 91 << voltages;
+}
+
+// Above each mark's centre stands a tick two pixels wide, with nothing beside it.
+void TestSkin::ticksStandOverTheirMarks() {
+    QFETCH(QString, name);
+    QFETCH(int, y);
+    QFETCH(QList<int>, marks);
+    const QImage ground = picture(name);
+    QList<int> ticks;
+    for (int x = 21; x < 533; ++x) {
+        if (lightness(ground.pixel(x, y - 12)) > 40) {
+            ticks << x;
+        }
+    }
+    QList<int> expected;
+    for (const int x : marks) {
+        expected << x - 1 << x;
+    }
+    QCOMPARE(ticks, expected);
 }
 
 QTEST_MAIN(TestSkin)

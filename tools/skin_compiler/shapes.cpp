@@ -13,6 +13,8 @@ constexpr NamedShape kShapes[] = {
     {"paper", paintPaper},   {"text", paintText},   {"glyph", paintGlyph},     {"art", paintArt},
     {"button", paintButton}, {"dial", paintDial},   {"segment", paintSegment}, {"digit", paintDigit},
     {"axes", paintAxes},     {"globe", paintGlobe}, {"lamp", paintLamp},       {"cursor", paintCursor},
+    {"window", paintWindow}, {"panel", paintPanel}, {"heading", paintHeading}, {"sockets", paintSockets},
+    {"scale", paintScale},   {"mark", paintMark},   {"tickbox", paintTickBox}, {"world", paintWorld},
 };
 
 } // namespace

@@ -30,4 +30,14 @@ void paintGlobe(Canvas& canvas, ShapeArguments& arguments);
 void paintLamp(Canvas& canvas, ShapeArguments& arguments);
 void paintCursor(Canvas& canvas, ShapeArguments& arguments);
 
+// What the settings windows are made of (shapes_windows.cpp).
+void paintWindow(Canvas& canvas, ShapeArguments& arguments);
+void paintPanel(Canvas& canvas, ShapeArguments& arguments);
+void paintHeading(Canvas& canvas, ShapeArguments& arguments);
+void paintSockets(Canvas& canvas, ShapeArguments& arguments);
+void paintScale(Canvas& canvas, ShapeArguments& arguments);
+void paintMark(Canvas& canvas, ShapeArguments& arguments);
+void paintTickBox(Canvas& canvas, ShapeArguments& arguments);
+void paintWorld(Canvas& canvas, ShapeArguments& arguments);
+
 } // namespace ql240::skin

@@ -120,6 +120,8 @@ void paintButton(Canvas& canvas, ShapeArguments& arguments) {
         paintFlatGround(canvas, all, look);
     } else if (style == QLatin1String("text")) {
         paintTextGround(canvas, all, look);
+    } else if (style == QLatin1String("abutting")) { // neighbours overlap by four pixels
+        paintTextGround(canvas, all.adjusted(3, 0, -3, 0), look);
     } else {
         arguments.fail(QStringLiteral("\"%1\" is no style of buttons").arg(style));
     }

@@ -2,6 +2,7 @@
 #include <QRadialGradient>
 #include <QtMath>
 
+#include "land.h"
 #include "shapes.h"
 
 // The three round instruments and the readout of the dashboard. All numbers are in the dashboard panel's
@@ -89,19 +90,21 @@ void paintFace(Canvas& canvas, QPointF centre, double radius, bool lit) {
     canvas.outline(circle(centre, radius), radius, canvas.color("line", lit ? 1.0 : 0.7), 1.2);
 }
 
+// A number at every fourth boundary, a tick at those between.
 void paintDialNumbers(Canvas& canvas, bool lit) {
+    const QColor color = canvas.color(lit ? "text" : "textDim");
     for (int value = 0; value <= 10 * kSegments; value += 20) {
         const double angle = kDialStart + value * kSegmentSpan / 10;
-        canvas.painter().setPen(QPen(canvas.color(lit ? "text" : "textDim"), 1));
-        canvas.painter().drawLine(onDial(70, angle), onDial(72, angle));
-        if (value % 40 == 0) {
-            // Wide numbers at the sides stand further in, so that all keep the same distance from the rim.
-            const QString number = QString::number(value);
-            const double halfWidth = 2.2 * static_cast<double>(number.size());
-            const double reach = qAbs(qSin(qDegreesToRadians(angle))) * halfWidth;
-            canvas.text(circle(onDial(82 - reach, angle), 10), Qt::AlignHCenter, number, 7.5, QFont::DemiBold,
-                        canvas.color(lit ? "text" : "textDim"));
+        if (value % 40 != 0) {
+            canvas.painter().setPen(QPen(color, 1));
+            canvas.painter().drawLine(onDial(72, angle), onDial(75, angle));
+            continue;
         }
+        // Wide numbers at the sides stand further in, so that all keep the same distance from the rim.
+        const QString number = QString::number(value);
+        const double reach = qAbs(qSin(qDegreesToRadians(angle))) * 2.2 * static_cast<double>(number.size());
+        canvas.text(circle(onDial(82.5 - reach, angle), 10), Qt::AlignHCenter, number, 7.5, QFont::DemiBold,
+                    color);
     }
 }
 
@@ -142,6 +145,37 @@ void paintArrow(Canvas& canvas, QPointF from, QPointF to, const QColor& color, c
     canvas.painter().fillPath(head, color);
     canvas.text(circle(to + along * 9, 8), Qt::AlignHCenter, letter, 11, QFont::Bold,
                 canvas.color("textBright"));
+}
+
+// A dot of land on the globe: its place on the disc of radius 1, y down, and how much it faces the eye, 0
+// to 1.
+struct EarthDot {
+    QPointF place;
+    double facing;
+};
+
+// The land seen from far above the Yellow Sea, in dots of equal distance on the sphere (orthographic
+// projection).
+QList<EarthDot> visibleLand(const QList<QPolygonF>& land) {
+    constexpr double kStep = 4.5;
+    constexpr double kEyeEast = 118;
+    const double eyeNorth = qDegreesToRadians(24.0);
+    QList<EarthDot> dots;
+    for (double north = -85; north < 90; north += kStep) {
+        const double phi = qDegreesToRadians(north);
+        const int count = qMax(1, qRound(360 * qCos(phi) / kStep));
+        for (int i = 0; i < count; ++i) {
+            const double east = i * 360.0 / count - 180;
+            const double lambda = qDegreesToRadians(east - kEyeEast);
+            const double facing = qSin(eyeNorth) * qSin(phi) + qCos(eyeNorth) * qCos(phi) * qCos(lambda);
+            if (facing > 0 && isLand(land, {east, north})) {
+                dots.append({{qCos(phi) * qSin(lambda),
+                              qSin(eyeNorth) * qCos(phi) * qCos(lambda) - qCos(eyeNorth) * qSin(phi)},
+                             facing});
+            }
+        }
+    }
+    return dots;
 }
 
 } // namespace
@@ -197,26 +231,25 @@ void paintAxes(Canvas& canvas, ShapeArguments& arguments) {
     paintArrow(canvas, origin, origin + QPointF(34, 19), canvas.color("axisY"), QStringLiteral("Y"));
 }
 
-// globe X Y lit|ghost: a graticule with a pin
+// globe X Y lit|ghost: the earth with a pin
 void paintGlobe(Canvas& canvas, ShapeArguments& arguments) {
     movePainter(canvas, arguments);
     const bool lit = readLit(arguments);
     const QPointF centre(478.5, 163.5);
-    constexpr double kEarth = 44;
+    constexpr double kEarth = 46;
     paintFace(canvas, centre, 62, lit);
-    QPainter& painter = canvas.painter();
-    painter.setPen(QPen(canvas.color(lit ? "line" : "unlit"), 1));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawEllipse(centre, kEarth, kEarth);
-    for (const double longitude : {0.0, 30.0, 60.0}) {
-        painter.drawEllipse(centre, kEarth * qSin(qDegreesToRadians(longitude)), kEarth);
+    const QList<QPolygonF> land = readLand(canvas.sourceFolder());
+    if (land.isEmpty()) {
+        arguments.fail(QStringLiteral("no world.txt"));
+        return;
     }
-    for (const double latitude : {-60.0, -30.0, 0.0, 30.0, 60.0}) {
-        const double half = kEarth * qCos(qDegreesToRadians(latitude));
-        const double y = centre.y() - kEarth * qSin(qDegreesToRadians(latitude));
-        painter.drawLine(QPointF(centre.x() - half, y), QPointF(centre.x() + half, y));
+    canvas.outline(circle(centre, kEarth + 3), kEarth + 3, canvas.color(lit ? "line" : "unlit"));
+    for (const EarthDot& dot : visibleLand(land)) {
+        canvas.fill(circle(centre + dot.place * kEarth, 0.5 + 0.9 * dot.facing), 1.4,
+                    canvas.color(lit ? "landLit" : "unlit", 0.35 + 0.65 * dot.facing));
     }
     if (lit) {
+        canvas.fill(circle(centre - QPointF(0, 19), 5), 5, canvas.color("base"));
         canvas.glyph(QStringLiteral("pin"), QRectF(centre.x() - 12, centre.y() - 30, 24, 32),
                      canvas.color("accent"));
     }
