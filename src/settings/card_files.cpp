@@ -73,12 +73,16 @@ int CardFiles::syncFolder(const QByteArray& path) {
     return result;
 }
 
-void CardFiles::list(const QByteArray& path, const std::function<void(const QByteArray&)>& visit) {
+bool CardFiles::list(const QByteArray& path, const std::function<void(const QByteArray&)>& visit) {
     const std::unique_ptr<DIR, int (*)(DIR*)> folder(::opendir(path.constData()), ::closedir);
     if (!folder)
-        return;
-    while (const dirent* entry = ::readdir(folder.get()))
+        return false;
+    errno = 0;
+    while (const dirent* entry = ::readdir(folder.get())) {
         visit(QByteArray::fromRawData(entry->d_name, qsizetype(qstrlen(entry->d_name))));
+        errno = 0;
+    }
+    return errno == 0;
 }
 
 CardFiles& systemCardFiles() {
@@ -93,15 +97,20 @@ bool CardFile::replaceBy(const QByteArray& bytes) {
     return size == bytes.size() || (size > bytes.size() && m_files.cut(m_file, bytes.size()) == 0);
 }
 
+bool CardFolder::isListed() {
+    if (m_names)
+        return m_complete;
+    m_names.emplace();
+    m_complete = m_files.list(m_path, [this](const QByteArray& entry) {
+        if (entry.left(m_prefix.size()).compare(m_prefix, Qt::CaseInsensitive) == 0)
+            m_names->append(QByteArray(entry.constData(), entry.size()));
+    });
+    std::sort(m_names->begin(), m_names->end());
+    return m_complete;
+}
+
 std::optional<QByteArray> CardFolder::find(const QByteArray& name) {
-    if (!m_names) {
-        m_names.emplace();
-        m_files.list(m_path, [this](const QByteArray& entry) {
-            if (entry.left(m_prefix.size()).compare(m_prefix, Qt::CaseInsensitive) == 0)
-                m_names->append(QByteArray(entry.constData(), entry.size()));
-        });
-        std::sort(m_names->begin(), m_names->end());
-    }
+    isListed();
     if (std::binary_search(m_names->cbegin(), m_names->cend(), name))
         return name;
     const auto found = std::find_if(m_names->cbegin(), m_names->cend(), [&](const QByteArray& entry) {

@@ -31,8 +31,8 @@ public:
     virtual int makeFolder(const QByteArray& path);
     // Writes out everything that the folder's file system still holds back.
     virtual int syncFolder(const QByteArray& path);
-    // Calls `visit` with each name of the folder.
-    virtual void list(const QByteArray& path, const std::function<void(const QByteArray&)>& visit);
+    // Calls `visit` with each name of the folder; false where the listing is not complete.
+    virtual bool list(const QByteArray& path, const std::function<void(const QByteArray&)>& visit);
 };
 
 CardFiles& systemCardFiles();
@@ -74,6 +74,8 @@ public:
     // `name` in the folder's own spelling; of several the exact one, else the first in byte order; else
     // nothing.
     std::optional<QByteArray> find(const QByteArray& name);
+    // Whether a name that `find` didn't see is certain not to be there.
+    bool isListed();
     CardFile openForReading(const QByteArray& name);
 
 private:
@@ -81,6 +83,7 @@ private:
     QByteArray m_path;
     QByteArray m_prefix;
     std::optional<QList<QByteArray>> m_names;
+    bool m_complete = false;
 };
 
 // `path` with its last part in the spelling found on the card; unchanged where no such entry exists.

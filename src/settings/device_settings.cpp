@@ -52,13 +52,14 @@ bool writeAside(CardFolder& folder, const QByteArray& name, const QByteArray& by
 // length a single byte can't put right and a new one are written aside. True if the file opened.
 bool writeFile(CardFolder& folder, const QByteArray& name, const QByteArray& bytes) {
     const auto existing = folder.find(name);
-    if (!existing)
+    if (!existing && folder.isListed())
         return writeAside(folder, name, bytes);
-    CardFile file(folder.files(), folder.pathOf(*existing), O_WRONLY);
+    const QByteArray spelled = existing.value_or(name);
+    CardFile file(folder.files(), folder.pathOf(spelled), O_WRONLY);
     if (!file.isOpen())
         return false;
     if (bytes.size() > 1 && file.size() != bytes.size())
-        return writeAside(folder, *existing, bytes);
+        return writeAside(folder, spelled, bytes);
     file.replaceBy(bytes);
     if (const auto rest = folder.find(asideName(name)))
         folder.files().remove(folder.pathOf(*rest));
@@ -137,9 +138,11 @@ bool DeviceSettings::save() {
     makePath(*m_files, folder.path());
     if (!m_files->isFolder(folder.path()))
         return false;
+    const SettingValues fixed;
     for (const SettingKey& key : kSettingKeys) {
+        const SettingValues& source = key.files & kByteRead ? *this : fixed;
         if (key.files & kByteWritten)
-            writeFile(folder, byteFileName(key), QByteArray(1, char(uchar(this->*key.value))));
+            writeFile(folder, byteFileName(key), QByteArray(1, char(uchar(source.*key.value))));
     }
     const bool clockOpened = m_setsClock && writeFile(folder, "settime.dat", m_clockText.toLocal8Bit());
     m_files->syncFolder(folder.path());

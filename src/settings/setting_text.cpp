@@ -6,9 +6,13 @@
 namespace ql240 {
 namespace {
 
-// What QChar::isSpace() holds of Latin-1.
+// The white space that QString::toInt() passes over; it ends at ASCII.
 bool isSpace(char byte) {
-    return byte == ' ' || (byte >= '\t' && byte <= '\r') || byte == '\x85' || byte == '\xa0';
+    return byte == ' ' || (byte >= '\t' && byte <= '\r');
+}
+
+char lowered(char byte) {
+    return byte >= 'A' && byte <= 'Z' ? char(byte + ('a' - 'A')) : byte;
 }
 
 } // namespace
@@ -70,7 +74,7 @@ void SettingTextReader::feedKey(char byte) {
         return;
     }
     if (m_headLength < qsizetype(m_head.size())) {
-        m_head[size_t(m_headLength++)] = byte;
+        m_head[size_t(m_headLength++)] = lowered(byte);
         if (m_headLength == qsizetype(m_head.size()) && !mayMatch())
             m_part = Part::Nothing;
     }
@@ -90,8 +94,10 @@ void SettingTextReader::endLine() {
 
 // A prefix test: the line of "sensitivityvalue1" is one of "sensitivityvalue" too.
 bool SettingTextReader::lineBeginsWith(const char* key) const {
-    const auto length = qsizetype(std::strlen(key));
-    return length <= m_headLength && qstrnicmp(m_head.data(), key, size_t(length)) == 0;
+    qsizetype at = 0;
+    while (key[at] != '\0' && at < m_headLength && m_head[size_t(at)] == lowered(key[at]))
+        ++at;
+    return key[at] == '\0';
 }
 
 bool SettingTextReader::mayMatch() const {

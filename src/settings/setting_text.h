@@ -41,7 +41,7 @@ private:
 
     SettingValues& m_values;
     Part m_part = Part::Key;
-    std::array<char, 24> m_head = {}; // the line's beginning, longer than every key
+    std::array<char, 24> m_head = {}; // the line's beginning in lower case, longer than every key
     qsizetype m_headLength = 0;
     DecimalReader m_number;
 };

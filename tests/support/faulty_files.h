@@ -1,0 +1,64 @@
+// The card's file operations with one fault to come: counts every operation and lets the chosen one go wrong.
+#pragma once
+
+#include <csignal>
+
+#include <cerrno>
+
+#include "settings/card_files.h"
+
+namespace ql240 {
+
+enum class Fault { None, FailOne, FailFromThere, Kill };
+
+class FaultyFiles : public CardFiles {
+public:
+    // The operation number `at`, counted from 0 and from now on, goes wrong.
+    void arm(Fault fault, int at) {
+        m_fault = fault;
+        m_at = at;
+        m_count = 0;
+    }
+    int count() const { return m_count; }
+
+    int open(const QByteArray& path, int flags) override {
+        return fails() ? -1 : CardFiles::open(path, flags);
+    }
+    ssize_t read(int file, char* to, size_t count) override {
+        return fails() ? -1 : CardFiles::read(file, to, count);
+    }
+    ssize_t write(int file, const char* from, size_t count) override {
+        return fails() ? -1 : CardFiles::write(file, from, count);
+    }
+    off_t size(int file) override { return fails() ? -1 : CardFiles::size(file); }
+    int cut(int file, off_t size) override { return fails() ? -1 : CardFiles::cut(file, size); }
+    // Only counted: what a disk keeps after a power cut isn't tried here, and waiting for it costs the tests
+    // seconds.
+    int sync(int) override { return fails() ? -1 : 0; }
+    int rename(const QByteArray& from, const QByteArray& to) override {
+        return fails() ? -1 : CardFiles::rename(from, to);
+    }
+    int remove(const QByteArray& path) override { return fails() ? -1 : CardFiles::remove(path); }
+    bool isFolder(const QByteArray& path) override { return !fails() && CardFiles::isFolder(path); }
+    int makeFolder(const QByteArray& path) override { return fails() ? -1 : CardFiles::makeFolder(path); }
+    int syncFolder(const QByteArray&) override { return fails() ? -1 : 0; }
+    bool list(const QByteArray& path, const std::function<void(const QByteArray&)>& visit) override {
+        return !fails() && CardFiles::list(path, visit);
+    }
+
+private:
+    bool fails() {
+        const int number = m_count++;
+        errno = EIO;
+        if (m_fault == Fault::Kill && number == m_at)
+            ::raise(SIGKILL);
+        return (m_fault == Fault::FailOne && number == m_at) ||
+               (m_fault == Fault::FailFromThere && number >= m_at);
+    }
+
+    Fault m_fault = Fault::None;
+    int m_at = 0;
+    int m_count = 0;
+};
+
+} // namespace ql240
