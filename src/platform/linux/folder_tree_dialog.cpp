@@ -154,7 +154,7 @@ void FolderTreeDialog::accept() {
 void FolderTreeDialog::keyPressEvent(QKeyEvent* event) {
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     // OK may be disabled for the folder selected and still be right for the one typed.
-    if (enter && m_path->hasFocus() && isPathEdited())
+    if (enter && focusWidget() == m_path && isPathEdited())
         takeTypedPath();
     else
         QDialog::keyPressEvent(event);
