@@ -1,12 +1,17 @@
-// Draws the skin: reads the picture table of a folder, writes the pictures and their resource list.
-//   skin_compiler SOURCE OUTPUT
+// Draws the skin from the picture table of a folder.
+//   skin_compiler draw SOURCE OUTPUT            the pictures and the list of them for the resource compiler
+//   skin_compiler check SOURCE CODE             compares the table with the program's sources
+//   skin_compiler contact-sheet SOURCE IMAGE    all pictures on one sheet
 #include <QFile>
 #include <QFontInfo>
 #include <QGuiApplication>
 #include <QTextStream>
 
+#include "contact_sheet.h"
 #include "skin_writer.h"
+#include "usage_check.h"
 
+namespace ql240::skin {
 namespace {
 
 int fail(const QString& message) {
@@ -14,29 +19,60 @@ int fail(const QString& message) {
     return 1;
 }
 
+int draw(const PictureTable& table, const QString& source, const QString& output) {
+    QString error;
+    return writeSkin(table, source, QDir(output), error) ? 0 : fail(error);
+}
+
+int check(const PictureTable& table, const QString&, const QString& code) {
+    const UsageReport report = checkUsage(table, readSources(code));
+    for (const QString& name : report.missing) {
+        fail(QStringLiteral("the code asks for \"%1\", which is not in the picture table").arg(name));
+    }
+    for (const QString& path : report.unused) {
+        fail(QStringLiteral("nothing in the code asks for \"%1\"").arg(path));
+    }
+    return report.missing.isEmpty() && report.unused.isEmpty() ? 0 : 1;
+}
+
+int drawContactSheet(const PictureTable& table, const QString& source, const QString& path) {
+    QString error;
+    const QImage sheet = contactSheet(table, source, error);
+    if (sheet.isNull()) {
+        return fail(error);
+    }
+    return sheet.save(path) ? 0 : fail(QStringLiteral("%1: can't be written").arg(path));
+}
+
+int run(const QStringList& arguments) {
+    using Command = int (*)(const PictureTable&, const QString&, const QString&);
+    const QHash<QString, Command> commands{{QStringLiteral("draw"), draw},
+                                           {QStringLiteral("check"), check},
+                                           {QStringLiteral("contact-sheet"), drawContactSheet}};
+    const Command command = commands.value(arguments.value(1));
+    if (!command || arguments.size() != 4) {
+        return fail(
+            QStringLiteral("expected draw, check or contact-sheet, a source folder and one more path"));
+    }
+    if (QFontInfo(QFont(QStringLiteral("Open Sans"))).family() != QLatin1String("Open Sans")) {
+        return fail(QStringLiteral("the font \"Open Sans\" is not installed"));
+    }
+    QFile file(arguments[2] + QStringLiteral("/pictures.txt"));
+    if (!file.open(QIODevice::ReadOnly)) {
+        return fail(file.fileName() + QStringLiteral(": ") + file.errorString());
+    }
+    QString error;
+    const std::optional<PictureTable> table = parsePictureTable(QString::fromUtf8(file.readAll()), error);
+    return table ? command(*table, arguments[2], arguments[3]) : fail(error);
+}
+
 } // namespace
+} // namespace ql240::skin
 
 int main(int argc, char* argv[]) {
     // A build has no display and need not have a session.
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("QT_LOGGING_RULES", "default.warning=false");
     QGuiApplication application(argc, argv);
-    const QStringList arguments = application.arguments();
-    if (arguments.size() != 3) {
-        return fail(QStringLiteral("expected a source folder and an output folder"));
-    }
-    if (QFontInfo(QFont(QStringLiteral("Open Sans"))).family() != QLatin1String("Open Sans")) {
-        return fail(QStringLiteral("the font \"Open Sans\" is not installed"));
-    }
-    const QString tablePath = arguments[1] + QStringLiteral("/pictures.txt");
-    QFile file(tablePath);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return fail(tablePath + QStringLiteral(": ") + file.errorString());
-    }
-    QString error;
-    const auto table = ql240::skin::parsePictureTable(QString::fromUtf8(file.readAll()), error);
-    if (!table || !ql240::skin::writeSkin(*table, arguments[1], QDir(arguments[2]), error)) {
-        return fail(tablePath + QStringLiteral(": ") + error);
-    }
-    return 0;
+    return ql240::skin::run(application.arguments());
 }

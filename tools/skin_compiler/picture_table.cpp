@@ -88,6 +88,12 @@ bool Parser::readLine(const QString& line, int number) {
     if (words.front() == QLatin1String("buttons")) {
         return readButtons(words);
     }
+    if (words.front() == QLatin1String("outside")) {
+        for (const QString& name : words.mid(1)) {
+            m_table.askedForOutside << resourcePath(name);
+        }
+        return true;
+    }
     return fail(QStringLiteral("unknown statement \"%1\"").arg(words.front()));
 }
 
@@ -112,7 +118,7 @@ bool Parser::readPicture(const QStringList& words) {
     if (!size) {
         return fail(QStringLiteral("a picture has a name and a size"));
     }
-    Picture picture{resourcePath(words[1]), *size, {}};
+    Picture picture{resourcePath(words[1]), *size, {}, {}};
     if (words.size() > 3) {
         if (words[3] != QLatin1String(":") || words.size() < 5) {
             return fail(QStringLiteral("a shape on the picture's own line follows a colon"));
@@ -137,7 +143,7 @@ bool Parser::readButtons(const QStringList& words) {
             arguments << glyphs[look];
         }
         const Shape shape{m_line, QStringLiteral("button"), arguments};
-        if (!addPicture({resourcePath(name), *size, {shape}})) {
+        if (!addPicture({resourcePath(name), *size, words[1], {shape}})) {
             return false;
         }
     }

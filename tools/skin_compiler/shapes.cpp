@@ -9,12 +9,13 @@ struct NamedShape {
 };
 
 constexpr NamedShape kShapes[] = {
-    {"fill", paintFill},     {"shade", paintShade}, {"frame", paintFrame},     {"well", paintWell},
-    {"paper", paintPaper},   {"text", paintText},   {"glyph", paintGlyph},     {"art", paintArt},
-    {"button", paintButton}, {"dial", paintDial},   {"segment", paintSegment}, {"digit", paintDigit},
-    {"axes", paintAxes},     {"globe", paintGlobe}, {"lamp", paintLamp},       {"cursor", paintCursor},
-    {"window", paintWindow}, {"panel", paintPanel}, {"heading", paintHeading}, {"sockets", paintSockets},
-    {"scale", paintScale},   {"mark", paintMark},   {"tickbox", paintTickBox}, {"world", paintWorld},
+    {"fill", paintFill},       {"shade", paintShade},   {"frame", paintFrame}, {"well", paintWell},
+    {"glass", paintGlass},     {"paper", paintPaper},   {"text", paintText},   {"glyph", paintGlyph},
+    {"art", paintArt},         {"button", paintButton}, {"dial", paintDial},   {"segment", paintSegment},
+    {"digit", paintDigit},     {"axes", paintAxes},     {"globe", paintGlobe}, {"lamp", paintLamp},
+    {"cursor", paintCursor},   {"window", paintWindow}, {"panel", paintPanel}, {"heading", paintHeading},
+    {"sockets", paintSockets}, {"scale", paintScale},   {"mark", paintMark},   {"tickbox", paintTickBox},
+    {"world", paintWorld},
 };
 
 } // namespace

@@ -15,6 +15,7 @@ void paintFill(Canvas& canvas, ShapeArguments& arguments);
 void paintShade(Canvas& canvas, ShapeArguments& arguments);
 void paintFrame(Canvas& canvas, ShapeArguments& arguments);
 void paintWell(Canvas& canvas, ShapeArguments& arguments);
+void paintGlass(Canvas& canvas, ShapeArguments& arguments);
 void paintPaper(Canvas& canvas, ShapeArguments& arguments);
 void paintText(Canvas& canvas, ShapeArguments& arguments);
 void paintGlyph(Canvas& canvas, ShapeArguments& arguments);

@@ -75,6 +75,15 @@ void paintWell(Canvas& canvas, ShapeArguments& arguments) {
     canvas.outline(rect, radius, canvas.color("line"));
 }
 
+// A screen that is off: the light from above on its glass.
+void paintGlass(Canvas& canvas, ShapeArguments& arguments) {
+    const QRectF rect = arguments.rect();
+    QRadialGradient light(QPointF(rect.center().x(), rect.top()), rect.width() * 0.6);
+    light.setColorAt(0, canvas.color("bar"));
+    light.setColorAt(1, canvas.color("well"));
+    canvas.fill(rect, 0, light);
+}
+
 // A light plate for dark texts.
 void paintPaper(Canvas& canvas, ShapeArguments& arguments) {
     const QRectF rect = arguments.rect();
