@@ -27,7 +27,7 @@ int draw(const PictureTable& table, const QString& source, const QString& output
 int check(const PictureTable& table, const QString&, const QString& code) {
     const UsageReport report = checkUsage(table, readSources(code));
     for (const QString& name : report.missing) {
-        fail(QStringLiteral("the code asks for \"%1\", which is not in the picture table").arg(name));
+        fail(QStringLiteral("\"%1\" is asked for, but is not in the picture table").arg(name));
     }
     for (const QString& path : report.unused) {
         fail(QStringLiteral("nothing in the code asks for \"%1\"").arg(path));

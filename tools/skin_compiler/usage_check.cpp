@@ -95,6 +95,11 @@ UsageReport checkUsage(const PictureTable& table, const NamedPictures& named) {
             report.unused << picture.path;
         }
     }
+    for (const QString& path : table.askedForOutside) {
+        const bool known = std::any_of(pictures.begin(), pictures.end(),
+                                       [&](const Picture& picture) { return picture.path == path; });
+        report.missing << (known ? QStringList() : QStringList(pictureName(path)));
+    }
     report.missing.removeDuplicates();
     return report;
 }

@@ -13,7 +13,7 @@
 namespace ql240::skin {
 
 struct UsageReport {
-    QStringList missing; // named by the code, not in the table
+    QStringList missing; // named by the code or as asked for outside, not in the table
     QStringList unused;  // in the table, named nowhere
 };
 
