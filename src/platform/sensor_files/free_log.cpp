@@ -1,0 +1,120 @@
+// A top-level "free" box with boxes in it: "gps " is an ASCII log of lines "[epoch ms]$GPRMC,…", "3gf " a
+// table of accelerations (u32 ms, three i16 of 128 a g, big-endian, ended by 0xFFFFFFFF), "sttm" the
+// recording's start as a u64 in epoch ms.
+#include <QByteArray>
+#include <QtEndian>
+#include <algorithm>
+#include <cstdlib>
+
+#include "platform/sensor_files/nmea.h"
+#include "platform/sensor_files/sensor_formats.h"
+
+namespace ql240::sensorfiles {
+namespace {
+
+constexpr qsizetype kMaxLine = 1024;
+constexpr qint64 kMaxLogBytes = 16 * 1024 * 1024; // an hour's log has two
+constexpr qint64 kMaxRecords = 1 << 20;
+constexpr quint32 kEndMark = 0xFFFFFFFF;
+constexpr qint64 kBelievedStartMs = 60000; // how far the log's first line may be from the start told
+
+void readAccelerations(ByteSource& source, ByteRange table, SensorRecords& records) {
+    RangeReader reader(source, table);
+    std::array<char, 10> record{};
+    for (qint64 i = 0; i < kMaxRecords && reader.read(record); ++i) {
+        const quint32 timeMs = qFromBigEndian<quint32>(record.data());
+        if (timeMs == kEndMark) {
+            return;
+        }
+        records.addAcceleration(timeMs, qFromBigEndian<qint16>(record.data() + 4),
+                                qFromBigEndian<qint16>(record.data() + 6),
+                                qFromBigEndian<qint16>(record.data() + 8));
+    }
+}
+
+// The log's lines against its clock; those before the first with a clock have no time and are left out.
+class LogReader {
+public:
+    LogReader(std::optional<qint64> startedAt, SensorRecords& records)
+        : m_startedAt(startedAt), m_records(records) {}
+
+    void addLine(QByteArrayView line) {
+        if (line.startsWith('[')) {
+            const qsizetype close = line.indexOf(']');
+            bool isNumber = false;
+            const qint64 clock =
+                close < 0 ? 0 : line.sliced(1, close - 1).toByteArray().toLongLong(&isNumber);
+            if (!isNumber || clock < 0) {
+                return;
+            }
+            m_timeMs = sinceStart(clock);
+            line = line.sliced(close + 1);
+        }
+        if (m_timeMs && line.startsWith('$')) {
+            addNmeaSentence(*m_timeMs, line, m_records);
+        }
+    }
+
+private:
+    qint64 sinceStart(qint64 clock) {
+        if (!m_zero) {
+            const bool believed = m_startedAt && std::llabs(clock - *m_startedAt) <= kBelievedStartMs;
+            m_zero = believed ? *m_startedAt : clock;
+        }
+        return clock - *m_zero;
+    }
+
+    std::optional<qint64> m_startedAt;
+    SensorRecords& m_records;
+    std::optional<qint64> m_zero;
+    std::optional<qint64> m_timeMs;
+};
+
+void readLog(ByteSource& source, ByteRange log, std::optional<qint64> startedAt, SensorRecords& records) {
+    RangeReader reader(source, {log.start, std::min(log.size, kMaxLogBytes)});
+    LogReader lines(startedAt, records);
+    QByteArray line;
+    while (const std::optional<quint8> byte = reader.byte()) {
+        if (*byte >= 0x20) {
+            line.append(static_cast<char>(*byte));
+            if (line.size() > kMaxLine) {
+                return;
+            }
+        } else if (!line.isEmpty()) {
+            lines.addLine(line);
+            line.clear();
+        }
+    }
+    lines.addLine(line);
+}
+
+void readFreeBox(ByteSource& source, ByteRange area, SensorRecords& records) {
+    std::optional<qint64> startedAt;
+    ByteRange log;
+    ByteRange accelerations;
+    BoxCursor boxes(source, area);
+    while (const std::optional<Box> box = boxes.next()) {
+        if (box->type == fourCc("gps ")) {
+            log = box->body;
+        } else if (box->type == fourCc("3gf ")) {
+            accelerations = box->body;
+        } else if (box->type == fourCc("sttm")) {
+            const quint64 start = RangeReader(source, box->body).u64().value_or(0);
+            if (start <= quint64(std::numeric_limits<qint64>::max())) {
+                startedAt = static_cast<qint64>(start);
+            }
+        }
+    }
+    readLog(source, log, startedAt, records);
+    readAccelerations(source, accelerations, records);
+}
+
+} // namespace
+
+void readFreeLog(ByteSource& source, const ClipLayout& clip, SensorRecords& records) {
+    for (const ByteRange& area : clip.freeBoxes) {
+        readFreeBox(source, area, records);
+    }
+}
+
+} // namespace ql240::sensorfiles

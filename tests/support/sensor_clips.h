@@ -1,0 +1,73 @@
+// Makes clips that carry sensor data, byte by byte, in every format that the viewer reads. For tests and
+// benchmarks only, and written without a look at the readers.
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+
+namespace ql240::madeclips {
+
+QByteArray bigEndian(quint64 value, int bytes);
+QByteArray littleEndian(quint64 value, int bytes);
+QByteArray float32(float value);
+QByteArray float64(double value);
+
+QByteArray box(const char* type, const QByteArray& body);
+QByteArray riffChunk(const char* name, const QByteArray& body);
+
+// A track of timed samples.
+struct Track {
+    QByteArray handler = "camm";
+    QByteArray format = "camm";
+    quint32 timescale = 1000;
+    QList<QByteArray> samples;
+    QList<quint32> durations; // ticks, one a sample; the last one counts for those behind it
+    int samplesPerChunk = 1;
+    bool wideOffsets = false;
+    int sizeBits = 32;      // 8 and 16 make the compact table
+    quint32 emptyEdit = 0;  // ms
+    qint32 mediaStart = -1; // ticks; negative is no such edit
+};
+
+// An MP4 file: start, picture data, samples, the movie's boxes and whatever is added. Large picture data are
+// left out between `before` and `after`.
+struct Mp4 {
+    QByteArray before;
+    qint64 picture;
+    QByteArray after;
+
+    QByteArray whole() const { return before + QByteArray(picture, 'p') + after; }
+};
+Mp4 mp4Around(qint64 picture, const QList<Track>& tracks, const QByteArray& movieExtras = {},
+              const QByteArray& fileExtras = {});
+QByteArray mp4(const QList<Track>& tracks, const QByteArray& movieExtras = {},
+               const QByteArray& fileExtras = {});
+
+// Camera motion records.
+QByteArray motionAcceleration(float x, float y, float z);
+QByteArray motionPlace(double latitude, double longitude);
+QByteArray motionFix(int fix, double latitude, double longitude, float east, float north);
+QByteArray motionTurn(); // a turning rate, nothing the viewer shows
+
+// A block of the "gps " index, and the file with its index. Clock: h, m, s, y, m, d.
+QByteArray gpsBlock(const QList<int>& clock, const QByteArray& letters, float latitude, float longitude,
+                    float knots, qsizetype before = 40);
+QByteArray gpsIndexClip(const QList<QByteArray>& blocks);
+
+// "$" + words + "*" + checksum.
+QByteArray sentence(const QByteArray& words);
+QByteArray textSample(const QByteArray& text);
+
+QByteArray accelerationLog(const QList<QList<int>>& records); // "3gf ", with its end mark
+
+QByteArray gps0Record(double latitude, double longitude, int kmh, const QList<int>& clock);
+QByteArray avi(const QByteArray& chunks);
+
+// One short clip in each format, a few seconds of a drive with everything in it that the format can say.
+struct NamedClip {
+    QByteArray name;
+    QByteArray bytes;
+};
+QList<NamedClip> clipsOfAllFormats();
+
+} // namespace ql240::madeclips
