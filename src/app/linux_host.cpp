@@ -13,6 +13,7 @@ LinuxHost::LinuxHost() : m_runningWindows(LocalRunningWindows::userFolder()) {
     table.drives = &m_drives;
     table.folderDialogs = &m_folderDialogs;
     table.runningWindows = &m_runningWindows;
+    table.sensorLibrary = &m_sensorLibrary;
     table.urlOpener = &m_urlOpener;
     table.waveOut = &m_volume;
 }

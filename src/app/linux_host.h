@@ -6,6 +6,7 @@
 #include "platform/linux/local_running_windows.h"
 #include "platform/linux/system_folder_dialogs.h"
 #include "platform/linux/udisks_drives.h"
+#include "platform/sensor_files/sensor_file_library.h"
 #include "platform/wave_out.h"
 
 namespace ql240 {
@@ -27,6 +28,7 @@ private:
     UDisksDrives m_drives;
     SystemFolderDialogs m_folderDialogs;
     LocalRunningWindows m_runningWindows;
+    SensorFileLibrary m_sensorLibrary;
     DesktopUrlOpener m_urlOpener;
     OutputVolume m_volume;
 };
