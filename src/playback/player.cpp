@@ -146,9 +146,11 @@ void Player::setVideoSize(int index, const QSize& size) {
 void Player::makeBlackFrame(int index, IBasicVideo* video) {
     QImage& frame = m_frame[at(index)];
     frame = QImage();
+    m_frameShape[at(index)] = QSize(0, 0);
     if (const auto size = sizeOf(video)) {
         frame = QImage(*size, QImage::Format_RGB888);
         frame.fill(Qt::black);
+        m_frameShape[at(index)] = *size;
     }
 }
 
@@ -256,23 +258,24 @@ const QImage& Player::frame(int index, bool grab) {
     QImage& frame = m_frame[at(index)];
     const auto grabber = of<ISampleGrabber>(m_grabber[at(index)]);
     if (grab && grabber)
-        frame = grabbedFrame(*grabber.get(), frame);
+        frame = grabbedFrame(*grabber.get(), m_frameShape[at(index)]);
     return frame;
 }
 
-QImage Player::grabbedFrame(ISampleGrabber& grabber, const QImage& shape) const {
+// The sizes agree only where the image's rows need no padding.
+QImage Player::grabbedFrame(ISampleGrabber& grabber, const QSize& shape) {
     MediaType type;
     if (failed(grabber.GetConnectedMediaType(&type)) || type.major != kMediaTypeVideo ||
         type.subtype != kMediaSubtypeYuy2)
         return {};
+    QImage image(shape, QImage::Format_RGB888);
     std::int32_t size = 0;
-    if (failed(grabber.GetCurrentBuffer(&size, nullptr)) || size <= 0 || size / 2 * 3 != shape.sizeInBytes())
+    if (failed(grabber.GetCurrentBuffer(&size, nullptr)) || size <= 0 || size / 2 * 3 != image.sizeInBytes())
         return {};
     std::vector<std::uint8_t> yuy2(at(size));
     if (failed(grabber.GetCurrentBuffer(&size, yuy2.data())))
         return {};
-    QImage image(shape.size(), QImage::Format_RGB888);
-    yuy2ToRgb(yuy2.data(), at(shape.width()) * at(shape.height()) / 2, image.bits());
+    yuy2ToRgb(yuy2.data(), yuy2.size() / 4, image.bits());
     return image;
 }
 

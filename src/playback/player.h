@@ -78,7 +78,7 @@ private:
     void setVideoSize(int index, const QSize& size);
     bool setPosition(std::int64_t units);
     bool stepBy(std::int64_t units);
-    QImage grabbedFrame(ISampleGrabber& grabber, const QImage& shape) const;
+    static QImage grabbedFrame(ISampleGrabber& grabber, const QSize& shape);
     ComPtr<IVideoWindow> window(int index) const;
     ComPtr<IVideoWindow> ownedWindow(WindowToken host, bool second) const;
 
@@ -86,6 +86,7 @@ private:
     std::array<ComPtr<IBaseFilter>, kStreams> m_grabber;
     std::array<ComPtr<IBaseFilter>, kStreams> m_renderer;
     std::array<QImage, kStreams> m_frame;
+    std::array<QSize, kStreams> m_frameShape; // of the black image made at open
     const Clip* m_clip = nullptr;
     std::uint32_t m_state = 0;
 

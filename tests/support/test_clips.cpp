@@ -210,6 +210,8 @@ QList<std::chrono::nanoseconds> testClipFrameTimes(const TestClipSpec& spec) {
         std::chrono::nanoseconds time = std::chrono::nanoseconds(1s) * n / spec.rate;
         if (spec.variableRate)
             time = 150ms * (n / 3) + variable[size_t(n % 3)];
+        if (!spec.editLists)
+            time += std::chrono::nanoseconds(1s) * spec.bFrames / spec.rate;
         times.append(time + std::chrono::milliseconds(spec.firstTimeMs));
     }
     return times;

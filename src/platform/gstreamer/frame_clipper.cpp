@@ -1,5 +1,7 @@
 #include "platform/gstreamer/frame_clipper.h"
 
+#include <algorithm>
+
 namespace ql240::gstreamer {
 
 namespace {
@@ -67,6 +69,7 @@ void FrameClipper::widen(GstPadProbeInfo* info) {
     wide.start = 0;
     wide.time = 0;
     wide.position = 0;
+    wide.stop = GST_CLOCK_TIME_NONE;
     GstEvent* event = gst_event_new_segment(&wide);
     gst_event_set_seqnum(event, gst_event_get_seqnum(original));
     replaceEvent(info, event);
@@ -76,17 +79,25 @@ void FrameClipper::restore(GstPadProbeInfo* info) {
     reset();
     if (m_originals.empty())
         return;
-    const GstSegment* segment = nullptr;
-    m_hasSegment = isTimeSegment(m_originals.front().get(), &segment);
-    m_segment = *segment;
-    replaceEvent(info, m_originals.front().release());
+    const Handle<GstEvent> original = std::move(m_originals.front());
     m_originals.pop_front();
+    const GstSegment* segment = nullptr;
+    m_hasSegment = isTimeSegment(original.get(), &segment);
+    m_segment = *segment;
+    m_cut = std::max(m_segment.start, static_cast<GstClockTime>(m_cutAt.exchange(0)));
+    // The container's idea of the stream's end leaves out what B-frames delay.
+    GstSegment open = *segment;
+    open.stop = GST_CLOCK_TIME_NONE;
+    GstEvent* event = gst_event_new_segment(&open);
+    gst_event_set_seqnum(event, gst_event_get_seqnum(original.get()));
+    replaceEvent(info, event);
 }
 
 void FrameClipper::reset() {
     m_kept.reset();
     m_framePassed = false;
     m_hasSegment = false;
+    m_starvedAtEnd = 0;
 }
 
 GstPadProbeReturn FrameClipper::handleEvent(GstPadProbeInfo* info) {
@@ -100,6 +111,8 @@ GstPadProbeReturn FrameClipper::handleEvent(GstPadProbeInfo* info) {
         case GST_EVENT_EOS:
             if (m_kept && !m_framePassed)
                 pushKept(m_segment.start + GST_SECOND);
+            else if (m_hasSegment && !m_framePassed && GST_CLOCK_TIME_IS_VALID(m_segment.stop))
+                m_starvedAtEnd = static_cast<std::int64_t>(m_segment.stop);
             break;
         default:
             break;
@@ -111,21 +124,20 @@ GstPadProbeReturn FrameClipper::handleFrame(GstPadProbeInfo* info) {
     GstBuffer* frame = GST_PAD_PROBE_INFO_BUFFER(info);
     if (!m_hasSegment || m_framePassed || !GST_BUFFER_PTS_IS_VALID(frame))
         return GST_PAD_PROBE_OK;
-    const GstClockTime start = m_segment.start;
     const GstClockTime begin = GST_BUFFER_PTS(frame);
     const GstClockTime duration = GST_BUFFER_DURATION_IS_VALID(frame) ? GST_BUFFER_DURATION(frame) : 0;
-    if (begin < start && begin + duration <= start) {
+    if (begin < m_cut && begin + duration <= m_cut) {
         m_kept = share(frame);
         return GST_PAD_PROBE_DROP;
     }
     m_framePassed = true;
-    if (m_kept && begin > start + kGapTolerance)
+    if (m_kept && begin > m_cut + kGapTolerance)
         pushKept(begin);
     m_kept.reset();
-    if (begin < start) {
+    if (begin < m_cut) {
         frame = gst_buffer_make_writable(frame);
-        GST_BUFFER_PTS(frame) = start;
-        GST_BUFFER_DURATION(frame) = begin + duration - start;
+        GST_BUFFER_PTS(frame) = m_cut;
+        GST_BUFFER_DURATION(frame) = begin + duration - m_cut;
         GST_PAD_PROBE_INFO_DATA(info) = frame;
     }
     return GST_PAD_PROBE_OK;
@@ -136,7 +148,11 @@ void FrameClipper::pushKept(GstClockTime end) {
     GstBuffer* frame = gst_buffer_make_writable(m_kept.release());
     GST_BUFFER_PTS(frame) = m_segment.start;
     GST_BUFFER_DURATION(frame) = end - m_segment.start;
-    gst_pad_push(m_source.get(), frame);
+    // Past its own pad, which at the end of the stream takes no more.
+    if (const PadHandle next{gst_pad_get_peer(m_source.get())})
+        gst_pad_chain(next.get(), frame);
+    else
+        gst_buffer_unref(frame);
 }
 
 } // namespace ql240::gstreamer

@@ -4,6 +4,8 @@
 // thread, works on the decoder's streaming thread.
 #pragma once
 
+#include <atomic>
+#include <cstdint>
 #include <deque>
 
 #include "platform/gstreamer/gst_handles.h"
@@ -14,6 +16,14 @@ class FrameClipper {
 public:
     ~FrameClipper();
     void attach(GstElement* decoder);
+
+    // For the next segment, shows the last frame before `ns`, though the segment begins earlier. Before the
+    // seek is sent.
+    void cutAt(std::int64_t ns) { m_cutAt = ns; }
+
+    // Where the stream ends, in ns, if the last seek went past that and gave no frame at all; 0 otherwise.
+    // Any thread.
+    std::int64_t starvedAtEnd() const { return m_starvedAtEnd; }
 
 private:
     static GstPadProbeReturn beforeDecoder(GstPad* pad, GstPadProbeInfo* info, gpointer self);
@@ -34,9 +44,13 @@ private:
     // Streaming thread.
     std::deque<Handle<GstEvent>> m_originals;
     GstSegment m_segment{};
+    GstClockTime m_cut = 0; // frames that end before are cut
     BufferHandle m_kept;
     bool m_hasSegment = false;
     bool m_framePassed = false;
+
+    std::atomic<std::int64_t> m_starvedAtEnd{0};
+    std::atomic<std::int64_t> m_cutAt{0};
 };
 
 } // namespace ql240::gstreamer

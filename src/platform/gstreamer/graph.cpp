@@ -127,8 +127,13 @@ Transport* Graph::transport() {
         if (chain.size() > 1)
             splitter = dynamic_cast<Splitter*>(chain[chain.size() - 2]);
     }
+    std::vector<FrameClipper*> clippers;
+    for (const auto& filter : m_filters) {
+        if (auto* decoder = dynamic_cast<VideoDecoder*>(filter.get()))
+            clippers.push_back(&decoder->clipper());
+    }
     if (splitter)
-        m_transport = std::make_unique<Transport>(m_pipeline.get(), *splitter);
+        m_transport = std::make_unique<Transport>(m_pipeline.get(), *splitter, std::move(clippers));
     return m_transport.get();
 }
 

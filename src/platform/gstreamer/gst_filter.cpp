@@ -102,6 +102,13 @@ void Filter::enterPipeline(GstElement* pipeline) {
     m_pipeline = pipeline;
     for (const auto& element : m_elements)
         placeElement(element.get());
+    for (const auto& chain : std::exchange(m_unlinked, {}))
+        linkChain(chain);
+}
+
+void Filter::linkChain(const std::vector<GstElement*>& chain) {
+    for (std::size_t i = 1; i < chain.size(); ++i)
+        gst_element_link(chain[i - 1], chain[i]);
 }
 
 void Filter::leavePipeline() {
@@ -128,10 +135,14 @@ std::vector<GstElement*> Filter::addChain(const std::vector<const char*>& factor
     std::vector<GstElement*> chain;
     for (const char* factory : factories) {
         GstElement* element = addElement(factory);
-        if (!element || (!chain.empty() && !gst_element_link(chain.back(), element)))
+        if (!element)
             return {};
         chain.push_back(element);
     }
+    if (m_pipeline)
+        linkChain(chain);
+    else
+        m_unlinked.push_back(chain);
     return chain;
 }
 

@@ -72,16 +72,18 @@ protected:
     Pin& addPin(std::u16string name, PinDirection direction);
     // Makes an element and puts it into the pipeline if the filter is in one; null if its plugin is missing.
     GstElement* addElement(const char* factory);
-    // Makes the elements and links them in order. Empty if a plugin is missing.
+    // Makes the elements, linked in order once they are in the pipeline. Empty if a plugin is missing.
     std::vector<GstElement*> addChain(const std::vector<const char*>& factories);
     const std::vector<ElementHandle>& elements() const { return m_elements; }
     GstElement* pipeline() const { return m_pipeline; }
 
 private:
     void placeElement(GstElement* element);
+    void linkChain(const std::vector<GstElement*>& chain);
 
     std::vector<std::unique_ptr<Pin>> m_pins;
     std::vector<ElementHandle> m_elements;
+    std::vector<std::vector<GstElement*>> m_unlinked; // a pipeline unlinks what enters it
     GstElement* m_pipeline = nullptr;
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/gstreamer/frame_clipper.h"
 #include "platform/gstreamer/source_filters.h"
 
 namespace ql240::gstreamer {
@@ -17,8 +18,11 @@ std::int64_t toUnits(std::int64_t ns) {
 
 } // namespace
 
-Transport::Transport(GstElement* pipeline, const Splitter& splitter)
-    : m_pipeline(pipeline), m_splitter(splitter), m_duration(toUnits(splitter.durationNs())) {}
+Transport::Transport(GstElement* pipeline, const Splitter& splitter, std::vector<FrameClipper*> clippers)
+    : m_pipeline(pipeline),
+      m_splitter(splitter),
+      m_clippers(std::move(clippers)),
+      m_duration(toUnits(splitter.durationNs())) {}
 
 std::int64_t Transport::clamped(std::int64_t target) const {
     return std::clamp(target, std::int64_t{0}, std::max(std::int64_t{0}, m_duration - 1));
@@ -139,7 +143,23 @@ std::int64_t Transport::position() const {
     return m_last;
 }
 
+// A video stream that ends before the clip does keeps its last frame on screen: the picture comes from there,
+// the position stays the target.
+bool Transport::seekToLastFrame() {
+    std::int64_t end = 0;
+    for (const FrameClipper* clipper : m_clippers)
+        end = std::max(end, clipper->starvedAtEnd() / kNsPerUnit);
+    if (std::exchange(m_seeksLastFrame, false) || !m_target || m_state == GraphState::Running || end <= 0)
+        return false;
+    for (FrameClipper* clipper : m_clippers)
+        clipper->cutAt(*m_target * kNsPerUnit);
+    m_seeksLastFrame = sendSeek(end - 1);
+    return m_seeksLastFrame;
+}
+
 void Transport::settle() {
+    if (!m_pending && seekToLastFrame())
+        return;
     m_inFlight = false;
     if (m_target)
         m_held = std::exchange(m_target, std::nullopt);

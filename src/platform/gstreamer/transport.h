@@ -8,17 +8,19 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <vector>
 
 #include "platform/gstreamer/gst_handles.h"
 #include "platform/media_graph.h"
 
 namespace ql240::gstreamer {
 
+class FrameClipper;
 class Splitter;
 
 class Transport {
 public:
-    Transport(GstElement* pipeline, const Splitter& splitter);
+    Transport(GstElement* pipeline, const Splitter& splitter, std::vector<FrameClipper*> clippers);
 
     // Starts the pipeline, which so far only holds its streams back: `release` lets them go.
     bool start(const std::function<void()>& release);
@@ -44,11 +46,13 @@ private:
     bool applyState();
     bool sendSeek(std::int64_t target);
     void settle();
+    bool seekToLastFrame();
     void end();
     std::int64_t clamped(std::int64_t target) const;
 
     GstElement* m_pipeline;
     const Splitter& m_splitter;
+    std::vector<FrameClipper*> m_clippers;
     std::int64_t m_duration;
     double m_rate = 1.0;
     GraphState m_state = GraphState::Stopped;
@@ -57,6 +61,7 @@ private:
 
     bool m_inFlight = false; // a preroll is awaited, after a seek or a state change
     QElapsedTimer m_inFlightSince;
+    bool m_seeksLastFrame = false;         // the seek in flight only fetches a picture
     std::optional<std::int64_t> m_target;  // of the seek in flight
     std::optional<std::int64_t> m_pending; // waits for the one in flight
     std::optional<std::int64_t> m_held;    // the position of a settled seek, until time goes on

@@ -27,6 +27,8 @@ public:
     // Size as the container tells it; false if it doesn't.
     bool containerSize(std::int32_t* width, std::int32_t* height) const;
 
+    FrameClipper& clipper() { return m_clipper; }
+
 private:
     FrameClipper m_clipper;
 };

@@ -1,0 +1,157 @@
+// The player on the real pipeline, with clips whose frames carry their number.
+#include <QTest>
+
+#include <QRandomGenerator>
+
+#include "library/clip.h"
+#include "platform/gstreamer/gst_media_platform.h"
+#include "platform/host.h"
+#include "playback/video_view.h"
+#include "support/frame_code.h"
+#include "support/test_clips.h"
+
+using namespace ql240;
+using namespace std::chrono_literals;
+
+Q_DECLARE_METATYPE(ql240::TestClipSpec)
+
+namespace {
+
+constexpr int kPatienceMs = 10000;
+
+// Number of the frame whose interval holds a position in ms.
+int frameAt(const QList<std::chrono::nanoseconds>& times, std::chrono::nanoseconds position) {
+    int frame = 0;
+    while (frame + 1 < times.size() && times[frame + 1] <= position)
+        ++frame;
+    return frame;
+}
+
+// A view with an open clip, paused at its start.
+struct OpenClip {
+    explicit OpenClip(const QString& path) : clip(QFileInfo(path)) {
+        view.resize(640, 360);
+        view.show();
+        opened = view.openClip(&clip);
+        view.setFrameSize(player().videoSize(0));
+        view.layoutVideo();
+        player().rewind();
+        player().pause();
+    }
+    Player& player() { return *view.player(); }
+    int grabbed(int stream = 0) { return readFrameNumber(player().frame(stream, true)); }
+    int shown() {
+        return readFrameNumber(view.grab().toImage().copy(fittedRect(view.size(), player().videoSize(0))));
+    }
+
+    Clip clip;
+    VideoView view;
+    bool opened = false;
+};
+
+TestClipSpec with(const std::function<void(TestClipSpec&)>& change) {
+    TestClipSpec spec;
+    change(spec);
+    return spec;
+}
+
+} // namespace
+
+class TestPlayer : public QObject {
+    Q_OBJECT
+
+private:
+    gstreamer::GstMediaPlatform m_media;
+
+    static void clips() {
+        QTest::addColumn<TestClipSpec>("spec");
+        QTest::newRow("mp4") << TestClipSpec{};
+        QTest::newRow("mp4, two streams") << with([](auto& s) { s.videoStreams = 2; });
+        QTest::newRow("mp4, B-frames") << with([](auto& s) { s.bFrames = 2; });
+        QTest::newRow("mp4, B-frames, no edit list")
+            << with([](auto& s) { s.bFrames = 2, s.editLists = false; });
+        QTest::newRow("mp4, variable rate") << with([](auto& s) { s.variableRate = true; });
+        QTest::newRow("mp4, starts late") << with([](auto& s) { s.firstTimeMs = 400; });
+        QTest::newRow("mp4, H.265") << with([](auto& s) { s.codec = TestClipSpec::Codec::H265; });
+        QTest::newRow("mp4, index last") << with([](auto& s) { s.faststart = false; });
+        QTest::newRow("avi") << aviTestClip();
+        QTest::newRow("avi, no sound") << [] {
+            auto s = aviTestClip();
+            s.sound = false;
+            return s;
+        }();
+    }
+
+private Q_SLOTS:
+    void initTestCase() { host().media = &m_media; }
+
+    void pausedSeeksShowTheFrameThatHoldsThePosition_data() { clips(); }
+    void pausedSeeksShowTheFrameThatHoldsThePosition() {
+        QFETCH(TestClipSpec, spec);
+        OpenClip open(makeTestClip(spec));
+        QVERIFY(open.opened);
+        const auto times = testClipFrameTimes(spec);
+        QTRY_COMPARE_WITH_TIMEOUT(open.grabbed(), 0, kPatienceMs);
+        const auto duration = open.player().durationMs();
+        QVERIFY(std::abs(duration - std::chrono::milliseconds(times.back() / 1ms * 1ms).count()) < 200);
+
+        QRandomGenerator random(7);
+        for (int i = 0; i < 12; ++i) {
+            // Without an edit list the demuxer gives no frames past the nominal end to a seek.
+            const auto last = spec.editLists ? duration : duration - 200;
+            const auto ms = i == 0 ? last : i == 1 ? 0 : random.bounded(static_cast<int>(last));
+            QVERIFY(open.player().seek(static_cast<std::int32_t>(ms)));
+            QVERIFY(std::abs(open.player().positionMs() - ms) <= (ms == duration ? 1 : 0));
+            const int expected = frameAt(times, std::chrono::milliseconds(ms));
+            QTRY_COMPARE_WITH_TIMEOUT(open.grabbed(), expected, kPatienceMs);
+            QTRY_COMPARE_WITH_TIMEOUT(open.shown(), expected, kPatienceMs);
+            QVERIFY(std::abs(open.player().positionMs() - ms) <= (ms == duration ? 1 : 0));
+        }
+    }
+
+    void tenQuickStepsLandExactly_data() { clips(); }
+    void tenQuickStepsLandExactly() {
+        QFETCH(TestClipSpec, spec);
+        OpenClip open(makeTestClip(spec));
+        const auto times = testClipFrameTimes(spec);
+        open.player().seek(300);
+        std::int64_t position = 3000000;
+        for (const int sign : {+1, -1}) {
+            for (int i = 0; i < 10; ++i) {
+                QVERIFY(sign > 0 ? open.player().stepForward() : open.player().stepBack());
+                position += sign * Player::kStep;
+                QCOMPARE(open.player().positionMs(), position / 10000);
+            }
+            const int expected = frameAt(times, position * 100ns);
+            QTRY_COMPARE_WITH_TIMEOUT(open.grabbed(), expected, kPatienceMs);
+        }
+        open.player().rewind();
+        QVERIFY(open.player().stepBack());
+        QCOMPARE(open.player().positionMs(), 0);
+    }
+
+    void playsToTheEndAtTheRightSpeed_data() { clips(); }
+    void playsToTheEndAtTheRightSpeed() {
+        QFETCH(TestClipSpec, spec);
+        OpenClip open(makeTestClip(spec));
+        QTRY_COMPARE_WITH_TIMEOUT(open.grabbed(), 0, kPatienceMs);
+        const auto duration = open.player().durationMs();
+        QElapsedTimer clock;
+        clock.start();
+        QVERIFY(open.player().play());
+        QVERIFY(open.player().isRunning());
+        QTRY_VERIFY_WITH_TIMEOUT(open.player().positionMs() == duration, kPatienceMs);
+        QVERIFY2(std::abs(clock.elapsed() - duration) < 700, qPrintable(QString::number(clock.elapsed())));
+        QCOMPARE(open.grabbed(), static_cast<int>(testClipFrameTimes(spec).size()) - 1);
+
+        open.player().stop();
+        open.player().rewind();
+        open.player().pause();
+        QCOMPARE(open.player().positionMs(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(open.grabbed(), 0, kPatienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(open.shown(), 0, kPatienceMs);
+    }
+};
+
+QTEST_MAIN(TestPlayer)
+#include "test_player.moc"
