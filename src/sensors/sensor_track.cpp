@@ -127,24 +127,28 @@ bool readLibrarySample(SensorLibrary& library, SensorLibrary::Handle handle, qin
 
 } // namespace
 
-bool appendTrailer(SensorTrack& track, const QString& path, qint64 durationMs) {
-    if (!containsAfterStart(path, QLatin1StringView(".avi"))) {
-        return false;
-    }
-    const QByteArray tail = readTail(path);
+bool appendTrailerBytes(SensorTrack& track, QByteArrayView tail, bool startsLate, qint64 durationMs) {
     const qsizetype marker = tail.indexOf(kMarker);
     if (marker <= 0) {
         return false;
     }
     const qsizetype start = std::min(marker + kMarker.size() + 1, tail.size());
-    if (appendLines(track, QByteArrayView(tail).sliced(start)) > 0) {
-        if (containsAfterStart(path, QLatin1StringView("EVT_")) ||
-            containsAfterStart(path, QLatin1StringView("MOT_"))) {
+    if (appendLines(track, tail.sliced(start)) > 0) {
+        if (startsLate) {
             padFront(track);
         }
         spreadOver(track, durationMs);
     }
     return true;
+}
+
+bool appendTrailer(SensorTrack& track, const QString& path, qint64 durationMs) {
+    if (!containsAfterStart(path, QLatin1StringView(".avi"))) {
+        return false;
+    }
+    const bool startsLate = containsAfterStart(path, QLatin1StringView("EVT_")) ||
+                            containsAfterStart(path, QLatin1StringView("MOT_"));
+    return appendTrailerBytes(track, readTail(path), startsLate, durationMs);
 }
 
 bool appendLibrarySamples(SensorTrack& track, SensorLibrary& library, const QString& path) {

@@ -32,6 +32,8 @@ using SensorTrack = std::vector<SensorSample>;
 // The trailer: only for a path with ".avi" in it. The new track as a whole gets its front padded (clips of
 // events and motion, whose samples begin after the picture does) and is spread over `durationMs`.
 bool appendTrailer(SensorTrack& track, const QString& path, qint64 durationMs);
+// The same for the end of a clip's file, `startsLate` for clips of events and motion.
+bool appendTrailerBytes(SensorTrack& track, QByteArrayView tail, bool startsLate, qint64 durationMs);
 
 // The library, asked every 100 ms for as long as it answers, at most up to 61 s.
 bool appendLibrarySamples(SensorTrack& track, SensorLibrary& library, const QString& path);

@@ -1,0 +1,26 @@
+// A whole clip: the containers, the sample tables and whichever format is found.
+#include "fuzz/sensor_fuzzing.h"
+#include "platform/sensor_files/sensor_file_library.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    QBuffer buffer;
+    buffer.setData(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+    buffer.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+    ql240::SensorFileLibrary library;
+    const auto handle = library.readClip(buffer);
+    char created[ql240::SensorLibrary::kCreateTimeSize];
+    library.getCreateTime(handle, created);
+    qint32 latitude = 0;
+    qint32 longitude = 0;
+    qint32 speed = 0;
+    std::int8_t north = 0;
+    std::int8_t east = 0;
+    for (qint64 t = 0; t <= 61000; t += 500) {
+        if (library.getLatLonSpeed(handle, t, &latitude, &longitude, &north, &east, &speed) == 0) {
+            break;
+        }
+        ql240::sensorfiles::demand(latitude >= 0 && latitude <= 90000000);
+        ql240::sensorfiles::demand(longitude >= 0 && longitude <= 180000000);
+    }
+    return 0;
+}
