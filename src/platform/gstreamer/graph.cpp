@@ -216,8 +216,10 @@ Status Graph::GetVideoSize(std::int32_t* width, std::int32_t* height) {
 // latest when the event arrives.
 GstBusSyncReply Graph::messagePosted(GstBus*, GstMessage* message, gpointer self) {
     constexpr auto kWanted = GST_MESSAGE_ASYNC_DONE | GST_MESSAGE_EOS | GST_MESSAGE_ERROR;
-    if (!(GST_MESSAGE_TYPE(message) & kWanted))
+    if (!(GST_MESSAGE_TYPE(message) & kWanted)) {
+        gst_message_unref(message);  // who drops it owns it
         return GST_BUS_DROP;
+    }
     QCoreApplication::postEvent(static_cast<Graph*>(self), new QEvent(static_cast<QEvent::Type>(kBusEvent)));
     return GST_BUS_PASS;
 }
