@@ -1,0 +1,96 @@
+// What reading the sensor data of a one-gigabyte clip costs: time, bytes read from the file and memory,
+// measured in a process of its own that has read a short clip before. Prints "figure<TAB>value<TAB>limit"
+// lines.
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <cstdio>
+
+#include "platform/sensor_files/sensor_file_library.h"
+#include "support/sensor_clips.h"
+
+namespace {
+
+using namespace ql240;
+
+constexpr qint64 kGigabyte = 1 << 30;
+constexpr int kSamples = 6000;
+
+// So many records of acceleration and position each, a hundred a second.
+madeclips::Mp4 motionClip(qint64 picture, int samples) {
+    madeclips::Track track;
+    track.durations = {10};
+    track.samplesPerChunk = 100;
+    for (int i = 0; i < samples; ++i) {
+        track.samples.append(madeclips::motionAcceleration(0, 0, 9.8F) +
+                             madeclips::motionFix(3, 37.5, 127.0 + i * 1e-6, 20, 0));
+    }
+    return madeclips::mp4Around(picture, {track});
+}
+
+QString writeClip(const QString& path, const madeclips::Mp4& clip) {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        return {};
+    }
+    file.write(clip.before);
+    file.seek(clip.before.size() + clip.picture);
+    file.write(clip.after);
+    return path;
+}
+
+// A number of one of the kernel's tables about this process.
+qint64 processNumber(const char* table, QByteArrayView name) {
+    QFile file(QStringLiteral("/proc/self/%1").arg(QLatin1StringView(table)));
+    file.open(QIODevice::ReadOnly);
+    for (const QByteArray& line : file.readAll().split('\n')) {
+        if (line.startsWith(name)) {
+            return line.mid(name.size() + 1).replace("kB", "").trimmed().toLongLong();
+        }
+    }
+    return 0;
+}
+
+qint64 bytesRead() {
+    return processNumber("io", "rchar");
+}
+qint64 peakMemory() {
+    return processNumber("status", "VmHWM");
+}
+
+int measure(const char* shortClip, const char* clip, qint64 trackAndIndex) {
+    SensorFileLibrary library;
+    library.getInformationData(shortClip);
+    const qint64 memory = peakMemory();
+    const qint64 before = bytesRead();
+    QElapsedTimer timer;
+    timer.start();
+    const SensorLibrary::Handle handle = library.getInformationData(clip);
+    const double elapsedMs = static_cast<double>(timer.nsecsElapsed()) / 1e6;
+    const auto bytes = static_cast<double>(bytesRead() - before - trackAndIndex) / 1024;
+    const double kept =
+        static_cast<double>(peakMemory() - memory) - static_cast<double>(trackAndIndex) / 1024;
+    if (handle == 0) {
+        std::fprintf(stderr, "the clip was not read\n");
+        return 1;
+    }
+    std::printf("sensor data of a 1 GB clip, ms\t%.1f\t\n", elapsedMs);
+    std::printf("sensor data of a 1 GB clip, KiB read beyond its track and index\t%.1f\t64\n", bytes);
+    std::printf("sensor data of a 1 GB clip, KiB of memory beyond its track and index\t%.1f\t64\n", kept);
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc == 4) {
+        return measure(argv[1], argv[2], QByteArray(argv[3]).toLongLong());
+    }
+    const QTemporaryDir folder;
+    const madeclips::Mp4 clip = motionClip(kGigabyte, kSamples);
+    const QString shortClip = writeClip(folder.filePath(QStringLiteral("short.mp4")), motionClip(64, 10));
+    const QString longClip = writeClip(folder.filePath(QStringLiteral("long.mp4")), clip);
+    return QProcess::execute(QString::fromLocal8Bit(argv[0]),
+                             {shortClip, longClip, QString::number(clip.after.size())});
+}
