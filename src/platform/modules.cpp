@@ -5,8 +5,8 @@
 #include "platform/web_engine_setup.h"
 #include "platform/web_pages.h"
 
-#include <QtCore/QDir>
-#include <QtCore/QLibrary>
+#include <QDir>
+#include <QLibrary>
 
 #include <memory>
 #include <utility>

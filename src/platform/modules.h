@@ -2,7 +2,7 @@
 // is loaded when it is first asked for. Interface thread only.
 #pragma once
 
-#include <QtCore/QString>
+#include <QString>
 
 #include <functional>
 

@@ -1,9 +1,9 @@
 #include "platform/web_engine_setup.h"
 
-#include <QtCore/QByteArray>
-#include <QtCore/QFile>
-#include <QtGui/QGuiApplication>
-#include <QtGui/QOpenGLContext>
+#include <QByteArray>
+#include <QFile>
+#include <QGuiApplication>
+#include <QOpenGLContext>
 
 #include <unistd.h>
 
@@ -17,6 +17,7 @@ namespace ql240 {
 
 namespace {
 
+constexpr char kGlIntegration[] = "QT_XCB_GL_INTEGRATION";
 constexpr char kSwitches[] = "QTWEBENGINE_CHROMIUM_FLAGS";
 
 // A kernel switch that is absent takes the value that lets namespaces be made.
@@ -33,6 +34,9 @@ void prepareWebEngine() {
     if (geteuid() == 0)
         switches += " --no-sandbox";
     qputenv(kSwitches, switches.trimmed());
+    // Else the engine has the graphics driver loaded only to ask it a question: 40 MB and 50 ms.
+    if (!qEnvironmentVariableIsSet(kGlIntegration))
+        qputenv(kGlIntegration, "none");
 }
 
 bool webEngineCanRun() {

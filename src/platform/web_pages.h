@@ -2,9 +2,9 @@
 // Interface thread only. The pages must be gone before the WebPages that made them.
 #pragma once
 
-#include <QtCore/QString>
-#include <QtCore/QUrl>
-#include <QtCore/QVariant>
+#include <QString>
+#include <QUrl>
+#include <QVariant>
 
 #include <functional>
 #include <memory>

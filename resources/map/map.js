@@ -1,0 +1,330 @@
+// The map in the page's element: the car in its middle, on street tiles where a tile server answers, on the base map
+// otherwise. The page drives it by KORVAMAP.initMap and MapMoveToAuto, the program by setTiles and setTrack.
+"use strict";
+
+const KORVAMAP = (function () {
+    const folder = "http://map.ql240.invalid/BlackBox/ajaxMap/newMap/";
+    const levelToZoom = 7;          // level 9 shows a few streets, as zoom 16 of the usual tile scheme does
+    const streetLimits = [3, 19], baseLimits = [2, 8];
+    const retryMs = 30000;          // between two tries for a tile server that doesn't answer
+    const answerMs = 8000;          // a tile that takes longer counts as none
+    const failuresInARow = 4;
+    const attribution = '© <a href="https://www.openstreetmap.org/copyright">OpenStreetMap</a> contributors';
+    const tileBrightness = 0.82;
+    const trackColour = "#2e8a80", carColour = "#86e6d9";
+    const waySize = L.point(104, 80);
+    const still = {animate: false};
+
+    let map = null, base = null, car = null, trackLayer = null, way = null;
+    let position = null, heading = 0, track = [], level = 9;
+    let tiles = null, tileTemplate = "", onStreets = false;
+    let probe = null, probeTimer = 0, failures = 0, waitingSince = 0;
+    let streetZoom = level + levelToZoom, baseZoom = 0;    // 0: whichever shows enough
+
+    // Touches its element only when what it shows has changed: a layout of the page costs more than a move of the map.
+    const Scale = L.Control.Scale.extend({
+        _updateScale: function (element, text, ratio) {
+            const shown = text + Math.round(ratio * this.options.maxWidth);
+            if (element.shown !== shown)
+                L.Control.Scale.prototype._updateScale.call(this, element, text, ratio);
+            element.shown = shown;
+        }
+    });
+
+    // The clip's way, drawn tile by tile like the map under it, so that moving the map draws nothing anew.
+    const TrackLayer = L.GridLayer.extend({
+        options: {pane: "overlayPane", keepBuffer: 1, updateInterval: 50, minZoom: 0, maxZoom: 19},
+        createTile: function (coords) {
+            const lines = track.map(segment => L.LineUtil.simplify(
+                segment.map(point => map.project(point, coords.z)), 1));
+            return paintTrackTile(lines, coords.scaleBy(this.getTileSize()), this.getTileSize());
+        }
+    });
+
+    // Street tiles, dimmed once when they come: as bright as they are made, they would outshine the dark windows.
+    const StreetLayer = L.TileLayer.extend({
+        createTile: function (coords, done) {
+            const tile = document.createElement("canvas"), image = new Image();
+            image.onload = function () {
+                tile.width = image.naturalWidth;
+                tile.height = image.naturalHeight;
+                const brush = tile.getContext("2d", {alpha: false});
+                brush.globalAlpha = tileBrightness;
+                brush.drawImage(image, 0, 0);
+                done(null, tile);
+            };
+            image.onerror = () => done(new Error("no tile"), tile);
+            image.src = this.getTileUrl(coords);
+            return tile;
+        }
+    });
+
+    function paintTrackTile(lines, corner, size) {
+        const view = L.bounds(corner.subtract([3, 3]), corner.add(size).add([3, 3]));
+        const crosses = line => line.some((point, i) => i > 0 && view.intersects(L.bounds(line[i - 1], point)));
+        const inside = lines.filter(crosses);
+        if (inside.length === 0)
+            return document.createElement("div");
+        const tile = document.createElement("canvas");
+        const brush = BaseMap.makeCanvas(tile, size.x, size.y);
+        brush.translate(-corner.x, -corner.y);
+        drawTrack(brush, inside, 4);
+        return tile;
+    }
+
+    function drawTrack(brush, lines, width) {
+        brush.lineJoin = brush.lineCap = "round";
+        brush.strokeStyle = trackColour;
+        brush.lineWidth = width;
+        for (const line of lines) {
+            brush.beginPath();
+            line.forEach(point => brush.lineTo(point.x, point.y));
+            brush.stroke();
+        }
+    }
+
+    function carIcon() {
+        return L.divIcon({
+            className: "car", iconSize: [24, 24], iconAnchor: [12, 12],
+            html: '<svg width="24" height="24" viewBox="0 0 24 24"><path d="M12 2 19 20 12 16.5 5 20Z"' +
+                  ' fill="' + carColour + '" stroke="#090909" stroke-width="2" stroke-linejoin="round"' +
+                  ' paint-order="stroke"/></svg>'
+        });
+    }
+
+    function loadStyle(name) {
+        const link = document.createElement("link");
+        link.rel = "stylesheet";
+        link.href = folder + name;
+        document.head.appendChild(link);
+    }
+
+    // May be called again and again: only the first call makes anything.
+    function initMap(id, x, y, zoom, callback) {
+        if (!map)
+            makeMap(document.getElementById(id));
+        if (typeof callback === "function")
+            callback();
+    }
+
+    function makeMap(element) {
+        loadStyle("leaflet.css");
+        loadStyle("map.css");
+        map = L.map(element, {
+            zoomControl: false, keyboard: false, boxZoom: false, inertia: false, zoomAnimation: false,
+            fadeAnimation: false, markerZoomAnimation: false, worldCopyJump: true,
+            scrollWheelZoom: "center", doubleClickZoom: "center", touchZoom: "center"
+        });
+        map.attributionControl.setPrefix(false);
+        new Scale({imperial: false, maxWidth: 80}).addTo(map);
+        trackLayer = new TrackLayer();
+        car = L.marker([0, 0], {icon: carIcon(), interactive: false, keyboard: false});
+        BaseMap.load(folder, function (layer) {
+            base = layer;
+            if (position)
+                showLayers();
+        });
+    }
+
+    // The user's own choice, by the wheel or a double click.
+    function rememberZoom() {
+        if (onStreets)
+            streetZoom = map.getZoom();
+        else
+            baseZoom = map.getZoom();
+    }
+
+    // Shows the layers of the present state at the car's position.
+    function showLayers() {
+        const limits = onStreets ? streetLimits : baseLimits;
+        map.off("zoomend", rememberZoom);
+        map.setMinZoom(0).setMaxZoom(limits[1]);
+        map.setView(position, onStreets ? streetZoom : baseZoom || BaseMap.zoomFor(position, map), still);
+        map.setMinZoom(limits[0]).on("zoomend", rememberZoom);
+        car.setLatLng(position);
+        for (const layer of [base, tiles, trackLayer, car])
+            if (layer)
+                layer.remove();
+        if (base && !onStreets)
+            base.addTo(map);
+        if (tiles && onStreets)
+            tiles.addTo(map);
+        trackLayer.addTo(map);
+        car.addTo(map);
+        map.attributionControl.removeAttribution(attribution).removeAttribution("Natural Earth");
+        map.attributionControl.addAttribution(onStreets ? attribution : "Natural Earth");
+        turnArrow();
+        drawWay();
+    }
+
+    function bearing(from, to) {
+        const x = (to.lng - from.lng) * Math.cos(to.lat * Math.PI / 180), y = to.lat - from.lat;
+        return Math.atan2(x, y) * 180 / Math.PI;
+    }
+
+    // The heading follows a movement of at least two metres, not the noise of a car that stands.
+    function turnTo(place) {
+        if (car.from && car.from.distanceTo(place) < 2)
+            return;
+        if (car.from && car.from.distanceTo(place) < 500)
+            heading = bearing(car.from, place);
+        car.from = place;
+    }
+
+    function moveTo(latitude, longitude, newLevel) {
+        const place = L.latLng(parseFloat(latitude), parseFloat(longitude));
+        if (!map)
+            return;
+        if (newLevel && Number(newLevel) !== level) {
+            level = Number(newLevel);
+            streetZoom = level + levelToZoom;
+        }
+        turnTo(place);
+        const first = !position;
+        position = place;
+        if (first || !map.getBounds().contains(place))
+            showLayers();
+        else
+            follow();
+        turnArrow();
+        drawWay();
+    }
+
+    function turnArrow() {
+        const arrow = car.getElement() && car.getElement().firstChild;
+        const turn = "rotate(" + heading.toFixed(0) + "deg)";
+        if (arrow && arrow.style.transform !== turn)
+            arrow.style.transform = turn;
+    }
+
+    // Centres the car, unless it is less than a pixel away from the middle or the user holds the map. Every move has
+    // the page drawn anew, which is what a map that follows costs.
+    function follow() {
+        const offset = map.latLngToContainerPoint(position).subtract(map.getSize().divideBy(2));
+        if (map.dragging.moving() || Math.max(Math.abs(offset.x), Math.abs(offset.y)) < 1)
+            return;
+        car.setLatLng(position);
+        map.setView(position, map.getZoom(), still);
+    }
+
+    // `segments`: lists of [latitude, longitude], one list for each stretch with a fix.
+    function setTrack(segments) {
+        track = segments;
+        if (!map)
+            return;
+        trackLayer.redraw();
+        drawWay();
+    }
+
+    // Beside the base map, whose scale shows no driving: the whole way on its own, with the car's place in it.
+    function drawWay() {
+        const points = track.flat();
+        if (onStreets || !position || points.length < 2) {
+            if (way)
+                way.remove();
+            way = null;
+            return;
+        }
+        if (!way)
+            way = L.DomUtil.create("canvas", "way", map.getContainer());
+        const project = wayProjection(L.latLngBounds(points));
+        const car = project([position.lat, position.lng]);
+        const shown = [track.length, points.length, car.multiplyBy(2).round(), Math.round(heading / 5)].join();
+        if (way.shown !== shown)
+            paintWay(BaseMap.makeCanvas(way, waySize.x, waySize.y), project, car);
+        way.shown = shown;
+    }
+
+    // From [latitude, longitude] to the panel's pixels, the way as large as it fits.
+    function wayProjection(bounds) {
+        const middle = bounds.getCenter(), narrow = Math.cos(middle.lat * Math.PI / 180), margin = 11;
+        const width = Math.max(1e-4, (bounds.getEast() - bounds.getWest()) * narrow);
+        const height = Math.max(1e-4, bounds.getNorth() - bounds.getSouth());
+        const scale = Math.min((waySize.x - 2 * margin) / width, (waySize.y - 2 * margin) / height);
+        return point => L.point(waySize.x / 2 + (point[1] - middle.lng) * narrow * scale,
+                                waySize.y / 2 - (point[0] - middle.lat) * scale);
+    }
+
+    function paintWay(brush, project, car) {
+        drawTrack(brush, track.map(segment => segment.map(project)), 2);
+        brush.translate(car.x, car.y);
+        brush.rotate(heading * Math.PI / 180);
+        brush.fillStyle = carColour;
+        brush.strokeStyle = "#090909";
+        const arrow = new Path2D("M0-6 4.5 5 0 3-4.5 5Z");
+        brush.stroke(arrow);
+        brush.fill(arrow);
+    }
+
+    // Tiles are first asked for when a single one has come, so a server that is away costs nothing and hides nothing.
+    function setTiles(template) {
+        tileTemplate = template;
+        setStreets(false);
+        if (tiles)
+            tiles.remove();
+        tiles = null;
+        if (!template)
+            return;
+        tiles = new StreetLayer(template, {keepBuffer: 1, minZoom: streetLimits[0], maxZoom: streetLimits[1],
+                                           updateInterval: 100});
+        tiles.on("loading", () => { waitingSince = Date.now(); });
+        tiles.on("tileload", () => { failures = 0; waitingSince = Date.now(); });
+        tiles.on("load", () => { waitingSince = 0; });
+        tiles.on("tileerror", function () {
+            if (++failures >= failuresInARow)
+                giveUp();
+        });
+        tryStreets();
+    }
+
+    function setStreets(on) {
+        if (onStreets === on)
+            return;
+        onStreets = on;
+        failures = waitingSince = 0;
+        if (position)
+            showLayers();
+    }
+
+    function giveUp() {
+        setStreets(false);
+        retryLater();
+    }
+
+    function retryLater() {
+        clearTimeout(probeTimer);
+        if (probe)
+            probe.onload = probe.onerror = null;
+        probe = null;
+        probeTimer = setTimeout(tryStreets, retryMs);
+    }
+
+    function tileAddress() {
+        const zoom = streetLimits[1] - 3, tile = map.project(position, zoom).divideBy(256).floor();
+        return L.Util.template(tileTemplate, {z: zoom, x: tile.x, y: tile.y, s: "a", r: ""});
+    }
+
+    function tryStreets() {
+        clearTimeout(probeTimer);
+        if (!tileTemplate || !position)
+            return;
+        probe = new Image();
+        probe.onload = function () {
+            clearTimeout(probeTimer);
+            setStreets(true);
+        };
+        probe.onerror = retryLater;
+        probeTimer = setTimeout(retryLater, answerMs);
+        probe.src = tileAddress();
+    }
+
+    // A server that takes requests and answers none: back to the base map before the old tiles have left the view.
+    setInterval(function () {
+        if (onStreets && waitingSince && Date.now() - waitingSince > answerMs)
+            giveUp();
+    }, 2000);
+
+    return {initMap, moveTo, setTrack, setTiles, get map() { return map; }, get onStreets() { return onStreets; }};
+})();
+
+const MapMoveToAuto = KORVAMAP.moveTo, setTrack = KORVAMAP.setTrack, setTiles = KORVAMAP.setTiles;
