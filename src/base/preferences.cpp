@@ -12,6 +12,7 @@ namespace {
 constexpr QLatin1StringView kLanguageKey("global/language");
 constexpr QLatin1StringView kSpeedUnitKey("global/speedkm");
 constexpr QLatin1StringView kLastFolderKey("storage/lastfolder");
+constexpr QLatin1StringView kTileUrlKey("map/tileurl");
 
 // An unquoted comma in a file edited by hand makes the toolkit see a list.
 QString asText(const QVariant& value) {
@@ -60,6 +61,9 @@ bool readSpeedUnit(QString& value) {
 }
 bool readLastFolder(QString& value) {
     return readText(kLastFolderKey, value);
+}
+bool readTileUrl(QString& value) {
+    return readText(kTileUrlKey, value);
 }
 
 void writeLanguage(const QString& value) {

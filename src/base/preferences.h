@@ -1,4 +1,4 @@
-// The viewer's own preferences: three texts in an ini file of the user's (UTF-8). Every call opens the file
+// The viewer's own preferences: a few texts in an ini file of the user's (UTF-8). Every call opens the file
 // afresh, and a write is on disk when the call returns. Any thread may call, none is kept waiting for
 // another.
 #pragma once
@@ -15,6 +15,8 @@ QString localIniPath();
 bool readLanguage(QString& value);
 bool readSpeedUnit(QString& value);
 bool readLastFolder(QString& value);
+// The address of the map's street tiles; there is no writer, users edit the file.
+bool readTileUrl(QString& value);
 
 // Writers store nothing, silently, where the file cannot be written.
 void writeLanguage(const QString& value);
