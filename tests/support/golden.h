@@ -11,7 +11,7 @@
 namespace ql240 {
 
 inline constexpr int kGoldenChannelTolerance = 32;
-inline constexpr double kGoldenPixelShare = 0.001;
+inline constexpr double kGoldenPixelShare = 0.0001;
 
 // How far two pictures of one size are apart, and where.
 inline int differingPixels(const QImage& a, const QImage& b, QImage& difference) {
