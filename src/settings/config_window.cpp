@@ -1,20 +1,490 @@
 #include "settings/config_window.h"
 
+#include <QComboBox>
+#include <QDateTimeEdit>
+#include <QDir>
+#include <QEventLoop>
+#include <QFile>
+#include <QFileDialog>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMessageBox>
+#include <QMouseEvent>
+#include <QPainter>
+
+#include "base/preferences.h"
+#include "settings/card.h"
+#include "settings/config_layout.h"
+#include "settings/device_settings.h"
+#include "settings/dialog_parts.h"
+#include "settings/window_gmt.h"
+#include "settings/window_pages.h"
+#include "widgets/skin.h"
+
 namespace ql240 {
+
+using namespace std::chrono_literals;
+
+QString clockStyle(bool enabled);
+
 namespace {
 
-constexpr QSize kSize(554, 730);
-constexpr QColor kBackground(9, 9, 9);
+constexpr QColor kBackgroundColour(9, 9, 9);
+
+// What a card may keep the interface waiting before the dialog goes on without it, and when it counts as
+// dead.
+constexpr auto kPatience = 80ms;
+constexpr auto kReadLimit = 2s;
+
+struct ShockPreset {
+    int preset;
+    int driving;
+    int parked;
+};
+constexpr std::array kShockPresets = {ShockPreset{1, 6, 5}, ShockPreset{2, 8, 7}, ShockPreset{3, 10, 9}};
 
 } // namespace
 
 ConfigWindow::ConfigWindow(QWidget* parent) : QDialog(parent, Qt::FramelessWindowHint) {
-    setWindowTitle(tr("QL240 Setting"));
-    setFixedSize(kSize);
-    setAutoFillBackground(true);
+    setFixedSize(config::kSize);
     QPalette colours = palette();
-    colours.setColor(backgroundRole(), kBackground);
+    colours.setColor(backgroundRole(), kBackgroundColour);
     setPalette(colours);
+    setAutoFillBackground(true);
+    setStyleSheet(
+        QStringLiteral("color: rgb(220,220,220); font-family: \"Segoe UI\", Arial; font-size: 10pt;"));
+    m_background = skinPixmap(skinPath(QStringLiteral("setting_bg")));
+    m_dstMark = skinPixmap(skinPath(QStringLiteral("dst_check")));
+    m_marks = {skinPixmap(skinPath(QStringLiteral("check"))),
+               skinPixmap(skinPath(QStringLiteral("discheck2"))),
+               skinPixmap(skinPath(QStringLiteral("check1")))};
+
+    m_title = addTitle(this, config::kTitle, QString());
+    setTitle(m_title, uiText(0), config::kTitleRoom);
+    addTopLists();
+    addClock();
+    addPageButtons();
+    addOtherButtons();
+    addLanguageList();
+    m_rows = addChoiceRows(this, *this, config::kRows);
+    nameForScreenReaders();
+    setTabOrderByPlace(this);
+    m_rows.first()->setFocus();
+
+    connect(m_drives, &QComboBox::currentIndexChanged, this, &ConfigWindow::loadData);
+    m_deadline.setSingleShot(true);
+    connect(&m_deadline, &QTimer::timeout, this, &ConfigWindow::pickCard);
+    readDrives();
+    setWindowTitle(tr("QL240 Setting"));
+    QString unit;
+    m_values.viewerSpeedUnit = readSpeedUnit(unit) && unit != QLatin1String("km") ? 2 : 1;
+
+    m_helper.watchWindow(this);
+    // The helper's flags alone would make a dialog with a parent a part of it.
+    if (parentWidget())
+        setWindowFlags(windowFlags() | Qt::Dialog);
+    m_helper.setResizable(false);
+    m_helper.setMovable(true);
+    applySetClock();
+    refresh();
+}
+
+void ConfigWindow::setViewerSpeedUnit(qint32 unit) {
+    m_values.viewerSpeedUnit = unit;
+    refresh();
+}
+
+// --- Loading ---
+
+void ConfigWindow::readDrives() {
+    const auto drives = std::make_shared<QList<DriveInfo>>();
+    m_deadline.start(kReadLimit);
+    m_reader.start([drives] { *drives = listRemovableDrives(); },
+                   [this, drives] {
+                       const QSignalBlocker quiet(m_drives);
+                       QStringList names;
+                       for (const DriveInfo& info : std::as_const(*drives)) {
+                           const QString label = QString::fromLocal8Bit(info.label);
+                           m_drives->addItem(QStringLiteral("%1 (%2)").arg(label, info.drive), info.drive);
+                           names.append(info.drive);
+                       }
+                       readContents(names);
+                   });
+    m_reader.wait(kPatience);
+}
+
+// Each drive has a thread of its own: one that doesn't answer must not hide another.
+void ConfigWindow::readContents(const QStringList& drives) {
+    m_asked = drives;
+    m_contents.assign(size_t(drives.size()), std::nullopt);
+    for (int i = 0; i < drives.size(); ++i) {
+        const auto contents = std::make_shared<CardContents>();
+        m_reader.start([contents, drive = drives[i]] { *contents = readCard(drive); },
+                       [this, contents, i] { keepContents(i, *contents); });
+    }
+}
+
+void ConfigWindow::keepContents(int index, const CardContents& contents) {
+    if (m_contents.empty()) {
+        // Too late for the choice among the drives, but not for the one that was chosen.
+        if (m_settingFolder.isEmpty() && contents.drive == m_drives->currentData().toString())
+            showContents(contents);
+        return;
+    }
+    m_contents[size_t(index)] = contents;
+    if (std::all_of(m_contents.begin(), m_contents.end(), [](const auto& each) { return each.has_value(); }))
+        pickCard();
+}
+
+// The last drive with a version file is the card; without one it is the first drive.
+void ConfigWindow::pickCard() {
+    m_deadline.stop();
+    if (m_contents.empty())
+        return;
+    size_t picked = 0;
+    for (size_t i = 0; i < m_contents.size(); ++i) {
+        if (m_contents[i] && m_contents[i]->versionText)
+            picked = i;
+    }
+    const auto contents = std::exchange(m_contents, {})[picked];
+    {
+        const QSignalBlocker quiet(m_drives);
+        m_drives->setCurrentIndex(m_drives->findData(m_asked[qsizetype(picked)]));
+    }
+    if (contents)
+        showContents(*contents);
+    else
+        showNoAnswer();
+}
+
+void ConfigWindow::loadData(int index) {
+    if (index < 0)
+        return;
+    m_reader.forget();
+    m_settingFolder.clear();
+    m_deadline.start(kReadLimit);
+    readContents({m_drives->itemData(index).toString()});
+    if (!m_reader.wait(kPatience))
+        refresh();
+}
+
+void ConfigWindow::showContents(const CardContents& contents) {
+    m_drive = contents.drive;
+    m_settingFolder = contents.settingFolder;
+    m_updateFolder = contents.updateFolder;
+    m_drives->setToolTip(m_drives->currentText());
+    applyVersion(contents.versionText.value_or(QString()));
+    static_cast<SettingValues&>(m_values) = contents.values;
+    m_values.reversalvalue = 0;
+    m_values.sharpnessvalue = 4;
+    deriveShockPreset();
+    if (m_values.mutevalue == 1)
+        m_values.speakervalue = 0;
+    refresh();
+}
+
+void ConfigWindow::showNoAnswer() {
+    m_drives->setToolTip(tr("%1 does not answer.").arg(m_drives->currentText()));
+    applyVersion(QString());
+    refresh();
+}
+
+void ConfigWindow::applyVersion(const QString& versionText) {
+    const QStringList fields = versionText.split(u' ');
+    m_firmware->clear();
+    m_micom->clear();
+    if (fields.size() >= 2)
+        m_firmware->addItem(fields[1]);
+    if (fields.size() >= 3)
+        m_micom->addItem(fields[2]);
+    const QString battery = fields.value(3);
+    m_pageButtons[4]->setEnabled(battery != QLatin1String("24V"));
+    m_pageButtons[5]->setEnabled(battery != QLatin1String("12V"));
+}
+
+// --- Values ---
+
+// While a drive is being read, or can't be, nothing that would be saved to it can be changed.
+bool ConfigWindow::isOperable(const OptionRow& row) const {
+    if (m_waiting)
+        return false;
+    const bool onCard = row.value != &RowValues::viewerSpeedUnit;
+    return !onCard || m_drives->count() == 0 || !m_settingFolder.isEmpty();
+}
+
+void ConfigWindow::choose(const OptionRow& row, int value) {
+    if (row.value == &RowValues::partitionvalue)
+        pickPartition(value);
+    else
+        m_values.*row.value = value;
+    if (row.value == &RowValues::sensitivityvalue)
+        applyShockPreset();
+    if (row.value == &RowValues::setsClock)
+        applySetClock();
+    refresh();
+}
+
+void ConfigWindow::pickPartition(int value) {
+    if (value == m_values.partitionvalue)
+        return;
+    WindowBtn7 warning(this);
+    warning.exec();
+    if (warning.isConfirmed())
+        m_values.partitionvalue = value;
+}
+
+void ConfigWindow::applyShockPreset() {
+    for (const ShockPreset& each : kShockPresets) {
+        if (each.preset == m_values.sensitivityvalue) {
+            m_values.sensitivityvalue1 = each.driving;
+            m_values.sensitivityvalue2 = each.parked;
+        }
+    }
+}
+
+void ConfigWindow::deriveShockPreset() {
+    m_values.sensitivityvalue = 0;
+    for (const ShockPreset& each : kShockPresets) {
+        if (each.driving == m_values.sensitivityvalue1 && each.parked == m_values.sensitivityvalue2)
+            m_values.sensitivityvalue = each.preset;
+    }
+}
+
+void ConfigWindow::applySetClock() {
+    const bool sets = m_values.setsClock != 0;
+    m_clock->setStyleSheet(clockStyle(sets));
+    m_clock->setEnabled(sets);
+    m_getTime->setEnabled(sets);
+}
+
+void ConfigWindow::refresh() {
+    for (ChoiceRow* row : std::as_const(m_rows))
+        row->refresh();
+    update();
+}
+
+// --- Events ---
+
+void ConfigWindow::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.drawPixmap(QRect(QPoint(), config::kSize), m_background);
+    painter.setPen(kPageText);
+    paintLabels(painter, config::kLabels);
+    for (const OptionRow& row : config::kRows)
+        paintRowTexts(painter, row);
+    for (const OptionRow& row : config::kRows)
+        paintRowMarks(painter, row, m_values, m_marks, isOperable(row));
+    painter.drawPixmap(config::kDstMark, m_dstMark);
+}
+
+void ConfigWindow::mouseReleaseEvent(QMouseEvent* event) {
+    const QPoint point = event->position().toPoint();
+    for (const OptionRow& row : config::kRows) {
+        const Choice* hit =
+            row.kind != RowKind::ShownOnly && isOperable(row) ? choiceAt(row, point) : nullptr;
+        if (!hit)
+            continue;
+        if (row.kind == RowKind::TickBox) {
+            choose(row, m_values.setsClock ? 0 : 1);
+            return;
+        }
+        choose(row, hit->value);
+    }
+}
+
+void ConfigWindow::keyPressEvent(QKeyEvent* event) {
+    if (!isEnter(event))
+        QDialog::keyPressEvent(event);
+    else if (!clickFocusedButton(this))
+        OnSlotsOK();
+}
+
+void ConfigWindow::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::LanguageChange)
+        event->accept();
+    else
+        QDialog::changeEvent(event);
+}
+
+// --- Commands ---
+
+void ConfigWindow::OnSlotsOK() {
+    if (m_waiting)
+        return;
+    Onapply();
+    if (!m_gaveUp)
+        accept();
+}
+
+void ConfigWindow::OnSlotsCancel() {
+    reject();
+}
+
+void ConfigWindow::OnSlotsExit() {
+    reject();
+}
+
+void ConfigWindow::reject() {
+    if (m_waiting) {
+        m_gaveUp = true;
+        m_waiting->quit();
+    }
+    QDialog::reject();
+}
+
+void ConfigWindow::OnSlotsGetTime() {
+    m_clock->setDateTime(QDateTime::currentDateTime());
+}
+
+void ConfigWindow::OnSlotsGmt() {
+    WindowGMT window(this);
+    window.preselect(m_zoneCode, QString());
+    window.exec();
+    if (!window.isConfirmed())
+        return;
+    m_zoneCode = window.selectedCode();
+    m_zoneBias = window.selectedBias();
+}
+
+void ConfigWindow::OnSlotsEditor() {
+    const QString card = findCardDrive();
+    if (card.isEmpty()) {
+        auto* box = new QMessageBox(QMessageBox::NoIcon, QStringLiteral("QL240 Notification"),
+                                    QStringLiteral("No Disk "), QMessageBox::Ok);
+        box->setAttribute(Qt::WA_DeleteOnClose);
+        box->setModal(false);
+        box->show();
+        return;
+    }
+    const QString file = QFileDialog::getOpenFileName(this, QStringLiteral("QL240 Screen Saver, Load File"),
+                                                      QString(), QStringLiteral("QL240 Image Files(*.bin)"));
+    if (!file.isEmpty())
+        QFile::copy(file, card + QStringLiteral("/IMAGE/screensaver.bin"));
+}
+
+void ConfigWindow::runPage(SettingsPage& page) {
+    page.setValues(m_values);
+    page.exec();
+    if (page.isConfirmed())
+        m_values = page.values();
+    refresh();
+}
+
+void ConfigWindow::OnSlotsBtn0() {
+    WindowBtn0 page(this);
+    runPage(page);
+}
+
+void ConfigWindow::OnSlotsBtn1() {
+    WindowBtn1 page(this);
+    runPage(page);
+}
+
+void ConfigWindow::OnSlotsBtn2() {
+    applyShockPreset();
+    WindowBtn2 page(this);
+    runPage(page);
+    deriveShockPreset();
+    refresh();
+}
+
+void ConfigWindow::OnSlotsBtn3() {
+    WindowBtn3 page(this);
+    runPage(page);
+    if (m_values.timeoffvalue == 0)
+        m_values.timeoffvalue = 1;
+}
+
+void ConfigWindow::OnSlotsBtn4() {
+    WindowBtn4 page(this);
+    runPage(page);
+}
+
+void ConfigWindow::OnSlotsBtn5() {
+    WindowBtn5 page(this);
+    runPage(page);
+}
+
+void ConfigWindow::OnSlotsBtn6() {
+    WindowBtn6 page(this);
+    runPage(page);
+}
+
+// --- Saving ---
+
+void ConfigWindow::Onapply() {
+    m_gaveUp = false;
+    if (!saveToCard())
+        return;
+    applyPreferences();
+    retranslate();
+}
+
+bool ConfigWindow::saveToCard() {
+    if (m_settingFolder.isEmpty())
+        return true;
+    const QString time = m_clock->dateTime().toString(QStringLiteral("yyyy-MM-dd-hh-mm-ss"));
+    m_writer.start(
+        [drive = m_drive, folder = m_settingFolder, values = m_values, time] {
+            // A card pulled out has taken its mount point along; nothing is to be made in that one's place.
+            if (!QDir(drive).exists())
+                return;
+            DeviceSettings settings(folder);
+            static_cast<SettingValues&>(settings) = values;
+            settings.reversalvalue = 0;
+            settings.sharpnessvalue = 4;
+            settings.mutevalue = values.speakervalue == 0 ? 1 : 0;
+            settings.setTime(values.setsClock != 0, time);
+            settings.save();
+        },
+        [this] {
+            if (m_waiting)
+                m_waiting->quit();
+        });
+    return m_writer.wait(kPatience) || waitForWriter();
+}
+
+// Writing goes on until it is done: half a save helps nobody. The user may stop waiting by Cancel or close;
+// the card's files are whole at every moment.
+bool ConfigWindow::waitForWriter() {
+    QEventLoop loop;
+    m_waiting = &loop;
+    QList<QWidget*> locked;
+    const auto widgets = findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
+    for (QWidget* widget : widgets) {
+        if (!widget->isEnabled() || widget == m_cancel || widget == m_close)
+            continue;
+        widget->setEnabled(false);
+        locked.append(widget);
+    }
+    setCursor(Qt::BusyCursor);
+    update();
+    loop.exec();
+    m_waiting = nullptr;
+    unsetCursor();
+    for (QWidget* widget : std::as_const(locked))
+        widget->setEnabled(true);
+    return !m_gaveUp;
+}
+
+void ConfigWindow::applyPreferences() {
+    constexpr std::array kCodes = {"kr", "en", "ru", "ch", "es"};
+    const int index = m_languages->currentIndex();
+    const auto code = QString::fromLatin1(index < 0 ? "en" : kCodes[size_t(index)]);
+    setCurrentLanguage(code);
+    writeLanguage(code);
+    writeSpeedUnit(m_values.viewerSpeedUnit == 1 ? QStringLiteral("km") : QStringLiteral("mph"));
+}
+
+void ConfigWindow::retranslate() {
+    setTitle(m_title, uiText(0), config::kTitleRoom);
+    m_ok->setText(uiText(23));
+    m_cancel->setText(uiText(24));
+    m_getTime->setText(uiText(13));
+    for (int i = 0; i < m_languages->count(); ++i)
+        m_languages->setItemText(i, uiText(39 + i));
+    nameForScreenReaders();
+    update();
 }
 
 } // namespace ql240

@@ -1,0 +1,57 @@
+// The keyboard's and the screen reader's side of one painted row: an invisible child of the window, over the
+// row, that takes the focus, turns arrow keys into choices and shows the focus by a frame. Mouse events pass
+// through it to the window, which paints the row. Interface thread only; owned by its window.
+#pragma once
+
+#include <QWidget>
+
+#include "settings/option_rows.h"
+
+namespace ql240 {
+
+// The window that paints the row and holds its value.
+class RowOwner {
+public:
+    virtual ~RowOwner() = default;
+    virtual const RowValues& rowValues() const = 0;
+    virtual bool isOperable(const OptionRow& row) const = 0;
+    // The user chose `value`; the owner may keep the old one.
+    virtual void choose(const OptionRow& row, int value) = 0;
+};
+
+class ChoiceRow : public QWidget {
+    Q_OBJECT
+public:
+    // `owner` is the window itself; `row` stands in a table that outlives the widget.
+    ChoiceRow(QWidget* window, RowOwner& owner, const OptionRow& row);
+
+    const OptionRow& row() const { return m_row; }
+    // Position of the chosen one among the row's choices; -1 if none is.
+    int chosenIndex() const;
+    bool isOperable() const { return m_owner.isOperable(m_row); }
+    void choose(int index);
+    // Takes over whether the row can be operated, and tells screen readers if another choice holds since the
+    // last call.
+    void refresh();
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void step(int by);
+    void tell();
+
+    RowOwner& m_owner;
+    const OptionRow& m_row;
+    int m_told = -1; // the chosen index that screen readers know
+};
+
+// One for each row of the table, in its order.
+QList<ChoiceRow*> addChoiceRows(QWidget* window, RowOwner& owner, std::span<const OptionRow> rows);
+
+// The order in which Tab visits the window's widgets: line by line, from left to right.
+void setTabOrderByPlace(QWidget* window);
+
+} // namespace ql240

@@ -1,0 +1,62 @@
+// What the tests of the settings windows share: drives that are made cards, preferences in a folder of the
+// test's own, the program's look.
+#pragma once
+
+#include <QApplication>
+#include <QMouseEvent>
+#include <QTest>
+
+#include "base/language.h"
+#include "base/preferences.h"
+#include "platform/host.h"
+#include "settings/config_window.h"
+#include "support/fake_drives.h"
+#include "support/made_card.h"
+#include "widgets/fonts.h"
+
+namespace ql240 {
+
+class SettingsFixture {
+public:
+    SettingsFixture() {
+        host().drives = &m_drives;
+        installFontSubstitutes();
+        QFile::remove(localIniPath());
+        setCurrentLanguage(QStringLiteral("en"));
+    }
+    ~SettingsFixture() { host().drives = nullptr; }
+    Q_DISABLE_COPY_MOVE(SettingsFixture)
+
+    void insert(const MadeCard& card, const QByteArray& label = "CAMERA") {
+        m_drives.drives.append({card.drive(), label, "vfat"});
+    }
+
+private:
+    FakeDrives m_drives;
+};
+
+// A camera's card with its version file.
+inline void makeCamera(const MadeCard& card, const QByteArray& version = "QL240 1.02 1.00") {
+    card.put(QStringLiteral("update/version.txt"), version);
+}
+
+inline void putByte(const MadeCard& card, const QString& key, int value) {
+    card.put(QStringLiteral("setting/set%1.dat").arg(key), QByteArray(1, char(value)));
+}
+
+// −1 if there is no such file.
+inline int byteOf(const MadeCard& card, const QString& key) {
+    const auto bytes = card.bytes(QStringLiteral("setting/set%1.dat").arg(key));
+    return bytes && bytes->size() == 1 ? int(uchar(bytes->at(0))) : -1;
+}
+
+// A busy machine may need longer than the dialog waits before it goes on without the card.
+inline bool waitForCard(const ConfigWindow& window) {
+    return QTest::qWaitFor([&] { return !window.settingFolder().isEmpty(); }, 10000);
+}
+
+inline void click(QWidget& window, QPoint point) {
+    QTest::mouseClick(&window, Qt::LeftButton, Qt::NoModifier, point);
+}
+
+} // namespace ql240
