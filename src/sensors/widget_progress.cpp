@@ -164,30 +164,29 @@ PanelState WidgetProgressA::state() const {
 }
 
 void WidgetProgressA::mousePressEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton) {
-        event->ignore();
-    } else if (!isInStrip(placeOf(event))) {
+    const bool left = event->button() == Qt::LeftButton;
+    if (left && !isInStrip(placeOf(event))) {
         QWidget::mousePressEvent(event);
-    } else if (panel::seekArea(rect()).contains(placeOf(event))) {
+        return;
+    }
+    const bool taken = left && panel::seekArea(rect()).contains(placeOf(event));
+    if (taken) {
         m_dragging = true;
         update();
-        event->accept();
-    } else {
-        event->ignore();
     }
+    event->setAccepted(taken);
 }
 
 void WidgetProgressA::mouseMoveEvent(QMouseEvent* event) {
-    if (!m_dragging) {
-        event->ignore();
-    } else if (!isInStrip(placeOf(event))) {
+    if (m_dragging && !isInStrip(placeOf(event))) {
         QWidget::mouseMoveEvent(event);
-    } else if (panel::seekArea(rect()).contains(placeOf(event))) {
-        update();
-        event->accept();
-    } else {
-        event->ignore();
+        return;
     }
+    const bool taken = m_dragging && panel::seekArea(rect()).contains(placeOf(event));
+    if (taken) {
+        update();
+    }
+    event->setAccepted(taken);
 }
 
 void WidgetProgressA::mouseReleaseEvent(QMouseEvent* event) {

@@ -7,7 +7,7 @@ namespace ql240::sensorfiles {
 namespace {
 
 // Box headers are read twice at times, windows a little past what is needed.
-constexpr qint64 kSlack = 64 * 1024;
+constexpr qint64 kSlack = qint64(64) * 1024;
 constexpr int kMaxReads = 1 << 20;
 
 } // namespace

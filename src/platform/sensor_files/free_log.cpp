@@ -13,7 +13,7 @@ namespace ql240::sensorfiles {
 namespace {
 
 constexpr qsizetype kMaxLine = 1024;
-constexpr qint64 kMaxLogBytes = 16 * 1024 * 1024; // an hour's log has two
+constexpr qint64 kMaxLogBytes = qint64(16) * 1024 * 1024; // an hour's log has two
 constexpr qint64 kMaxRecords = 1 << 20;
 constexpr quint32 kEndMark = 0xFFFFFFFF;
 constexpr qint64 kBelievedStartMs = 60000; // how far the log's first line may be from the start told

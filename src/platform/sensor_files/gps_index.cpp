@@ -22,7 +22,7 @@ T field(std::span<const char> bytes, size_t offset) {
 }
 
 QDateTime clockBefore(std::span<const char> block, size_t letters) {
-    const auto part = [&](int i) { return field<qint32>(block, letters - kClockSize + 4 * i); };
+    const auto part = [&](size_t i) { return field<qint32>(block, letters - kClockSize + 4 * i); };
     return utcClock(part(3), part(4), part(5), part(0), part(1), part(2));
 }
 

@@ -5,8 +5,8 @@
 namespace ql240::sensorfiles {
 namespace {
 
-constexpr qsizetype kMaxSampleBytes = 64 * 1024;
-constexpr qsizetype kBatchBytes = 16 * 1024;
+constexpr qsizetype kMaxSampleBytes = qsizetype(64) * 1024;
+constexpr qsizetype kBatchBytes = qsizetype(16) * 1024;
 constexpr size_t kBatchSamples = 256;
 constexpr qint64 kMaxSamples = 1 << 20;
 constexpr qint64 kMaxTicks = qint64(1) << 53;
