@@ -1,0 +1,106 @@
+// A media pipeline that plays nothing: it notes every call in order, answers as it is told, and shows what
+// the program has made of it. One clip at a time; what is known of it can still be looked at when it is
+// closed. Interface thread, but for deliver().
+#pragma once
+
+#include <QRect>
+#include <QSize>
+#include <QStringList>
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/media_graph.h"
+#include "platform/media_platform.h"
+
+namespace ql240 {
+
+// What the splitters find in every clip opened from now on, whatever its file.
+struct FakeClip {
+    std::vector<std::u16string> mp4Pins{u"vide", u"soun"};
+    std::vector<std::u16string> aviPins{u"Stream 00", u"Stream 01"};
+    std::array<QSize, 2> sizes{QSize(640, 360), QSize(480, 270)};
+    std::int64_t durationMs = 10000;
+
+    static FakeClip twoStreams() { return {.mp4Pins = {u"vide", u"vide", u"soun"}}; }
+};
+
+// The clip as the graph plays it. Tests move the position, the program's calls the rest. Units of 100 ns.
+struct FakeTransport {
+    GraphState state = GraphState::Stopped;
+    std::int64_t position = 0;
+    std::int64_t duration = 0;
+    double rate = 0;
+};
+
+struct FakeWindow {
+    WindowToken owner = WindowToken::None;
+    WindowToken drain = WindowToken::None;
+    std::uint32_t style = 0;
+    QRect rect;
+    bool autoShow = true;
+    bool visible = false;
+};
+
+struct FakeGrabber {
+    ISampleGrabberCB* callback = nullptr;
+    MediaType type; // accepted and connected
+    bool keeps = false;
+    std::vector<std::uint8_t> kept;
+};
+
+class FakeMedia : public MediaPlatform {
+public:
+    FakeClip clip;
+
+    // The calls in order, such as "add AVI Splitter", "join AVI Splitter:Stream 00 > ffdshow Video
+    // Decoder:In", "run", "seek 10000", "window 0 visible 1". Filters that were added under the same name are
+    // told apart by " 2". Calls that only ask are not noted.
+    QStringList log;
+    QStringList takeLog() { return std::exchange(log, {}); }
+
+    // What calls answer in place of success: by the beginning of their text in the log; calls that only ask
+    // are "size 0", "graph size", "type 0", "buffer 0", "fetch 0", "positions", "position", "duration",
+    // "state" and "pins". A failed call changes nothing.
+    std::map<QString, Status> answers;
+    // The answer of one noted call, counted from 0 since the last clearing of the log.
+    int answerAt = -1;
+    Status answer = kStatusFail;
+
+    // Of the clip open now, or of the last one.
+    QStringList filters; // the names in the graph
+    FakeTransport transport;
+    std::array<FakeWindow, 2> windows;
+    std::array<FakeGrabber, 2> grabbers;
+
+    std::int64_t positionMs() const { return transport.position / 10000; }
+    void setPositionMs(std::int64_t ms) { transport.position = ms * 10000; }
+    void playToEnd() { transport.position = transport.duration; }
+    // A decoded YUY2 frame of a stream passes its grabber, which keeps it; returns what goes on to the
+    // renderer. Any thread.
+    std::vector<std::uint8_t> deliver(int stream, std::vector<std::uint8_t> frame, double time = 0);
+
+    // Graphs, filters and enumerators that somebody still holds.
+    int liveObjects = 0;
+    int warmUps = 0;
+
+    Status CoCreateInstance(const Guid& classId, IUnknown* outer, ClassContext context, const Guid& iid,
+                            void** object) override;
+    void warmUp() override { ++warmUps; }
+    void setOutputVolume(std::uint16_t left, std::uint16_t right) override;
+
+    // For the objects of the graph.
+    Status call(const QString& text, Status usual = kStatusOk);
+    Status query(const QString& text, Status usual = kStatusOk) const;
+
+private:
+    ComPtr<IUnknown> newGraph();
+
+    std::array<int, 2> m_streamsMade{}; // grabbers, renderers
+};
+
+} // namespace ql240
