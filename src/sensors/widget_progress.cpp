@@ -13,12 +13,24 @@ namespace {
 
 constexpr int kRepaintMs = 2000;
 constexpr int kModelLength = 5;
+constexpr std::chrono::milliseconds kCardPatience(50);
 
 QPoint placeOf(const QMouseEvent* event) {
     return event->position().toPoint();
 }
 bool isInStrip(QPoint place) {
     return place.y() <= panel::kStripBottom;
+}
+
+// The last drive whose version file opens decides. May block; any thread.
+std::optional<QString> lastVersionText() {
+    std::optional<QString> last;
+    for (const DriveInfo& drive : listRemovableDrives()) {
+        if (std::optional<QString> text = openVersionText(updateFolder(drive.drive))) {
+            last = std::move(text);
+        }
+    }
+    return last;
 }
 
 } // namespace
@@ -220,17 +232,28 @@ void WidgetProgressA::paintEvent(QPaintEvent*) {
     m_textForced = false;
 }
 
-// The last drive that has a version file decides.
+// A healthy card answers before this returns, a dying reader whenever it does.
 void WidgetProgressA::loadCardModel() {
-    for (const DriveInfo& drive : listRemovableDrives()) {
-        if (const std::optional<QString> text = openVersionText(updateFolder(drive.drive))) {
-            setModelFromVersion(*text);
-        }
+    m_modelWanted = !m_cardJobs.isIdle();
+    if (m_modelWanted) {
+        return;
     }
+    const auto version = std::make_shared<std::optional<QString>>();
+    m_cardJobs.start([version] { *version = lastVersionText(); },
+                     [this, version] {
+                         if (*version) {
+                             setModelFromVersion(**version);
+                         }
+                         if (m_modelWanted) {
+                             loadCardModel();
+                         }
+                     });
+    m_cardJobs.wait(kCardPatience);
 }
 
 void WidgetProgressA::setModelFromVersion(const QString& versionText) {
     m_modelText = versionText.left(kModelLength);
+    update();
 }
 
 void WidgetProgressA::rebuildTimeText() {

@@ -7,6 +7,7 @@
 #include <QWidget>
 
 #include "sensors/panel_painting.h"
+#include "settings/card_jobs.h"
 
 namespace ql240 {
 
@@ -85,6 +86,10 @@ private:
     bool m_kilometres = true;
     bool m_hasFix = false;
     qint32 m_speed = 0;
+
+    // One look at the drives at a time; another one that was asked for meanwhile follows it.
+    CardJobs m_cardJobs;
+    bool m_modelWanted = false;
 
     // The trace of the whole track, drawn once for this track, size and device ratio.
     QPixmap m_trace;

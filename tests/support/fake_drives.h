@@ -1,5 +1,7 @@
-// Removable drives as a test wants them.
+// Removable drives as a test wants them; `before` runs on the asking thread before each answer.
 #pragma once
+
+#include <functional>
 
 #include "platform/drives.h"
 
@@ -7,8 +9,12 @@ namespace ql240 {
 
 struct FakeDrives : Drives {
     QList<DriveInfo> drives;
+    std::function<void()> before = [] {};
 
-    QList<DriveInfo> removableDrives() override { return drives; }
+    QList<DriveInfo> removableDrives() override {
+        before();
+        return drives;
+    }
 };
 
 } // namespace ql240
