@@ -1,7 +1,5 @@
 // The map module with the real web engine: what the page does with the calls that the program makes.
 #include <QApplication>
-#include <QDir>
-#include <QDirIterator>
 #include <QElapsedTimer>
 #include <QTest>
 #include <csignal>
@@ -13,6 +11,7 @@
 #include "platform/web_pages.h"
 #include "sensors/map_page.h"
 #include "sensors/map_view.h"
+#include "support/child_processes.h"
 #include "support/tile_server.h"
 
 namespace ql240 {
@@ -20,25 +19,6 @@ namespace {
 
 constexpr double kSeoulLatitude = 37.5665;
 constexpr double kSeoulLongitude = 126.978;
-
-// Process numbers of our children and theirs, the youngest last.
-QList<qint64> descendants() {
-    QMultiMap<qint64, qint64> children;
-    QDirIterator entries(QStringLiteral("/proc"), QDir::Dirs);
-    while (entries.hasNext()) {
-        entries.next();
-        QFile file(entries.filePath() + QStringLiteral("/stat"));
-        if (!file.open(QIODevice::ReadOnly))
-            continue;
-        const QByteArray stat = file.readAll();
-        const QByteArrayList fields = stat.mid(stat.lastIndexOf(')') + 2).split(' ');
-        children.insert(fields.value(1).toLongLong(), entries.fileName().toLongLong());
-    }
-    QList<qint64> found = children.values(QCoreApplication::applicationPid());
-    for (qsizetype i = 0; i < found.size(); ++i)
-        found += children.values(found.at(i));
-    return found;
-}
 
 // The base map's two grounds, both to be seen around Seoul.
 bool showsLandAndSea(const QImage& image) {
@@ -228,7 +208,7 @@ private Q_SLOTS:
         window.show();
         auto* webView = map.findChild<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
         QTRY_VERIFY_WITH_TIMEOUT(webView->isVisible(), 20000);
-        const QList<qint64> processes = descendants();
+        const QList<qint64> processes = childProcesses();
         QVERIFY(!processes.isEmpty());
         kill(pid_t(processes.last()), SIGKILL);
         QTRY_VERIFY_WITH_TIMEOUT(!webView->isVisible(), 20000);
