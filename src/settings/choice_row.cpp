@@ -12,7 +12,7 @@ namespace {
 
 constexpr QColor kFocusColour(200, 200, 200);
 // Widgets whose middles are this close in height stand on one line.
-constexpr int kSameLine = 9;
+constexpr int kSameLine = 10;
 
 } // namespace
 

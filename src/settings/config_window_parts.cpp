@@ -42,7 +42,18 @@ QComboBox* addList(QWidget* window, const QRect& place, const char* fontSize) {
     auto* list = new QComboBox(window);
     list->setGeometry(place);
     list->setStyleSheet(listStyle(fontSize));
+    // For screen readers: a list's own name is its current entry, and the label beside it is only painted.
+    auto* label = new QLabel(window);
+    label->setBuddy(list);
+    label->hide();
     return list;
+}
+
+QLabel* labelOf(const QComboBox* list) {
+    const auto labels = list->parentWidget()->findChildren<QLabel*>(QString(), Qt::FindDirectChildrenOnly);
+    const auto found = std::find_if(labels.begin(), labels.end(),
+                                    [list](const QLabel* label) { return label->buddy() == list; });
+    return *found;
 }
 
 QDateTimeEdit* addField(QWidget* window, const QRect& place, const QString& format) {
@@ -141,14 +152,14 @@ void ConfigWindow::addLanguageList() {
 
 // Widgets without a text of their own are called by the painted text beside them.
 void ConfigWindow::nameForScreenReaders() {
-    m_drives->setAccessibleName(QStringLiteral("드라이브"));
-    m_firmware->setAccessibleName(QStringLiteral("펌웨어"));
-    m_micom->setAccessibleName(QStringLiteral("마이콤"));
+    labelOf(m_drives)->setText(QStringLiteral("드라이브"));
+    labelOf(m_firmware)->setText(QStringLiteral("펌웨어"));
+    labelOf(m_micom)->setText(QStringLiteral("마이콤"));
+    labelOf(m_languages)->setText(uiText(22));
     m_clock->setAccessibleName(uiText(10));
     for (QDateTimeEdit* field : m_dst)
         field->setAccessibleName(uiText(11));
     m_zone->setAccessibleDescription(uiText(12));
-    m_languages->setAccessibleName(uiText(22));
 }
 
 } // namespace ql240

@@ -19,20 +19,6 @@ void paintText(QPainter& painter, const QRect& box, Qt::Alignment align, const Q
     painter.setFont(usual);
 }
 
-// A name's box reaches far into its row; its text should end before the choices' texts and marks begin.
-int nameWidth(const OptionRow& row, const QFontMetrics& metrics) {
-    int right = row.nameBox.right() + 1;
-    for (const Choice& choice : row.choices) {
-        const int text = choice.text.right() + 1 - metrics.horizontalAdvance(choice.name.text());
-        const int left = choice.text.isNull() ? choice.mark.left() : text;
-        const QRect place = choice.text | choice.mark;
-        if (left > row.nameBox.left() && place.top() < row.nameBox.bottom() &&
-            place.bottom() > row.nameBox.top())
-            right = qMin(right, left - kGap);
-    }
-    return right - row.nameBox.left();
-}
-
 } // namespace
 
 QFont fittingFont(QFont font, const QString& text, int width) {
@@ -71,6 +57,19 @@ QRect boundsOf(const OptionRow& row) {
     return bounds;
 }
 
+int roomForName(const OptionRow& row, const QFontMetrics& metrics) {
+    int right = row.nameBox.right() + 1;
+    for (const Choice& choice : row.choices) {
+        const int text = choice.text.right() + 1 - metrics.horizontalAdvance(choice.name.text());
+        const int left = choice.text.isNull() ? choice.mark.left() : text;
+        const QRect place = choice.text | choice.mark;
+        if (left > row.nameBox.left() && place.top() < row.nameBox.bottom() &&
+            place.bottom() > row.nameBox.top())
+            right = qMin(right, left - kGap);
+    }
+    return right - row.nameBox.left();
+}
+
 void paintLabels(QPainter& painter, std::span<const PageLabel> labels) {
     for (const PageLabel& label : labels)
         paintText(painter, label.box, label.align, label.text.text(),
@@ -80,7 +79,7 @@ void paintLabels(QPainter& painter, std::span<const PageLabel> labels) {
 void paintRowTexts(QPainter& painter, const OptionRow& row) {
     if (!row.nameBox.isNull())
         paintText(painter, row.nameBox, Qt::AlignLeft, row.name.text(),
-                  nameWidth(row, painter.fontMetrics()));
+                  roomForName(row, painter.fontMetrics()));
     for (const Choice& choice : row.choices) {
         if (!choice.text.isNull())
             paintText(painter, choice.text, row.choiceAlign, choice.name.text(), choice.text.width());

@@ -11,6 +11,7 @@
 #include "settings/page_text.h"
 #include "settings/setting_values.h"
 
+class QFontMetrics;
 class QPainter;
 
 namespace ql240 {
@@ -75,6 +76,9 @@ const Choice* chosenChoice(const OptionRow& row, const RowValues& values);
 // Everything that belongs to the row.
 QRect boundsOf(const OptionRow& row);
 QRect boundsOf(const Choice& choice);
+
+// How wide a row's name may get before it runs into the choices, whose texts are in the font of `metrics`.
+int roomForName(const OptionRow& row, const QFontMetrics& metrics);
 
 // Texts are painted in the painter's font and pen, in a smaller font, down to 8 points, where the box is too
 // narrow.

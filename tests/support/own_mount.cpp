@@ -20,7 +20,20 @@ bool writeText(const char* path, const QByteArray& text) {
     return written;
 }
 
-bool enterOwnNamespace() {
+[[noreturn]] void runChild(const QString& folder, int kilobytes, const std::function<QString()>& body,
+                           int out) {
+    const QByteArray options = "mode=755,size=" + QByteArray::number(kilobytes) + "k";
+    if (!enterOwnMounts() ||
+        ::mount("tmpfs", QFile::encodeName(folder).constData(), "tmpfs", 0, options.constData()) != 0)
+        ::_exit(kImpossible);
+    const QByteArray error = body().toUtf8();
+    const bool told = ::write(out, error.constData(), size_t(error.size())) == error.size();
+    ::_exit(told ? 0 : 1);
+}
+
+} // namespace
+
+bool enterOwnMounts() {
     const QByteArray uid = QByteArray::number(::getuid());
     const QByteArray gid = QByteArray::number(::getgid());
     if (uid != "0") {
@@ -31,19 +44,6 @@ bool enterOwnNamespace() {
     }
     return ::unshare(CLONE_NEWNS) == 0 && ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
 }
-
-[[noreturn]] void runChild(const QString& folder, int kilobytes, const std::function<QString()>& body,
-                           int out) {
-    const QByteArray options = "mode=755,size=" + QByteArray::number(kilobytes) + "k";
-    if (!enterOwnNamespace() ||
-        ::mount("tmpfs", QFile::encodeName(folder).constData(), "tmpfs", 0, options.constData()) != 0)
-        ::_exit(kImpossible);
-    const QByteArray error = body().toUtf8();
-    const bool told = ::write(out, error.constData(), size_t(error.size())) == error.size();
-    ::_exit(told ? 0 : 1);
-}
-
-} // namespace
 
 OwnMountResult inOwnMount(const QString& folder, int kilobytes, const std::function<QString()>& body) {
     int ends[2] = {};

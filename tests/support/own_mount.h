@@ -12,6 +12,10 @@ struct OwnMountResult {
     QString error;         // what `body` returned; empty when all was well
 };
 
+// From now on this process sees its own mounts, and nobody else does. To be called before the first thread is
+// started; false where the machine doesn't allow it.
+bool enterOwnMounts();
+
 // `kilobytes` is the size of the file system.
 OwnMountResult inOwnMount(const QString& folder, int kilobytes, const std::function<QString()>& body);
 
