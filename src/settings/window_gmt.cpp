@@ -64,8 +64,10 @@ void WindowGMT::addBars() {
 void WindowGMT::addZoneList() {
     m_zones = new QComboBox(this);
     m_zones->setGeometry(29, 336, 373, 16);
+    // The field needs a light ground of its own: the program's palette is dark, the text black.
     m_zones->setStyleSheet(
-        QStringLiteral("color: rgb(0,0,0); font-family: \"Segoe UI\", Arial; font-size: 10pt; border: 0px;"));
+        QStringLiteral("background-color: #ffffff; color: rgb(0,0,0); font-family: \"Segoe UI\", "
+                       "Arial; font-size: 10pt; border: 0px;"));
     m_zones->setAccessibleName(uiText(12));
     for (const TimeZone& zone : kTimeZones)
         m_zones->addItem(QLatin1String(zone.name), QLatin1String(zone.code));

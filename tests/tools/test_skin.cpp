@@ -3,6 +3,11 @@
 #include <QtTest>
 #include <cmath>
 
+#include "settings/config_layout.h"
+#include "settings/page_layout.h"
+
+using namespace ql240;
+
 class TestSkin : public QObject {
     Q_OBJECT
 private Q_SLOTS:
@@ -13,6 +18,7 @@ private Q_SLOTS:
     void looksDifferInLightness_data();
     void looksDifferInLightness();
     void segmentsFillTheirPictures();
+    void marksHavePlaces();
     void ticksStandOverTheirMarks_data();
     void ticksStandOverTheirMarks();
 };
@@ -154,6 +160,35 @@ void TestSkin::segmentsFillTheirPictures() {
         }
         QVERIFY2(lit.width() >= segment.width() - 5 && lit.height() >= segment.height() - 5,
                  qPrintable(QString::number(index)));
+    }
+}
+
+// Where a window can put a mark, its ground shows an empty ring or box: light at both sides, dark in the
+// middle.
+void TestSkin::marksHavePlaces() {
+    const auto check = [](const QString& ground, std::span<const OptionRow> rows) {
+        const QImage image = picture(ground);
+        for (const OptionRow& row : rows) {
+            for (const Choice& choice : row.choices) {
+                const int y = choice.mark.center().y();
+                const auto lightest = [&](int from, int to) {
+                    double most = 0;
+                    for (int x = from; x < to; ++x) {
+                        most = std::max(most, lightness(image.pixel(x, y)));
+                    }
+                    return most;
+                };
+                const int left = choice.mark.left();
+                const QString where = QStringLiteral("%1 %2,%3").arg(ground).arg(left).arg(y);
+                QVERIFY2(lightest(left, left + 4) > 35, qPrintable(where));
+                QVERIFY2(lightest(left + 5, left + 9) < 15, qPrintable(where));
+                QVERIFY2(lightest(left + 10, left + 16) > 35, qPrintable(where));
+            }
+        }
+    };
+    check(QStringLiteral("setting_bg"), config::kRows);
+    for (const pages::PageLayout& page : pages::kPages) {
+        check(QString::fromLatin1(page.background), page.rows);
     }
 }
 

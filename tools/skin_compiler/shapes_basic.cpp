@@ -129,8 +129,10 @@ void paintButton(Canvas& canvas, ShapeArguments& arguments) {
         paintFlatGround(canvas, all, look);
     } else if (style == QLatin1String("text")) {
         paintTextGround(canvas, all, look);
-    } else if (style == QLatin1String("abutting")) { // neighbours overlap by four pixels
+    } else if (style == QLatin1String("narrow")) { // neighbours at the sides overlap by four pixels
         paintTextGround(canvas, all.adjusted(3, 0, -3, 0), look);
+    } else if (style == QLatin1String("low")) { // reaches into the heading above it
+        paintTextGround(canvas, all.adjusted(0, 4, 0, -4), look);
     } else {
         arguments.fail(QStringLiteral("\"%1\" is no style of buttons").arg(style));
     }
