@@ -50,9 +50,7 @@ EnginePages::EnginePages() {
     m_profile->setUrlRequestInterceptor(&m_requests);
 }
 
-EnginePages::~EnginePages() {
-    qInstallMessageHandler(g_forward);
-}
+EnginePages::~EnginePages() = default;
 
 std::unique_ptr<WebPage> EnginePages::createPage(QWidget* parent, WebPageEvents events) {
     return std::make_unique<EnginePage>(*m_profile, parent, std::move(events));
