@@ -10,6 +10,7 @@ namespace ql240::gstreamer {
 namespace {
 
 constexpr std::int64_t kNsPerUnit = 100;
+constexpr GstClockTime kMoment = 200 * GST_MSECOND;
 constexpr qint64 kPatienceMs = 3000; // a preroll that never comes doesn't hold later seeks for ever
 
 std::int64_t toUnits(std::int64_t ns) {
@@ -43,6 +44,10 @@ bool Transport::start(const std::function<void()>& release) {
 }
 
 bool Transport::applyState() {
+    // The way to playing goes on for a moment after the preroll; a state asked for within it can leave the
+    // pipeline between the two for ever.
+    if (!m_inFlight)
+        gst_element_get_state(m_pipeline, nullptr, nullptr, kMoment);
     const GstState wanted = m_state == GraphState::Running ? GST_STATE_PLAYING : GST_STATE_PAUSED;
     switch (gst_element_set_state(m_pipeline, wanted)) {
         case GST_STATE_CHANGE_ASYNC:
