@@ -8,9 +8,10 @@
 namespace ql240 {
 namespace {
 
-constexpr QColor kWindow(9, 9, 9);
-constexpr QColor kField(7, 7, 7);
-constexpr QColor kRaised(38, 38, 37);
+// Dialogs stand out from the skinned windows, which are (9, 9, 9), and fields from dialogs.
+constexpr QColor kWindow(34, 34, 33);
+constexpr QColor kField(9, 9, 9);
+constexpr QColor kRaised(48, 48, 47);
 constexpr QColor kText(220, 220, 220);
 constexpr QColor kFaint(120, 120, 120);
 constexpr QColor kSelection(46, 92, 138);
@@ -40,6 +41,7 @@ void applyStyle() {
     QApplication::setStyle(QStringLiteral("Fusion"));
     QApplication::setPalette(darkPalette());
     installFontSubstitutes();
+    QApplication::setFont(uiFont(10));
 }
 
 } // namespace ql240

@@ -168,21 +168,6 @@ private Q_SLOTS:
         QVERIFY(centredOn(52.5, 13.4));
     }
 
-    // The main window's keys go on working after a click on the map.
-    void clickLeavesTheKeyboardAlone() {
-        m_window->setFocusPolicy(Qt::StrongFocus);
-        m_window->activateWindow();
-        m_window->setFocus();
-        QTRY_VERIFY(m_window->hasFocus());
-        QWidget* target = m_window->childAt(100, 100);
-        QVERIFY(target != m_window.get());
-        QTest::mouseClick(target, Qt::LeftButton, {}, target->mapFrom(m_window.get(), QPoint(100, 100)));
-        QVERIFY(becomesTrue(QStringLiteral("true")));
-        QVERIFY(m_window->hasFocus());
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-        QVERIFY(m_window->hasFocus());
-    }
-
     void linkIsHandedOut() {
         TileServer server(Qt::white);
         m_page->runJavaScript(tilesScript(server.address()));

@@ -2,22 +2,24 @@
 
 #include <QDialogButtonBox>
 #include <QDir>
-#include <QHBoxLayout>
-#include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QPushButton>
 #include <QStorageInfo>
-#include <QTreeView>
+#include <QStyle>
+#include <QTreeWidget>
 #include <QVBoxLayout>
 
 namespace ql240 {
 namespace {
 
 constexpr int kPathRole = Qt::UserRole;
-constexpr QSize kSize(680, 460);
-constexpr int kPlacesWidth = 180;
+constexpr int kReadRole = Qt::UserRole + 1;
+constexpr QSize kSize(560, 480);
+
+QString pathOf(const QTreeWidgetItem* item) {
+    return item ? item->data(0, kPathRole).toString() : QString();
+}
 
 // Volumes that a user puts in, in contrast to what the system mounts for itself.
 bool isUsersVolume(const QStorageInfo& volume) {
@@ -29,85 +31,116 @@ bool isUsersVolume(const QStorageInfo& volume) {
     return false;
 }
 
+bool isWithin(const QString& path, const QString& folder) {
+    return path == folder ||
+           path.startsWith(folder.endsWith(QLatin1Char('/')) ? folder : folder + QLatin1Char('/'));
+}
+
+QTreeWidgetItem* makeItem(const QString& name, const QString& path, const QIcon& icon) {
+    auto* item = new QTreeWidgetItem({name});
+    item->setIcon(0, icon);
+    item->setToolTip(0, path);
+    item->setData(0, kPathRole, path);
+    // Whether there is anything inside is seen when it is opened.
+    item->setChildIndicatorPolicy(QTreeWidgetItem::ShowIndicator);
+    return item;
+}
+
 } // namespace
 
 FolderTreeDialog::FolderTreeDialog(QWidget* owner, FolderCallback callback)
     : QDialog(owner),
       m_callback(std::move(callback)),
+      m_tree(new QTreeWidget(this)),
       m_path(new QLineEdit(this)),
-      m_places(new QListWidget(this)),
-      m_tree(new QTreeView(this)),
       m_buttons(new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this)) {
     setWindowTitle(tr("Open Folder"));
     resize(kSize);
-    m_model.setFilter(QDir::Dirs | QDir::Drives | QDir::NoDotAndDotDot);
-    m_model.setOption(QFileSystemModel::DontUseCustomDirectoryIcons);
-    m_model.setRootPath(QString());
-    m_tree->setModel(&m_model);
     placeWidgets();
     addPlaces();
-    connectWidgets();
+    connect(m_buttons, &QDialogButtonBox::accepted, this, &FolderTreeDialog::accept);
+    connect(m_buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(m_tree, &QTreeWidget::itemExpanded, this, &FolderTreeDialog::readFolder);
+    connect(m_tree, &QTreeWidget::currentItemChanged, this, &FolderTreeDialog::currentChanged);
     enableOk(false);
     setSelection(QDir::homePath());
     m_callback(*this, FolderMessage::Initialised, QString());
 }
 
 void FolderTreeDialog::placeWidgets() {
-    m_path->setAccessibleName(tr("Path"));
-    m_places->setAccessibleName(tr("Places"));
-    m_places->setMaximumWidth(kPlacesWidth);
     m_tree->setAccessibleName(tr("Folders"));
     m_tree->setHeaderHidden(true);
     m_tree->setUniformRowHeights(true);
-    for (int column = 1; column < m_model.columnCount(); ++column)
-        m_tree->hideColumn(column);
-    m_tree->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
-
-    auto* panes = new QHBoxLayout;
-    panes->addWidget(m_places);
-    panes->addWidget(m_tree, 1);
-    auto* all = new QVBoxLayout(this);
-    all->addLayout(panes, 1);
-    all->addWidget(m_path);
-    all->addWidget(m_buttons);
+    m_path->setAccessibleName(tr("Path"));
+    auto* column = new QVBoxLayout(this);
+    column->addWidget(m_tree, 1);
+    column->addWidget(m_path);
+    column->addWidget(m_buttons);
     m_tree->setFocus();
 }
 
 void FolderTreeDialog::addPlaces() {
     addPlace(tr("Home"), QDir::homePath());
-    addPlace(tr("Computer"), QDir::rootPath());
     for (const QStorageInfo& volume : QStorageInfo::mountedVolumes()) {
         if (isUsersVolume(volume))
             addPlace(volume.displayName(), volume.rootPath());
     }
+    addPlace(tr("Computer"), QDir::rootPath());
 }
 
 void FolderTreeDialog::addPlace(const QString& name, const QString& path) {
-    auto* item = new QListWidgetItem(name, m_places);
-    item->setData(kPathRole, path);
-    item->setToolTip(path);
+    const auto picture = path == QDir::homePath() ? QStyle::SP_DirHomeIcon : QStyle::SP_DriveHDIcon;
+    m_tree->addTopLevelItem(makeItem(name, path, style()->standardIcon(picture)));
 }
 
-void FolderTreeDialog::connectWidgets() {
-    connect(m_buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(m_buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    connect(m_places, &QListWidget::itemClicked, this,
-            [this](QListWidgetItem* item) { setSelection(item->data(kPathRole).toString()); });
-    connect(m_places, &QListWidget::itemActivated, this,
-            [this](QListWidgetItem* item) { setSelection(item->data(kPathRole).toString()); });
-    connect(m_tree->selectionModel(), &QItemSelectionModel::currentChanged, this,
-            &FolderTreeDialog::currentChanged);
-    // The rows above the current one arrive later than the row itself.
-    connect(&m_model, &QFileSystemModel::directoryLoaded, this, &FolderTreeDialog::showCurrent);
+void FolderTreeDialog::readFolder(QTreeWidgetItem* item) {
+    if (item->data(0, kReadRole).toBool())
+        return;
+    item->setData(0, kReadRole, true);
+    const QDir folder(pathOf(item));
+    const QIcon icon = style()->standardIcon(QStyle::SP_DirIcon);
+    const auto names = folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name | QDir::IgnoreCase);
+    QList<QTreeWidgetItem*> children;
+    for (const QString& name : names)
+        children << makeItem(name, folder.filePath(name), icon);
+    item->addChildren(children);
+    item->setChildIndicatorPolicy(QTreeWidgetItem::DontShowIndicatorWhenChildless);
+}
+
+// The place that leads to the path on the shortest way.
+QTreeWidgetItem* FolderTreeDialog::placeAbove(const QString& path) const {
+    QTreeWidgetItem* best = nullptr;
+    for (int i = 0; i < m_tree->topLevelItemCount(); ++i) {
+        QTreeWidgetItem* place = m_tree->topLevelItem(i);
+        if (isWithin(path, pathOf(place)) && (!best || pathOf(place).size() > pathOf(best).size()))
+            best = place;
+    }
+    return best;
+}
+
+// A hidden folder is listed from the moment on when it is asked for.
+QTreeWidgetItem* FolderTreeDialog::childNamed(QTreeWidgetItem* item, const QString& name) {
+    readFolder(item);
+    for (int i = 0; i < item->childCount(); ++i) {
+        if (item->child(i)->text(0) == name)
+            return item->child(i);
+    }
+    auto* child =
+        makeItem(name, QDir(pathOf(item)).filePath(name), style()->standardIcon(QStyle::SP_DirIcon));
+    item->insertChild(0, child);
+    return child;
 }
 
 void FolderTreeDialog::setSelection(const QString& path) {
     const QString folder = QDir::cleanPath(path);
-    if (path.isEmpty() || !QFileInfo(folder).isDir())
+    QTreeWidgetItem* item = placeAbove(folder);
+    if (!item || !QFileInfo(folder).isDir())
         return;
-    m_tree->setCurrentIndex(m_model.index(folder));
-    m_tree->expand(m_tree->currentIndex());
-    showCurrent();
+    const QString rest = folder.mid(pathOf(item).size());
+    for (const QString& name : rest.split(QLatin1Char('/'), Qt::SkipEmptyParts))
+        item = childNamed(item, name);
+    m_tree->setCurrentItem(item);
+    m_tree->scrollToItem(item);
 }
 
 void FolderTreeDialog::enableOk(bool enabled) {
@@ -115,18 +148,12 @@ void FolderTreeDialog::enableOk(bool enabled) {
 }
 
 QString FolderTreeDialog::selectedPath() const {
-    return m_model.filePath(m_tree->currentIndex());
+    return pathOf(m_tree->currentItem());
 }
 
-void FolderTreeDialog::showEvent(QShowEvent* event) {
-    QDialog::showEvent(event);
-    showCurrent();
-}
-
-void FolderTreeDialog::currentChanged(const QModelIndex& index) {
-    const QString path = m_model.filePath(index);
-    m_path->setText(path);
-    m_callback(*this, FolderMessage::SelectionChanged, path);
+void FolderTreeDialog::currentChanged() {
+    m_path->setText(selectedPath());
+    m_callback(*this, FolderMessage::SelectionChanged, selectedPath());
 }
 
 bool FolderTreeDialog::isPathEdited() const {
@@ -136,12 +163,14 @@ bool FolderTreeDialog::isPathEdited() const {
 // A folder becomes the selection; anything else is what the caller wants of it.
 void FolderTreeDialog::takeTypedPath() {
     const QString typed = m_path->text();
-    if (QDir::isAbsolutePath(typed) && QFileInfo(typed).isDir())
+    if (QDir::isAbsolutePath(typed) && QFileInfo(typed).isDir()) {
         setSelection(typed);
-    else if (m_callback(*this, FolderMessage::ValidateFailed, typed) != 1)
+        m_path->setText(selectedPath());
+    } else if (m_callback(*this, FolderMessage::ValidateFailed, typed) != 1) {
         reject();
-    else
+    } else {
         m_path->selectAll();
+    }
 }
 
 void FolderTreeDialog::accept() {
@@ -158,10 +187,6 @@ void FolderTreeDialog::keyPressEvent(QKeyEvent* event) {
         takeTypedPath();
     else
         QDialog::keyPressEvent(event);
-}
-
-void FolderTreeDialog::showCurrent() {
-    m_tree->scrollTo(m_tree->currentIndex(), QAbstractItemView::EnsureVisible);
 }
 
 } // namespace ql240

@@ -1,17 +1,16 @@
-// A dialog with the tree of folders, the places where cards and recordings are found, and the path as
-// editable text. Who runs it says through the callback what may be chosen. Interface thread only.
+// A dialog with a tree of folders, which begins with the places where cards and recordings are found, and the
+// path as editable text. Folders are read when they are opened, so that a large or slow neighbour costs
+// nothing. Who runs the dialog says through the callback what may be chosen. Interface thread only.
 #pragma once
 
 #include <QDialog>
-#include <QFileSystemModel>
 
 #include "platform/folder_dialogs.h"
 
 class QDialogButtonBox;
 class QLineEdit;
-class QListWidget;
-class QListWidgetItem;
-class QTreeView;
+class QTreeWidget;
+class QTreeWidgetItem;
 
 namespace ql240 {
 
@@ -30,24 +29,22 @@ public:
     void accept() override;
 
 protected:
-    void showEvent(QShowEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void addPlaces();
     void addPlace(const QString& name, const QString& path);
     void placeWidgets();
-    void connectWidgets();
-    void currentChanged(const QModelIndex& index);
+    void readFolder(QTreeWidgetItem* item);
+    QTreeWidgetItem* placeAbove(const QString& path) const;
+    QTreeWidgetItem* childNamed(QTreeWidgetItem* item, const QString& name);
+    void currentChanged();
     bool isPathEdited() const;
     void takeTypedPath();
-    void showCurrent();
 
     FolderCallback m_callback;
-    QFileSystemModel m_model;
+    QTreeWidget* m_tree;
     QLineEdit* m_path;
-    QListWidget* m_places;
-    QTreeView* m_tree;
     QDialogButtonBox* m_buttons;
 };
 
