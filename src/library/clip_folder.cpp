@@ -13,13 +13,13 @@ std::vector<std::unique_ptr<Clip>>& retiredClips() {
     return clips;
 }
 
+} // namespace
+
 // Cheaper than the directory's own name filters, which run two regular expressions an entry.
 bool namedLikeRecording(const QString& fileName) {
     return fileName.endsWith(QLatin1String(".mp4"), Qt::CaseInsensitive) ||
            fileName.endsWith(QLatin1String(".avi"), Qt::CaseInsensitive);
 }
-
-} // namespace
 
 bool holdsRecordings(const QString& path) {
     QDirIterator entries(path, QDir::AllEntries | QDir::NoDotAndDotDot);

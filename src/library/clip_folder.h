@@ -15,6 +15,9 @@ namespace ql240 {
 
 class Clip;
 
+// Whether a file name (without folder) ends in ".mp4" or ".avi", case ignored.
+bool namedLikeRecording(const QString& fileName);
+
 // Whether the folder has any entry named like a recording ("*.mp4", "*.avi", case ignored), whatever its
 // size.
 bool holdsRecordings(const QString& path);

@@ -1,10 +1,224 @@
 #include "mainwindow/main_window.h"
 
+#include <QApplication>
+#include <QLabel>
+#include <QTimer>
+
+#include "base/language.h"
+#include "base/preferences.h"
+#include "library/clip_folder.h"
+#include "mainwindow/my_list_widget.h"
+#include "mainwindow/window_dialogs.h"
+#include "playback/video_view.h"
+#include "playback/widget_volume.h"
+#include "sensors/map_view.h"
+#include "sensors/widget_progress.h"
+#include "widgets/image_buttons.h"
+#include "widgets/skin.h"
+#include "widgets/window_helper.h"
+
 namespace ql240 {
 
-MainWindow::MainWindow(QWidget* parent, Qt::WindowFlags flags) : QMainWindow(parent, flags) {
-    setFixedSize(1024, 645);
+using layout::ButtonId;
+
+namespace {
+
+constexpr QColor kBackgroundColour(9, 9, 9);
+constexpr char kLabelStyle[] = R"(color: rgb(220,220,220); font-family: "Segoe UI", Arial; font-size: 10pt;)";
+
+bool storedUnitIsKilometres() {
+    QString unit;
+    return !readSpeedUnit(unit) || unit == QLatin1String("km");
+}
+
+ImagePaths imagesOf(const layout::ButtonRow& row) {
+    const QString stem = QLatin1String(row.images);
+    if (row.id != ButtonId::Logo)
+        return controlImages(stem);
+    const QString logo = skinPath(stem);
+    return {logo, logo, logo, logo};
+}
+
+} // namespace
+
+MainWindow::MainWindow(QWidget* parent, Qt::WindowFlags flags)
+    : QMainWindow(parent, flags),
+      m_background(skinPixmap(skinPath(QStringLiteral("main_viewer_bg")))),
+      m_windowHelper(std::make_unique<FlHlp>()),
+      m_dialogs(std::make_unique<WindowDialogs>()) {
+    setAutoFillBackground(true);
+    QPalette colours = palette();
+    colours.setColor(backgroundRole(), kBackgroundColour);
+    setPalette(colours);
+    resize(layout::kWindow);
+    setFixedSize(layout::kWindow);
+    setAcceptDrops(true);
+
+    makeWidgets();
+    makeButtons();
+    connectButtons();
     setWindowTitle(tr("QL240 Viewer"));
+    for (const layout::ButtonRow& row : layout::kButtons)
+        button(row.id)->setGeometry(row.place);
+    makeViews();
+
+    m_windowHelper->watchWindow(this);
+    m_windowHelper->setResizable(false);
+    m_windowHelper->setMovable(true);
+    showPausedState();
+    setControlsEnabled(false);
+    OnZoomWinMode(false);
+    loadPictureAdjustment();
+    for (QWidget* widget : QApplication::allWidgets())
+        widget->setContextMenuPolicy(Qt::NoContextMenu);
+}
+
+MainWindow::~MainWindow() {
+    m_clipList->clear();
+    m_updateTimer->stop();
+    releaseFolder();
+    m_windowHelper.reset();
+}
+
+void MainWindow::setDialogs(std::unique_ptr<WindowDialogs> dialogs) {
+    m_dialogs = std::move(dialogs);
+}
+
+void MainWindow::makeWidgets() {
+    m_mapView = new MapView(this);
+    m_mapView->setGeometry(layout::kMapView);
+    m_updateTimer = new QTimer(this);
+    m_updateTimer->setObjectName(QStringLiteral("updateTimer"));
+    connect(m_updateTimer, &QTimer::timeout, this, &MainWindow::OnTimeoutUpdate);
+
+    m_progressPanel = new WidgetProgressA(this);
+    m_progressPanel->setGeometry(layout::kProgressPanel);
+    m_progressPanel->setActive(false);
+    m_progressPanel->setKilometres(storedUnitIsKilometres());
+    m_volume = new WidgetVolume(this);
+    m_volume->setGeometry(layout::kVolume);
+    connect(m_progressPanel, &WidgetProgressA::clicked, this, &MainWindow::OnSlotsProgress);
+
+    m_clipList = new MyListWidget(this);
+    m_clipList->setGeometry(layout::kClipList);
+    connect(m_clipList, &QListWidget::currentItemChanged, this, &MainWindow::OnSlotsselectFile);
+
+    m_folderLabel = new QLabel(this);
+    m_folderLabel->setTextFormat(Qt::PlainText);
+    m_folderLabel->setStyleSheet(QString::fromLatin1(kLabelStyle));
+    m_folderLabel->setGeometry(layout::kFolderLabel);
+}
+
+void MainWindow::makeButtons() {
+    for (const layout::ButtonRow& row : layout::kButtons) {
+        QAbstractButton*& made = m_buttons[static_cast<std::size_t>(row.id)];
+        if (row.id == ButtonId::Logo)
+            made = new IconButton(this, imagesOf(row), row.place.size());
+        else
+            made = new ClearButton(this, imagesOf(row));
+        made->setAccessibleName(tr(row.name));
+    }
+    retranslateButtons();
+}
+
+void MainWindow::retranslateButtons() {
+    for (const layout::ButtonRow& row : layout::kButtons) {
+        if (row.textId != layout::kNoText)
+            clearButton(row.id)->setHoverText(uiText(row.textId));
+    }
+}
+
+void MainWindow::connectButton(ButtonId id, void (MainWindow::*slot)()) {
+    connect(button(id), &QAbstractButton::clicked, this, slot);
+}
+
+void MainWindow::connectButtons() {
+    connectButton(ButtonId::Play, &MainWindow::OnSlotsplay);
+    connectButton(ButtonId::Pause, &MainWindow::OnSlotspause);
+    connectButton(ButtonId::Stop, &MainWindow::OnSlotsstop);
+    connectButton(ButtonId::PreviousFile, &MainWindow::OnSlotspre_file);
+    connectButton(ButtonId::FrameBack, &MainWindow::OnSlotsrw);
+    connectButton(ButtonId::FrameForward, &MainWindow::OnSlotsfw);
+    connectButton(ButtonId::NextFile, &MainWindow::OnSlotsnext_file);
+    connectButton(ButtonId::ZoomIn, &MainWindow::OnSlotszoom_in);
+    connectButton(ButtonId::ZoomOut, &MainWindow::OnSlotszoom_out);
+    connectButton(ButtonId::OriginalSize, &MainWindow::OnSlotszoom_win);
+    connectButton(ButtonId::Pan, &MainWindow::OnSlotspan);
+    connectButton(ButtonId::Volume, &MainWindow::OnSlotsvolume);
+    connectButton(ButtonId::Setting, &MainWindow::OnSlotssetting);
+    connectButton(ButtonId::Snapshot, &MainWindow::OnSlotssnapshot);
+    connectButton(ButtonId::Print, &MainWindow::OnSlotsprint);
+    connectButton(ButtonId::Minimise, &MainWindow::showMinimized);
+    connect(button(ButtonId::Exit), &QAbstractButton::clicked, this, &QWidget::close);
+    connectButton(ButtonId::OpenFile, &MainWindow::OnSlotsfile_open);
+    connectButton(ButtonId::OpenFolder, &MainWindow::OnSlotsfolder_open);
+    connectButton(ButtonId::Logo, &MainWindow::OnSlotsLink);
+}
+
+void MainWindow::makeViews() {
+    m_mainView = new VideoView(this);
+    m_mainView->setAccessibleName(tr("Video"));
+    m_subView = new VideoView(this);
+    setNormalLayout();
+}
+
+QAbstractButton* MainWindow::button(ButtonId id) const {
+    return m_buttons[static_cast<std::size_t>(id)];
+}
+
+// Every button but the logo is of this class.
+ClearButton* MainWindow::clearButton(ButtonId id) const {
+    return static_cast<ClearButton*>(button(id));
+}
+
+void MainWindow::setNormalLayout() {
+    m_fullScreenLayout = false;
+    m_mainView->setGeometry(layout::kMainView);
+    m_subView->setGeometry(layout::kSubView);
+    m_mainView->show();
+    m_subView->hide();
+    m_mainView->layoutVideo();
+    m_subView->layoutVideo();
+    setPanelsVisible(true);
+}
+
+void MainWindow::setFullScreenLayout() {
+    m_fullScreenLayout = true;
+    setPanelsVisible(false);
+    m_mainView->setGeometry(rect().marginsRemoved(layout::kFullScreenMargins));
+    m_mainView->show();
+    m_mainView->layoutVideo();
+    m_subView->hide();
+}
+
+void MainWindow::setPanelsVisible(bool show) {
+    if (show && !isFullScreen()) {
+        button(m_playing ? ButtonId::Pause : ButtonId::Play)->show();
+    } else {
+        button(ButtonId::Play)->hide();
+        button(ButtonId::Pause)->hide();
+    }
+    for (const ButtonId id : layout::kPanelButtons)
+        button(id)->setVisible(show);
+    m_volume->setVisible(show);
+    for (const ButtonId id : layout::kFrameButtons)
+        button(id)->setVisible(show);
+    m_clipList->setVisible(show);
+    m_progressPanel->setVisible(show);
+    for (const ButtonId id : {ButtonId::Setting, ButtonId::Minimise, ButtonId::Exit})
+        button(id)->setVisible(show);
+    m_mapView->setVisible(show);
+    button(ButtonId::OpenFolder)->setVisible(show);
+    m_folderLabel->setVisible(show);
+    update();
+}
+
+void MainWindow::setControlsEnabled(bool on) {
+    for (const ButtonId id : layout::kControls)
+        button(id)->setEnabled(on);
+    m_volume->setEnabled(on);
+    for (const ButtonId id : layout::kFrameButtons)
+        button(id)->setEnabled(on);
 }
 
 } // namespace ql240

@@ -1,14 +1,154 @@
-// The viewer's main window. Interface thread only.
+// The viewer's only main window: the video, the dashboard, the map and the clip list in one frameless skin,
+// with every command on them. Owns its children, the open folder's collection and the window helper.
+// Interface thread only.
 #pragma once
 
 #include <QMainWindow>
+#include <QPixmap>
+#include <array>
+#include <memory>
+
+#include "mainwindow/main_window_layout.h"
+
+class QAbstractButton;
+class QLabel;
+class QListWidgetItem;
+class QTimer;
 
 namespace ql240 {
+
+class ClearButton;
+class Clip;
+class ClipFolder;
+class FlHlp;
+class MapView;
+class MyListWidget;
+class Player;
+class VideoView;
+class WidgetProgressA;
+class WidgetVolume;
+class WindowDialogs;
 
 class MainWindow : public QMainWindow {
     Q_OBJECT
 public:
     explicit MainWindow(QWidget* parent = nullptr, Qt::WindowFlags flags = {});
+    ~MainWindow() override;
+
+    void setDialogs(std::unique_ptr<WindowDialogs> dialogs);
+
+    // Opens the folder and plays the clip named, the first one where there is none of that name.
+    void openFolder(const QString& path, const QString& clipName = {});
+
+    QAbstractButton* button(layout::ButtonId id) const;
+    bool isPlaying() const { return m_playing; }
+    // The picture adjustment that the card asks for.
+    qint32 brightness() const { return m_brightness; }
+    qint32 contrast() const { return m_contrast; }
+
+public Q_SLOTS:
+    void OnSlotsplay();
+    void OnSlotspause();
+    void OnSlotsstop();
+    void OnSlotsstopF();
+    void OnSlotspre_file();
+    void OnSlotsnext_file();
+    void OnSlotsrw();
+    void OnSlotsfw();
+    void OnSlotszoom_in();
+    void OnSlotszoom_out();
+    void OnSlotszoom_win();
+    void OnSlotspan();
+    void OnZoomWinMode(bool on);
+    void OnSlotsvolume();
+    void OnSlotssetting();
+    void OnSlotssnapshot();
+    void OnSlotsprint();
+    void OnSlotsLink();
+    void OnSlotsfile_open();
+    void OnSlotsfolder_open();
+    void OnSlotsselectFile(QListWidgetItem* current, QListWidgetItem* previous);
+    void OnSlotsProgress(int ms);
+    void OnTimeoutUpdate();
+    void OnTimeoutRefreshMap();
+    void OnTimeoutRefreshMapB();
+
+    // Fills two images with the streams' last frames; false when there is none.
+    bool getSnap(QImage* images);
+
+Q_SIGNALS:
+    // Once, when the window stands on the screen for the first time.
+    void firstPainted();
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
+
+private:
+    void makeWidgets();
+    void makeButtons();
+    void makeViews();
+    void connectButton(layout::ButtonId id, void (MainWindow::*slot)());
+    void connectButtons();
+    void retranslateButtons();
+
+    void setNormalLayout();
+    void setFullScreenLayout();
+    void setPanelsVisible(bool show);
+    void setControlsEnabled(bool on);
+    void enterFullScreen();
+    void leaveFullScreen();
+
+    void showPlayingState();
+    void showPausedState();
+    void loadClip(Clip* clip);
+    bool showClipInView(Clip* clip);
+    void updateClipInformation(const Clip* clip);
+    void closeCurrent();
+    void showFolder(std::unique_ptr<ClipFolder> folder, const QString& clipName);
+    void releaseFolder();
+    void loadPictureAdjustment();
+    void setAdjustment(int brightValue, int contrastValue);
+    void stepFrame(bool forward);
+    VideoView* zoomTarget() const;
+    VideoView* bigView() const;
+    bool pausedSnap(QImage* images);
+    bool runCommandKey(const QKeyEvent& event);
+    bool handToPanel(const QMouseEvent& event);
+    ClearButton* clearButton(layout::ButtonId id) const;
+
+    WidgetProgressA* m_progressPanel = nullptr;
+    Player* m_currentPlayer = nullptr;
+    VideoView* m_mainView = nullptr;
+    VideoView* m_subView = nullptr;
+    MyListWidget* m_clipList = nullptr;
+    QRect m_normalGeometry;
+    bool m_zoomWinMode = false;
+    QPixmap m_background;
+    std::unique_ptr<FlHlp> m_windowHelper;
+    std::unique_ptr<ClipFolder> m_folder;
+    QLabel* m_folderLabel = nullptr;
+    std::array<QAbstractButton*, layout::kButtonCount> m_buttons{};
+    MapView* m_mapView = nullptr;
+    bool m_playing = false;
+    WidgetVolume* m_volume = nullptr;
+    QTimer* m_updateTimer = nullptr;
+    qint32 m_brightness = 0;
+    qint32 m_contrast = 100;
+    bool m_settingsChanged = false;
+
+    std::unique_ptr<WindowDialogs> m_dialogs;
+    bool m_fullScreenLayout = false;
+    bool m_painted = false;
 };
 
 } // namespace ql240

@@ -1,9 +1,11 @@
 #include "mainwindow/my_list_widget.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QCursor>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QMouseEvent>
+#include <algorithm>
 
 #include "library/clip.h"
 
@@ -92,6 +94,28 @@ void MyListWidget::mousePressEvent(QMouseEvent* event) {
         postClickToOwner(*event);
     else
         event->ignore();
+}
+
+bool MyListWidget::isTyping() const {
+    return m_lastTyped.isValid() && m_lastTyped.elapsed() < QApplication::keyboardInputInterval();
+}
+
+void MyListWidget::keyPressEvent(QKeyEvent* event) {
+    static constexpr int kCommands[] = {Qt::Key_Space, Qt::Key_Left, Qt::Key_Right, Qt::Key_PageUp,
+                                        Qt::Key_PageDown};
+    // These may also stand within a name that is being typed.
+    static constexpr int kCommandsUnlessTyping[] = {Qt::Key_Plus, Qt::Key_Equal, Qt::Key_Minus, Qt::Key_0,
+                                                    Qt::Key_M,    Qt::Key_S,     Qt::Key_F};
+    const auto isOneOf = [key = event->key()](const auto& keys) {
+        return std::ranges::find(keys, key) != std::end(keys);
+    };
+    if (isOneOf(kCommands) || (isOneOf(kCommandsUnlessTyping) && !isTyping())) {
+        event->ignore();
+        return;
+    }
+    if (!event->text().isEmpty())
+        m_lastTyped.start();
+    QListWidget::keyPressEvent(event);
 }
 
 void MyListWidget::postClickToOwner(const QMouseEvent& event) {

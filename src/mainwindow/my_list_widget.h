@@ -3,6 +3,7 @@
 // thread only.
 #pragma once
 
+#include <QElapsedTimer>
 #include <QListWidget>
 
 namespace ql240 {
@@ -32,6 +33,8 @@ public:
     void mousePressEvent(QMouseEvent* event) override;
 
 protected:
+    // The window's command keys go on to it; typing and moving up and down stay here.
+    void keyPressEvent(QKeyEvent* event) override;
     void dragEnterEvent(QDragEnterEvent*) override {}
     void dragMoveEvent(QDragMoveEvent*) override {}
     void dragLeaveEvent(QDragLeaveEvent*) override {}
@@ -39,9 +42,11 @@ protected:
 
 private:
     void postClickToOwner(const QMouseEvent& event);
+    bool isTyping() const;
 
     QWidget* m_owner;
     bool m_busy = false;
+    QElapsedTimer m_lastTyped;
 };
 
 } // namespace ql240

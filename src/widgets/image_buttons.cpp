@@ -1,6 +1,7 @@
 #include "widgets/image_buttons.h"
 
 #include <QHelpEvent>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QStyleOptionToolButton>
 #include <QToolTip>
@@ -103,6 +104,14 @@ bool ClearButton::event(QEvent* event) {
     // The tool button's own hook is passed by on purpose: a disabled control lets a press through to the
     // window, so that the window can be dragged by it.
     return QWidget::event(event);
+}
+
+// The window has commands on the arrow keys; Tab moves the focus.
+void ClearButton::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Left || event->key() == Qt::Key_Right)
+        event->ignore();
+    else
+        ImageButton::keyPressEvent(event);
 }
 
 void ClearButton::paintEvent(QPaintEvent*) {

@@ -1,0 +1,45 @@
+#include "mainwindow/frame_output.h"
+
+#include <QFileInfo>
+#include <algorithm>
+
+namespace ql240 {
+namespace {
+
+constexpr int kFirstTop = 20;
+constexpr int kGap = 30;
+
+QRect placeOnPage(const QRect& page, const QImage& frame, int top) {
+    if (frame.isNull())
+        return {};
+    const double scale = std::min(static_cast<double>(page.width()) / frame.width(),
+                                  static_cast<double>(page.height()) / frame.height());
+    const auto width = static_cast<int>(frame.width() * scale);
+    const auto height = static_cast<int>(frame.height() * scale);
+    return {page.left() + (page.width() - width) / 2, top, width, height};
+}
+
+} // namespace
+
+QString snapshotName(const QDateTime& time) {
+    return QStringLiteral("QL240") + time.toString(QStringLiteral("yyyyMMddhhmmss'.jpg'"));
+}
+
+QString secondSnapshotPath(const QString& path) {
+    const QString suffix = QFileInfo(path).suffix();
+    const qsizetype cut = suffix.isEmpty() ? path.size() : path.size() - suffix.size() - 1;
+    for (int number = 2;; ++number) {
+        const QString second = QStringLiteral("%1_%2%3").arg(path.left(cut)).arg(number).arg(path.mid(cut));
+        if (!QFileInfo::exists(second))
+            return second;
+    }
+}
+
+std::array<QRect, 2> printPlaces(const QRect& page, const FramePair& frames, int count) {
+    std::array<QRect, 2> places{placeOnPage(page, frames[0], kFirstTop), QRect()};
+    if (count > 1)
+        places[1] = placeOnPage(page, frames[1], places[0].height() + kGap);
+    return places;
+}
+
+} // namespace ql240

@@ -1,0 +1,179 @@
+// Folders, files and clips: opening, listing, closing, and what the card says about the picture.
+#include <QFileInfo>
+#include <QLabel>
+#include <array>
+
+#include "base/preferences.h"
+#include "library/clip.h"
+#include "library/clip_folder.h"
+#include "library/clip_name.h"
+#include "library/folder_browser.h"
+#include "mainwindow/main_window.h"
+#include "mainwindow/my_list_widget.h"
+#include "mainwindow/window_dialogs.h"
+#include "playback/video_view.h"
+#include "sensors/map_view.h"
+#include "sensors/widget_progress.h"
+#include "settings/card.h"
+#include "settings/config_window.h"
+#include "settings/device_settings.h"
+
+namespace ql240 {
+namespace {
+
+// By the card's values 0 to 7; 4 is neutral.
+constexpr std::array<qint32, 8> kBrightness{0, -60, -40, -20, 0, 20, 40, 60};
+constexpr std::array<qint32, 8> kContrast{60, 40, 60, 80, 100, 120, 140, 160};
+constexpr int kNeutral = 4;
+
+// A value that no card should hold leaves the picture as it was recorded.
+qint32 adjustment(const std::array<qint32, 8>& table, int value) {
+    const bool known = value >= 0 && value < static_cast<int>(table.size());
+    return table[static_cast<std::size_t>(known ? value : kNeutral)];
+}
+
+} // namespace
+
+void MainWindow::OnSlotsfolder_open() {
+    FolderBrowser browser(this);
+    if (browser.exec() && !browser.path().isEmpty())
+        openFolder(browser.path());
+}
+
+void MainWindow::openFolder(const QString& path, const QString& clipName) {
+    m_clipList->clear();
+    releaseFolder();
+    auto folder = std::make_unique<ClipFolder>(path);
+    if (folder->count() != 0) {
+        showFolder(std::move(folder), clipName);
+        setControlsEnabled(true);
+    } else {
+        folder.reset();
+        m_dialogs->warn(this, tr("QL240 Viewer"), tr("Please select proper folder"));
+    }
+}
+
+void MainWindow::showFolder(std::unique_ptr<ClipFolder> folder, const QString& clipName) {
+    m_folder = std::move(folder);
+    int row = 0;
+    for (const Clip* clip : m_folder->values()) {
+        if (clip->file().fileName() == clipName)
+            row = m_clipList->count();
+        m_clipList->appendClip(clip);
+    }
+    m_clipList->setCurrentRow(row);
+    // What the local encoding lacks shows as question marks.
+    m_folderLabel->setText(QString::fromLocal8Bit(m_folder->path().toLocal8Bit()));
+}
+
+void MainWindow::releaseFolder() {
+    m_folder.reset();
+    releaseRetiredClips(m_mainView->player()->clip());
+}
+
+void MainWindow::OnSlotsfile_open() {
+    const QString path = m_dialogs->askOpenFile(this, tr("Open QL240"), tr("QL240 Data Files (*.mp4)"));
+    if (!path.isEmpty())
+        m_clipList->appendName(QFileInfo(path).fileName());
+}
+
+void MainWindow::OnSlotsselectFile(QListWidgetItem* current, QListWidgetItem*) {
+    closeCurrent();
+    if (current) {
+        m_progressPanel->clearSensorData();
+        m_mapView->setTrack({});
+        loadClip(MyListWidget::clipOf(current));
+    }
+    OnSlotsplay();
+}
+
+void MainWindow::closeCurrent() {
+    OnSlotsstop();
+    m_mainView->closeClip();
+    m_progressPanel->setRange(0, 0);
+    m_progressPanel->setValue(0);
+    m_progressPanel->resetIndicators();
+    OnZoomWinMode(false);
+}
+
+void MainWindow::loadClip(Clip* clip) {
+    if (m_settingsChanged)
+        loadPictureAdjustment();
+    if (showClipInView(clip))
+        updateClipInformation(clip);
+    else
+        m_dialogs->warn(this, tr("QL240 Viewer"), tr("Failed to open clip file"));
+}
+
+bool MainWindow::showClipInView(Clip* clip) {
+    if (!clip)
+        return false;
+    const bool opened = m_mainView->openClip(clip);
+    Player* player = m_mainView->player();
+    m_progressPanel->setDateText(clipDateText(clip->file().fileName()));
+    m_progressPanel->setClipPath(clip->file().absoluteFilePath());
+    m_mainView->setFrameSize(player->videoSize(0));
+    m_mainView->setImageAdjust(m_brightness, m_contrast);
+    if (opened) {
+        m_currentPlayer = player;
+        m_subView->setSecondPlayer(player);
+        m_subView->setVideoVisible(false);
+        m_subView->setVideoVisible(true);
+        m_subView->setFrameSize(player->videoSize(1));
+        player->setRate(1.0);
+        OnSlotsstopF();
+    }
+    if (isFullScreen())
+        setFullScreenLayout();
+    else
+        setNormalLayout();
+    return opened;
+}
+
+void MainWindow::updateClipInformation(const Clip* clip) {
+    if (clip->category() == kOtherClip && !m_folder)
+        return;
+    const int row = m_clipList->rowOf(clip);
+    if (row < 0)
+        return;
+    m_clipList->setCurrentRow(row);
+    if (m_currentPlayer->clip())
+        m_progressPanel->loadSensorData(m_currentPlayer->durationMs());
+    else
+        m_progressPanel->clearSensorData();
+    m_mapView->setTrack(m_progressPanel->sensorTrack());
+}
+
+void MainWindow::OnSlotssetting() {
+    OnSlotspause();
+    ConfigWindow dialog;
+    dialog.setViewerSpeedUnit(
+        static_cast<qint32>(m_progressPanel->kilometres() ? SpeedUnit::Kmh : SpeedUnit::Mph));
+    if (!dialog.exec())
+        return;
+    m_settingsChanged = true;
+    const bool kilometres = dialog.viewerSpeedUnit() == static_cast<qint32>(SpeedUnit::Kmh);
+    m_progressPanel->setKilometres(kilometres);
+    writeSpeedUnit(kilometres ? QStringLiteral("km") : QStringLiteral("mph"));
+    retranslateButtons();
+}
+
+void MainWindow::loadPictureAdjustment() {
+    const QString folder = firstSettingFolder();
+    if (folder.isEmpty())
+        return;
+    DeviceSettings settings(folder);
+    if (!m_settingsChanged)
+        setAdjustment(settings.brightvalue, settings.contrastvalue);
+    if (settings.loadBytes()) {
+        m_settingsChanged = false;
+        setAdjustment(settings.brightvalue, settings.contrastvalue);
+    }
+}
+
+void MainWindow::setAdjustment(int brightValue, int contrastValue) {
+    m_brightness = adjustment(kBrightness, brightValue);
+    m_contrast = adjustment(kContrast, contrastValue);
+}
+
+} // namespace ql240

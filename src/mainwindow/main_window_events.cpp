@@ -1,0 +1,211 @@
+// Mouse, keys, drops, full screen, and the events of the window itself.
+#include <QAbstractButton>
+#include <QDir>
+#include <QDropEvent>
+#include <QFileInfo>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QTimer>
+#include <QUrl>
+
+#include "base/preferences.h"
+#include "library/clip_folder.h"
+#include "mainwindow/main_window.h"
+#include "mainwindow/my_list_widget.h"
+#include "playback/video_view.h"
+#include "sensors/widget_progress.h"
+
+namespace ql240 {
+
+using layout::ButtonId;
+
+namespace {
+
+struct CommandKey {
+    int key;
+    Qt::KeyboardModifiers modifiers;
+    ButtonId id;
+};
+
+// Space is not among them: it presses whichever of play and pause is shown.
+constexpr CommandKey kCommandKeys[] = {
+    {Qt::Key_Left, Qt::NoModifier, ButtonId::FrameBack},
+    {Qt::Key_Right, Qt::NoModifier, ButtonId::FrameForward},
+    {Qt::Key_PageUp, Qt::NoModifier, ButtonId::PreviousFile},
+    {Qt::Key_PageDown, Qt::NoModifier, ButtonId::NextFile},
+    {Qt::Key_Plus, Qt::NoModifier, ButtonId::ZoomIn},
+    {Qt::Key_Equal, Qt::NoModifier, ButtonId::ZoomIn},
+    {Qt::Key_Minus, Qt::NoModifier, ButtonId::ZoomOut},
+    {Qt::Key_0, Qt::NoModifier, ButtonId::OriginalSize},
+    {Qt::Key_M, Qt::NoModifier, ButtonId::Volume},
+    {Qt::Key_S, Qt::NoModifier, ButtonId::Snapshot},
+    {Qt::Key_P, Qt::ControlModifier, ButtonId::Print},
+    {Qt::Key_O, Qt::ControlModifier, ButtonId::OpenFolder},
+};
+
+// The bounds include one pixel beyond the right and the bottom edge.
+bool holds(const QRect& rect, QPoint point) {
+    return rect.left() <= point.x() && point.x() <= rect.left() + rect.width() && rect.top() <= point.y() &&
+           point.y() <= rect.top() + rect.height();
+}
+
+bool isMoveForView(QPoint point) {
+    return layout::kMoveLeft <= point.x() && point.x() <= layout::kMoveRight &&
+           layout::kMoveTop <= point.y() && point.y() <= layout::kMoveBottom;
+}
+
+// The folder or clip that a drop brings, as a path of this machine; empty where it brings neither.
+QString droppedPath(const QMimeData& data) {
+    for (const QUrl& url : data.urls()) {
+        const QFileInfo file(url.toLocalFile());
+        if (url.isLocalFile() && (file.isDir() || namedLikeRecording(file.fileName())))
+            return file.absoluteFilePath();
+    }
+    return {};
+}
+
+} // namespace
+
+void MainWindow::enterFullScreen() {
+    m_normalGeometry = geometry();
+    // A fixed size would keep the window system from filling the screen.
+    setMinimumSize(0, 0);
+    setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+    m_mainView->setFocus();
+    showFullScreen();
+    setFullScreenLayout();
+}
+
+void MainWindow::leaveFullScreen() {
+    m_fullScreenLayout = false;
+    setWindowState(windowState() & ~Qt::WindowFullScreen);
+    resize(m_normalGeometry.size());
+    setFixedSize(m_normalGeometry.size());
+    move(m_normalGeometry.topLeft());
+    setNormalLayout();
+}
+
+// The window system tells the size of the full screen in its own time.
+void MainWindow::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    if (m_fullScreenLayout && isFullScreen())
+        setFullScreenLayout();
+}
+
+VideoView* MainWindow::bigView() const {
+    return m_mainView->x() == layout::kMainView.x() ? m_mainView : m_subView;
+}
+
+bool MainWindow::handToPanel(const QMouseEvent& event) {
+    const QPoint point = event.position().toPoint();
+    if (!m_progressPanel->isVisible() || !holds(m_progressPanel->geometry(), point))
+        return false;
+    QMouseEvent handed(event.type(), event.position() - m_progressPanel->pos(), event.globalPosition(),
+                       event.button(), event.buttons(), Qt::NoModifier);
+    if (event.type() == QEvent::MouseButtonPress)
+        m_progressPanel->mousePressEvent(&handed);
+    else
+        m_progressPanel->mouseReleaseEvent(&handed);
+    return true;
+}
+
+void MainWindow::mousePressEvent(QMouseEvent* event) {
+    if (m_zoomWinMode)
+        bigView()->mousePressEvent(event);
+    else
+        handToPanel(*event);
+}
+
+void MainWindow::mouseMoveEvent(QMouseEvent* event) {
+    if (m_zoomWinMode || isMoveForView(event->position().toPoint()))
+        bigView()->mouseMoveEvent(event);
+}
+
+void MainWindow::mouseReleaseEvent(QMouseEvent* event) {
+    if (isFullScreen())
+        leaveFullScreen();
+    else if (event->button() == Qt::RightButton && holds(m_mainView->geometry(), event->position().toPoint()))
+        enterFullScreen();
+    else if (event->button() == Qt::LeftButton)
+        handToPanel(*event);
+}
+
+// In full screen Tab is a key like any other and must arrive as one.
+bool MainWindow::focusNextPrevChild(bool next) {
+    return !isFullScreen() && QMainWindow::focusNextPrevChild(next);
+}
+
+void MainWindow::keyPressEvent(QKeyEvent* event) {
+    if (isFullScreen())
+        leaveFullScreen();
+    else if (!runCommandKey(*event))
+        QMainWindow::keyPressEvent(event);
+}
+
+bool MainWindow::runCommandKey(const QKeyEvent& event) {
+    const Qt::KeyboardModifiers modifiers = event.modifiers() & ~(Qt::KeypadModifier | Qt::ShiftModifier);
+    if (event.key() == Qt::Key_F && modifiers == Qt::NoModifier) {
+        enterFullScreen();
+        return true;
+    }
+    if (event.key() == Qt::Key_Space && modifiers == Qt::NoModifier) {
+        button(m_playing ? ButtonId::Pause : ButtonId::Play)->click();
+        return true;
+    }
+    for (const CommandKey& command : kCommandKeys) {
+        if (event.key() == command.key && modifiers == command.modifiers) {
+            button(command.id)->click();
+            return true;
+        }
+    }
+    return false;
+}
+
+void MainWindow::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawPixmap(rect(), m_background);
+    if (!m_painted) {
+        m_painted = true;
+        QTimer::singleShot(0, this, &MainWindow::firstPainted);
+    }
+}
+
+void MainWindow::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::LanguageChange) {
+        setWindowTitle(tr("QL240 Viewer"));
+        event->accept();
+        return;
+    }
+    QMainWindow::changeEvent(event);
+    // The window manager's own key leaves full screen too.
+    if (event->type() == QEvent::WindowStateChange && m_fullScreenLayout && !isFullScreen() && !isMinimized())
+        leaveFullScreen();
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+    if (!droppedPath(*event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void MainWindow::dragMoveEvent(QDragMoveEvent* event) {
+    // The list takes no drop, and the window none on its behalf.
+    if (m_clipList->isVisible() && m_clipList->geometry().contains(event->position().toPoint()))
+        event->ignore();
+    else
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event) {
+    const QFileInfo dropped(droppedPath(*event->mimeData()));
+    if (m_clipList->isVisible() && m_clipList->geometry().contains(event->position().toPoint()))
+        return;
+    event->acceptProposedAction();
+    const QString folder = dropped.isDir() ? dropped.filePath() : dropped.path();
+    if (holdsRecordings(folder))
+        writeLastFolder(folder);
+    openFolder(folder, dropped.isDir() ? QString() : dropped.fileName());
+}
+
+} // namespace ql240

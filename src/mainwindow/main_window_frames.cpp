@@ -1,0 +1,77 @@
+// Snapshot, print and the link.
+#include <QImage>
+#include <QPainter>
+#include <QPrinter>
+
+#include "mainwindow/frame_output.h"
+#include "mainwindow/main_window.h"
+#include "mainwindow/window_dialogs.h"
+#include "platform/host.h"
+#include "platform/url_opener.h"
+#include "playback/video_view.h"
+
+namespace ql240 {
+namespace {
+
+constexpr char kMakerAddress[] = "https://ql240.example/";
+constexpr int kExtensionLength = 4;
+
+// The painter's origin is the corner of the printable area, so the page begins there.
+void printFrames(QPrinter& printer, const FramePair& frames) {
+    const QRect page(QPoint(0, 0), printer.pageRect(QPrinter::DevicePixel).toRect().size());
+    const auto places = printPlaces(page, frames, Player::videoStreamCount);
+    QPainter painter(&printer);
+    for (std::size_t i = 0; i < frames.size(); ++i) {
+        if (!places[i].isEmpty())
+            painter.drawImage(places[i], frames[i]);
+    }
+}
+
+} // namespace
+
+bool MainWindow::getSnap(QImage* images) {
+    if (!m_currentPlayer) {
+        m_dialogs->warn(this, tr("QL240 Viewer"), tr("Play first"));
+        return false;
+    }
+    for (int i = 0; i < Player::videoStreamCount; ++i)
+        images[i] = m_currentPlayer->frame(i, true).copy();
+    return !images[0].isNull() || !images[1].isNull();
+}
+
+bool MainWindow::pausedSnap(QImage* images) {
+    OnSlotspause();
+    return getSnap(images);
+}
+
+void MainWindow::OnSlotssnapshot() {
+    FramePair frames;
+    if (!pausedSnap(frames.data()))
+        return;
+    const QString path =
+        m_dialogs->askSaveFile(this, tr("QL240 Save File"), snapshotName(QDateTime::currentDateTime()),
+                               tr("Image Files (*.png *.jpg)"));
+    if (path.size() <= kExtensionLength) {
+        m_dialogs->warn(this, tr("QL240"), tr("Save File Cancelled"));
+        return;
+    }
+    frames[0].save(path);
+    if (!frames[1].isNull())
+        frames[1].save(secondSnapshotPath(path));
+}
+
+void MainWindow::OnSlotsprint() {
+    FramePair frames;
+    if (!pausedSnap(frames.data()))
+        return;
+    QPrinter printer(QPrinter::ScreenResolution);
+    if (m_dialogs->askPrinter(this, printer))
+        printFrames(printer, frames);
+}
+
+void MainWindow::OnSlotsLink() {
+    if (UrlOpener* opener = host().urlOpener)
+        opener->openUrl(QString::fromLatin1(kMakerAddress));
+}
+
+} // namespace ql240

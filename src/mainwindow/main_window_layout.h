@@ -1,0 +1,101 @@
+// Where everything in the main window stands, in one place: construction, skin, hover texts, accessible
+// names, placement and tests read these tables. Window coordinates in pixels.
+#pragma once
+
+#include <QMargins>
+#include <QRect>
+#include <array>
+
+namespace ql240::layout {
+
+inline constexpr QSize kWindow(1024, 645);
+
+inline constexpr QRect kMainView(22, 32, 640, 360);
+inline constexpr QRect kSubView(681, 32, 320, 180);
+inline constexpr QRect kMapView(680, 32, 320, 206);
+inline constexpr QRect kFolderLabel(683, 239, 290, 18);
+inline constexpr QRect kClipList(680, 259, 320, 370);
+inline constexpr QRect kProgressPanel(23, 394, 642, 250);
+inline constexpr QRect kVolume(600, 445, 52, 9);
+
+// Outside pan mode, only moves within these bounds go on to the view; both ends belong to them.
+inline constexpr int kMoveLeft = 22;
+inline constexpr int kMoveRight = 760;
+inline constexpr int kMoveTop = 32;
+inline constexpr int kMoveBottom = 460;
+
+// In full screen the main view leaves one pixel at each edge.
+inline constexpr QMargins kFullScreenMargins(1, 1, 1, 1);
+
+// In the order in which they are made, which is the stacking order too.
+enum class ButtonId {
+    Play,
+    Pause,
+    Stop,
+    PreviousFile,
+    FrameBack,
+    FrameForward,
+    NextFile,
+    ZoomIn,
+    ZoomOut,
+    OriginalSize,
+    Pan,
+    Volume,
+    Setting,
+    Snapshot,
+    Print,
+    Minimise,
+    Exit,
+    OpenFile,
+    OpenFolder,
+    Logo,
+};
+inline constexpr std::size_t kButtonCount = 20;
+
+inline constexpr int kNoText = -1;
+
+struct ButtonRow {
+    ButtonId id;
+    const char* name;   // for assistive technology where there is no hover text
+    const char* images; // what their names begin with; the logo's one image for all states
+    QRect place;
+    int textId; // of the hover text in the interface's text table, or kNoText
+};
+
+inline constexpr std::array<ButtonRow, kButtonCount> kButtons{{
+    {ButtonId::Play, "Play", "play_", {137, 433, 36, 36}, 48},
+    {ButtonId::Pause, "Pause", "pause", {137, 433, 36, 36}, 49},
+    {ButtonId::Stop, "Stop", "stop_", {190, 433, 36, 36}, 50},
+    {ButtonId::PreviousFile, "Previous File", "pre_file_", {27, 433, 36, 36}, 51},
+    {ButtonId::FrameBack, "Rewind 1 Frame", "rw_", {80, 433, 36, 36}, 52},
+    {ButtonId::FrameForward, "Forward 1 Frame", "fw_", {247, 433, 36, 36}, 53},
+    {ButtonId::NextFile, "Next File", "next_file_", {302, 433, 36, 36}, 54},
+    {ButtonId::ZoomIn, "Zoom-In", "zoom_in_", {352, 433, 36, 36}, 55},
+    {ButtonId::ZoomOut, "Zoom-Out", "zoom_out_", {396, 433, 36, 36}, 56},
+    {ButtonId::OriginalSize, "Original Size", "original_screen_", {440, 433, 36, 36}, 63},
+    {ButtonId::Pan, "Pan", "pan_", {484, 433, 36, 36}, 57},
+    {ButtonId::Volume, "Volume", "volume", {576, 442, 19, 17}, 59},
+    {ButtonId::Setting, "Setup", "setting_", {677, 7, 19, 20}, 60},
+    {ButtonId::Snapshot, "Capture", "snapshot_", {718, 9, 22, 18}, 61},
+    {ButtonId::Print, "Printer", "print_", {761, 7, 20, 20}, 62},
+    {ButtonId::Minimise, "Minimize", "close_", {951, 8, 21, 19}, kNoText},
+    {ButtonId::Exit, "Exit", "exit_", {982, 8, 21, 19}, kNoText},
+    {ButtonId::OpenFile, "Open File", "file_open_", {945, 433, 21, 16}, kNoText},
+    {ButtonId::OpenFolder, "Open Folder", "folder_open_", {980, 242, 20, 16}, kNoText},
+    {ButtonId::Logo, "QL240", "ql240_logo", {21, 7, 196, 22}, kNoText},
+}};
+
+// What is switched with the controls, and what hides in full screen, beside the widgets named there.
+inline constexpr std::array kControls{
+    ButtonId::Play,      ButtonId::Pause,        ButtonId::Stop,     ButtonId::PreviousFile,
+    ButtonId::FrameBack, ButtonId::FrameForward, ButtonId::NextFile, ButtonId::ZoomIn,
+    ButtonId::ZoomOut,   ButtonId::OriginalSize, ButtonId::Pan,      ButtonId::Volume,
+};
+inline constexpr std::array kPanelButtons{
+    ButtonId::Stop,     ButtonId::PreviousFile, ButtonId::FrameBack, ButtonId::FrameForward,
+    ButtonId::NextFile, ButtonId::ZoomIn,       ButtonId::ZoomOut,   ButtonId::OriginalSize,
+    ButtonId::Pan,      ButtonId::Volume,
+};
+inline constexpr std::array kFrameButtons{ButtonId::Snapshot, ButtonId::Print};
+
+} // namespace ql240::layout

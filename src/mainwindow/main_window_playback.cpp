@@ -1,0 +1,196 @@
+// Transport, zoom, sound, and the update that drives dashboard and map while a clip plays.
+#include <QTimer>
+
+#include "mainwindow/main_window.h"
+#include "mainwindow/my_list_widget.h"
+#include "playback/video_view.h"
+#include "playback/widget_volume.h"
+#include "sensors/map_view.h"
+#include "sensors/widget_progress.h"
+#include "widgets/image_buttons.h"
+#include "widgets/window_helper.h"
+
+namespace ql240 {
+
+using layout::ButtonId;
+
+namespace {
+
+constexpr int kUpdateIntervalMs = 100;
+constexpr int kHighestSpeed = 241;
+
+// A stop, then a start that waits at the first frame.
+void backToStart(Player& player) {
+    player.stop();
+    player.rewind();
+    player.pause();
+}
+
+} // namespace
+
+void MainWindow::showPlayingState() {
+    if (isFullScreen())
+        return;
+    m_playing = true;
+    button(ButtonId::Play)->hide();
+    button(ButtonId::Pause)->show();
+    m_progressPanel->setActive(true);
+}
+
+void MainWindow::showPausedState() {
+    if (isFullScreen())
+        return;
+    m_playing = false;
+    button(ButtonId::Play)->show();
+    button(ButtonId::Pause)->hide();
+    m_progressPanel->setAnimating(false);
+}
+
+void MainWindow::OnSlotsplay() {
+    if (m_settingsChanged) {
+        loadPictureAdjustment();
+        m_mainView->setImageAdjust(m_brightness, m_contrast);
+    }
+    m_subView->player()->play();
+    m_mainView->player()->play();
+    showPlayingState();
+    m_updateTimer->start(kUpdateIntervalMs);
+}
+
+void MainWindow::OnSlotspause() {
+    m_mainView->player()->pause();
+    showPausedState();
+}
+
+void MainWindow::OnSlotsstop() {
+    m_mainView->zoomStep(0);
+    m_subView->zoomStep(0);
+    OnZoomWinMode(false);
+    backToStart(*m_mainView->player());
+    showPausedState();
+    m_progressPanel->setActive(false);
+}
+
+void MainWindow::OnSlotsstopF() {
+    backToStart(*m_mainView->player());
+    showPausedState();
+}
+
+void MainWindow::stepFrame(bool forward) {
+    Player& player = *m_mainView->player();
+    player.pause();
+    if (forward)
+        player.stepForward();
+    else
+        player.stepBack();
+    showPausedState();
+    OnTimeoutRefreshMapB();
+    m_progressPanel->setValue(static_cast<qint32>(player.positionMs()));
+}
+
+void MainWindow::OnSlotsrw() {
+    stepFrame(false);
+}
+
+void MainWindow::OnSlotsfw() {
+    stepFrame(true);
+}
+
+void MainWindow::OnSlotspre_file() {
+    if (m_clipList->count() == 1)
+        return;
+    const int row = m_clipList->currentRow();
+    m_clipList->setCurrentRow(row < 1 ? m_clipList->count() - 1 : row - 1);
+}
+
+void MainWindow::OnSlotsnext_file() {
+    if (m_clipList->count() == 1)
+        return;
+    const int row = m_clipList->currentRow();
+    m_clipList->setCurrentRow(row < m_clipList->count() - 1 ? row + 1 : 0);
+}
+
+void MainWindow::OnSlotsProgress(int ms) {
+    m_progressPanel->setValue(ms);
+    m_mainView->player()->seek(ms);
+    OnTimeoutRefreshMapB();
+}
+
+void MainWindow::OnTimeoutUpdate() {
+    OnTimeoutRefreshMap();
+    if (!m_currentPlayer || !m_currentPlayer->clip()) {
+        m_progressPanel->setRange(0, 0);
+        m_progressPanel->setValue(0);
+        return;
+    }
+    const auto duration = static_cast<qint32>(m_currentPlayer->durationMs());
+    const auto position = static_cast<qint32>(m_currentPlayer->positionMs());
+    m_progressPanel->setRange(0, duration);
+    m_progressPanel->setValue(position);
+    if (position != duration)
+        return;
+    if (m_clipList->count() == 1) {
+        OnSlotsstopF();
+    } else {
+        OnSlotsnext_file();
+        OnSlotsplay();
+    }
+}
+
+void MainWindow::OnTimeoutRefreshMap() {
+    if (m_playing)
+        OnTimeoutRefreshMapB();
+    else
+        m_updateTimer->stop();
+}
+
+void MainWindow::OnTimeoutRefreshMapB() {
+    m_currentPlayer = m_mainView->player();
+    const SensorSample sample = m_progressPanel->sampleAt(static_cast<qint32>(m_currentPlayer->positionMs()));
+    if (sample.timeMs == -1 || !sample.hasPosition())
+        return;
+    m_mapView->moveTo(sample.latitude, sample.longitude);
+    if (sample.speed == m_progressPanel->speed())
+        return;
+    const qint32 speed = sample.speed >= 0 ? sample.speed : m_progressPanel->speed();
+    m_progressPanel->setSpeed(speed > kHighestSpeed ? 0 : speed);
+}
+
+VideoView* MainWindow::zoomTarget() const {
+    return m_mainView->width() == layout::kMainView.width() ? m_mainView : m_subView;
+}
+
+void MainWindow::OnSlotszoom_in() {
+    zoomTarget()->zoomStep(+1);
+}
+
+void MainWindow::OnSlotszoom_out() {
+    zoomTarget()->zoomStep(-1);
+}
+
+void MainWindow::OnSlotszoom_win() {
+    zoomTarget()->zoomStep(0);
+}
+
+void MainWindow::OnSlotspan() {
+    OnZoomWinMode(!m_zoomWinMode);
+}
+
+void MainWindow::OnZoomWinMode(bool on) {
+    m_zoomWinMode = on;
+    clearButton(ButtonId::Pan)->setLatched(on);
+    m_windowHelper->setMovable(!on);
+    m_clipList->setEnabled(!on);
+    m_mapView->setEnabled(!on);
+    m_mainView->setZoomWinMode(on);
+    m_subView->setZoomWinMode(on);
+}
+
+void MainWindow::OnSlotsvolume() {
+    const bool on = !m_volume->isEnabled();
+    m_volume->setSoundOn(on);
+    m_volume->setEnabled(on);
+    clearButton(ButtonId::Volume)->setLatched(!on);
+}
+
+} // namespace ql240
