@@ -12,6 +12,7 @@
 #include "base/preferences.h"
 #include "mainwindow/main_window.h"
 #include "platform/host.h"
+#include "platform/media_platform.h"
 #include "platform/modules.h"
 #include "platform/running_windows.h"
 #include "platform/web_engine_setup.h"
@@ -51,6 +52,11 @@ int runViewer(QSplashScreen& splash) {
     if (handOver(viewerTitle()))
         return kHandedOver;
     MainWindow window(nullptr, Qt::FramelessWindowHint);
+    // Nothing of the media module delays the sight of the window, nor the first clip after it.
+    QObject::connect(&window, &MainWindow::firstPainted, &window, [] {
+        if (MediaPlatform* media = requireMediaPlatform())
+            media->warmUp();
+    });
     window.setWindowTitle(QCoreApplication::translate("ql240::MainWindow", "QL240 Viewer"));
     window.show();
     QCoreApplication::processEvents();
