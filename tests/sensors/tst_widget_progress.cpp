@@ -35,7 +35,7 @@ constexpr auto kPress = QEvent::MouseButtonPress;
 constexpr auto kMove = QEvent::MouseMove;
 constexpr auto kRelease = QEvent::MouseButtonRelease;
 
-// How many pixels of the strip have this colour.
+// The rectangle around everything of this colour in the strip.
 int coloured(const QImage& strip, QColor colour) {
     int count = 0;
     for (int x = 0; x < strip.width(); ++x) {
@@ -75,7 +75,7 @@ private Q_SLOTS:
 
     void cleanup() { host() = {}; }
 
-    void initialState() {
+    void startsAsTheSheetSays() {
         host().sensorLibrary = nullptr;
         WidgetProgressA panel;
         const PanelState state = panel.state();

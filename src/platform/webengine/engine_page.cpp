@@ -43,13 +43,6 @@ void restrict(QWebEngineSettings& settings) {
         settings.setAttribute(attribute, false);
 }
 
-// A map has no use for the keyboard; its window has.
-void refuseFocus(QWidget& view) {
-    view.setFocusPolicy(Qt::NoFocus);
-    for (QWidget* inner : view.findChildren<QWidget*>())
-        inner->setFocusPolicy(Qt::NoFocus);
-}
-
 } // namespace
 
 EnginePage::EnginePage(QWebEngineProfile& profile, QWidget* parent, WebPageEvents events)
@@ -62,10 +55,7 @@ EnginePage::EnginePage(QWebEngineProfile& profile, QWidget* parent, WebPageEvent
     m_view->setContextMenuPolicy(Qt::NoContextMenu);
     m_view->setAcceptDrops(false);
     QObject::connect(page, &QWebEnginePage::loadFinished, m_view,
-                     [view = m_view.data(), finished = std::move(events.loadFinished)](bool ok) {
-                         refuseFocus(*view); // its inner widget is made with the page
-                         finished(ok);
-                     });
+                     [finished = std::move(events.loadFinished)](bool ok) { finished(ok); });
     QObject::connect(page, &QWebEnginePage::renderProcessTerminated, m_view,
                      [gone = std::move(events.renderProcessGone)] { gone(); });
 }

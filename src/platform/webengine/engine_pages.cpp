@@ -50,7 +50,9 @@ EnginePages::EnginePages() {
     m_profile->setUrlRequestInterceptor(&m_requests);
 }
 
-EnginePages::~EnginePages() = default;
+EnginePages::~EnginePages() {
+    qInstallMessageHandler(g_forward);
+}
 
 std::unique_ptr<WebPage> EnginePages::createPage(QWidget* parent, WebPageEvents events) {
     return std::make_unique<EnginePage>(*m_profile, parent, std::move(events));

@@ -1,0 +1,279 @@
+#include <QDropEvent>
+#include <QMimeData>
+#include <QSignalSpy>
+#include <QUrl>
+#include <QWindow>
+
+#include "mainwindow/viewer.h"
+
+Q_DECLARE_METATYPE(ql240::layout::ButtonId)
+
+namespace ql240 {
+
+using layout::ButtonId;
+
+namespace {
+
+constexpr int kBoundMs = 15000;
+constexpr QPoint kOnVideo(300, 200);
+
+} // namespace
+
+// Full screen, keys, presses handed on, drops.
+class TestMainWindowInput : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup() { m_viewer.reset(); }
+
+    void fullScreenByMouse_data();
+    void fullScreenByMouse();
+    void fullScreenLayout();
+    void anyKeyLeavesFullScreen_data();
+    void anyKeyLeavesFullScreen();
+    void playingStateInFullScreen();
+    void commandKeys_data();
+    void commandKeys();
+    void spaceTogglesPlaying();
+    void listKeepsTypingAndMoving();
+    void keysOfDisabledControlsDoNothing();
+    void pressOnDisabledPanelSeeks();
+    void languageChange();
+    void drop_data();
+    void drop();
+
+private:
+    Viewer& viewer() { return *m_viewer; }
+    void dropOn(QPoint place, const QString& path);
+
+    std::unique_ptr<Viewer> m_viewer;
+};
+
+void TestMainWindowInput::init() {
+    m_viewer = std::make_unique<Viewer>();
+    for (const char* name : {"REC_1.mp4", "REC_2.mp4", "REC_3.mp4"})
+        viewer().addClip(QStringLiteral("card/") + QLatin1String(name), Viewer::shortClip(300));
+    viewer().show();
+    viewer().window->openFolder(viewer().path(QStringLiteral("card")));
+    viewer().window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(viewer().window.get()));
+}
+
+void TestMainWindowInput::fullScreenByMouse_data() {
+    QTest::addColumn<Qt::MouseButton>("button");
+    QTest::addColumn<QPoint>("place");
+    QTest::addColumn<bool>("enters");
+    QTest::newRow("inside") << Qt::RightButton << kOnVideo << true;
+    QTest::newRow("top left corner") << Qt::RightButton << QPoint(22, 32) << true;
+    QTest::newRow("one beyond bottom right") << Qt::RightButton << QPoint(662, 392) << true;
+    QTest::newRow("two beyond the right") << Qt::RightButton << QPoint(663, 100) << false;
+    QTest::newRow("left of it") << Qt::RightButton << QPoint(21, 100) << false;
+    QTest::newRow("left button") << Qt::LeftButton << kOnVideo << false;
+}
+
+void TestMainWindowInput::fullScreenByMouse() {
+    QFETCH(Qt::MouseButton, button);
+    QFETCH(QPoint, place);
+    QFETCH(bool, enters);
+    viewer().mouse(button, place);
+    QCOMPARE(viewer().window->isFullScreen(), enters);
+    if (!enters)
+        return;
+    viewer().mouse(Qt::MiddleButton, QPoint(5, 5));
+    QVERIFY(!viewer().window->isFullScreen());
+}
+
+void TestMainWindowInput::fullScreenLayout() {
+    MainWindow& window = *viewer().window;
+    const QRect before = window.geometry();
+    viewer().mouse(Qt::RightButton, kOnVideo);
+    const QSize screen = window.screen()->size();
+    QTRY_COMPARE(window.size(), screen);
+    QTRY_COMPARE(viewer().mainView()->geometry(), QRect(1, 1, screen.width() - 2, screen.height() - 2));
+    for (const layout::ButtonRow& row : layout::kButtons) {
+        const bool stays = row.id == ButtonId::OpenFile || row.id == ButtonId::Logo;
+        QCOMPARE(viewer().isShown(row.id), stays);
+    }
+    QVERIFY(!viewer().list()->isVisible() && !viewer().panel()->isVisible());
+    viewer().key(Qt::Key_A);
+    QVERIFY(!window.isFullScreen());
+    QTRY_COMPARE(window.geometry(), before);
+    QCOMPARE(window.minimumSize(), window.maximumSize());
+    QCOMPARE(viewer().mainView()->geometry(), layout::kMainView);
+    QVERIFY(viewer().list()->isVisible() && viewer().panel()->isVisible());
+    QVERIFY(viewer().isShown(ButtonId::Pause) && !viewer().isShown(ButtonId::Play));
+}
+
+void TestMainWindowInput::anyKeyLeavesFullScreen_data() {
+    QTest::addColumn<int>("key");
+    QTest::newRow("letter") << int(Qt::Key_S);
+    QTest::newRow("escape") << int(Qt::Key_Escape);
+    QTest::newRow("space") << int(Qt::Key_Space);
+    QTest::newRow("tab") << int(Qt::Key_Tab);
+    QTest::newRow("arrow") << int(Qt::Key_Right);
+    QTest::newRow("modifier") << int(Qt::Key_Shift);
+    QTest::newRow("next clip") << int(Qt::Key_PageDown);
+}
+
+void TestMainWindowInput::anyKeyLeavesFullScreen() {
+    QFETCH(int, key);
+    viewer().list()->setFocus();
+    viewer().key(Qt::Key_F);
+    QVERIFY(viewer().window->isFullScreen());
+    viewer().key(key);
+    QVERIFY(!viewer().window->isFullScreen());
+    QVERIFY(viewer().window->isPlaying());
+    QCOMPARE(viewer().list()->currentRow(), 0);
+    QVERIFY(viewer().answers.asked.isEmpty());
+}
+
+// The play state shown is the one from before, whatever happened meanwhile.
+void TestMainWindowInput::playingStateInFullScreen() {
+    viewer().mouse(Qt::RightButton, kOnVideo);
+    viewer().window->OnSlotspause();
+    QVERIFY(viewer().window->isPlaying());
+    viewer().list()->setCurrentRow(1);
+    QCOMPARE(viewer().mainView()->width(), viewer().window->width() - 2);
+    QVERIFY(!viewer().isShown(ButtonId::Play) && !viewer().isShown(ButtonId::Pause));
+    viewer().key(Qt::Key_Escape);
+    QVERIFY(viewer().isShown(ButtonId::Pause) && !viewer().isShown(ButtonId::Play));
+}
+
+void TestMainWindowInput::commandKeys_data() {
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("modifiers");
+    QTest::addColumn<ButtonId>("id");
+    const auto row = [](const char* name, Qt::Key key, Qt::KeyboardModifier modifier, ButtonId id) {
+        QTest::newRow(name) << int(key) << int(modifier) << id;
+    };
+    row("left", Qt::Key_Left, Qt::NoModifier, ButtonId::FrameBack);
+    row("right", Qt::Key_Right, Qt::NoModifier, ButtonId::FrameForward);
+    row("page up", Qt::Key_PageUp, Qt::NoModifier, ButtonId::PreviousFile);
+    row("page down", Qt::Key_PageDown, Qt::NoModifier, ButtonId::NextFile);
+    row("plus", Qt::Key_Plus, Qt::ShiftModifier, ButtonId::ZoomIn);
+    row("plus of the number block", Qt::Key_Plus, Qt::KeypadModifier, ButtonId::ZoomIn);
+    row("minus", Qt::Key_Minus, Qt::NoModifier, ButtonId::ZoomOut);
+    row("zero", Qt::Key_0, Qt::NoModifier, ButtonId::OriginalSize);
+    row("m", Qt::Key_M, Qt::NoModifier, ButtonId::Volume);
+    row("s", Qt::Key_S, Qt::NoModifier, ButtonId::Snapshot);
+    row("ctrl p", Qt::Key_P, Qt::ControlModifier, ButtonId::Print);
+    row("ctrl o", Qt::Key_O, Qt::ControlModifier, ButtonId::OpenFolder);
+}
+
+void TestMainWindowInput::commandKeys() {
+    QFETCH(int, key);
+    QFETCH(int, modifiers);
+    QFETCH(ButtonId, id);
+    QWidget* const focusable[] = {viewer().window.get(), viewer().list(),
+                                  viewer().window->button(ButtonId::Stop)};
+    for (QWidget* focus : focusable) {
+        focus->setFocus();
+        QSignalSpy clicked(viewer().window->button(id), &QAbstractButton::clicked);
+        viewer().key(key, Qt::KeyboardModifiers(modifiers));
+        QCOMPARE(clicked.count(), 1);
+    }
+}
+
+void TestMainWindowInput::spaceTogglesPlaying() {
+    viewer().list()->setFocus();
+    viewer().key(Qt::Key_Space);
+    QVERIFY(!viewer().window->isPlaying());
+    viewer().key(Qt::Key_Space);
+    QVERIFY(viewer().window->isPlaying());
+    // A control reached by the keyboard is pressed by it.
+    viewer().window->button(ButtonId::Stop)->setFocus();
+    viewer().key(Qt::Key_Space);
+    QVERIFY(!viewer().window->isPlaying());
+    QVERIFY(!viewer().panel()->isEnabled());
+}
+
+void TestMainWindowInput::listKeepsTypingAndMoving() {
+    viewer().list()->setFocus();
+    viewer().key(Qt::Key_Down);
+    QCOMPARE(viewer().list()->currentRow(), 1);
+    viewer().key(Qt::Key_Up);
+    QCOMPARE(viewer().list()->currentRow(), 0);
+    QSignalSpy zoomed(viewer().window->button(ButtonId::OriginalSize), &QAbstractButton::clicked);
+    QTest::keyClicks(viewer().list(), QStringLiteral("REC_3"));
+    QCOMPARE(viewer().list()->currentRow(), 2);
+    QTest::keyClicks(viewer().list(), QStringLiteral("0"));
+    QCOMPARE(zoomed.count(), 0);
+}
+
+void TestMainWindowInput::keysOfDisabledControlsDoNothing() {
+    Viewer empty;
+    empty.show();
+    for (const int key : {Qt::Key_Space, Qt::Key_Right, Qt::Key_S, Qt::Key_M})
+        empty.key(key);
+    QVERIFY(!empty.window->isPlaying());
+    QVERIFY(empty.answers.warnings.isEmpty());
+    QVERIFY(!empty.child<WidgetVolume>()->isEnabled());
+}
+
+// A stopped dashboard is disabled, so the window gets its presses and hands them on.
+void TestMainWindowInput::pressOnDisabledPanelSeeks() {
+    viewer().click(ButtonId::Stop);
+    QVERIFY(!viewer().panel()->isEnabled());
+    viewer().panel()->setRange(0, 10000);
+    const QPoint place = layout::kProgressPanel.topLeft() + QPoint(316, 15);
+    viewer().mouse(Qt::LeftButton, place);
+    QTRY_COMPARE_WITH_TIMEOUT(viewer().player()->positionMs(), 5000, kBoundMs);
+}
+
+void TestMainWindowInput::languageChange() {
+    viewer().window->setWindowTitle(QStringLiteral("x"));
+    QEvent change(QEvent::LanguageChange);
+    QCoreApplication::sendEvent(viewer().window.get(), &change);
+    QCOMPARE(viewer().window->windowTitle(), QStringLiteral("QL240 Viewer"));
+}
+
+void TestMainWindowInput::drop_data() {
+    QTest::addColumn<QPoint>("place");
+    QTest::addColumn<QString>("dropped");
+    QTest::addColumn<QString>("current");
+    QTest::newRow("folder") << kOnVideo << "other"
+                            << "EVS_1.mp4";
+    QTest::newRow("clip") << kOnVideo << "other/REC_9.mp4"
+                          << "REC_9.mp4";
+    QTest::newRow("over the dashboard") << QPoint(300, 600) << "other"
+                                        << "EVS_1.mp4";
+    QTest::newRow("over the list") << layout::kClipList.center() << "other"
+                                   << "REC_1.mp4";
+    QTest::newRow("no clip") << kOnVideo << "other/notes.txt"
+                             << "REC_1.mp4";
+}
+
+void TestMainWindowInput::dropOn(QPoint place, const QString& path) {
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(path)});
+    QWindow* target = viewer().window->windowHandle();
+    QDragEnterEvent enter(place, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(target, &enter);
+    QDragMoveEvent move(place, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(target, &move);
+    if (move.isAccepted()) {
+        QDropEvent drop(place, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(target, &drop);
+    } else {
+        QDragLeaveEvent leave;
+        QCoreApplication::sendEvent(target, &leave);
+    }
+}
+
+void TestMainWindowInput::drop() {
+    QFETCH(QPoint, place);
+    QFETCH(QString, dropped);
+    viewer().addClip(QStringLiteral("other/EVS_1.mp4"));
+    viewer().addClip(QStringLiteral("other/REC_9.mp4"));
+    QFile notes(viewer().path(QStringLiteral("other/notes.txt")));
+    QVERIFY(notes.open(QFile::WriteOnly));
+    dropOn(place, viewer().path(dropped));
+    QTEST(viewer().list()->currentItem()->text(), "current");
+    QTEST(viewer().player()->clip()->file().fileName(), "current");
+}
+
+} // namespace ql240
+
+QTEST_MAIN(ql240::TestMainWindowInput)
+#include "test_main_window_input.moc"

@@ -1,0 +1,162 @@
+// The main window with the real media pipeline, and a host and a user that the test answers for: what a test
+// of the viewer starts from. Clips are short and carry their frame numbers.
+#pragma once
+
+#include <QAbstractButton>
+#include <QDir>
+#include <QLabel>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <QWindow>
+#include <functional>
+
+#include "library/clip.h"
+#include "mainwindow/main_window.h"
+#include "mainwindow/my_list_widget.h"
+#include "mainwindow/window_dialogs.h"
+#include "platform/host.h"
+#include "platform/modules.h"
+#include "platform/url_opener.h"
+#include "platform/wave_out.h"
+#include "playback/video_view.h"
+#include "playback/widget_volume.h"
+#include "sensors/map_view.h"
+#include "sensors/widget_progress.h"
+#include "support/fake_drives.h"
+#include "support/fake_folder_dialogs.h"
+#include "support/fake_sensor_library.h"
+#include "support/fake_web_pages.h"
+#include "support/test_clips.h"
+
+namespace ql240 {
+
+struct FakeUrlOpener : UrlOpener {
+    QStringList opened;
+    bool openUrl(const QString& address) override {
+        opened << address;
+        return true;
+    }
+};
+
+// What the window asked, and what it is answered.
+struct Answers {
+    QStringList warnings; // "title: text"
+    QString openFile;
+    QString saveFile;
+    QStringList asked; // captions, proposed names and filters of the file dialogs
+    std::function<bool(QPrinter&)> print = [](QPrinter&) { return false; };
+};
+
+struct FakeWindowDialogs : WindowDialogs {
+    explicit FakeWindowDialogs(Answers& given) : answers(given) {}
+
+    void warn(QWidget*, const QString& title, const QString& text) override {
+        answers.warnings << title + QStringLiteral(": ") + text;
+    }
+    QString askOpenFile(QWidget*, const QString& caption, const QString& filter) override {
+        answers.asked << caption << filter;
+        return answers.openFile;
+    }
+    QString askSaveFile(QWidget*, const QString& caption, const QString& name,
+                        const QString& filter) override {
+        answers.asked << caption << name << filter;
+        return answers.saveFile;
+    }
+    bool askPrinter(QWidget*, QPrinter& printer) override { return answers.print(printer); }
+
+    Answers& answers;
+};
+
+struct Viewer {
+    QTemporaryDir folder;
+    FakeDrives drives;
+    FakeFolderDialogs folderDialogs;
+    FakeSensorLibrary sensors;
+    FakeUrlOpener urls;
+    FakeWebPages pages;
+    OutputVolume volume;
+    Answers answers;
+    std::unique_ptr<MainWindow> window;
+
+    Viewer() {
+        qputenv("XDG_CONFIG_HOME", QFile::encodeName(folder.filePath(QStringLiteral("config"))));
+        setModuleFolder(QStringLiteral(QL240_MODULES));
+        Host& table = host();
+        table.drives = &drives;
+        table.folderDialogs = &folderDialogs;
+        table.sensorLibrary = &sensors;
+        table.urlOpener = &urls;
+        table.webPages = &pages;
+        table.waveOut = &volume;
+    }
+    ~Viewer() {
+        window.reset();
+        MediaPlatform* media = host().media; // made once in a process
+        host() = {};
+        host().media = media;
+    }
+
+    void show() {
+        window = std::make_unique<MainWindow>(nullptr, Qt::FramelessWindowHint);
+        window->setDialogs(std::make_unique<FakeWindowDialogs>(answers));
+        window->move(50, 50);
+        window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    }
+
+    // The map's page is asked for only after the window has been seen.
+    void loadMap() {
+        QTRY_COMPARE(pages.made, 1);
+        pages.events.loadFinished(true);
+    }
+
+    QString path(const QString& name) const { return folder.filePath(name); }
+
+    static TestClipSpec shortClip() { return shortClip(30); }
+    static TestClipSpec shortClip(int frames) {
+        TestClipSpec spec;
+        spec.frames = frames;
+        spec.size = QSize(320, 180);
+        return spec;
+    }
+
+    // Puts the clip made to `spec` under a name into a sub-folder.
+    void addClip(const QString& name, const TestClipSpec& spec = shortClip()) const {
+        const QString made = makeTestClip(spec);
+        QVERIFY(!made.isEmpty());
+        QVERIFY(QDir(folder.path()).mkpath(QFileInfo(name).path()));
+        QVERIFY(QFile::link(made, path(name)));
+    }
+
+    template <typename Widget>
+    Widget* child() const {
+        return window->findChild<Widget*>();
+    }
+    MyListWidget* list() const { return child<MyListWidget>(); }
+    QTimer* updateTimer() const { return window->findChild<QTimer*>(QStringLiteral("updateTimer")); }
+    WidgetProgressA* panel() const { return child<WidgetProgressA>(); }
+    // Made first of the two.
+    VideoView* mainView() const { return window->findChildren<VideoView*>().first(); }
+    VideoView* subView() const { return window->findChildren<VideoView*>().last(); }
+    Player* player() const { return mainView()->player(); }
+    bool isAtStart() const { return player()->clip() && player()->positionMs() == 0; }
+
+    // A click by the mouse where the button stands; false when it can't be hit.
+    void click(layout::ButtonId id) const {
+        QAbstractButton* button = window->button(id);
+        QVERIFY2(button->isVisible() && button->isEnabled(), qPrintable(button->accessibleName()));
+        QTest::mouseClick(button, Qt::LeftButton);
+    }
+    bool isShown(layout::ButtonId id) const { return window->button(id)->isVisible(); }
+
+    // A real button event at a place of the window.
+    void mouse(Qt::MouseButton button, QPoint place) const {
+        QTest::mouseClick(window->windowHandle(), button, {}, place);
+    }
+    void key(int key, Qt::KeyboardModifiers modifiers = {}) const {
+        QTest::keyClick(window->windowHandle(), static_cast<Qt::Key>(key), modifiers);
+    }
+};
+
+} // namespace ql240
