@@ -139,7 +139,8 @@ public:
 
     Status GetVideoSize(std::int32_t* width, std::int32_t* height) override {
         const QSize size = m_media.clip.sizes[at()];
-        const Status status = m_media.query(QStringLiteral("size %1").arg(m_stream));
+        const Status usual = pins.front()->joined ? kStatusOk : kStatusNotConnected;
+        const Status status = m_media.query(QStringLiteral("size %1").arg(m_stream), usual);
         if (succeeded(status))
             std::tie(*width, *height) = std::pair(size.width(), size.height());
         return status;
@@ -152,7 +153,7 @@ public:
         return put("owner", owner != WindowToken::None, [=](FakeWindow& w) { w.owner = owner; });
     }
     Status put_WindowStyle(std::uint32_t style) override {
-        return put("style", style, [=](FakeWindow& w) { w.style = style; });
+        return put("style", QString::number(style, 16), [=](FakeWindow& w) { w.style = style; });
     }
     Status put_MessageDrain(WindowToken drain) override {
         return put("drain", drain != WindowToken::None, [=](FakeWindow& w) { w.drain = drain; });

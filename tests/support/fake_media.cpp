@@ -1,7 +1,6 @@
 #include "support/fake_media.h"
 
 #include <algorithm>
-#include <tuple>
 #include <utility>
 
 #include "platform/gstreamer/com_object.h"
@@ -12,6 +11,8 @@ namespace ql240 {
 namespace {
 
 using namespace fake;
+
+const QString kGraphSize = QStringLiteral("graph size");
 
 class FakeGraph final
     : public gstreamer::ComObject<IGraphBuilder, IMediaControl, IMediaSeeking, IBasicVideo> {
@@ -83,11 +84,11 @@ public:
         return status;
     }
     Status GetVideoSize(std::int32_t* width, std::int32_t* height) override {
-        const Status status = m_media.query(QStringLiteral("graph size"));
-        if (succeeded(status))
-            std::tie(*width, *height) =
-                std::pair(m_media.clip.sizes[0].width(), m_media.clip.sizes[0].height());
-        return status;
+        for (const auto& filter : m_filters) {
+            if (const auto video = filter.as<IBasicVideo>(); video && succeeded(m_media.query(kGraphSize)))
+                return video->GetVideoSize(width, height);
+        }
+        return m_media.query(kGraphSize, kStatusNotConnected);
     }
 
 private:
