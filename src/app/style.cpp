@@ -14,7 +14,7 @@ constexpr QColor kField(9, 9, 9);
 constexpr QColor kRaised(48, 48, 47);
 constexpr QColor kText(220, 220, 220);
 constexpr QColor kFaint(120, 120, 120);
-constexpr QColor kSelection(46, 92, 138);
+constexpr QColor kSelection(24, 86, 79); // the skin's accent, dark enough for white texts
 
 QPalette darkPalette() {
     QPalette palette(kText, kRaised, kText, kField, kFaint, kText, kText, kField, kWindow);
@@ -24,7 +24,7 @@ QPalette darkPalette() {
     palette.setColor(QPalette::PlaceholderText, kFaint);
     palette.setColor(QPalette::Highlight, kSelection);
     palette.setColor(QPalette::HighlightedText, Qt::white);
-    palette.setColor(QPalette::Link, QColor(110, 170, 230));
+    palette.setColor(QPalette::Link, QColor(134, 230, 217));
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, kFaint);
     return palette;

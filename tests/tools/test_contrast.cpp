@@ -3,7 +3,7 @@
 #include <QtTest>
 
 #include "app/style.h"
-#include "sensors/widget_progress.h"
+#include "mainwindow/viewer.h"
 #include "settings/window_gmt.h"
 #include "settings/window_pages.h"
 #include "support/contrast_probe.h"
@@ -53,6 +53,7 @@ private Q_SLOTS:
     void probeMeasuresTheGround();
     void dashboardTexts_data();
     void dashboardTexts();
+    void mainWindowTexts();
     void settingsTexts_data();
     void settingsTexts();
     void marks_data();
@@ -101,6 +102,24 @@ void TestContrast::dashboardTexts() {
     QCOMPARE(faintTexts(picture(QStringLiteral("main_viewer_bg")), panel, QPoint(23, 394), count),
              QStringList());
     QVERIFY(count >= 6); // time, model, date and three accelerations
+}
+
+// List with its current row, folder and dashboard, while a clip is open.
+void TestContrast::mainWindowTexts() {
+    Viewer viewer;
+    for (const char* name : {"REC_2013_04_05_12_30_00.mp4", "REC_2013_04_05_12_31_00.mp4"}) {
+        viewer.addClip(QStringLiteral("clips/") + QString::fromLatin1(name));
+    }
+    viewer.folderDialogs.choice = viewer.path(QStringLiteral("clips"));
+    viewer.show();
+    viewer.click(layout::ButtonId::OpenFolder);
+    QTRY_VERIFY(viewer.player()->clip());
+    viewer.click(layout::ButtonId::Pause);
+    QImage ground(viewer.window->size(), QImage::Format_RGB32);
+    ground.fill(QColor(9, 9, 9));
+    qsizetype count = 0;
+    QCOMPARE(faintTexts(ground, *viewer.window, {}, count), QStringList());
+    QVERIFY(count >= 9); // two clips, the folder, six of the dashboard
 }
 
 void TestContrast::settingsTexts_data() {
