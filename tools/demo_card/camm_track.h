@@ -1,0 +1,19 @@
+#pragma once
+
+// Adds a camera motion metadata track to a finished MP4 file (ISO/IEC 14496-12) whose index comes last.
+
+#include <QtCore/QByteArray>
+#include <QtCore/QDateTime>
+#include <QtCore/QList>
+#include <QtCore/QString>
+
+namespace ql240 {
+
+// The samples go into a media box of their own behind the file's media, the index moves behind it and gets
+// one more track; sampleMs is how long each sample lasts. All creation times become `created`, which also
+// makes the file the same on every run. False, with the file unchanged, where it isn't such a file or can't
+// be written.
+bool addCammTrack(const QString& path, const QList<QByteArray>& samples, int sampleMs,
+                  const QDateTime& created);
+
+} // namespace ql240

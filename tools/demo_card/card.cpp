@@ -1,0 +1,126 @@
+#include "demo_card/card.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QMutex>
+#include <QtCore/QTemporaryDir>
+#include <QtCore/QThreadPool>
+
+namespace ql240 {
+namespace {
+
+constexpr char kMarkerName[] = ".demo-card"; // what may be replaced
+
+struct Setting {
+    const char* key;
+    int value;
+};
+
+// The camera as it leaves the factory, in a car with a 12 V battery.
+constexpr Setting kSettings[] = {
+    {"resolutionvalue", 2},   {"qualityvalue", 3},       {"encodingvalue", 2},     {"framevalue", 3},
+    {"soundvalue", 1},        {"speakervalue", 3},       {"hourvalue", 1},         {"sensitivityvalue", 2},
+    {"autoparkingvalue", 1},  {"parkingvalue", 2},       {"motionvalue", 2},       {"timeoffvalue", 8},
+    {"batteryvalue1", 121},   {"batteryvalue2", 242},    {"speedValue", 1},        {"tempoffvalue", 1},
+    {"partitionvalue", 1},    {"securityvalue", 1},      {"brightvalue", 4},       {"contrastvalue", 4},
+    {"evtoverwritevalue", 1}, {"manuoverwritevalue", 1}, {"motoverwritevalue", 1}, {"sensitivityvalue1", 8},
+    {"sensitivityvalue2", 7}, {"mutevalue", 0},
+};
+
+// Settings that have a byte file only.
+constexpr Setting kByteSettings[] = {{"reversalvalue", 0}, {"sharpnessvalue", 4}, {"speedunit", 1}};
+
+bool writeFile(const QString& path, const QByteArray& content) {
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush();
+}
+
+bool writeByteFile(const QDir& folder, const Setting& setting) {
+    const QString name = QStringLiteral("set%1.dat").arg(QLatin1String(setting.key));
+    return writeFile(folder.filePath(name), QByteArray(1, char(setting.value)));
+}
+
+bool writeSettings(const QDir& folder) {
+    QByteArray text;
+    bool ok = true;
+    for (const Setting& setting : kSettings) {
+        text += QByteArray(setting.key) + ':' + QByteArray::number(setting.value) + '\n';
+        ok = writeByteFile(folder, setting) && ok;
+    }
+    for (const Setting& setting : kByteSettings)
+        ok = writeByteFile(folder, setting) && ok;
+    return writeFile(folder.filePath(QStringLiteral("setting.dat")), text) && ok;
+}
+
+QString makeClips(const QDir& folder, const QList<ClipPlan>& clips, Progress& progress) {
+    QThreadPool pool;
+    QMutex mutex;
+    QString problem;
+    for (const ClipPlan& clip : clips)
+        pool.start([&, path = folder.filePath(clip.name)] {
+            const QString failure = progress.cancelled ? QString() : makeClip(clip, path, progress);
+            if (failure.isEmpty())
+                return;
+            progress.cancelled = true;
+            const QMutexLocker lock(&mutex);
+            if (problem.isEmpty())
+                problem = clip.name + QStringLiteral(": ") + failure;
+        });
+    pool.waitForDone();
+    return progress.cancelled && problem.isEmpty() ? QStringLiteral("interrupted") : problem;
+}
+
+QString putInPlace(const QString& made, const QString& folder) {
+    const QString old = folder + QStringLiteral(".old");
+    QDir files;
+    if (QFileInfo::exists(old) && !QDir(old).removeRecursively())
+        return QStringLiteral("%1 is in the way").arg(old);
+    if (QFileInfo::exists(folder) && !files.rename(folder, old))
+        return QStringLiteral("%1 can't be replaced").arg(folder);
+    if (!files.rename(made, folder)) {
+        files.rename(old, folder);
+        return QStringLiteral("%1 can't be put in place").arg(folder);
+    }
+    QDir(old).removeRecursively();
+    return {};
+}
+
+} // namespace
+
+CardState cardStateOf(const QString& folder) {
+    const QFileInfo info(folder);
+    if (!info.exists() && !info.isSymLink())
+        return CardState::Missing;
+    if (!info.isDir())
+        return CardState::SomethingElse;
+    const QDir directory(folder);
+    if (directory.isEmpty())
+        return CardState::EmptyFolder;
+    return directory.exists(QLatin1String(kMarkerName)) ? CardState::DemoCard : CardState::SomethingElse;
+}
+
+bool writeCardFiles(const QString& folder) {
+    const QDir card(folder);
+    for (const char* name : {kClipFolderName, "setting", "update", "IMAGE"})
+        if (!card.mkpath(QLatin1String(name)))
+            return false;
+    return writeSettings(QDir(card.filePath(QStringLiteral("setting")))) &&
+           writeFile(card.filePath(QStringLiteral("update/version.txt")), "QL240 1.02 1.00 12V") &&
+           writeFile(card.filePath(QLatin1String(kMarkerName)),
+                     "Made by ql240-demo-card, which may replace this folder.\n");
+}
+
+QString makeCard(const QString& folder, const QList<ClipPlan>& clips, Progress& progress) {
+    const QString target = QDir::cleanPath(QFileInfo(folder).absoluteFilePath());
+    QDir().mkpath(QFileInfo(target).path());
+    QTemporaryDir workshop(target + QStringLiteral(".XXXXXX"));
+    const QString made = workshop.filePath(QStringLiteral("card"));
+    if (!workshop.isValid() || !QDir().mkpath(made) || !writeCardFiles(made))
+        return QStringLiteral("%1 can't be written").arg(QFileInfo(target).path());
+    const QString problem =
+        makeClips(QDir(made + QLatin1Char('/') + QLatin1String(kClipFolderName)), clips, progress);
+    return problem.isEmpty() ? putInPlace(made, target) : problem;
+}
+
+} // namespace ql240

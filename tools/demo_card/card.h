@@ -1,0 +1,28 @@
+#pragma once
+
+// The demo card: the folders and files of the camera's memory card.
+//
+//   VIDEO/                the clips
+//   setting/              setting.dat and a byte file for each setting
+//   update/version.txt
+//   IMAGE/
+
+#include <QtCore/QString>
+
+#include "demo_card/clip_maker.h"
+
+namespace ql240 {
+
+inline constexpr char kClipFolderName[] = "VIDEO";
+
+enum class CardState { Missing, EmptyFolder, DemoCard, SomethingElse };
+CardState cardStateOf(const QString& folder);
+
+// Everything but the clips, into an existing folder.
+bool writeCardFiles(const QString& folder);
+
+// A whole card in place of what is there, which stays untouched unless everything worked. Returns what went
+// wrong.
+QString makeCard(const QString& folder, const QList<ClipPlan>& clips, Progress& progress);
+
+} // namespace ql240

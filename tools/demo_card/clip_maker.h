@@ -1,0 +1,21 @@
+#pragma once
+
+// Makes one clip file: paints its pictures, synthesises its sound, encodes both and adds the sensor data.
+
+#include <QtCore/QString>
+#include <atomic>
+
+#include "demo_card/clips.h"
+
+namespace ql240 {
+
+// Shared by the threads that make clips and the one that shows how far they are.
+struct Progress {
+    std::atomic<int> framesDone = 0;
+    std::atomic<bool> cancelled = false;
+};
+
+// An empty text, or what went wrong.
+QString makeClip(const ClipPlan& plan, const QString& path, Progress& progress);
+
+} // namespace ql240

@@ -1,0 +1,27 @@
+#pragma once
+
+// The clips of the demo card: drives through Seoul on an April day, with what is met on the way.
+
+#include <QtCore/QList>
+#include <QtCore/QString>
+
+#include "demo_card/clip_encoder.h"
+#include "demo_card/drive.h"
+#include "demo_card/scene/world.h"
+#include "demo_card/sound.h"
+
+namespace ql240 {
+
+struct ClipPlan {
+    QString name; // by the camera's rules
+    DrivePlan drive;
+    World world;
+    ClipFormat format; // with one video, or two: front and rear
+    QList<TimeSpan> indicator;
+
+    int frames() const { return int(drive.seconds * format.frameRate); }
+};
+
+QList<ClipPlan> demoClips();
+
+} // namespace ql240

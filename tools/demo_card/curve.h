@@ -1,0 +1,41 @@
+#pragma once
+
+// Smooth functions of one variable through given keys, and repeatable noise: what drives, cameras and traffic
+// are described with.
+
+#include <QtCore/QList>
+#include <cstdint>
+
+namespace ql240 {
+
+struct CurveKey {
+    double at;
+    double value;
+};
+
+class Curve {
+public:
+    enum class Shape {
+        Monotone, // cubic (Fritsch and Carlson): no overshoot, continuous slope
+        Ease      // comes to rest at every key, continuous curvature
+    };
+
+    Curve(double constant = 0);               // NOLINT(google-explicit-constructor): a number is a curve
+    Curve(Shape shape, QList<CurveKey> keys); // keys in ascending order, at least one
+
+    // Before the first and behind the last key the curve keeps that key's value.
+    double operator()(double at) const;
+
+private:
+    Shape m_shape = Shape::Ease;
+    QList<CurveKey> m_keys;
+    QList<double> m_slopes;
+};
+
+// Uniform in 0 … 1, the same for the same arguments on every machine.
+double hashNoise(std::uint32_t seed, std::int64_t index);
+
+// Smooth noise in -1 … 1 with features of about the length 1.
+double smoothNoise(std::uint32_t seed, double at);
+
+} // namespace ql240

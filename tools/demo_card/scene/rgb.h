@@ -1,0 +1,52 @@
+#pragma once
+
+// Colours as light intensities: 0 … 1, more is overexposed.
+
+#include <QtGui/QRgb>
+#include <algorithm>
+
+namespace ql240 {
+
+struct Rgb {
+    float r = 0;
+    float g = 0;
+    float b = 0;
+};
+
+constexpr Rgb hex(unsigned rrggbb) {
+    return {float(rrggbb >> 16 & 255) / 255, float(rrggbb >> 8 & 255) / 255, float(rrggbb & 255) / 255};
+}
+
+constexpr Rgb operator+(Rgb a, Rgb b) {
+    return {a.r + b.r, a.g + b.g, a.b + b.b};
+}
+
+constexpr Rgb operator*(Rgb a, float k) {
+    return {a.r * k, a.g * k, a.b * k};
+}
+
+constexpr Rgb operator*(Rgb a, Rgb b) {
+    return {a.r * b.r, a.g * b.g, a.b * b.b};
+}
+
+constexpr Rgb mix(Rgb a, Rgb b, float part) {
+    return a * (1 - part) + b * part;
+}
+
+inline int toByte(float level) {
+    return int(std::clamp(level, 0.0f, 1.0f) * 255 + 0.5f);
+}
+
+inline QRgb toPixel(Rgb c) {
+    return qRgb(toByte(c.r), toByte(c.g), toByte(c.b));
+}
+
+// How a surface's own colour looks under a light, behind some haze.
+struct Shade {
+    Rgb light{1, 1, 1};
+    Rgb haze;
+    float hazePart = 0;
+    Rgb operator()(Rgb colour) const { return mix(colour * light, haze, hazePart); }
+};
+
+} // namespace ql240

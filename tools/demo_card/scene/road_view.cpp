@@ -1,0 +1,62 @@
+#include "demo_card/scene/road_view.h"
+
+#include <cmath>
+
+namespace ql240 {
+namespace {
+
+constexpr float kStep = 2.5f;
+constexpr int kNodes = 200;
+constexpr float kSharpest = 0.3f; // cosine of the angle at which a bend leaves the picture
+constexpr float kEyeHeight = 1.35f;
+
+RoadView::Node between(const RoadView::Node& a, const RoadView::Node& b, float part) {
+    const auto blend = [part](float from, float to) { return from + (to - from) * part; };
+    return {blend(a.ahead, b.ahead), blend(a.right, b.right), blend(a.forward, b.forward),
+            blend(a.sine, b.sine), blend(a.cosine, b.cosine)};
+}
+
+} // namespace
+
+RoadView::RoadView(const Drive& drive, const DriveState& state, QSize size, bool backwards)
+    : m_place(state.distance), m_backwards(backwards) {
+    const float focal = float(size.width()) * 0.62f;
+    const double nose = backwards ? -state.pitch : state.pitch;
+    m_projection = {focal, float(size.width()) / 2, float(size.height() * 0.47 + nose * double(focal)),
+                    kEyeHeight + float(state.heave)};
+    double angle = -state.yaw;
+    double right = backwards ? state.lane : -state.lane;
+    double forward = 0;
+    for (int i = 0; i < kNodes; ++i) {
+        const double ahead = i * double(kStep);
+        if (std::cos(angle) < double(kSharpest))
+            break;
+        m_nodes.append(
+            {float(ahead), float(right), float(forward), float(std::sin(angle)), float(std::cos(angle))});
+        const double bend = drive.plan().curvature(placeOf(ahead + double(kStep) / 2));
+        const double turn = (backwards ? -bend : bend) * double(kStep);
+        right += std::sin(angle + turn / 2) * double(kStep);
+        forward += std::cos(angle + turn / 2) * double(kStep);
+        angle += turn;
+    }
+}
+
+RoadView::Node RoadView::nodeAt(double ahead) const {
+    const double index = std::clamp(ahead / double(kStep), 0.0, double(m_nodes.size() - 1) - 1e-6);
+    const auto i = qsizetype(index);
+    return between(m_nodes[i], m_nodes[i + 1], float(index - double(i)));
+}
+
+RoadView::Node RoadView::nodeAtDepth(float forward) const {
+    const auto next = std::lower_bound(m_nodes.begin() + 1, m_nodes.end() - 1, forward,
+                                       [](const Node& node, float depth) { return node.forward < depth; });
+    const Node& from = *(next - 1);
+    return between(from, *next, (forward - from.forward) / (next->forward - from.forward));
+}
+
+RoadView::Spot RoadView::spot(double ahead, float side) const {
+    const Node node = nodeAt(ahead);
+    return {node.right + side * node.cosine, node.forward - side * node.sine};
+}
+
+} // namespace ql240

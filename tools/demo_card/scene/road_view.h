@@ -1,0 +1,48 @@
+#pragma once
+
+// Where the road lies in a camera's picture at one moment: the camera, and the road's middle as a chain of
+// nodes in camera space. "Ahead" is the distance along the road in the direction of the view, "side" the
+// distance right of the road's middle as seen; for the rear camera both run against the drive.
+
+#include <QtCore/QList>
+#include <QtCore/QSize>
+#include <algorithm>
+
+#include "demo_card/drive.h"
+#include "demo_card/scene/canvas.h"
+
+namespace ql240 {
+
+class RoadView {
+public:
+    struct Node {
+        float ahead;
+        float right, forward;
+        float sine, cosine; // of the road's direction against the view's
+    };
+    struct Spot {
+        float right, forward;
+    };
+
+    RoadView(const Drive& drive, const DriveState& state, QSize size, bool backwards);
+
+    const Projection& projection() const { return m_projection; }
+    const QList<Node>& nodes() const { return m_nodes; }
+    double reach() const { return m_nodes.last().ahead; }
+
+    double placeOf(double ahead) const { return m_place + (m_backwards ? -ahead : ahead); }
+    double aheadOf(double place) const { return m_backwards ? m_place - place : place - m_place; }
+    float viewSide(float side) const { return m_backwards ? -side : side; }
+
+    Node nodeAt(double ahead) const;       // interpolated
+    Node nodeAtDepth(float forward) const; // beyond the last node the road goes straight on
+    Spot spot(double ahead, float side) const;
+
+private:
+    Projection m_projection;
+    QList<Node> m_nodes;
+    double m_place;
+    bool m_backwards;
+};
+
+} // namespace ql240

@@ -1,0 +1,88 @@
+#include "demo_card/sensor_data.h"
+
+#include <QtCore/QtEndian>
+#include <cmath>
+
+namespace ql240 {
+namespace {
+
+constexpr double kGravity = 9.80665;
+constexpr double kCountsPerG = 128;
+constexpr qint64 kGpsEpochSeconds = 315964800; // 1980-01-06 in Unix time
+constexpr int kLeapSeconds2013 = 16;           // GPS time runs ahead of UTC by these
+
+class LittleEndian {
+public:
+    explicit LittleEndian(QByteArray& bytes) : m_bytes(bytes) {}
+
+    template <typename T>
+    LittleEndian& operator<<(T value) {
+        char raw[sizeof(T)];
+        qToLittleEndian(value, raw);
+        m_bytes.append(raw, sizeof(T));
+        return *this;
+    }
+
+private:
+    QByteArray& m_bytes;
+};
+
+void appendAcceleration(QByteArray& sample, const DriveState& state) {
+    LittleEndian(sample) << quint16(0) << quint16(3) << float(state.rightAcc) << float(state.forwardAcc)
+                         << float(state.upAcc);
+}
+
+void appendGps(QByteArray& sample, const DriveState& state, const DrivePlan& plan) {
+    const double unixTime = double(plan.start.toMSecsSinceEpoch()) / 1000 + state.time;
+    const double gpsTime = unixTime - double(kGpsEpochSeconds) + kLeapSeconds2013;
+    const double speed = state.fix ? state.speed : 0;
+    const GeoPosition position = state.fix ? state.position : GeoPosition();
+    LittleEndian(sample) << quint16(0) << quint16(6) << gpsTime << qint32(state.fix ? 3 : 0)
+                         << position.latitude << position.longitude << float(state.fix ? plan.altitude : 0.0)
+                         << float(state.fix ? 2.5f : 0.0f) << float(state.fix ? 4.0f : 0.0f)
+                         << float(speed * std::sin(state.heading)) << float(speed * std::cos(state.heading))
+                         << 0.0f << 0.3f;
+}
+
+int counts(double acceleration) {
+    return int(std::lround(acceleration / kGravity * kCountsPerG));
+}
+
+QByteArray trailerLine(const DriveState& state, const DrivePlan& plan) {
+    const QDateTime clock = plan.start.addMSecs(qint64(state.time * 1000));
+    const GeoPosition position = state.fix ? state.position : GeoPosition();
+    return clock.toString(QStringLiteral("yyyyMMdd$hhmmss")).toLatin1() + ',' +
+           QByteArray::number(position.latitude, 'f', 6) + ',' +
+           QByteArray::number(position.longitude, 'f', 6) + ',' +
+           QByteArray::number(state.fix ? qRound(state.speed * 3.6) : 0) + ',' +
+           QByteArray::number(counts(state.rightAcc)) + ',' + QByteArray::number(counts(state.forwardAcc)) +
+           ',' + QByteArray::number(counts(state.upAcc)) + '\n';
+}
+
+} // namespace
+
+QList<QByteArray> cammSamples(const Drive& drive) {
+    QList<QByteArray> samples;
+    const int count = int(drive.plan().seconds * 1000) / kCammSampleMs;
+    for (int i = 0; i < count; ++i) {
+        const DriveState state = drive.at(i * kCammSampleMs / 1000.0);
+        QByteArray sample;
+        appendAcceleration(sample, state);
+        if (i % 2 == 0)
+            appendGps(sample, state, drive.plan());
+        samples.append(sample);
+    }
+    return samples;
+}
+
+QByteArray sensorTrailer(const Drive& drive) {
+    QByteArray trailer = "ETKLP1\n";
+    // The viewer puts lines / 3 + 1 copies of the first line in front.
+    const int lines = int(drive.plan().seconds * 10) * 3 / 4;
+    const int first = lines / 3 + 1;
+    for (int i = 0; i < lines; ++i)
+        trailer += trailerLine(drive.at((first + i) / 10.0), drive.plan());
+    return trailer;
+}
+
+} // namespace ql240

@@ -1,0 +1,19 @@
+#pragma once
+
+// The sound of a drive: engine, tyres and wind by speed, the indicator's ticks, a thud at the impact.
+
+#include <QtCore/QByteArray>
+
+#include "demo_card/drive.h"
+
+namespace ql240 {
+
+struct TimeSpan {
+    double from = 0; // s
+    double to = 0;
+};
+
+// 16-bit mono samples in the machine's byte order for the whole drive.
+QByteArray driveSound(const Drive& drive, int rate, const QList<TimeSpan>& indicator);
+
+} // namespace ql240
