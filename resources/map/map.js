@@ -18,7 +18,7 @@ const KORVAMAP = (function () {
     let map = null, base = null, car = null, trackLayer = null, way = null;
     let position = null, heading = 0, track = [], level = 9;
     let tiles = null, tileTemplate = "", onStreets = false;
-    let probe = null, probeTimer = 0, failures = 0, waitingSince = 0;
+    let probe = null, probeTimer = 0, tileWatch = 0, failures = 0, waitingSince = 0;
     let streetZoom = level + levelToZoom, baseZoom = 0;    // 0: whichever shows enough
 
     // Touches its element only when what it shows has changed: a layout of the page costs more than a move of the map.
@@ -259,6 +259,7 @@ const KORVAMAP = (function () {
     // Tiles are first asked for when a single one has come, so a server that is away costs nothing and hides nothing.
     function setTiles(template) {
         tileTemplate = template;
+        endProbe();
         setStreets(false);
         if (tiles)
             tiles.remove();
@@ -282,6 +283,9 @@ const KORVAMAP = (function () {
             return;
         onStreets = on;
         failures = waitingSince = 0;
+        clearInterval(tileWatch);
+        if (on)
+            tileWatch = setInterval(watchTiles, 2000);
         if (position)
             showLayers();
     }
@@ -291,26 +295,31 @@ const KORVAMAP = (function () {
         retryLater();
     }
 
-    function retryLater() {
+    function endProbe() {
         clearTimeout(probeTimer);
         if (probe)
             probe.onload = probe.onerror = null;
         probe = null;
+    }
+
+    function retryLater() {
+        endProbe();
         probeTimer = setTimeout(tryStreets, retryMs);
     }
 
     function tileAddress() {
         const zoom = streetLimits[1] - 3, tile = map.project(position, zoom).divideBy(256).floor();
-        return L.Util.template(tileTemplate, {z: zoom, x: tile.x, y: tile.y, s: "a", r: ""});
+        return L.Util.template(tileTemplate,
+                               {z: zoom, x: tile.x, y: tile.y, "-y": 2 ** zoom - 1 - tile.y, s: "a", r: ""});
     }
 
     function tryStreets() {
-        clearTimeout(probeTimer);
+        endProbe();
         if (!tileTemplate || !position)
             return;
         probe = new Image();
         probe.onload = function () {
-            clearTimeout(probeTimer);
+            endProbe();
             setStreets(true);
         };
         probe.onerror = retryLater;
@@ -319,10 +328,10 @@ const KORVAMAP = (function () {
     }
 
     // A server that takes requests and answers none: back to the base map before the old tiles have left the view.
-    setInterval(function () {
-        if (onStreets && waitingSince && Date.now() - waitingSince > answerMs)
+    function watchTiles() {
+        if (waitingSince && Date.now() - waitingSince > answerMs)
             giveUp();
-    }, 2000);
+    }
 
     return {initMap, moveTo, setTrack, setTiles, get map() { return map; }, get onStreets() { return onStreets; }};
 })();

@@ -82,7 +82,7 @@ void EnginePage::runJavaScript(const QString& script, std::function<void(const Q
     if (!m_view)
         return;
     if (result)
-        m_view->page()->runJavaScript(script, std::move(result));
+        m_view->page()->runJavaScript(script, result);
     else
         m_view->page()->runJavaScript(script);
 }
