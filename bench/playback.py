@@ -1,0 +1,122 @@
+#!/usr/bin/env python3
+"""Playback against mpv and gst-play: CPU time of playing, time to the first picture, time of exact seeks.
+
+usage: playback.py DRIVER [REPEATS]
+
+Everything runs in the same X server without a GPU, one after the other, several times; medians are compared. CPU time
+is that of the whole process tree.
+"""
+import json, os, random, resource, socket, statistics, subprocess, sys, tempfile, time
+
+FF = "ffmpeg -loglevel error -nostdin -y -fflags +bitexact".split()
+X264 = "-c:v libx264 -preset veryfast -profile:v main -pix_fmt yuv420p -g 30 -keyint_min 30 -sc_threshold 0 -bf 0".split()
+SOUND = "-f lavfi -i sine=frequency=440:sample_rate=32000:duration={d}"
+AAC = "-c:a aac -b:a 64k -ac 1".split()
+
+
+def make_clip(folder, streams, seconds=20):
+    path = os.path.join(folder, f"{streams}.mp4")
+    noise = ",noise=alls=12:allf=t"  # brings the bit rate to that of a camera
+    pictures = [f"testsrc2=s=1920x1080:r=30:d={seconds}{noise}", f"testsrc=s=1920x1080:r=30:d={seconds}{noise}"]
+    inputs = [word for p in pictures[:streams] for word in ("-f", "lavfi", "-i", p)]
+    inputs += SOUND.format(d=seconds).split()
+    maps = [word for i in range(streams + 1) for word in ("-map", str(i))]
+    subprocess.run(FF + inputs + maps + X264 + ["-b:v", "12M"] + AAC + ["-movflags", "+faststart", path], check=True)
+    return path
+
+
+def cpu_seconds(command):
+    before = resource.getrusage(resource.RUSAGE_CHILDREN)
+    subprocess.run(command, check=True, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    after = resource.getrusage(resource.RUSAGE_CHILDREN)
+    return after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime
+
+
+MPV = ["mpv", "--no-config", "--vo=x11", "--hwdec=no", "--ao=null", "--really-quiet", "--osc=no"]
+
+
+def play_commands(driver, clip, streams):
+    geometry = "1280x360" if streams == 2 else "640x360"
+    beside = ["--lavfi-complex=[vid1][vid2]hstack[vo]"] if streams == 2 else []
+    commands = {
+        "here": [driver, "play", clip],
+        "mpv": MPV + [f"--geometry={geometry}", "--autofit=" + geometry] + beside + [clip],
+    }
+    if streams == 1:
+        sink = "videoconvertscale ! video/x-raw,width=640,height=360 ! ximagesink"
+        commands["gst-play"] = ["gst-play-1.0", "--quiet", "--no-interactive", f"--videosink={sink}", clip]
+    return commands
+
+
+class Mpv:
+    """A warm mpv, driven over its socket."""
+
+    def __init__(self, folder):
+        self.path = os.path.join(folder, "mpv.sock")
+        self.process = subprocess.Popen(
+            MPV + ["--idle", "--pause", "--force-window", "--geometry=640x360", "--autofit=640x360", "--keep-open",
+                   f"--input-ipc-server={self.path}"], stdin=subprocess.DEVNULL)
+        self.socket = socket.socket(socket.AF_UNIX)
+        for _ in range(100):
+            try:
+                self.socket.connect(self.path)
+                break
+            except OSError:
+                time.sleep(0.05)
+        self.lines = self.socket.makefile("r")
+
+    def timed(self, *command, event="playback-restart"):
+        """Milliseconds from the command to the event that tells that its picture is out."""
+        start = time.perf_counter()
+        self.socket.sendall((json.dumps({"command": command}) + "\n").encode())
+        while json.loads(self.lines.readline()).get("event") != event:
+            pass
+        return (time.perf_counter() - start) * 1000
+
+    def quit(self):
+        self.socket.sendall(b'{"command":["quit"]}\n')
+        self.process.wait()
+
+
+def driver_times(driver, mode, clip, numbers):
+    out = subprocess.run([driver, mode, clip] + [str(n) for n in numbers], check=True, capture_output=True, text=True)
+    return [float(line) for line in out.stdout.split()]
+
+
+def row(name, here, peer, limit):
+    ratio = here / peer
+    verdict = "" if limit is None else ("yes" if ratio <= limit else "NO")
+    asked = "" if limit is None else f"≤ {limit}"
+    print(f"| {name} | {here:.1f} | {peer:.1f} | {ratio:.2f} | {asked} | {verdict} |", flush=True)
+
+
+def main():
+    driver, repeats = sys.argv[1], int(sys.argv[2]) if len(sys.argv) > 2 else 5
+    with tempfile.TemporaryDirectory() as folder:
+        clips = {n: make_clip(folder, n) for n in (1, 2)}
+        print("| what | here | peer | ratio | asked | met |\n|---|---|---|---|---|---|")
+        for streams, limit in ((1, 1.0), (2, 0.9)):
+            commands = play_commands(driver, clips[streams], streams)
+            times = {name: [] for name in commands}
+            for _ in range(repeats):
+                for name, command in commands.items():
+                    times[name].append(cpu_seconds(command))
+            median = {name: statistics.median(values) for name, values in times.items()}
+            row(f"20 s of 1080p, {streams} stream(s), CPU s, mpv", median["here"], median["mpv"], limit)
+            if "gst-play" in median:
+                row("the same, gst-play", median["here"], median["gst-play"], None)
+
+        mpv = Mpv(folder)
+        mpv.timed("loadfile", clips[1])
+        opened = [mpv.timed("loadfile", clips[1]) for _ in range(20)]
+        here = driver_times(driver, "open", clips[1], [21])[1:]
+        row("open to the first picture, ms, mpv", statistics.median(here), statistics.median(opened), 0.7)
+        seeded = random.Random(5)
+        positions = [seeded.randrange(0, 19500) for _ in range(40)]
+        sought = [mpv.timed("seek", ms / 1000, "absolute+exact") for ms in positions]
+        here = driver_times(driver, "seek", clips[1], positions)
+        row("exact seek while paused, ms, mpv", statistics.median(here), statistics.median(sought), 0.8)
+        mpv.quit()
+
+
+main()

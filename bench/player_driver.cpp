@@ -1,0 +1,167 @@
+// Drives the product's own views for the playback benchmark: plays a clip to its end, or measures how long
+// its first picture and the pictures of exact seeks take to be painted. Prints milliseconds, one a line.
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QTimer>
+
+#include <cstdio>
+#include <functional>
+#include <memory>
+#include <random>
+#include <vector>
+
+#include "library/clip.h"
+#include "platform/gstreamer/gst_media_platform.h"
+#include "platform/host.h"
+#include "playback/video_view.h"
+
+using namespace ql240;
+
+namespace {
+
+constexpr int kTimeLimitMs = 20000;
+
+// Tells when a new picture has been painted: the renderer's window gets an event of its own for it, then
+// paints.
+class PaintWatch : public QObject {
+public:
+    explicit PaintWatch(VideoView& view) { view.installEventFilter(this); }
+
+    // Waits for the next picture; false if none comes.
+    bool wait() {
+        m_arrived = false;
+        QEventLoop loop;
+        m_done = [&] { loop.exit(0); };
+        QTimer::singleShot(kTimeLimitMs, &loop, [&] { loop.exit(1); });
+        const bool painted = loop.exec() == 0;
+        m_done = nullptr;
+        return painted;
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::ChildAdded)
+            static_cast<QChildEvent*>(event)->child()->installEventFilter(this);
+        else if (event->type() >= QEvent::User)
+            m_arrived = true;
+        else if (event->type() == QEvent::Paint && m_arrived && m_done && watched->isWidgetType())
+            QTimer::singleShot(0, this, [this] {
+                if (m_done)
+                    m_done();
+            });
+        return false;
+    }
+
+private:
+    bool m_arrived = false;
+    std::function<void()> m_done;
+};
+
+struct Stage {
+    Stage() {
+        host().media = &media;
+        window.resize(1280, 360);
+        second.setGeometry(640, 0, 640, 360);
+        first.setGeometry(0, 0, 640, 360);
+    }
+    bool open(const Clip& clip) {
+        if (!first.openClip(&clip))
+            return false;
+        first.setFrameSize(first.player()->videoSize(0));
+        first.layoutVideo();
+        if (Player::videoStreamCount > 1) {
+            second.setSecondPlayer(first.player());
+            second.setFrameSize(first.player()->videoSize(1));
+            second.layoutVideo();
+        }
+        return true;
+    }
+    void show(bool both) {
+        window.resize(both ? 1280 : 640, 360);
+        second.setVisible(both);
+        window.show();
+    }
+
+    gstreamer::GstMediaPlatform media;
+    QWidget window;
+    VideoView first{&window};
+    VideoView second{&window};
+};
+
+int play(Stage& stage, const Clip& clip) {
+    if (!stage.open(clip))
+        return 1;
+    stage.show(Player::videoStreamCount > 1);
+    Player& player = *stage.first.player();
+    player.play();
+    QTimer tick;
+    QObject::connect(&tick, &QTimer::timeout, [&] {
+        if (player.positionMs() == player.durationMs())
+            QApplication::quit();
+    });
+    tick.start(100);
+    return QApplication::exec();
+}
+
+int openTimes(Stage& stage, const Clip& clip, int count) {
+    PaintWatch watch(stage.first);
+    stage.show(false);
+    for (int i = 0; i < count; ++i) {
+        stage.first.closeClip();
+        QElapsedTimer clock;
+        clock.start();
+        if (!stage.open(clip))
+            return 1;
+        stage.first.player()->rewind();
+        stage.first.player()->pause();
+        if (!watch.wait())
+            return 1;
+        std::printf("%.2f\n", static_cast<double>(clock.nsecsElapsed()) / 1e6);
+    }
+    return 0;
+}
+
+int seekTimes(Stage& stage, const Clip& clip, const std::vector<int>& positionsMs, bool steps) {
+    PaintWatch watch(stage.first);
+    stage.show(false);
+    if (!stage.open(clip))
+        return 1;
+    Player& player = *stage.first.player();
+    player.rewind();
+    player.pause();
+    watch.wait();
+    for (const int ms : positionsMs) {
+        QElapsedTimer clock;
+        clock.start();
+        if (steps)
+            ms > 0 ? player.stepForward() : player.stepBack();
+        else
+            player.seek(ms);
+        if (!watch.wait())
+            return 1;
+        std::printf("%.2f\n", static_cast<double>(clock.nsecsElapsed()) / 1e6);
+    }
+    return 0;
+}
+
+} // namespace
+
+// ql240-bench-player play CLIP | open CLIP COUNT | seek CLIP MS… | step CLIP START_MS SIGN…
+int main(int argc, char** argv) {
+    QApplication app(argc, argv);
+    const QStringList arguments = QApplication::arguments();
+    if (arguments.size() < 3)
+        return 2;
+    const QString mode = arguments[1];
+    const Clip clip{QFileInfo(arguments[2])};
+    std::vector<int> numbers;
+    for (const QString& number : arguments.mid(3))
+        numbers.push_back(number.toInt());
+    Stage stage;
+    if (mode == QLatin1String("play"))
+        return play(stage, clip);
+    if (mode == QLatin1String("open"))
+        return openTimes(stage, clip, numbers.at(0));
+    return seekTimes(stage, clip, numbers, mode == QLatin1String("step"));
+}

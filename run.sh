@@ -1,0 +1,14 @@
+#!/bin/sh
+# Sets everything up where needed and starts the viewer; with an argument ("./run.sh settings") the settings tool.
+set -eu
+cd "$(dirname "$0")"
+
+scripts/bootstrap.sh run
+[ -f build/release/build.ninja ] || cmake --preset release > /dev/null
+cmake --build --preset release --target viewer
+
+card="${XDG_DATA_HOME:-$HOME/.local/share}/QL240/demo-card"
+[ -d "$card" ] || build/release/bin/ql240-demo-card "$card"
+build/release/bin/ql240-demo-card --offer "$card"
+
+exec build/release/bin/ql240-viewer "$@"
