@@ -9,14 +9,14 @@ is that of the whole process tree.
 import json, os, random, resource, socket, statistics, subprocess, sys, tempfile, time
 
 FF = "ffmpeg -loglevel error -nostdin -y -fflags +bitexact".split()
-X264 = "-c:v libx264 -preset veryfast -profile:v main -pix_fmt yuv420p -g 30 -keyint_min 30 -sc_threshold 0 -bf 0".split()
+X264 = "-c:v libx264 -preset ultrafast -profile:v main -pix_fmt yuv420p -g 30 -keyint_min 30 -sc_threshold 0 -bf 0".split()
 SOUND = "-f lavfi -i sine=frequency=440:sample_rate=32000:duration={d}"
 AAC = "-c:a aac -b:a 64k -ac 1".split()
 
 
 def make_clip(folder, streams, seconds=20):
     path = os.path.join(folder, f"{streams}.mp4")
-    noise = ",noise=alls=12:allf=t"  # brings the bit rate to that of a camera
+    noise = ",noise=alls=6:allf=t"  # brings the bit rate to that of a camera
     pictures = [f"testsrc2=s=1920x1080:r=30:d={seconds}{noise}", f"testsrc=s=1920x1080:r=30:d={seconds}{noise}"]
     inputs = [word for p in pictures[:streams] for word in ("-f", "lavfi", "-i", p)]
     inputs += SOUND.format(d=seconds).split()

@@ -4,70 +4,44 @@
 #include <libyuv.h>
 
 #include <algorithm>
+#include <cmath>
 
 namespace ql240::gstreamer {
 
 namespace {
 
-constexpr int kAlignment = 64;
+constexpr int kRowsAtATime = 16;
+constexpr int kPadding = 64; // the vector code reads past the end of a row
+constexpr int kHalf = 128;   // of 256, as libyuv weighs
 
-int aligned(int value) {
-    return (value + kAlignment - 1) / kAlignment * kAlignment;
-}
-
-// BT.601 or BT.709, studio or full range.
-const libyuv::YuvConstants* matrixOf(const GstVideoColorimetry& colorimetry) {
+void setMatrix(const GstVideoColorimetry& colorimetry, Yuy2Frame* frame) {
     const bool full = colorimetry.range == GST_VIDEO_COLOR_RANGE_0_255;
-    if (colorimetry.matrix == GST_VIDEO_COLOR_MATRIX_BT709)
-        return full ? &libyuv::kYuvF709Constants : &libyuv::kYuvH709Constants;
-    return full ? &libyuv::kYuvJPEGConstants : &libyuv::kYuvI601Constants;
+    if (colorimetry.matrix == GST_VIDEO_COLOR_MATRIX_BT709) {
+        frame->constants = full ? &libyuv::kYuvF709Constants : &libyuv::kYuvH709Constants;
+        frame->matrix = full ? kFull709 : kStudio709;
+    } else {
+        frame->constants = full ? &libyuv::kYuvJPEGConstants : &libyuv::kYuvI601Constants;
+        frame->matrix = full ? kFull601 : kStudio601;
+    }
 }
 
-// The part of a frame whose scaled picture is `visible`, grown to even edges, and how large that part is when
-// scaled.
-struct Crop {
-    QRect source;
-    QRect scaled;
-};
+std::size_t bytes(int count, int size) {
+    return static_cast<std::size_t>(count) * static_cast<std::size_t>(size);
+}
 
 int scaledEdge(int edge, int from, int to) {
     return static_cast<int>((static_cast<std::int64_t>(edge) * to + from / 2) / from);
 }
 
-Crop cropFor(const QSize& frame, const QSize& size, const QRect& visible) {
-    const auto evenFloor = [](std::int64_t value) { return static_cast<int>(value) & ~1; };
-    const auto span = [&](int from, int to, int begin, int end) {
-        const int first = std::max(0, evenFloor(static_cast<std::int64_t>(begin) * from / to) - 2);
-        const int last = std::min(from, evenFloor(static_cast<std::int64_t>(end) * from / to) + 4);
-        return std::pair(first, last);
-    };
-    const auto [left, right] =
-        span(frame.width(), size.width(), visible.left(), visible.left() + visible.width());
-    const auto [top, bottom] =
-        span(frame.height(), size.height(), visible.top(), visible.top() + visible.height());
-    const auto mapped = [&](int x, int y) {
-        return QPoint(scaledEdge(x, frame.width(), size.width()),
-                      scaledEdge(y, frame.height(), size.height()));
-    };
-    const QPoint first = mapped(left, top);
-    const QPoint last = mapped(right, bottom);
-    return {QRect(left, top, right - left, bottom - top),
-            QRect(first, QSize(last.x() - first.x(), last.y() - first.y()))};
-}
-
 } // namespace
 
-void FrameConverter::Planes::resize(const QSize& size) {
-    strideY = aligned(size.width());
-    strideUv = aligned((size.width() + 1) / 2);
-    const auto luma = static_cast<std::size_t>(strideY) * static_cast<std::size_t>(size.height());
-    const auto chroma =
-        static_cast<std::size_t>(strideUv) * static_cast<std::size_t>((size.height() + 1) / 2);
-    bytes.resize(luma + 2 * chroma + kAlignment);
-    const auto misalignment = reinterpret_cast<std::uintptr_t>(bytes.data()) % kAlignment;
-    y = bytes.data() + (kAlignment - misalignment) % kAlignment;
-    u = y + luma;
-    v = u + chroma;
+void FrameConverter::Rows::resize(int width, int count) {
+    strideY = width + kPadding;
+    strideUv = (width + 1) / 2 + kPadding;
+    bytes.resize(gstreamer::bytes(strideY + 2 * strideUv, count));
+    y = bytes.data();
+    u = y + gstreamer::bytes(strideY, count);
+    v = u + gstreamer::bytes(strideUv, count);
 }
 
 QSize FrameConverter::frameSize(GstSample* sample) {
@@ -82,42 +56,125 @@ bool FrameConverter::convert(GstSample* sample, const QSize& size, const QRect& 
     GstVideoInfo info;
     GstVideoFrame frame;
     const GstCaps* caps = gst_sample_get_caps(sample);
-    const QRect seen = visible.intersected(QRect(QPoint(), size));
-    if (seen.isEmpty() || !caps || !gst_video_info_from_caps(&info, caps) ||
+    if (!caps || !gst_video_info_from_caps(&info, caps) ||
         GST_VIDEO_INFO_FORMAT(&info) != GST_VIDEO_FORMAT_YUY2 ||
         !gst_video_frame_map(&frame, &info, gst_sample_get_buffer(sample), GST_MAP_READ))
         return false;
-    const Crop crop = cropFor({GST_VIDEO_INFO_WIDTH(&info), GST_VIDEO_INFO_HEIGHT(&info)}, size, seen);
-    const int stride = GST_VIDEO_FRAME_PLANE_STRIDE(&frame, 0);
-    const auto* yuy2 = static_cast<const std::uint8_t*>(GST_VIDEO_FRAME_PLANE_DATA(&frame, 0)) +
-                       static_cast<std::ptrdiff_t>(crop.source.top()) * stride + 2 * crop.source.left();
-    m_source.resize(crop.source.size());
-    libyuv::YUY2ToI420(yuy2, stride, m_source.y, m_source.strideY, m_source.u, m_source.strideUv, m_source.v,
-                       m_source.strideUv, crop.source.width(), crop.source.height());
+    Yuy2Frame yuy2{static_cast<const std::uint8_t*>(GST_VIDEO_FRAME_PLANE_DATA(&frame, 0)),
+                   GST_VIDEO_FRAME_PLANE_STRIDE(&frame, 0),
+                   {GST_VIDEO_INFO_WIDTH(&info), GST_VIDEO_INFO_HEIGHT(&info)}};
+    setMatrix(GST_VIDEO_INFO_COLORIMETRY(&info), &yuy2);
+    convert(yuy2, size, visible, picture);
     gst_video_frame_unmap(&frame);
+    return true;
+}
 
-    const Planes* planes = &m_source;
-    if (crop.source.size() != crop.scaled.size()) {
-        m_scaled.resize(crop.scaled.size());
-        libyuv::I420Scale(m_source.y, m_source.strideY, m_source.u, m_source.strideUv, m_source.v,
-                          m_source.strideUv, crop.source.width(), crop.source.height(), m_scaled.y,
-                          m_scaled.strideY, m_scaled.u, m_scaled.strideUv, m_scaled.v, m_scaled.strideUv,
-                          crop.scaled.width(), crop.scaled.height(), libyuv::kFilterBilinear);
-        planes = &m_scaled;
+// Two pixels share their chroma: the part begins and ends at even columns.
+FrameConverter::Columns FrameConverter::columnsFor(int sourceWidth, int scaledWidth, int left, int width) {
+    const auto sourceColumn = [&](int column) {
+        return static_cast<int>(static_cast<std::int64_t>(column) * sourceWidth / scaledWidth) & ~1;
+    };
+    const int first = std::max(0, sourceColumn(left) - 2);
+    const int last = std::min(sourceWidth, sourceColumn(left + width) + 4);
+    const int scaledFirst = scaledEdge(first, sourceWidth, scaledWidth);
+    return {first, last - first, scaledFirst, scaledEdge(last, sourceWidth, scaledWidth) - scaledFirst};
+}
+
+// One row of the picture, blended of the two source rows around its middle; scaling down by two or more, of
+// two whole rows, which smooths what would flicker.
+void FrameConverter::blendRow(const Yuy2Frame& frame, const Columns& columns, int scaledHeight, int row,
+                              std::uint8_t* to) const {
+    const int height = frame.size.height();
+    const double ratio = static_cast<double>(height) / scaledHeight;
+    const double middle = std::clamp((row + 0.5) * ratio - 0.5, 0.0, height - 1.0);
+    const int first = std::min(static_cast<int>(middle), height - 1);
+    const int second = std::min(first + 1, height - 1);
+    const int weight = ratio >= 2 ? kHalf : static_cast<int>((middle - first) * 256);
+    const auto source = [&](int line) {
+        return frame.bytes + static_cast<std::ptrdiff_t>(line) * frame.stride + 2 * columns.sourceLeft;
+    };
+    const int length = 2 * columns.sourceWidth;
+    libyuv::InterpolatePlane(source(first), frame.stride, source(second), frame.stride, to, length, length, 1,
+                             weight);
+}
+
+// The rows in m_source, scaled in width.
+const FrameConverter::Rows& FrameConverter::scaledColumns(const Columns& columns, int rows) {
+    if (columns.sourceWidth == columns.scaledWidth)
+        return m_source;
+    const Rows* from = &m_source;
+    if (columns.sourceWidth >= 2 * columns.scaledWidth) {
+        libyuv::InterpolatePlane(m_source.y, m_source.strideY, m_source.y + 1, m_source.strideY, m_smooth.y,
+                                 m_smooth.strideY, columns.sourceWidth - 1, rows, kHalf);
+        for (int row = 0; row < rows; ++row) {
+            const auto last = static_cast<std::ptrdiff_t>(row) * m_source.strideY + columns.sourceWidth - 1;
+            m_smooth.y[last] = m_source.y[last];
+        }
+        from = &m_smooth;
     }
+    const auto scale = [rows](const std::uint8_t* source, int sourceStride, int sourceWidth, std::uint8_t* to,
+                              int stride, int width) {
+        libyuv::ScalePlane(source, sourceStride, sourceWidth, rows, to, stride, width, rows,
+                           libyuv::kFilterLinear);
+    };
+    const int chromaFrom = (columns.sourceWidth + 1) / 2;
+    const int chromaTo = (columns.scaledWidth + 1) / 2;
+    scale(from->y, from->strideY, columns.sourceWidth, m_scaled.y, m_scaled.strideY, columns.scaledWidth);
+    scale(m_source.u, m_source.strideUv, chromaFrom, m_scaled.u, m_scaled.strideUv, chromaTo);
+    scale(m_source.v, m_source.strideUv, chromaFrom, m_scaled.v, m_scaled.strideUv, chromaTo);
+    return m_scaled;
+}
+
+void FrameConverter::convert(const Yuy2Frame& frame, const QSize& size, const QRect& visible,
+                             QImage* picture) {
+    const QRect seen = visible.intersected(QRect(QPoint(), size));
     if (picture->size() != seen.size() || picture->format() != QImage::Format_RGB32)
         *picture = QImage(seen.size(), QImage::Format_RGB32);
-    // Chroma covers two pixels: an odd offset starts one pixel further left and drops it.
-    const QPoint offset = seen.topLeft() - crop.scaled.topLeft();
-    const QPoint even(offset.x() & ~1, offset.y() & ~1);
-    libyuv::I420ToARGBMatrix(
-        planes->y + static_cast<std::ptrdiff_t>(even.y()) * planes->strideY + even.x(), planes->strideY,
-        planes->u + static_cast<std::ptrdiff_t>(even.y() / 2) * planes->strideUv + even.x() / 2,
-        planes->strideUv,
-        planes->v + static_cast<std::ptrdiff_t>(even.y() / 2) * planes->strideUv + even.x() / 2,
-        planes->strideUv, picture->bits(), static_cast<int>(picture->bytesPerLine()),
-        matrixOf(GST_VIDEO_INFO_COLORIMETRY(&info)), seen.width(), seen.height());
-    return true;
+    if (seen.isEmpty() || frame.size.isEmpty())
+        return;
+    if (frame.size.width() >= 2 * size.width() && frame.size.height() >= 2 * size.height())
+        shrink(frame, size, seen, picture);
+    else
+        scale(frame, size, seen, picture);
+}
+
+// Each pixel's pair and rows are those around its middle.
+void FrameConverter::shrink(const Yuy2Frame& frame, const QSize& size, const QRect& seen, QImage* picture) {
+    const auto middle = [](int place, int from, int to) { return (place + 0.5) * from / to; };
+    m_pairs.resize(bytes(seen.width(), 1));
+    for (int x = 0; x < seen.width(); ++x)
+        m_pairs[bytes(x, 1)] =
+            static_cast<std::int32_t>(middle(seen.left() + x, frame.size.width(), size.width()) / 2);
+    for (int row = 0; row < seen.height(); ++row) {
+        const double line = middle(seen.top() + row, frame.size.height(), size.height());
+        const int upper = std::clamp(static_cast<int>(line - 0.5), 0, frame.size.height() - 2);
+        const auto* source = frame.bytes + static_cast<std::ptrdiff_t>(upper) * frame.stride;
+        shrinkRow(source, source + frame.stride, m_pairs.data(), seen.width(), frame.matrix,
+                  reinterpret_cast<std::uint32_t*>(picture->scanLine(row)));
+    }
+}
+
+void FrameConverter::scale(const Yuy2Frame& frame, const QSize& size, const QRect& seen, QImage* picture) {
+    const Columns columns = columnsFor(frame.size.width(), size.width(), seen.left(), seen.width());
+    const int packedStride = 2 * columns.sourceWidth;
+    m_packed.resize(bytes(packedStride, kRowsAtATime) + kPadding);
+    m_source.resize(columns.sourceWidth, kRowsAtATime);
+    m_smooth.resize(columns.sourceWidth, kRowsAtATime);
+    m_scaled.resize(columns.scaledWidth, kRowsAtATime);
+    const int offset = (seen.left() - columns.scaledLeft) & ~1;
+    for (int done = 0; done < seen.height(); done += kRowsAtATime) {
+        const int rows = std::min(kRowsAtATime, seen.height() - done);
+        for (int row = 0; row < rows; ++row)
+            blendRow(frame, columns, size.height(), seen.top() + done + row,
+                     m_packed.data() + static_cast<std::ptrdiff_t>(row) * packedStride);
+        libyuv::YUY2ToI422(m_packed.data(), packedStride, m_source.y, m_source.strideY, m_source.u,
+                           m_source.strideUv, m_source.v, m_source.strideUv, columns.sourceWidth, rows);
+        const Rows& scaled = scaledColumns(columns, rows);
+        libyuv::I422ToARGBMatrix(scaled.y + offset, scaled.strideY, scaled.u + offset / 2, scaled.strideUv,
+                                 scaled.v + offset / 2, scaled.strideUv, picture->scanLine(done),
+                                 static_cast<int>(picture->bytesPerLine()), frame.constants, seen.width(),
+                                 rows);
+    }
 }
 
 } // namespace ql240::gstreamer
