@@ -23,3 +23,13 @@ function(ql240_test name)
     set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT}
         LABELS "${ARG_LABELS}" ENVIRONMENT "${ARG_ENVIRONMENT}")
 endfunction()
+
+# ql240_desktop_test(name desktop…): runs the test program `name` on real desktops too, x11 or wayland, as
+# name_<desktop>; skipped where they are not installed.
+function(ql240_desktop_test name)
+    foreach(desktop ${ARGN})
+        add_test(NAME ${name}_${desktop}
+            COMMAND ${PROJECT_SOURCE_DIR}/tests/support/run_on_desktop.sh ${desktop} $<TARGET_FILE:${name}>)
+        set_tests_properties(${name}_${desktop} PROPERTIES TIMEOUT 180 SKIP_RETURN_CODE 77 LABELS desktop)
+    endforeach()
+endfunction()

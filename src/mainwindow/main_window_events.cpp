@@ -73,12 +73,15 @@ void MainWindow::enterFullScreen() {
     setMinimumSize(0, 0);
     setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
     m_mainView->setFocus();
+    m_fullScreenLayout = true;
     showFullScreen();
     setFullScreenLayout();
 }
 
 void MainWindow::leaveFullScreen() {
     m_fullScreenLayout = false;
+    if (m_normalGeometry.isEmpty())
+        m_normalGeometry = QRect(pos(), layout::kWindow);
     setWindowState(windowState() & ~Qt::WindowFullScreen);
     resize(m_normalGeometry.size());
     setFixedSize(m_normalGeometry.size());
@@ -179,9 +182,11 @@ void MainWindow::changeEvent(QEvent* event) {
         return;
     }
     QMainWindow::changeEvent(event);
-    // The window manager's own key leaves full screen too.
-    if (event->type() == QEvent::WindowStateChange && m_fullScreenLayout && !isFullScreen() && !isMinimized())
-        leaveFullScreen();
+    if (event->type() != QEvent::WindowStateChange || isMinimized() || m_fullScreenLayout == isFullScreen())
+        return;
+    // The window manager's own key has left full screen; or a compositor has granted it only after it was
+    // left again.
+    QTimer::singleShot(0, this, &MainWindow::leaveFullScreen);
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {

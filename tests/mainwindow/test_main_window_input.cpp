@@ -57,7 +57,6 @@ void TestMainWindowInput::init() {
     viewer().show();
     viewer().window->openFolder(viewer().path(QStringLiteral("card")));
     viewer().window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(viewer().window.get()));
 }
 
 void TestMainWindowInput::fullScreenByMouse_data() {
@@ -77,11 +76,11 @@ void TestMainWindowInput::fullScreenByMouse() {
     QFETCH(QPoint, place);
     QFETCH(bool, enters);
     viewer().mouse(button, place);
-    QCOMPARE(viewer().window->isFullScreen(), enters);
+    QTRY_COMPARE(viewer().window->isFullScreen(), enters);
     if (!enters)
         return;
     viewer().mouse(Qt::MiddleButton, QPoint(5, 5));
-    QVERIFY(!viewer().window->isFullScreen());
+    QTRY_VERIFY(!viewer().window->isFullScreen());
 }
 
 void TestMainWindowInput::fullScreenLayout() {

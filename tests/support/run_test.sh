@@ -12,4 +12,7 @@ export QT_SCALE_FACTOR="${QT_SCALE_FACTOR:-1}" QT_FONT_DPI=96
 # The plugin registry takes half a second to make: one for all tests of a build.
 export GST_REGISTRY="$(dirname "$1")/gst-registry.bin"
 unset DBUS_SESSION_BUS_ADDRESS DISPLAY WAYLAND_DISPLAY || true
+# Only a desktop started for the test (run_on_desktop.sh) is let in.
+[ -z "${QL240_TEST_DISPLAY:-}" ] || export DISPLAY="$QL240_TEST_DISPLAY"
+[ -z "${QL240_TEST_WAYLAND_DISPLAY:-}" ] || export WAYLAND_DISPLAY="$QL240_TEST_WAYLAND_DISPLAY"
 "$@"

@@ -1,0 +1,55 @@
+#!/bin/sh
+# run_on_desktop.sh x11|wayland PROGRAM: runs a test program inside a desktop of its own, an X server with a window
+# manager or a Wayland compositor without a display. Exit code 77 where the desktop's programs are not installed.
+set -eu
+desktop=$1
+shift
+here=$(dirname "$0")
+case $desktop in
+    x11) needed="Xvfb openbox" ;;
+    wayland) needed="weston" ;;
+esac
+for program in $needed; do
+    command -v "$program" >/dev/null || exit 77
+done
+
+state=$(mktemp -d "${TMPDIR:-/tmp}/ql240-desktop.XXXXXX")
+chmod 700 "$state"
+pids=
+stop() {
+    for pid in $pids; do
+        kill "$pid" 2>/dev/null || true
+        wait "$pid" 2>/dev/null || true
+    done
+    rm -rf "$state"
+}
+trap stop EXIT
+
+# Waits for a condition, at most 10 seconds.
+await() {
+    for _ in $(seq 100); do
+        if eval "$1"; then
+            return 0
+        fi
+        sleep 0.1
+    done
+    echo "the $desktop desktop did not start" >&2
+    exit 1
+}
+
+if [ "$desktop" = x11 ]; then
+    Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>"$state/display" >/dev/null 2>&1 &
+    pids=$!
+    await '[ -s "$state/display" ]'
+    DISPLAY=:$(cat "$state/display")
+    DISPLAY=$DISPLAY openbox >/dev/null 2>&1 &
+    pids="$! $pids"
+    export QL240_TEST_DISPLAY="$DISPLAY" QT_QPA_PLATFORM=xcb
+else
+    XDG_RUNTIME_DIR=$state weston --backend=headless-backend.so --width=1280 --height=900 --idle-time=0 \
+        --socket=wayland-ql240 >/dev/null 2>&1 &
+    pids=$!
+    await '[ -S "$state/wayland-ql240" ]'
+    export QL240_TEST_WAYLAND_DISPLAY="$state/wayland-ql240" QT_QPA_PLATFORM=wayland
+fi
+"$here/run_test.sh" "$@"
