@@ -9,6 +9,7 @@ namespace {
 
 constexpr qint64 kMacEpochSeconds = -2082844800; // 1904-01-01 in Unix time
 constexpr int kHeader = 8;
+constexpr int kMovieHeader = 108; // of version 0, which 32-bit times have
 
 struct Box {
     qsizetype offset = 0; // of the header
@@ -102,7 +103,7 @@ QByteArray track(quint32 id, quint32 duration, const QByteArray& times, const QB
 QByteArray withTrack(QByteArray moov, const QList<QByteArray>& samples, int sampleMs, quint32 offset,
                      const QDateTime& created) {
     const Box header = findBox(moov, "mvhd", kHeader, moov.size());
-    if (!header.isValid() || moov[header.offset + kHeader] != 0)
+    if (header.size < kMovieHeader || moov[header.offset + kHeader] != 0)
         return {};
     const quint32 timescale = u32At(moov, header.offset + 20);
     const qsizetype nextId = header.offset + header.size - 4;

@@ -7,49 +7,41 @@
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QThreadPool>
 
+#include "settings/setting_values.h"
+
 namespace ql240 {
 namespace {
 
 constexpr char kMarkerName[] = ".demo-card"; // what may be replaced
 
-struct Setting {
-    const char* key;
-    int value;
-};
-
-// The camera as it leaves the factory, in a car with a 12 V battery.
-constexpr Setting kSettings[] = {
-    {"resolutionvalue", 2},   {"qualityvalue", 3},       {"encodingvalue", 2},     {"framevalue", 3},
-    {"soundvalue", 1},        {"speakervalue", 3},       {"hourvalue", 1},         {"sensitivityvalue", 2},
-    {"autoparkingvalue", 1},  {"parkingvalue", 2},       {"motionvalue", 2},       {"timeoffvalue", 8},
-    {"batteryvalue1", 121},   {"batteryvalue2", 242},    {"speedValue", 1},        {"tempoffvalue", 1},
-    {"partitionvalue", 1},    {"securityvalue", 1},      {"brightvalue", 4},       {"contrastvalue", 4},
-    {"evtoverwritevalue", 1}, {"manuoverwritevalue", 1}, {"motoverwritevalue", 1}, {"sensitivityvalue1", 8},
-    {"sensitivityvalue2", 7}, {"mutevalue", 0},
-};
-
-// Settings that have a byte file only.
-constexpr Setting kByteSettings[] = {{"reversalvalue", 0}, {"sharpnessvalue", 4}, {"speedunit", 1}};
+// The camera as its owner has set it; everything else as it leaves the factory.
+SettingValues demoSettings() {
+    SettingValues values;
+    values.resolutionvalue = 2;
+    values.speakervalue = 3;
+    return values;
+}
 
 bool writeFile(const QString& path, const QByteArray& content) {
     QFile file(path);
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush();
 }
 
-bool writeByteFile(const QDir& folder, const Setting& setting) {
-    const QString name = QStringLiteral("set%1.dat").arg(QLatin1String(setting.key));
-    return writeFile(folder.filePath(name), QByteArray(1, char(setting.value)));
+bool writeByteFile(const QDir& folder, const char* key, int value) {
+    const QString name = QStringLiteral("set%1.dat").arg(QLatin1String(key));
+    return writeFile(folder.filePath(name), QByteArray(1, char(value)));
 }
 
 bool writeSettings(const QDir& folder) {
+    const SettingValues values = demoSettings();
     QByteArray text;
-    bool ok = true;
-    for (const Setting& setting : kSettings) {
-        text += QByteArray(setting.key) + ':' + QByteArray::number(setting.value) + '\n';
-        ok = writeByteFile(folder, setting) && ok;
+    bool ok = writeByteFile(folder, "speedunit", 1);
+    for (const SettingKey& key : kSettingKeys) {
+        const int value = values.*key.value;
+        if (key.files & kInText)
+            text += QByteArray(key.name) + ':' + QByteArray::number(value) + '\n';
+        ok = writeByteFile(folder, key.name, value) && ok;
     }
-    for (const Setting& setting : kByteSettings)
-        ok = writeByteFile(folder, setting) && ok;
     return writeFile(folder.filePath(QStringLiteral("setting.dat")), text) && ok;
 }
 

@@ -166,11 +166,11 @@ ClipPlan crashInTheAfternoon() {
     clip.drive.start = seoulTime(5, 17, 52, 40);
     clip.drive.origin = {37.50210, 127.04120};
     clip.drive.bearingDeg = kTeheranBearing;
-    clip.drive.speedKmh =
-        moves({{0, 48}, {4, 56}, {8, 57}, {8.9, 55}, {10.2, 25}, {10.3, 13}, {10.8, 7}, {11.8, 0}, {20, 0}});
+    clip.drive.speedKmh = moves(
+        {{0, 48}, {4, 56}, {8, 57}, {8.9, 55}, {10.15, 25}, {10.25, 13}, {10.8, 7}, {11.8, 0}, {20, 0}});
     clip.drive.lane = 4.8;
     clip.drive.bumps = {52};
-    clip.drive.impactTime = 10.2;
+    clip.drive.impactTime = 10.15;
     clip.drive.seed = 14;
     clip.world = avenueWorld(goldenPalette(), {{224, 244}}, 24);
     clip.world.signalLights = {{246, 10.2f, {{9, 30}}, {{7, 9}}}};

@@ -85,7 +85,7 @@ Drive::Point Drive::pointAt(double time) const {
 
 // The road's unevenness, bumps and the impact, as the sensor feels and the camera shows them.
 void Drive::shake(DriveState& state) const {
-    const double rough = std::min(state.speed, 25.0) / 25 * 0.55 + 0.015;
+    const double rough = std::min(state.speed, 25.0) / 25 * 0.55 + 0.03;
     state.upAcc += rough * smoothNoise(m_plan.seed, state.time * 9);
     state.rightAcc += rough * 0.5 * smoothNoise(m_plan.seed + 1, state.time * 7);
     state.forwardAcc += rough * 0.4 * smoothNoise(m_plan.seed + 2, state.time * 7);

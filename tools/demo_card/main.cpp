@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include "base/preferences.h"
 #include "demo_card/card.h"
 
 namespace {
@@ -51,6 +52,7 @@ private:
 struct Options {
     QString folder;
     bool force = false;
+    bool offer = false;
 };
 
 std::optional<Options> readOptions(const QCoreApplication& application) {
@@ -62,13 +64,17 @@ std::optional<Options> readOptions(const QCoreApplication& application) {
     parser.addHelpOption();
     parser.addOption(
         {QStringLiteral("force"), QStringLiteral("Make a demo card anew where one is already.")});
+    parser.addOption(
+        {QStringLiteral("offer"), QStringLiteral("Make nothing, but have the viewer's folder dialog open on "
+                                                 "the card's clips, unless it remembers a folder.")});
     parser.addPositionalArgument(QStringLiteral("DIR"), QStringLiteral("The folder that becomes the card."));
     parser.process(application);
     if (parser.positionalArguments().size() != 1) {
         std::fputs(qPrintable(parser.helpText()), stderr);
         return {};
     }
-    return Options{parser.positionalArguments().first(), parser.isSet(QStringLiteral("force"))};
+    return Options{parser.positionalArguments().first(), parser.isSet(QStringLiteral("force")),
+                   parser.isSet(QStringLiteral("offer"))};
 }
 
 void showProgress(QThread& work, const Progress& progress, int frames) {
@@ -108,6 +114,12 @@ QString makeWithProgress(const QString& folder) {
     return problem;
 }
 
+void offer(const QString& clips) {
+    QString remembered;
+    if (!readLastFolder(remembered))
+        writeLastFolder(clips);
+}
+
 int fail(const QString& text) {
     std::fprintf(stderr, "ql240-demo-card: %s\n", qPrintable(text));
     return EXIT_FAILURE;
@@ -121,13 +133,19 @@ int main(int argc, char** argv) {
     if (!options)
         return EXIT_FAILURE;
     const CardState state = cardStateOf(options->folder);
+    const QString clips = QDir(options->folder).absoluteFilePath(QLatin1String(kClipFolderName));
+    if (options->offer) {
+        if (state != CardState::DemoCard)
+            return fail(QStringLiteral("%1 is no demo card").arg(options->folder));
+        offer(clips);
+        return EXIT_SUCCESS;
+    }
     if (state == CardState::SomethingElse)
         return fail(
             QStringLiteral("%1 is there and is no demo card; it is left as it is").arg(options->folder));
     if (state != CardState::DemoCard || options->force)
         if (const QString problem = makeWithProgress(options->folder); !problem.isEmpty())
             return fail(problem);
-    const QString clips = QDir(options->folder).absoluteFilePath(QLatin1String(kClipFolderName));
     std::printf("%s\n", qPrintable(clips));
     return EXIT_SUCCESS;
 }
