@@ -217,7 +217,7 @@ Status Graph::GetVideoSize(std::int32_t* width, std::int32_t* height) {
 GstBusSyncReply Graph::messagePosted(GstBus*, GstMessage* message, gpointer self) {
     constexpr auto kWanted = GST_MESSAGE_ASYNC_DONE | GST_MESSAGE_EOS | GST_MESSAGE_ERROR;
     if (!(GST_MESSAGE_TYPE(message) & kWanted)) {
-        gst_message_unref(message);  // who drops it owns it
+        gst_message_unref(message); // who drops it owns it
         return GST_BUS_DROP;
     }
     QCoreApplication::postEvent(static_cast<Graph*>(self), new QEvent(static_cast<QEvent::Type>(kBusEvent)));
@@ -253,15 +253,25 @@ AudioRenderer* Graph::failedSound(GstMessage* message) const {
     return nullptr;
 }
 
-// A sound server that dies takes its stream with it, not the picture.
+// A sound server that dies takes its stream with it, not the picture. All of the stream stops before any of
+// it is unlinked: what a thread pushes into nothing would be an error of the whole clip.
 void Graph::dropSound(AudioRenderer& sound) {
-    const auto chain = chainOf(sound);
-    for (Filter* filter : chain) {
-        if (filter->isSource() || dynamic_cast<Splitter*>(filter))
-            break;
+    const std::int64_t here = m_transport->position();
+    auto chain = chainOf(sound);
+    chain.erase(
+        std::find_if(chain.begin(), chain.end(),
+                     [](Filter* filter) { return filter->isSource() || dynamic_cast<Splitter*>(filter); }),
+        chain.end());
+    for (Filter* filter : chain)
+        filter->stopElements();
+    for (Filter* filter : chain)
         filter->leavePipeline();
+    m_transport->restartAt(here);
+    // What the streams had to say of it before they were restarted.
+    while (const MessageHandle message{gst_bus_pop(m_bus.get())}) {
+        if (GST_MESSAGE_TYPE(message.get()) != GST_MESSAGE_ERROR)
+            m_transport->handle(message.get());
     }
-    m_transport->restartStreams();
 }
 
 } // namespace ql240::gstreamer

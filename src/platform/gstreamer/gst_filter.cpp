@@ -111,10 +111,18 @@ void Filter::linkChain(const std::vector<GstElement*>& chain) {
         gst_element_link(chain[i - 1], chain[i]);
 }
 
+// From the last element to the first: a streaming thread may wait in a later one and hold the locks of the
+// earlier ones.
+void Filter::stopElements() {
+    for (auto element = m_elements.rbegin(); element != m_elements.rend(); ++element) {
+        gst_element_set_locked_state(element->get(), TRUE);
+        gst_element_set_state(element->get(), GST_STATE_NULL);
+    }
+}
+
 void Filter::leavePipeline() {
+    stopElements();
     for (const auto& element : m_elements) {
-        gst_element_set_locked_state(element.get(), TRUE);
-        gst_element_set_state(element.get(), GST_STATE_NULL);
         if (m_pipeline)
             gst_bin_remove(GST_BIN(m_pipeline), element.get());
     }

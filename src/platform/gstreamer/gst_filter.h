@@ -52,6 +52,8 @@ public:
 
     // Puts the filter's elements into the pipeline.
     void enterPipeline(GstElement* pipeline);
+    // Ends what they do; what still flows into them is turned back.
+    void stopElements();
     // Takes them out again and lets them go.
     void leavePipeline();
 

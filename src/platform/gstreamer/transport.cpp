@@ -119,12 +119,13 @@ bool Transport::setRate(double rate) {
     return true;
 }
 
-void Transport::restartStreams() {
-    const std::int64_t here = position();
+void Transport::restartAt(std::int64_t position) {
     m_ended = false;
     m_inFlight = false;
     m_held.reset();
-    m_pending = clamped(here);
+    m_pending = clamped(position);
+    // On the way up again the pipeline picks another clock: the one it had may have gone with the stream.
+    gst_element_set_state(m_pipeline, GST_STATE_PAUSED);
     sendPending();
     applyState();
 }

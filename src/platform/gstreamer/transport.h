@@ -35,8 +35,8 @@ public:
     std::int64_t position() const;
     std::int64_t duration() const { return m_duration; }
 
-    // Seeks again to where the pipeline is, to get streams going again after one of them has been taken out.
-    void restartStreams();
+    // Gets the streams going again after one of them has been taken out.
+    void restartAt(std::int64_t position);
 
     void handle(GstMessage* message);
     // Sends what waits, if nothing is in flight.
