@@ -1,0 +1,228 @@
+// The sound of clips as a sound server of the test's own gets it, its volume, and a server that dies.
+#include <QTest>
+
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+#include <fcntl.h>
+#include <unistd.h>
+#include <cmath>
+#include <numbers>
+
+#include "library/clip.h"
+#include "platform/gstreamer/gst_media_platform.h"
+#include "platform/host.h"
+#include "platform/wave_out.h"
+#include "playback/video_view.h"
+#include "playback/widget_volume.h"
+#include "support/frame_code.h"
+#include "support/test_clips.h"
+
+using namespace ql240;
+
+Q_DECLARE_METATYPE(ql240::TestClipSpec)
+
+namespace {
+
+constexpr int kPatienceMs = 15000;
+constexpr int kRate = 32000;
+constexpr std::size_t kWindow = kRate / 4; // samples that are judged at a time
+
+// A PulseAudio daemon whose only output is a pipe: what programs play can be read from it as it is played.
+class SoundServer {
+public:
+    ~SoundServer() { die(); }
+
+    static bool isInstalled() {
+        return !QStandardPaths::findExecutable(QStringLiteral("pulseaudio")).isEmpty();
+    }
+
+    // Also makes it the server of this process.
+    bool start() {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("HOME"), m_folder.path());
+        environment.insert(QStringLiteral("PULSE_RUNTIME_PATH"),
+                           m_folder.filePath(QStringLiteral("runtime")));
+        m_daemon.setProcessEnvironment(environment);
+        const QString socket = m_folder.filePath(QStringLiteral("socket"));
+        const QString pipe = m_folder.filePath(QStringLiteral("pipe"));
+        m_daemon.start(
+            QStringLiteral("pulseaudio"),
+            {"-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no", "-L",
+             QStringLiteral("module-pipe-sink file=%1 format=s16le rate=%2 channels=1 "
+                            "use_system_clock_for_timing=yes")
+                 .arg(pipe)
+                 .arg(kRate),
+             "-L", QStringLiteral("module-native-protocol-unix auth-anonymous=1 socket=%1").arg(socket)});
+        qputenv("PULSE_SERVER", "unix:" + socket.toUtf8());
+        if (!QTest::qWaitFor([&] { return QFile::exists(socket); }, kPatienceMs))
+            return false;
+        m_pipe = ::open(pipe.toUtf8().constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+        return m_pipe >= 0;
+    }
+
+    void die() {
+        m_daemon.kill();
+        m_daemon.waitForFinished();
+        if (m_pipe >= 0)
+            ::close(std::exchange(m_pipe, -1));
+    }
+
+    // How loud a tone was in the last quarter of a second: the sine's amplitude, 1 being full scale.
+    double amplitude(double hertz) {
+        readPipe();
+        if (m_samples.size() < kWindow)
+            return -1;
+        double re = 0;
+        double im = 0;
+        for (std::size_t i = 0; i < kWindow; ++i) {
+            const double angle = 2 * std::numbers::pi * hertz * static_cast<double>(i) / kRate;
+            re += m_samples[i] * std::cos(angle);
+            im += m_samples[i] * std::sin(angle);
+        }
+        return 2 * std::hypot(re, im) / kWindow / 32768;
+    }
+
+    int loudestSample() {
+        readPipe();
+        int loudest = 0;
+        for (const std::int16_t sample : m_samples)
+            loudest = std::max(loudest, std::abs(sample));
+        return m_samples.size() < kWindow ? -1 : loudest;
+    }
+
+private:
+    void readPipe() {
+        std::array<std::int16_t, 4096> block;
+        for (ssize_t bytes; (bytes = ::read(m_pipe, block.data(), sizeof block)) > 0;)
+            m_samples.insert(m_samples.end(), block.begin(), block.begin() + bytes / 2);
+        if (m_samples.size() > kWindow)
+            m_samples.erase(m_samples.begin(), m_samples.end() - kWindow);
+    }
+
+    QTemporaryDir m_folder;
+    QProcess m_daemon;
+    int m_pipe = -1;
+    std::vector<std::int16_t> m_samples;
+};
+
+TestClipSpec longClip(TestClipSpec spec, int toneHz) {
+    spec.size = QSize(320, 180);
+    spec.frames = 8 * spec.rate;
+    spec.toneHz = toneHz;
+    return spec;
+}
+
+} // namespace
+
+#define TRY_AMPLITUDE(hertz, expected)                                                               \
+    QTRY_VERIFY2_WITH_TIMEOUT(std::abs(m_server->amplitude(hertz) - (expected)) < 0.05 * (expected), \
+                              qPrintable(QString::number(m_server->amplitude(hertz))), kPatienceMs)
+
+class TestSound : public QObject {
+    Q_OBJECT
+
+private:
+    gstreamer::GstMediaPlatform m_media;
+    OutputVolume m_volume;
+    std::unique_ptr<SoundServer> m_server;
+
+private Q_SLOTS:
+    void initTestCase() {
+        if (!SoundServer::isInstalled())
+            QSKIP("The package pulseaudio isn't installed: nothing would hear the clips.");
+        host().media = &m_media;
+        host().waveOut = &m_volume;
+        m_volume.setListener([this](auto left, auto right) { m_media.setOutputVolume(left, right); });
+    }
+
+    void init() {
+        m_server = std::make_unique<SoundServer>();
+        QVERIFY(m_server->start());
+        m_volume.waveOutSetVolume(0, 0xFFFFFFFF);
+    }
+
+    void theClipsOwnToneIsHeard_data() {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<int>("tone");
+        QTest::newRow("mp4") << makeTestClip(longClip({}, 440)) << 440;
+        QTest::newRow("avi") << makeTestClip(longClip(aviTestClip(), 880)) << 880;
+    }
+    void theClipsOwnToneIsHeard() {
+        QFETCH(QString, path);
+        QFETCH(int, tone);
+        const Clip clip{QFileInfo(path)};
+        VideoView view;
+        QVERIFY(view.openClip(&clip));
+        view.player()->play();
+        TRY_AMPLITUDE(tone, 0.125); // the level at which the tone is made
+        QVERIFY(m_server->amplitude(tone == 440 ? 880 : 440) < 0.002);
+        view.player()->pause();
+        QTRY_COMPARE_WITH_TIMEOUT(m_server->loudestSample(), 0, kPatienceMs);
+    }
+
+    void volumeScalesTheTone() {
+        const Clip clip{QFileInfo(makeTestClip(longClip({}, 440)))};
+        WidgetVolume gauge;
+        const auto drag = [&gauge](int level) {
+            QTest::mousePress(&gauge, Qt::LeftButton);
+            QMouseEvent move(QEvent::MouseMove, QPointF(5 * level - 1, 4), QPointF(), Qt::NoButton,
+                             Qt::LeftButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(&gauge, &move);
+        };
+        drag(4); // before there is a clip
+        VideoView view;
+        QVERIFY(view.openClip(&clip));
+        view.player()->play();
+        TRY_AMPLITUDE(440, 0.125 * 0.4);
+        drag(8);
+        TRY_AMPLITUDE(440, 0.125 * 0.8);
+        gauge.setSoundOn(false);
+        QTRY_COMPARE_WITH_TIMEOUT(m_server->loudestSample(), 0, kPatienceMs);
+        QVERIFY(view.player()->isRunning());
+        gauge.setSoundOn(true);
+        TRY_AMPLITUDE(440, 0.125 * 0.8);
+    }
+
+    void serverThatDiesTakesOnlyTheSound_data() {
+        QTest::addColumn<TestClipSpec>("spec");
+        QTest::addColumn<bool>("paused");
+        QTest::newRow("mp4") << longClip({}, 440) << false;
+        QTest::newRow("avi") << longClip(aviTestClip(), 440) << false;
+        QTest::newRow("mp4, while paused") << longClip({}, 440) << true;
+    }
+    void serverThatDiesTakesOnlyTheSound() {
+        QFETCH(TestClipSpec, spec);
+        QFETCH(bool, paused);
+        const Clip clip{QFileInfo(makeTestClip(spec))};
+        VideoView view;
+        Player& player = *view.player();
+        QVERIFY(view.openClip(&clip));
+        player.play();
+        TRY_AMPLITUDE(440, 0.125);
+        if (paused)
+            player.pause();
+        const auto before = player.positionMs();
+        m_server->die();
+        QElapsedTimer clock;
+        clock.start();
+        QVERIFY(player.play());
+        QTRY_VERIFY_WITH_TIMEOUT(player.positionMs() > before + 1500, kPatienceMs);
+        QVERIFY(player.isRunning());
+        const auto late = clock.elapsed() - (player.positionMs() - before);
+        QVERIFY2(std::abs(late) < 1500, qPrintable(QString::number(late)));
+        player.seek(static_cast<std::int32_t>(player.durationMs() - 1000));
+        QTRY_COMPARE_WITH_TIMEOUT(player.positionMs(), player.durationMs(), kPatienceMs);
+        QCOMPARE(readFrameNumber(player.frame(0, true)), spec.frames - 1);
+
+        // Without a server the next clip plays in silence.
+        QVERIFY(view.openClip(&clip));
+        player.play();
+        QTRY_VERIFY_WITH_TIMEOUT(player.positionMs() > 500, kPatienceMs);
+    }
+};
+
+QTEST_MAIN(TestSound)
+#include "test_sound.moc"
