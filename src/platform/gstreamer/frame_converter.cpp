@@ -14,6 +14,17 @@ constexpr int kRowsAtATime = 16;
 constexpr int kPadding = 64; // the vector code reads past the end of a row
 constexpr int kHalf = 128;   // of 256, as libyuv weighs
 
+// Where a stream leaves its matrix open, the video info takes the default for the range too.
+GstVideoColorimetry colorimetryOf(const GstCaps* caps, const GstVideoInfo& info) {
+    GstVideoColorimetry result = GST_VIDEO_INFO_COLORIMETRY(&info);
+    GstVideoColorimetry stated;
+    const char* text = gst_structure_get_string(gst_caps_get_structure(caps, 0), "colorimetry");
+    if (text && gst_video_colorimetry_from_string(&stated, text) &&
+        stated.range != GST_VIDEO_COLOR_RANGE_UNKNOWN)
+        result.range = stated.range;
+    return result;
+}
+
 void setMatrix(const GstVideoColorimetry& colorimetry, Yuy2Frame* frame) {
     const bool full = colorimetry.range == GST_VIDEO_COLOR_RANGE_0_255;
     if (colorimetry.matrix == GST_VIDEO_COLOR_MATRIX_BT709) {
@@ -63,7 +74,7 @@ bool FrameConverter::convert(GstSample* sample, const QSize& size, const QRect& 
     Yuy2Frame yuy2{static_cast<const std::uint8_t*>(GST_VIDEO_FRAME_PLANE_DATA(&frame, 0)),
                    GST_VIDEO_FRAME_PLANE_STRIDE(&frame, 0),
                    {GST_VIDEO_INFO_WIDTH(&info), GST_VIDEO_INFO_HEIGHT(&info)}};
-    setMatrix(GST_VIDEO_INFO_COLORIMETRY(&info), &yuy2);
+    setMatrix(colorimetryOf(caps, info), &yuy2);
     convert(yuy2, size, visible, picture);
     gst_video_frame_unmap(&frame);
     return true;
