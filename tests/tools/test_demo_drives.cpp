@@ -44,6 +44,7 @@ private Q_SLOTS:
     void satellitesAreLostInTheTunnelOnly();
     void onlyEventClipsHaveAnImpact();
     void trailerIsInStepWithThePicture();
+    void soundFollowsTheDrive();
     void monotoneCurvesDontOvershoot();
     void coloursBecomeTheStandardsSamples_data();
     void coloursBecomeTheStandardsSamples();
@@ -169,6 +170,28 @@ void TestDemoDrives::trailerIsInStepWithThePicture() {
             QVERIFY2(line.match(QString::fromLatin1(text)).hasMatch(), text.constData());
     }
     QCOMPARE(trailers, 2);
+}
+
+void TestDemoDrives::soundFollowsTheDrive() {
+    const ClipPlan clip = demoClips()[0];
+    constexpr int rate = 16000;
+    const auto loudness = [](const QByteArray& sound, double from, double to) {
+        const auto* samples = reinterpret_cast<const qint16*>(sound.constData());
+        double sum = 0;
+        for (int i = int(from * rate); i < int(to * rate); ++i)
+            sum += double(samples[i]) * samples[i];
+        return std::sqrt(sum / ((to - from) * rate));
+    };
+    const QByteArray sound = driveSound(Drive(clip.drive), rate, {});
+    QCOMPARE(sound.size(), 20 * rate * 2);
+    const double impact = *clip.drive.impactTime;
+    const double driving = loudness(sound, impact - 5, impact - 2);
+    const double standing = loudness(sound, 15, 20);
+    QVERIFY(standing > 0 && driving > 1.5 * standing);
+    QVERIFY(loudness(sound, impact, impact + 0.3) > 2 * driving);
+    const QByteArray ticking = driveSound(Drive(clip.drive), rate, {{16, 18}});
+    QCOMPARE(ticking.first(15 * rate * 2), sound.first(15 * rate * 2));
+    QVERIFY(loudness(ticking, 16, 18) > loudness(sound, 16, 18));
 }
 
 void TestDemoDrives::monotoneCurvesDontOvershoot() {

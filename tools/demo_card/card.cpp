@@ -52,30 +52,25 @@ QString makeClips(const QDir& folder, const QList<ClipPlan>& clips, Progress& pr
     for (const ClipPlan& clip : clips)
         pool.start([&, path = folder.filePath(clip.name)] {
             const QString failure = progress.cancelled ? QString() : makeClip(clip, path, progress);
-            if (failure.isEmpty())
+            if (failure.isEmpty() || progress.cancelled.exchange(true))
                 return;
-            progress.cancelled = true;
             const QMutexLocker lock(&mutex);
-            if (problem.isEmpty())
-                problem = clip.name + QStringLiteral(": ") + failure;
+            problem = clip.name + QStringLiteral(": ") + failure;
         });
     pool.waitForDone();
     return progress.cancelled && problem.isEmpty() ? QStringLiteral("interrupted") : problem;
 }
 
-QString putInPlace(const QString& made, const QString& folder) {
-    const QString old = folder + QStringLiteral(".old");
+// An older card goes to the workshop, and away with it.
+QString putInPlace(const QTemporaryDir& workshop, const QString& made, const QString& folder) {
+    const QString old = workshop.filePath(QStringLiteral("old"));
     QDir files;
-    if (QFileInfo::exists(old) && !QDir(old).removeRecursively())
-        return QStringLiteral("%1 is in the way").arg(old);
     if (QFileInfo::exists(folder) && !files.rename(folder, old))
         return QStringLiteral("%1 can't be replaced").arg(folder);
-    if (!files.rename(made, folder)) {
-        files.rename(old, folder);
-        return QStringLiteral("%1 can't be put in place").arg(folder);
-    }
-    QDir(old).removeRecursively();
-    return {};
+    if (files.rename(made, folder))
+        return {};
+    files.rename(old, folder);
+    return QStringLiteral("%1 can't be put in place").arg(folder);
 }
 
 } // namespace
@@ -112,7 +107,7 @@ QString makeCard(const QString& folder, const QList<ClipPlan>& clips, Progress& 
         return QStringLiteral("%1 can't be written").arg(QFileInfo(target).path());
     const QString problem =
         makeClips(QDir(made + QLatin1Char('/') + QLatin1String(kClipFolderName)), clips, progress);
-    return problem.isEmpty() ? putInPlace(made, target) : problem;
+    return problem.isEmpty() ? putInPlace(workshop, made, target) : problem;
 }
 
 } // namespace ql240

@@ -124,8 +124,10 @@ double Mipmap::aspect() const {
 }
 
 const QImage& Mipmap::levelFor(double pixelsPerPixel) const {
-    const int level = pixelsPerPixel <= 1 ? 0 : int(std::lround(std::log2(pixelsPerPixel)));
-    return m_levels[std::min<qsizetype>(level, m_levels.size() - 1)];
+    qsizetype level = 0;
+    for (; pixelsPerPixel > 1.42 && level + 1 < m_levels.size(); ++level)
+        pixelsPerPixel /= 2;
+    return m_levels[level];
 }
 
 Canvas::Canvas(QSize size)

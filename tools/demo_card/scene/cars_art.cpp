@@ -167,6 +167,8 @@ void paintBoxFace(MetrePainter& p, const CarStyle& s, bool back, bool braking) {
     } else {
         const double sill = s.body == Body::Bus ? (back ? 1.75 : 1.15) : 1.35;
         p.box(0.16, sill, w - 0.32, h - sill - 0.42, glass(p, sill, h), 0.1);
+    }
+    if (s.body == Body::Bus) {
         p.box(w / 2 - 0.6, h - 0.34, 1.2, 0.22, QColor(20, 20, 22), 0.03);
         p.box(w / 2 - 0.5, h - 0.28, 0.7, 0.09, QColor(255, 170, 60));
     }

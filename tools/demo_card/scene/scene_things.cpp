@@ -101,7 +101,7 @@ void Scene::paintVehicle(const RoadView& view, const Vehicle& vehicle, double ti
     paintFlank(view, art, nearAhead, nearest.right > 0 ? side - art.width / 2 : side + art.width / 2, front,
                shade);
     const double cabin = nearAhead + double(front ? art.cabinFromFront : art.cabinFromBack);
-    if (!art.cabin.isNull() && cabin > kNearest)
+    if (!art.cabin.isNull() && nearAhead > 0)
         m_canvas.picture(art.cabin, upright(view, cabin, side, 0, art.height, art.cabin.aspect(), 0.5),
                          shade);
     if (nearAhead < kNearest)
