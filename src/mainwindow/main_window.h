@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "mainwindow/main_window_layout.h"
+#include "settings/card_jobs.h"
 
 class QAbstractButton;
 class QLabel;
@@ -17,6 +18,8 @@ class QTimer;
 
 namespace ql240 {
 
+struct AdjustmentSetting;
+struct CardAdjustment;
 class ClearButton;
 class Clip;
 class ClipFolder;
@@ -117,7 +120,9 @@ private:
     void showFolder(std::unique_ptr<ClipFolder> folder, const QString& clipName);
     void releaseFolder();
     void loadPictureAdjustment();
-    void setAdjustment(int brightValue, int contrastValue);
+    void awaitPictureAdjustment();
+    void applyPictureAdjustment(const CardAdjustment& read);
+    void setAdjustment(const AdjustmentSetting& setting);
     void stepFrame(bool forward);
     VideoView* zoomTarget() const;
     VideoView* bigView() const;
@@ -147,6 +152,7 @@ private:
     bool m_settingsChanged = false;
 
     std::unique_ptr<WindowDialogs> m_dialogs;
+    CardJobs m_cardJobs; // reads the picture adjustment
     bool m_fullScreenLayout = false;
     bool m_painted = false;
 };

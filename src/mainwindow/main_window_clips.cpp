@@ -1,7 +1,7 @@
 // Folders, files and clips: opening, listing, closing, and what the card says about the picture.
 #include <QFileInfo>
 #include <QLabel>
-#include <array>
+#include <chrono>
 
 #include "base/preferences.h"
 #include "library/clip.h"
@@ -10,27 +10,20 @@
 #include "library/folder_browser.h"
 #include "mainwindow/main_window.h"
 #include "mainwindow/my_list_widget.h"
+#include "mainwindow/picture_adjustment.h"
 #include "mainwindow/window_dialogs.h"
 #include "playback/video_view.h"
 #include "sensors/map_view.h"
 #include "sensors/widget_progress.h"
-#include "settings/card.h"
 #include "settings/config_window.h"
-#include "settings/device_settings.h"
 
 namespace ql240 {
 namespace {
 
-// By the card's values 0 to 7; 4 is neutral.
-constexpr std::array<qint32, 8> kBrightness{0, -60, -40, -20, 0, 20, 40, 60};
-constexpr std::array<qint32, 8> kContrast{60, 40, 60, 80, 100, 120, 140, 160};
-constexpr int kNeutral = 4;
+using namespace std::chrono_literals;
 
-// A value that no card should hold leaves the picture as it was recorded.
-qint32 adjustment(const std::array<qint32, 8>& table, int value) {
-    const bool known = value >= 0 && value < static_cast<int>(table.size());
-    return table[static_cast<std::size_t>(known ? value : kNeutral)];
-}
+// A card that answers is waited for; the answer of a slow one comes when it comes.
+constexpr auto kCardPatience = 100ms;
 
 } // namespace
 
@@ -99,6 +92,7 @@ void MainWindow::closeCurrent() {
 void MainWindow::loadClip(Clip* clip) {
     if (m_settingsChanged)
         loadPictureAdjustment();
+    awaitPictureAdjustment();
     if (showClipInView(clip))
         updateClipInformation(clip);
     else
@@ -159,21 +153,34 @@ void MainWindow::OnSlotssetting() {
 }
 
 void MainWindow::loadPictureAdjustment() {
-    const QString folder = firstSettingFolder();
-    if (folder.isEmpty())
-        return;
-    DeviceSettings settings(folder);
-    if (!m_settingsChanged)
-        setAdjustment(settings.brightvalue, settings.contrastvalue);
-    if (settings.loadBytes()) {
-        m_settingsChanged = false;
-        setAdjustment(settings.brightvalue, settings.contrastvalue);
-    }
+    auto read = std::make_shared<std::optional<CardAdjustment>>();
+    m_cardJobs.forget();
+    m_cardJobs.start([read] { *read = readCardAdjustment(); },
+                     [this, read] {
+                         if (*read)
+                             applyPictureAdjustment(**read);
+                     });
 }
 
-void MainWindow::setAdjustment(int brightValue, int contrastValue) {
-    m_brightness = adjustment(kBrightness, brightValue);
-    m_contrast = adjustment(kContrast, contrastValue);
+void MainWindow::awaitPictureAdjustment() {
+    m_cardJobs.wait(kCardPatience);
+}
+
+void MainWindow::applyPictureAdjustment(const CardAdjustment& read) {
+    if (!m_settingsChanged)
+        setAdjustment(read.settings);
+    if (read.ownFiles) {
+        m_settingsChanged = false;
+        setAdjustment(*read.ownFiles);
+    }
+    // The card may have answered after its clip was opened.
+    if (m_mainView->player()->clip())
+        m_mainView->setImageAdjust(m_brightness, m_contrast);
+}
+
+void MainWindow::setAdjustment(const AdjustmentSetting& setting) {
+    m_brightness = brightnessOf(setting.brightvalue);
+    m_contrast = contrastOf(setting.contrastvalue);
 }
 
 } // namespace ql240

@@ -49,6 +49,7 @@ void MainWindow::showPausedState() {
 void MainWindow::OnSlotsplay() {
     if (m_settingsChanged) {
         loadPictureAdjustment();
+        awaitPictureAdjustment();
         m_mainView->setImageAdjust(m_brightness, m_contrast);
     }
     m_subView->player()->play();

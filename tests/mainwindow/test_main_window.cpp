@@ -1,5 +1,8 @@
+#include <QSemaphore>
+
 #include "base/language.h"
 #include "base/preferences.h"
+#include "mainwindow/picture_adjustment.h"
 #include "mainwindow/viewer.h"
 #include "settings/config_window.h"
 #include "support/made_card.h"
@@ -47,6 +50,7 @@ private Q_SLOTS:
     void settingsCancelled();
     void pictureAdjustment_data();
     void pictureAdjustment();
+    void slowCard();
     void unitAtStart_data();
     void unitAtStart();
 
@@ -451,9 +455,35 @@ void TestMainWindow::pictureAdjustment() {
     viewer().drives.drives = {{viewer().path(QStringLiteral("nocard")), {}, {}}, {card.drive(), {}, {}}};
     card.put(QStringLiteral("setting/setbrightvalue.dat"), bright);
     card.put(QStringLiteral("setting/setcontrastvalue.dat"), contrast);
+    const auto read = readCardAdjustment();
+    QVERIFY(read && read->ownFiles);
+    const QList<int> numbers{brightnessOf(read->ownFiles->brightvalue),
+                             contrastOf(read->ownFiles->contrastvalue)};
+    QTEST(numbers, "adjustment");
+}
+
+// A dying card reader holds up neither the window nor the first clip; its answer counts when it comes.
+void TestMainWindow::slowCard() {
+    struct SlowDrives : FakeDrives {
+        QSemaphore answer;
+        QList<DriveInfo> removableDrives() override {
+            answer.acquire();
+            return drives;
+        }
+    } slow;
+    MadeCard card;
+    card.put(QStringLiteral("setting/setbrightvalue.dat"), "\7");
+    card.put(QStringLiteral("setting/setcontrastvalue.dat"), "\7");
+    slow.drives = {{card.drive(), {}, {}}};
+    host().drives = &slow;
+    addThree();
     viewer().show();
-    const QList<int> read{viewer().window->brightness(), viewer().window->contrast()};
-    QTEST(read, "adjustment");
+    openCard();
+    QVERIFY(viewer().window->isPlaying());
+    QCOMPARE(viewer().window->brightness(), 0);
+    slow.answer.release(100);
+    QTRY_COMPARE(viewer().window->brightness(), 60);
+    QCOMPARE(viewer().window->contrast(), 160);
 }
 
 void TestMainWindow::unitAtStart_data() {

@@ -1,0 +1,43 @@
+#include "mainwindow/picture_adjustment.h"
+
+#include <array>
+
+#include "settings/card.h"
+#include "settings/device_settings.h"
+
+namespace ql240 {
+namespace {
+
+// By the values 0 to 7.
+using Table = std::array<qint32, 8>;
+constexpr Table kBrightness{0, -60, -40, -20, 0, 20, 40, 60};
+constexpr Table kContrast{60, 40, 60, 80, 100, 120, 140, 160};
+constexpr int kNeutral = 4;
+
+qint32 lookUp(const Table& table, int value) {
+    const bool known = value >= 0 && value < static_cast<int>(table.size());
+    return table[static_cast<std::size_t>(known ? value : kNeutral)];
+}
+
+} // namespace
+
+std::optional<CardAdjustment> readCardAdjustment() {
+    const QString folder = firstSettingFolder();
+    if (folder.isEmpty())
+        return std::nullopt;
+    DeviceSettings card(folder);
+    CardAdjustment read{{card.brightvalue, card.contrastvalue}, std::nullopt};
+    if (card.loadBytes())
+        read.ownFiles = {card.brightvalue, card.contrastvalue};
+    return read;
+}
+
+qint32 brightnessOf(int brightvalue) {
+    return lookUp(kBrightness, brightvalue);
+}
+
+qint32 contrastOf(int contrastvalue) {
+    return lookUp(kContrast, contrastvalue);
+}
+
+} // namespace ql240
