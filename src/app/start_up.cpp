@@ -4,6 +4,8 @@
 #include <QIcon>
 #include <QLocale>
 #include <QSplashScreen>
+#include <cstdio>
+#include <cstdlib>
 
 #include "app/instance_windows.h"
 #include "app/linux_host.h"
@@ -30,6 +32,13 @@ QString viewerTitle() {
 }
 QString settingTitle() {
     return QStringLiteral("QL240 Setting");
+}
+
+// Without a display to connect to, the toolkit would end the process by a signal.
+void endOnFatal(QtMsgType type, const QMessageLogContext&, const QString& text) {
+    std::fputs(qUtf8Printable(text + QLatin1Char('\n')), stderr);
+    if (type == QtFatalMsg)
+        std::_Exit(kNoPlatform);
 }
 
 void chooseLanguage() {
@@ -82,7 +91,9 @@ int startUp(int argc, char** argv) {
     prepareStyle();
     prepareWebEngine();
 
+    const QtMessageHandler usual = qInstallMessageHandler(endOnFatal);
     QApplication application(argc, argv);
+    qInstallMessageHandler(usual);
     platform.enterApplication();
     applyStyle();
     QApplication::setWindowIcon(QIcon(skinPixmap(QStringLiteral(":/gfx_r/icon/ico_256.ico"))));

@@ -34,6 +34,7 @@ private Q_SLOTS:
     void secondStart();
     void crashedInstanceIsNone();
     void settingsStartFocusesTheViewersDialog();
+    void noDisplay_data();
     void noDisplay();
     void closingTheSettingsWindowEndsTheTool();
 
@@ -181,9 +182,20 @@ void TestStartUp::settingsStartFocusesTheViewersDialog() {
     QVERIFY(isRunning(kViewer));
 }
 
+void TestStartUp::noDisplay_data() {
+    QTest::addColumn<QString>("platform");
+    QTest::addColumn<QString>("display");
+    QTest::newRow("none at all") << ""
+                                 << "";
+    QTest::newRow("one that doesn't answer") << "xcb"
+                                             << ":9240";
+}
+
 void TestStartUp::noDisplay() {
-    QProcess* process = start({}, {{QStringLiteral("QT_QPA_PLATFORM"), QString()},
-                                   {QStringLiteral("DISPLAY"), QString()},
+    QFETCH(QString, platform);
+    QFETCH(QString, display);
+    QProcess* process = start({}, {{QStringLiteral("QT_QPA_PLATFORM"), platform},
+                                   {QStringLiteral("DISPLAY"), display},
                                    {QStringLiteral("WAYLAND_DISPLAY"), QString()}});
     QVERIFY(process->waitForFinished(kBoundMs));
     QCOMPARE(process->exitStatus(), QProcess::NormalExit);

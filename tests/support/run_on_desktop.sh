@@ -38,7 +38,7 @@ await() {
 }
 
 if [ "$desktop" = x11 ]; then
-    Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>"$state/display" >/dev/null 2>&1 &
+    Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp -noreset 3>"$state/display" >/dev/null 2>&1 &
     pids=$!
     await '[ -s "$state/display" ]'
     DISPLAY=:$(cat "$state/display")
