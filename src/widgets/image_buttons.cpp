@@ -17,12 +17,12 @@ constexpr int kBarHeight = 283;
 constexpr int kBarLabelHeight = 14;
 
 template <typename Picture, typename Load>
-std::array<Picture, 4> loadSlots(const ImagePaths& paths, Load load) {
+std::array<Picture, 4> makeSlots(const ImagePaths& paths, Load load) {
     return {load(paths[0]), load(paths[1]), load(paths[2]), load(paths[3])};
 }
 
-std::array<QPixmap, 4> loadPixmaps(const ImagePaths& paths) {
-    return loadSlots<QPixmap>(paths, skinPixmap);
+std::array<SkinPicture, 4> skinPictures(const ImagePaths& paths) {
+    return makeSlots<SkinPicture>(paths, [](const QString& path) { return SkinPicture(path); });
 }
 
 template <typename Picture>
@@ -30,7 +30,8 @@ const Picture& pictureFor(const std::array<Picture, 4>& pictures, ImageSlot slot
     return pictures[static_cast<size_t>(slot)];
 }
 
-void drawScaled(QPainter& painter, const QRect& rect, const QPixmap& pixmap) {
+void drawScaled(QPainter& painter, const QRect& rect, const SkinPicture& picture) {
+    const QPixmap& pixmap = picture.pixmap();
     if (pixmap.isNull())
         return;
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
@@ -78,10 +79,10 @@ void ImageButton::paintFocus(QPainter& painter, QStyle::State state) const {
 }
 
 ClearButton::ClearButton(QWidget* parent, const ImagePaths& images, const QString& hoverText)
-    : ImageButton(parent), m_images(loadPixmaps(images)) {
+    : ImageButton(parent), m_images(skinPictures(images)) {
     setFont(uiFont(10, QFont::DemiBold));
     setHoverText(hoverText);
-    const QPixmap& normal = pictureFor(m_images, ImageSlot::Normal);
+    const QPixmap& normal = pictureFor(m_images, ImageSlot::Normal).pixmap();
     resize(normal.deviceIndependentSize().toSize());
 }
 
@@ -123,7 +124,7 @@ void ClearButton::paintEvent(QPaintEvent*) {
 }
 
 IconButton::IconButton(QWidget* parent, const ImagePaths& images, QSize iconSize)
-    : ImageButton(parent), m_icons(loadSlots<QIcon>(images, skinIcon)), m_iconSize(iconSize) {}
+    : ImageButton(parent), m_icons(makeSlots<QIcon>(images, skinIcon)), m_iconSize(iconSize) {}
 
 void IconButton::paintEvent(QPaintEvent*) {
     if (pictureFor(m_icons, ImageSlot::Normal).isNull() || pictureFor(m_icons, ImageSlot::Pressed).isNull())
@@ -142,7 +143,7 @@ void IconButton::paintEvent(QPaintEvent*) {
 }
 
 IconToolButton::IconToolButton(QWidget* parent, const ImagePaths& images)
-    : ImageButton(parent), m_images(loadPixmaps(images)) {
+    : ImageButton(parent), m_images(skinPictures(images)) {
     setFont(uiFont(9));
 }
 
@@ -157,10 +158,10 @@ void IconToolButton::paintEvent(QPaintEvent*) {
 IconToolButtonA::IconToolButtonA(QWidget* parent, const QString& text)
     : ImageButton(parent),
       m_images(
-          loadPixmaps({skinPath(QStringLiteral("time_select1")), skinPath(QStringLiteral("time_select2")),
-                       skinPath(QStringLiteral("time_select3")), skinPath(QStringLiteral("time_select2"))})),
-      m_hoverBar(skinPixmap(skinPath(QStringLiteral("time_bar1")))),
-      m_activeBar(skinPixmap(skinPath(QStringLiteral("time_bar2")))) {
+          skinPictures({skinPath(QStringLiteral("time_select1")), skinPath(QStringLiteral("time_select2")),
+                        skinPath(QStringLiteral("time_select3")), skinPath(QStringLiteral("time_select2"))})),
+      m_hoverBar(skinPath(QStringLiteral("time_bar1"))),
+      m_activeBar(skinPath(QStringLiteral("time_bar2"))) {
     setFont(uiFont(9));
     setText(text);
 }

@@ -1,13 +1,14 @@
-// The buttons of the skinned windows: tool buttons that paint themselves from four pictures. The pictures are
-// loaded once; a missing one leaves the button invisible in that state. Interface thread only. Owned by the
-// Qt parent.
+// The buttons of the skinned windows: tool buttons that paint themselves from four pictures. Each picture is
+// loaded once, when it is first shown; a missing one leaves the button invisible in that state. Interface
+// thread only. Owned by the Qt parent.
 #pragma once
 
 #include <QIcon>
-#include <QPixmap>
 #include <QStyle>
 #include <QToolButton>
 #include <array>
+
+#include "widgets/skin.h"
 
 namespace ql240 {
 
@@ -55,7 +56,7 @@ protected:
 
 private:
     QString m_hoverText;
-    std::array<QPixmap, 4> m_images;
+    std::array<SkinPicture, 4> m_images;
     bool m_latched = false;
 };
 
@@ -84,7 +85,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    std::array<QPixmap, 4> m_images;
+    std::array<SkinPicture, 4> m_images;
 };
 
 // A tall bar over a small label, for choosing one of many columns.
@@ -97,9 +98,9 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    std::array<QPixmap, 4> m_images;
-    QPixmap m_hoverBar;
-    QPixmap m_activeBar;
+    std::array<SkinPicture, 4> m_images;
+    SkinPicture m_hoverBar;
+    SkinPicture m_activeBar;
 };
 
 } // namespace ql240

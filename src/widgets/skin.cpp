@@ -39,6 +39,12 @@ QPixmap skinPixmap(const QString& path) {
     return pixmap;
 }
 
+const QPixmap& SkinPicture::pixmap() const {
+    if (!m_pixmap)
+        m_pixmap = skinPixmap(m_path);
+    return *m_pixmap;
+}
+
 QIcon skinIcon(const QString& path) {
     const QPixmap pixmap = skinPixmap(path);
     return pixmap.isNull() ? QIcon() : QIcon(pixmap);

@@ -4,6 +4,7 @@
 #include <QIcon>
 #include <QPixmap>
 #include <QString>
+#include <optional>
 
 namespace ql240 {
 
@@ -13,6 +14,17 @@ QString skinPath(const QString& name);
 // The picture at `path`, in its "@2x" form where a screen has more than one device pixel a pixel. Its size in
 // pixels of the interface is deviceIndependentSize(). Empty when there is no such picture.
 QPixmap skinPixmap(const QString& path);
+
+// A picture that is loaded when it is first asked for, so that looks not yet seen cost nothing at start-up.
+class SkinPicture {
+public:
+    explicit SkinPicture(const QString& path) : m_path(path) {}
+    const QPixmap& pixmap() const;
+
+private:
+    QString m_path;
+    mutable std::optional<QPixmap> m_pixmap;
+};
 
 // The same as an icon; null when there is no such picture.
 QIcon skinIcon(const QString& path);

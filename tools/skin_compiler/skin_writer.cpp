@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QPainter>
+#include <algorithm>
 
 #include "shapes.h"
 
@@ -17,6 +18,17 @@ QByteArray pngBytes(const QImage& image) {
     buffer.open(QIODevice::WriteOnly);
     image.save(&buffer, "PNG", 0); // quality 0: strongest compression
     return bytes;
+}
+
+// Without an alpha channel a picture loads in half the time.
+bool isOpaque(const QImage& image) {
+    for (int y = 0; y < image.height(); ++y) {
+        const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+        if (!std::all_of(line, line + image.width(), [](QRgb pixel) { return qAlpha(pixel) == 255; })) {
+            return false;
+        }
+    }
+    return true;
 }
 
 // An icon file that holds one PNG: a directory of one entry of 16 bytes after a header of 6.
@@ -75,7 +87,7 @@ QImage renderPicture(const Picture& picture, const Palette& palette, const QStri
         }
     }
     painter.end();
-    return image.convertToFormat(QImage::Format_ARGB32);
+    return image.convertToFormat(isOpaque(image) ? QImage::Format_RGB32 : QImage::Format_ARGB32);
 }
 
 bool writeSkin(const PictureTable& table, const QString& sourceFolder, const QDir& output, QString& error) {
