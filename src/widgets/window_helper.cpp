@@ -76,10 +76,15 @@ void FlHlp::watchWindow(QWidget* window) {
     record->savedFlags = window->windowFlags();
     const bool visible = window->isVisible();
     window->setMouseTracking(true);
-    window->setWindowFlags(kFrameless);
+    if (window->testAttribute(Qt::WA_WState_Created)) {
+        window->setWindowFlags(kFrameless);
+        // Changing the flags has hidden the window.
+        window->setVisible(visible);
+    } else {
+        // The same for a window that is still to be made, without polishing all of its children again.
+        window->overrideWindowFlags(kFrameless | Qt::Window);
+    }
     window->setAttribute(Qt::WA_Hover);
-    // Changing the flags has hidden the window.
-    window->setVisible(visible);
     m_windows.insert(window, record);
     window->installEventFilter(this);
     connect(window, &QObject::destroyed, this, [this](QObject* gone) { m_windows.remove(gone); });

@@ -96,12 +96,12 @@ void TestMainWindowInput::fullScreenLayout() {
     }
     QVERIFY(!viewer().list()->isVisible() && !viewer().panel()->isVisible());
     viewer().key(Qt::Key_A);
-    QVERIFY(!window.isFullScreen());
+    QTRY_VERIFY(!window.isFullScreen());
     QTRY_COMPARE(window.geometry(), before);
-    QCOMPARE(window.minimumSize(), window.maximumSize());
-    QCOMPARE(viewer().mainView()->geometry(), layout::kMainView);
-    QVERIFY(viewer().list()->isVisible() && viewer().panel()->isVisible());
-    QVERIFY(viewer().isShown(ButtonId::Pause) && !viewer().isShown(ButtonId::Play));
+    QTRY_COMPARE(window.minimumSize(), window.maximumSize());
+    QTRY_COMPARE(viewer().mainView()->geometry(), layout::kMainView);
+    QTRY_VERIFY(viewer().list()->isVisible() && viewer().panel()->isVisible());
+    QTRY_VERIFY(viewer().isShown(ButtonId::Pause) && !viewer().isShown(ButtonId::Play));
 }
 
 void TestMainWindowInput::anyKeyLeavesFullScreen_data() {
@@ -119,9 +119,9 @@ void TestMainWindowInput::anyKeyLeavesFullScreen() {
     QFETCH(int, key);
     viewer().list()->setFocus();
     viewer().key(Qt::Key_F);
-    QVERIFY(viewer().window->isFullScreen());
+    QTRY_VERIFY(viewer().window->isFullScreen());
     viewer().key(key);
-    QVERIFY(!viewer().window->isFullScreen());
+    QTRY_VERIFY(!viewer().window->isFullScreen());
     QVERIFY(viewer().window->isPlaying());
     QCOMPARE(viewer().list()->currentRow(), 0);
     QVERIFY(viewer().answers.asked.isEmpty());
@@ -136,7 +136,7 @@ void TestMainWindowInput::playingStateInFullScreen() {
     QCOMPARE(viewer().mainView()->width(), viewer().window->width() - 2);
     QVERIFY(!viewer().isShown(ButtonId::Play) && !viewer().isShown(ButtonId::Pause));
     viewer().key(Qt::Key_Escape);
-    QVERIFY(viewer().isShown(ButtonId::Pause) && !viewer().isShown(ButtonId::Play));
+    QTRY_VERIFY(viewer().isShown(ButtonId::Pause) && !viewer().isShown(ButtonId::Play));
 }
 
 void TestMainWindowInput::commandKeys_data() {

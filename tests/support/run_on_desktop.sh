@@ -42,8 +42,9 @@ if [ "$desktop" = x11 ]; then
     pids=$!
     await '[ -s "$state/display" ]'
     DISPLAY=:$(cat "$state/display")
-    DISPLAY=$DISPLAY openbox >/dev/null 2>&1 &
+    DISPLAY=$DISPLAY openbox --startup "touch $state/managed" >/dev/null 2>&1 &
     pids="$! $pids"
+    await '[ -e "$state/managed" ]'
     export QL240_TEST_DISPLAY="$DISPLAY" QT_QPA_PLATFORM=xcb
 else
     XDG_RUNTIME_DIR=$state weston --backend=headless-backend.so --width=1280 --height=900 --idle-time=0 \

