@@ -1,11 +1,5 @@
-#include <QSemaphore>
-
 #include "base/language.h"
-#include "base/preferences.h"
-#include "mainwindow/picture_adjustment.h"
 #include "mainwindow/viewer.h"
-#include "settings/config_window.h"
-#include "support/made_card.h"
 #include "widgets/image_buttons.h"
 
 namespace ql240 {
@@ -46,13 +40,6 @@ private Q_SLOTS:
     void soundStaysOffOverFolders();
     void fileWithoutClipRecord();
     void brokenClips();
-    void settingsAccepted();
-    void settingsCancelled();
-    void pictureAdjustment_data();
-    void pictureAdjustment();
-    void slowCard();
-    void unitAtStart_data();
-    void unitAtStart();
 
 private:
     Viewer& viewer() { return *m_viewer; }
@@ -61,7 +48,6 @@ private:
     bool isLatched(ButtonId id) {
         return static_cast<ClearButton*>(viewer().window->button(id))->isLatched();
     }
-    void answerSettings(const std::function<void(ConfigWindow&)>& answer);
     int mapMoves() { return int(viewer().pages.scripts.filter(QStringLiteral("go(")).size()); }
 
     std::unique_ptr<Viewer> m_viewer;
@@ -377,130 +363,6 @@ void TestMainWindow::brokenClips() {
     QCOMPARE(viewer().answers.warnings.size(), 1);
     QTRY_COMPARE_WITH_TIMEOUT(viewer().list()->currentRow(), 0, kBoundMs);
     QTRY_VERIFY_WITH_TIMEOUT(viewer().player()->positionMs() > 0, kBoundMs);
-}
-
-// Answers the settings dialog as soon as it runs.
-void TestMainWindow::answerSettings(const std::function<void(ConfigWindow&)>& answer) {
-    auto* poll = new QTimer(viewer().window.get());
-    connect(poll, &QTimer::timeout, poll, [poll, answer] {
-        auto* dialog = qobject_cast<ConfigWindow*>(QApplication::activeModalWidget());
-        if (!dialog)
-            return;
-        poll->deleteLater();
-        answer(*dialog);
-    });
-    poll->start(5);
-}
-
-void TestMainWindow::settingsAccepted() {
-    setCurrentLanguage(QStringLiteral("en"));
-    MadeCard card;
-    viewer().drives.drives = {{card.drive(), {}, {}}};
-    card.put(QStringLiteral("setting/setbrightvalue.dat"), "\4");
-    card.put(QStringLiteral("setting/setcontrastvalue.dat"), "\4");
-    addThree();
-    viewer().show();
-    openCard();
-    QVERIFY(viewer().panel()->kilometres());
-    qint32 offered = 0;
-    answerSettings([&](ConfigWindow& dialog) {
-        offered = dialog.viewerSpeedUnit();
-        setCurrentLanguage(QStringLiteral("kr"));
-        dialog.setViewerSpeedUnit(2);
-        dialog.accept();
-    });
-    viewer().click(ButtonId::Setting);
-    QCOMPARE(offered, 1);
-    QVERIFY(!viewer().window->isPlaying());
-    QVERIFY(!viewer().panel()->kilometres());
-    QString unit;
-    QVERIFY(readSpeedUnit(unit));
-    QCOMPARE(unit, QStringLiteral("mph"));
-    QCOMPARE(viewer().window->button(ButtonId::Play)->accessibleName(), QStringLiteral("재생"));
-    answerSettings([&](ConfigWindow& dialog) {
-        offered = dialog.viewerSpeedUnit();
-        dialog.reject();
-    });
-    viewer().click(ButtonId::Setting);
-    QCOMPARE(offered, 2);
-}
-
-void TestMainWindow::settingsCancelled() {
-    viewer().show();
-    answerSettings([](ConfigWindow& dialog) {
-        dialog.setViewerSpeedUnit(2);
-        dialog.reject();
-    });
-    viewer().click(ButtonId::Setting);
-    QVERIFY(viewer().panel()->kilometres());
-    QString unit;
-    QVERIFY(!readSpeedUnit(unit));
-}
-
-void TestMainWindow::pictureAdjustment_data() {
-    QTest::addColumn<QByteArray>("bright");
-    QTest::addColumn<QByteArray>("contrast");
-    QTest::addColumn<QList<int>>("adjustment");
-    QTest::newRow("neutral") << QByteArray("\4") << QByteArray("\4") << QList<int>{0, 100};
-    QTest::newRow("lowest") << QByteArray("\1") << QByteArray("\1") << QList<int>{-60, 40};
-    QTest::newRow("highest") << QByteArray("\7") << QByteArray("\7") << QList<int>{60, 160};
-    QTest::newRow("zero") << QByteArray(1, '\0') << QByteArray(1, '\0') << QList<int>{0, 60};
-    QTest::newRow("out of the tables") << QByteArray("\x64") << QByteArray("\xff") << QList<int>{0, 100};
-}
-
-void TestMainWindow::pictureAdjustment() {
-    QFETCH(QByteArray, bright);
-    QFETCH(QByteArray, contrast);
-    MadeCard card;
-    viewer().drives.drives = {{viewer().path(QStringLiteral("nocard")), {}, {}}, {card.drive(), {}, {}}};
-    card.put(QStringLiteral("setting/setbrightvalue.dat"), bright);
-    card.put(QStringLiteral("setting/setcontrastvalue.dat"), contrast);
-    const auto read = readCardAdjustment();
-    QVERIFY(read && read->ownFiles);
-    const QList<int> numbers{brightnessOf(read->ownFiles->brightvalue),
-                             contrastOf(read->ownFiles->contrastvalue)};
-    QTEST(numbers, "adjustment");
-}
-
-// A dying card reader holds up neither the window nor the first clip; its answer counts when it comes.
-void TestMainWindow::slowCard() {
-    struct SlowDrives : FakeDrives {
-        QSemaphore answer;
-        QList<DriveInfo> removableDrives() override {
-            answer.acquire();
-            return drives;
-        }
-    } slow;
-    MadeCard card;
-    card.put(QStringLiteral("setting/setbrightvalue.dat"), "\7");
-    card.put(QStringLiteral("setting/setcontrastvalue.dat"), "\7");
-    slow.drives = {{card.drive(), {}, {}}};
-    host().drives = &slow;
-    addThree();
-    viewer().show();
-    openCard();
-    QVERIFY(viewer().window->isPlaying());
-    QCOMPARE(viewer().window->brightness(), 0);
-    slow.answer.release(100);
-    QTRY_COMPARE(viewer().window->brightness(), 60);
-    QCOMPARE(viewer().window->contrast(), 160);
-}
-
-void TestMainWindow::unitAtStart_data() {
-    QTest::addColumn<QString>("stored");
-    QTest::addColumn<bool>("kilometres");
-    QTest::newRow("nothing stored") << QString() << true;
-    QTest::newRow("km") << "km" << true;
-    QTest::newRow("mph") << "mph" << false;
-    QTest::newRow("anything else") << "KM" << false;
-}
-
-void TestMainWindow::unitAtStart() {
-    QFETCH(QString, stored);
-    if (!stored.isNull())
-        writeSpeedUnit(stored);
-    viewer().show();
-    QTEST(viewer().panel()->kilometres(), "kilometres");
 }
 
 } // namespace ql240

@@ -9,15 +9,12 @@
 #include <QTest>
 #include <QTimer>
 #include <QWindow>
-#include <functional>
 
 #include "library/clip.h"
 #include "mainwindow/main_window.h"
 #include "mainwindow/my_list_widget.h"
-#include "mainwindow/window_dialogs.h"
 #include "platform/host.h"
 #include "platform/modules.h"
-#include "platform/url_opener.h"
 #include "platform/wave_out.h"
 #include "playback/video_view.h"
 #include "playback/widget_volume.h"
@@ -27,46 +24,10 @@
 #include "support/fake_folder_dialogs.h"
 #include "support/fake_sensor_library.h"
 #include "support/fake_web_pages.h"
+#include "support/fake_window_dialogs.h"
 #include "support/test_clips.h"
 
 namespace ql240 {
-
-struct FakeUrlOpener : UrlOpener {
-    QStringList opened;
-    bool openUrl(const QString& address) override {
-        opened << address;
-        return true;
-    }
-};
-
-// What the window asked, and what it is answered.
-struct Answers {
-    QStringList warnings; // "title: text"
-    QString openFile;
-    QString saveFile;
-    QStringList asked; // captions, proposed names and filters of the file dialogs
-    std::function<bool(QPrinter&)> print = [](QPrinter&) { return false; };
-};
-
-struct FakeWindowDialogs : WindowDialogs {
-    explicit FakeWindowDialogs(Answers& given) : answers(given) {}
-
-    void warn(QWidget*, const QString& title, const QString& text) override {
-        answers.warnings << title + QStringLiteral(": ") + text;
-    }
-    QString askOpenFile(QWidget*, const QString& caption, const QString& filter) override {
-        answers.asked << caption << filter;
-        return answers.openFile;
-    }
-    QString askSaveFile(QWidget*, const QString& caption, const QString& name,
-                        const QString& filter) override {
-        answers.asked << caption << name << filter;
-        return answers.saveFile;
-    }
-    bool askPrinter(QWidget*, QPrinter& printer) override { return answers.print(printer); }
-
-    Answers& answers;
-};
 
 struct Viewer {
     QTemporaryDir folder;

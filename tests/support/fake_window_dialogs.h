@@ -1,0 +1,49 @@
+// The user of the main window, answered for by the test.
+#pragma once
+
+#include <QStringList>
+#include <functional>
+
+#include "mainwindow/window_dialogs.h"
+#include "platform/url_opener.h"
+
+namespace ql240 {
+
+struct FakeUrlOpener : UrlOpener {
+    QStringList opened;
+    bool openUrl(const QString& address) override {
+        opened << address;
+        return true;
+    }
+};
+
+// What the window asked, and what it is answered.
+struct Answers {
+    QStringList warnings; // "title: text"
+    QString openFile;
+    QString saveFile;
+    QStringList asked; // captions, proposed names and filters of the file dialogs
+    std::function<bool(QPrinter&)> print = [](QPrinter&) { return false; };
+};
+
+struct FakeWindowDialogs : WindowDialogs {
+    explicit FakeWindowDialogs(Answers& given) : answers(given) {}
+
+    void warn(QWidget*, const QString& title, const QString& text) override {
+        answers.warnings << title + QStringLiteral(": ") + text;
+    }
+    QString askOpenFile(QWidget*, const QString& caption, const QString& filter) override {
+        answers.asked << caption << filter;
+        return answers.openFile;
+    }
+    QString askSaveFile(QWidget*, const QString& caption, const QString& name,
+                        const QString& filter) override {
+        answers.asked << caption << name << filter;
+        return answers.saveFile;
+    }
+    bool askPrinter(QWidget*, QPrinter& printer) override { return answers.print(printer); }
+
+    Answers& answers;
+};
+
+} // namespace ql240
