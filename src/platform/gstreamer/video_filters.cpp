@@ -6,6 +6,7 @@
 #include "platform/gstreamer/codec_table.h"
 #include "platform/gstreamer/frame_slot.h"
 #include "platform/gstreamer/video_window.h"
+#include "platform/gstreamer/yuy2_packer.h"
 
 namespace ql240::gstreamer {
 
@@ -42,12 +43,13 @@ Status VideoDecoder::prepareInput(Pin& input, const Pin& upstream) {
     if (!known || factories.empty())
         return kStatusTypeNotAccepted;
     factories.insert(factories.begin(), "queue");
+    factories.push_back(yuy2PackerFactory());
     factories.push_back("videoconvert");
     const auto chain = addChain(factories);
     if (chain.empty())
         return kStatusClassNotRegistered;
     GstElement* queue = chain.front();
-    GstElement* decoder = chain[chain.size() - 2];
+    GstElement* decoder = chain[chain.size() - 3];
     GstElement* converter = chain.back();
     g_object_set(queue, "max-size-time", kQueueTime, "max-size-bytes", 0U, "max-size-buffers", 0U, nullptr);
     // Every decoded frame goes on to the grabber, late or not; what is late isn't drawn.
