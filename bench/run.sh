@@ -17,4 +17,4 @@ for bench in bench_library bench_panel bench_map bench_settings bench_sensor_cli
     [ ! -x "$bin/$bench" ] || { echo; echo "$bench"; bench/in_xvfb.sh "$bin/$bench"; }
 done
 echo
-bench/in_xvfb.sh python3 bench/start_up.py "$bin"
+bench/in_xvfb.sh python3 bench/start_up.py "$bin/ql240-viewer" "$bin/ql240-bench-empty-window"
