@@ -22,127 +22,17 @@ double metresBetween(GeoPosition a, GeoPosition b) {
     return 6371000 * std::hypot(north, east);
 }
 
-double strongestAcceleration(const Drive& drive) {
-    double strongest = 0;
-    for (int i = 0; i <= 200; ++i) {
-        const DriveState state = drive.at(i / 10.0);
-        strongest = std::max(strongest, std::hypot(state.forwardAcc, state.rightAcc));
-    }
-    return strongest;
-}
-
 } // namespace
 
 class TestDemoDrives : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void clipsAreWhatTheCameraRecords();
-    void speedAgreesWithPositionsAndAcceleration_data();
-    void speedAgreesWithPositionsAndAcceleration();
-    void bendsPushSideways();
-    void satellitesAreLostInTheTunnelOnly();
-    void onlyEventClipsHaveAnImpact();
     void trailerIsInStepWithThePicture();
     void soundFollowsTheDrive();
-    void monotoneCurvesDontOvershoot();
     void coloursBecomeTheStandardsSamples_data();
     void coloursBecomeTheStandardsSamples();
 };
-
-void TestDemoDrives::clipsAreWhatTheCameraRecords() {
-    QMap<QString, int> prefixes;
-    int withTwoVideos = 0;
-    for (const ClipPlan& clip : demoClips()) {
-        static const QRegularExpression rule(
-            QStringLiteral("^(REC|EVS|EVT|MOT)_(\\d{4}(_\\d\\d){5})\\.(mp4|avi)$"));
-        const QRegularExpressionMatch match = rule.match(clip.name);
-        QVERIFY2(match.hasMatch(), qPrintable(clip.name));
-        QCOMPARE(clip.drive.start.toString(QStringLiteral("yyyy_MM_dd_hh_mm_ss")), match.captured(2));
-        const bool avi = match.captured(1) == u"EVT" || match.captured(1) == u"MOT";
-        QCOMPARE(match.captured(4), QLatin1String(avi ? "avi" : "mp4"));
-        QCOMPARE(clip.format.container == ClipFormat::Container::Avi, avi);
-        QCOMPARE(clip.format.soundRate == 0, match.captured(1) == u"MOT");
-        QCOMPARE(clip.drive.seconds, 20.0);
-        ++prefixes[match.captured(1)];
-        withTwoVideos += clip.format.videos.size() == 2;
-    }
-    QCOMPARE(prefixes, (QMap<QString, int>{{"REC", 3}, {"EVS", 1}, {"EVT", 1}, {"MOT", 1}}));
-    QCOMPARE(withTwoVideos, 2);
-}
-
-void TestDemoDrives::speedAgreesWithPositionsAndAcceleration_data() {
-    QTest::addColumn<qsizetype>("index");
-    const QList<ClipPlan> clips = demoClips();
-    for (qsizetype i = 0; i < clips.size(); ++i)
-        QTest::newRow(qPrintable(clips[i].name)) << i;
-}
-
-void TestDemoDrives::speedAgreesWithPositionsAndAcceleration() {
-    QFETCH(qsizetype, index);
-    const Drive drive(demoClips()[index].drive);
-    constexpr double step = 0.1;
-    double way = 0;
-    double summedSpeed = 0;
-    double velocity = drive.at(0).speed;
-    for (double time = 0; time < 20 - step / 2; time += step) {
-        const DriveState from = drive.at(time);
-        const DriveState to = drive.at(time + step);
-        const double moved = metresBetween(from.position, to.position);
-        double expected = 0;
-        for (int part = 0; part < 20; ++part) {
-            const DriveState state = drive.at(time + part * 0.005);
-            expected += state.speed * 0.005;
-            velocity += state.forwardAcc * 0.005;
-        }
-        QVERIFY2(std::abs(moved - expected) < 0.02 + 0.03 * expected, qPrintable(QString::number(time)));
-        QVERIFY(to.speed >= 0 && to.speed < 30);
-        way += moved;
-        summedSpeed += expected;
-    }
-    QVERIFY(std::abs(way - summedSpeed) <= 0.01 * summedSpeed);
-    // What the accelerometer felt adds up to the change of speed, give or take the road's noise.
-    QVERIFY2(std::abs(velocity - drive.at(20).speed) < 0.5, qPrintable(QString::number(velocity)));
-    QVERIFY(way > 100 || demoClips()[index].name.startsWith(u"MOT_"));
-}
-
-void TestDemoDrives::bendsPushSideways() {
-    DrivePlan plan;
-    plan.speedKmh = 72;
-    plan.curvature = 0.005;
-    plan.bearingDeg = 90;
-    const Drive drive(plan);
-    const DriveState state = drive.at(10);
-    QVERIFY(std::abs(state.rightAcc - 2.0) < 0.4); // v² / r
-    QVERIFY(std::abs(state.upAcc - 9.8) < 0.6);
-    QCOMPARE(qRound(qRadiansToDegrees(state.heading)), 90 + 57); // 200 m on a circle of 200 m
-    QVERIFY(state.position.latitude < plan.origin.latitude);     // from east to the right is south
-}
-
-void TestDemoDrives::satellitesAreLostInTheTunnelOnly() {
-    int lost = 0;
-    for (const ClipPlan& clip : demoClips()) {
-        const Drive drive(clip.drive);
-        int changes = 0;
-        for (double time = 0.1; time < 20; time += 0.1)
-            changes += drive.at(time).fix != drive.at(time - 0.1).fix;
-        QVERIFY(drive.at(0).fix && drive.at(20).fix);
-        QCOMPARE(changes, clip.world.hasTunnel() ? 2 : 0);
-        lost += changes > 0;
-        for (double time = 0; time < 20; time += 0.1)
-            if (clip.world.inTunnel(drive.at(time).distance))
-                QVERIFY(!drive.at(time).fix);
-    }
-    QCOMPARE(lost, 1);
-}
-
-void TestDemoDrives::onlyEventClipsHaveAnImpact() {
-    for (const ClipPlan& clip : demoClips()) {
-        const bool event = clip.name.startsWith(u"EV");
-        const double g = strongestAcceleration(Drive(clip.drive)) / 9.81;
-        QVERIFY2(event ? g > 2 : g < 0.6, qPrintable(clip.name + QString::number(g)));
-    }
-}
 
 // Loaded as the viewer loads it, the sample of every moment is that of the drive.
 void TestDemoDrives::trailerIsInStepWithThePicture() {
@@ -192,17 +82,6 @@ void TestDemoDrives::soundFollowsTheDrive() {
     const QByteArray ticking = driveSound(Drive(clip.drive), rate, {{16, 18}});
     QCOMPARE(ticking.first(15 * rate * 2), sound.first(15 * rate * 2));
     QVERIFY(loudness(ticking, 16, 18) > loudness(sound, 16, 18));
-}
-
-void TestDemoDrives::monotoneCurvesDontOvershoot() {
-    const Curve curve(Curve::Shape::Monotone, {{0, 0}, {3, 0}, {4, 10}, {4.1, 90}, {8, 90}, {9, 20}});
-    for (double at = -1; at < 10; at += 0.01) {
-        QVERIFY(curve(at) >= -1e-9 && curve(at) <= 90 + 1e-9);
-        if (at < 7.9)
-            QVERIFY(curve(at + 0.01) >= curve(at) - 1e-9);
-    }
-    QCOMPARE(curve(3), 0.0);
-    QCOMPARE(curve(4.1), 90.0);
 }
 
 void TestDemoDrives::coloursBecomeTheStandardsSamples_data() {
