@@ -3,10 +3,13 @@
 #include <QApplication>
 #include <QIcon>
 #include <QLocale>
+#include <QScopeGuard>
 #include <QSplashScreen>
+#include <QTimer>
 #include <cstdio>
 #include <cstdlib>
 
+#include "app/font_warm_up.h"
 #include "app/instance_windows.h"
 #include "app/linux_host.h"
 #include "app/style.h"
@@ -87,6 +90,7 @@ int startUp(int argc, char** argv) {
     LinuxHost platform;
     if (!platform.initialise())
         return kNoPlatform;
+    FontWarmUp fonts;
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
     prepareStyle();
     prepareWebEngine();
@@ -96,7 +100,12 @@ int startUp(int argc, char** argv) {
     qInstallMessageHandler(usual);
     platform.enterApplication();
     applyStyle();
-    QApplication::setWindowIcon(QIcon(skinPixmap(QStringLiteral(":/gfx_r/icon/ico_256.ico"))));
+    fonts.continueWithFonts();
+    const auto fontsFirst = qScopeGuard([&fonts] { fonts.finish(); });
+    // Reading it loads the toolkit's picture plugins; no window needs to wait for that.
+    QTimer::singleShot(0, &application, [] {
+        QApplication::setWindowIcon(QIcon(skinPixmap(QStringLiteral(":/gfx_r/icon/ico_256.ico"))));
+    });
     chooseLanguage();
     QSplashScreen splash(skinPixmap(QStringLiteral(":gfx_r/splash/splash.png")));
     splash.show();

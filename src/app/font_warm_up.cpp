@@ -1,0 +1,48 @@
+#include "app/font_warm_up.h"
+
+#include <dlfcn.h>
+
+#include <QFontMetrics>
+
+#include "widgets/fonts.h"
+
+namespace ql240 {
+namespace {
+
+constexpr int kPagePoints = 10;
+
+// The toolkit calls this itself when it first needs a font; whoever comes second finds the work done. It is
+// looked up, not linked: where the toolkit was built without fontconfig there is nothing to do.
+void readFontConfiguration() {
+    using Initialise = int (*)();
+    if (const auto initialise = reinterpret_cast<Initialise>(::dlsym(RTLD_DEFAULT, "FcInit")))
+        initialise();
+}
+
+} // namespace
+
+FontWarmUp::FontWarmUp()
+    : m_thread([application = m_application.get_future()]() mutable {
+          readFontConfiguration();
+          if (application.get())
+              QFontMetrics(uiFont(kPagePoints)).horizontalAdvance(QStringLiteral("A가"));
+      }) {}
+
+FontWarmUp::~FontWarmUp() {
+    finish();
+}
+
+void FontWarmUp::continueWithFonts() {
+    m_told = true;
+    m_application.set_value(true);
+}
+
+void FontWarmUp::finish() {
+    if (!m_told)
+        m_application.set_value(false);
+    m_told = true;
+    if (m_thread.joinable())
+        m_thread.join();
+}
+
+} // namespace ql240
