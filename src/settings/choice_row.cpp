@@ -108,6 +108,9 @@ QList<ChoiceRow*> addChoiceRows(QWidget* window, RowOwner& owner, std::span<cons
     QList<ChoiceRow*> widgets;
     for (const OptionRow& row : rows)
         widgets.append(new ChoiceRow(window, owner, row));
+    // Under the window's other widgets, in the table's order.
+    for (auto widget = widgets.rbegin(); widget != widgets.rend(); ++widget)
+        (*widget)->lower();
     return widgets;
 }
 

@@ -1,7 +1,6 @@
 #include "settings/config_window.h"
 
 #include <QComboBox>
-#include <QDateTimeEdit>
 #include <QDir>
 #include <QEventLoop>
 #include <QFile>
@@ -11,25 +10,24 @@
 #include <QMessageBox>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPixmapCache>
 
 #include "base/preferences.h"
 #include "settings/card.h"
 #include "settings/config_layout.h"
 #include "settings/device_settings.h"
 #include "settings/dialog_parts.h"
+#include "settings/flat_fields.h"
 #include "settings/window_gmt.h"
 #include "settings/window_pages.h"
+#include "widgets/fonts.h"
 #include "widgets/skin.h"
 
 namespace ql240 {
 
 using namespace std::chrono_literals;
 
-QString clockStyle(bool enabled);
-
 namespace {
-
-constexpr QColor kBackgroundColour(9, 9, 9);
 
 // What a card may keep the interface waiting before the dialog goes on without it, and when it counts as
 // dead.
@@ -46,14 +44,21 @@ constexpr std::array kShockPresets = {ShockPreset{1, 6, 5}, ShockPreset{2, 8, 7}
 } // namespace
 
 ConfigWindow::ConfigWindow(QWidget* parent) : QDialog(parent, Qt::FramelessWindowHint) {
+    // The drives are asked while the widgets are made.
+    m_deadline.setSingleShot(true);
+    connect(&m_deadline, &QTimer::timeout, this, &ConfigWindow::pickCard);
+    readDrives();
+    // Before anything else: new window flags make every child take on its style again.
+    m_helper.watchWindow(this);
+    // The helper's flags alone would make a dialog with a parent a part of it.
+    if (parentWidget())
+        setWindowFlags(windowFlags() | Qt::Dialog);
+    m_helper.setResizable(false);
+    m_helper.setMovable(true);
     setFixedSize(config::kSize);
-    QPalette colours = palette();
-    colours.setColor(backgroundRole(), kBackgroundColour);
-    setPalette(colours);
+    setFont(uiFont(10));
+    useDialogColours(this);
     setAutoFillBackground(true);
-    setStyleSheet(
-        QStringLiteral("color: rgb(220,220,220); font-family: \"Segoe UI\", Arial; font-size: 10pt;"));
-    m_background = skinPixmap(skinPath(QStringLiteral("setting_bg")));
     m_dstMark = skinPixmap(skinPath(QStringLiteral("dst_check")));
     m_marks = {skinPixmap(skinPath(QStringLiteral("check"))),
                skinPixmap(skinPath(QStringLiteral("discheck2"))),
@@ -72,19 +77,11 @@ ConfigWindow::ConfigWindow(QWidget* parent) : QDialog(parent, Qt::FramelessWindo
     m_rows.first()->setFocus();
 
     connect(m_drives, &QComboBox::currentIndexChanged, this, &ConfigWindow::loadData);
-    m_deadline.setSingleShot(true);
-    connect(&m_deadline, &QTimer::timeout, this, &ConfigWindow::pickCard);
-    readDrives();
+    m_reader.wait(kPatience);
     setWindowTitle(tr("QL240 Setting"));
     QString unit;
     m_values.viewerSpeedUnit = readSpeedUnit(unit) && unit != QLatin1String("km") ? 2 : 1;
 
-    m_helper.watchWindow(this);
-    // The helper's flags alone would make a dialog with a parent a part of it.
-    if (parentWidget())
-        setWindowFlags(windowFlags() | Qt::Dialog);
-    m_helper.setResizable(false);
-    m_helper.setMovable(true);
     applySetClock();
     refresh();
 }
@@ -110,7 +107,6 @@ void ConfigWindow::readDrives() {
                        }
                        readContents(names);
                    });
-    m_reader.wait(kPatience);
 }
 
 // Each drive has a thread of its own: one that doesn't answer must not hide another.
@@ -250,13 +246,6 @@ void ConfigWindow::deriveShockPreset() {
     }
 }
 
-void ConfigWindow::applySetClock() {
-    const bool sets = m_values.setsClock != 0;
-    m_clock->setStyleSheet(clockStyle(sets));
-    m_clock->setEnabled(sets);
-    m_getTime->setEnabled(sets);
-}
-
 void ConfigWindow::refresh() {
     for (ChoiceRow* row : std::as_const(m_rows))
         row->refresh();
@@ -265,13 +254,33 @@ void ConfigWindow::refresh() {
 
 // --- Events ---
 
-void ConfigWindow::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
-    painter.drawPixmap(QRect(QPoint(), config::kSize), m_background);
+// The background with its texts. Shaping the texts takes most of a repaint's time, and they change with the
+// language only.
+QPixmap ConfigWindow::page() const {
+    const qreal ratio = devicePixelRatioF();
+    const QString key = QStringLiteral("settings page|%1|%2").arg(currentLanguage()).arg(ratio);
+    QPixmap page;
+    if (QPixmapCache::find(key, &page))
+        return page;
+    page = QPixmap(config::kSize * ratio);
+    page.setDevicePixelRatio(ratio);
+    page.fill(palette().color(backgroundRole()));
+    QPainter painter(&page);
+    painter.drawPixmap(QRect(QPoint(), config::kSize),
+                       readSkinPixmap(skinPath(QStringLiteral("setting_bg"))));
+    painter.setFont(font());
     painter.setPen(kPageText);
     paintLabels(painter, config::kLabels);
     for (const OptionRow& row : config::kRows)
         paintRowTexts(painter, row);
+    painter.end();
+    QPixmapCache::insert(key, page);
+    return page;
+}
+
+void ConfigWindow::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.drawPixmap(0, 0, page());
     for (const OptionRow& row : config::kRows)
         paintRowMarks(painter, row, m_values, m_marks, isOperable(row));
     painter.drawPixmap(config::kDstMark, m_dstMark);

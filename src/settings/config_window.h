@@ -15,12 +15,12 @@
 #include "widgets/window_helper.h"
 
 class QComboBox;
-class QDateTimeEdit;
 class QEventLoop;
 class QLabel;
 
 namespace ql240 {
 
+class FlatField;
 class ImageButton;
 class SettingsPage;
 
@@ -89,6 +89,7 @@ private:
     void showContents(const CardContents& contents);
     void showNoAnswer();
 
+    QPixmap page() const;
     void pickPartition(int value);
     void applyShockPreset();
     void deriveShockPreset();
@@ -114,7 +115,6 @@ private:
     QEventLoop* m_waiting = nullptr;
     bool m_gaveUp = false;
 
-    QPixmap m_background;
     QPixmap m_dstMark;
     MarkImages m_marks;
 
@@ -123,8 +123,8 @@ private:
     QComboBox* m_firmware = nullptr;
     QComboBox* m_micom = nullptr;
     QComboBox* m_languages = nullptr;
-    QDateTimeEdit* m_clock = nullptr;
-    std::array<QDateTimeEdit*, 2> m_dst = {};
+    FlatField* m_clock = nullptr;
+    std::array<FlatField*, 2> m_dst = {};
     ImageButton* m_getTime = nullptr;
     ImageButton* m_zone = nullptr;
     ImageButton* m_screenSaver = nullptr;

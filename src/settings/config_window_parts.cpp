@@ -1,47 +1,21 @@
 // The settings dialog's widgets, made once.
-#include <QComboBox>
-#include <QDateTimeEdit>
 #include <QLabel>
 
 #include "base/preferences.h"
 #include "settings/config_layout.h"
 #include "settings/config_window.h"
 #include "settings/dialog_parts.h"
+#include "settings/flat_fields.h"
 #include "widgets/skin.h"
 
 namespace ql240 {
 namespace {
 
-// A list's own style, for it and its popup, and what the system's style leaves unpainted beside such a sheet.
-QString listStyle(const char* size) {
-    return QStringLiteral(
-               "* {background-color: #ffffff; color: rgb(0,0,0); font-family: \"Segoe UI\", Arial; "
-               "font-size: %1; border: 0px;}"
-               " QComboBox {padding-left: 4px;}"
-               " QComboBox::drop-down {subcontrol-origin: border; width: 17px; border: 0px;}"
-               " QComboBox::down-arrow {image: url(:/gfx_r/2012/combo_down.png); width: 17px;}")
-        .arg(QLatin1String(size));
-}
+constexpr QColor kFaintText(172, 173, 177);
+constexpr QColor kFaintGround(224, 223, 228);
 
-const QString kFieldStyle = QStringLiteral(
-    "QDateTimeEdit {border: 0px ; font-family: 'Segoe UI', 'Arial'; font-size: 10pt; background-color: "
-    "#ffffff;color: rgb(172,173,177);QSpinBox {\t\t\t padding-right: 21px;\t\t\t border-width: 3;\t\t\t "
-    "background-image: url(:/gfx_r/2012/time_up1.png);\t\t }\t\t }\t\t QDateTimeEdit:focus {\t\t\tcolor: "
-    "black;\t\t }");
-
-// What the field's own style leaves to the system's, which paints nothing there once a style sheet is set.
-const QString kFieldButtons = QStringLiteral(
-    " QDateTimeEdit::up-button, QDateTimeEdit::down-button {subcontrol-origin: border; width: 21px; height: "
-    "9px; "
-    "border: 0px;}"
-    " QDateTimeEdit::up-button {subcontrol-position: top right; image: url(:/gfx_r/2012/time_up1.png);}"
-    " QDateTimeEdit::down-button {subcontrol-position: bottom right; image: "
-    "url(:/gfx_r/2012/time_down1.png);}");
-
-QComboBox* addList(QWidget* window, const QRect& place, const char* fontSize) {
-    auto* list = new QComboBox(window);
-    list->setGeometry(place);
-    list->setStyleSheet(listStyle(fontSize));
+QComboBox* addList(QWidget* window, const QRect& place, int points) {
+    auto* list = new FlatList(window, place, points);
     // For screen readers: a list's own name is its current entry, and the label beside it is only painted.
     auto* label = new QLabel(window);
     label->setBuddy(list);
@@ -56,15 +30,6 @@ QLabel* labelOf(const QComboBox* list) {
     return *found;
 }
 
-QDateTimeEdit* addField(QWidget* window, const QRect& place, const QString& format) {
-    auto* field = new QDateTimeEdit(window);
-    field->setGeometry(place);
-    field->setAlignment(Qt::AlignVCenter);
-    field->setDisplayFormat(format);
-    field->setStyleSheet(kFieldStyle + kFieldButtons);
-    return field;
-}
-
 ImagePaths withDisabled(ImagePaths images, const QString& name) {
     images[size_t(ImageSlot::Disabled)] = skinPath(name);
     return images;
@@ -72,35 +37,31 @@ ImagePaths withDisabled(ImagePaths images, const QString& name) {
 
 } // namespace
 
-QString clockStyle(bool enabled) {
-    const QString colours =
-        enabled ? QStringLiteral("background-color: #ffffff;color: rgb(0,0,0);")
-                : QStringLiteral("background-color: rgb(224,223,228);color: rgb(172,173,177);");
-    return QStringLiteral(
-               "QDateTimeEdit {border: 0px ; font-family: 'Segoe UI', 'Arial'; font-size: 10pt; ") +
-           colours +
-           QStringLiteral(
-               "QSpinBox {\t\t\t padding-right: 21px;\t\t\t border-width: 3;\t\t\t background-image: "
-               "url(:/gfx_r/2012/time_up1.png);\t\t }\t\t }") +
-           kFieldButtons;
-}
-
 void ConfigWindow::addTopLists() {
-    m_drives = addList(this, config::kDriveList, "9pt");
-    m_firmware = addList(this, config::kFirmwareList, "9pt");
-    m_micom = addList(this, config::kMicomList, "9pt");
+    m_drives = addList(this, config::kDriveList, 9);
+    m_firmware = addList(this, config::kFirmwareList, 9);
+    m_micom = addList(this, config::kMicomList, 9);
 }
 
 void ConfigWindow::addClock() {
-    m_clock = addField(this, config::kClockField, QStringLiteral("yyyy-MM-dd hh:mm:ss"));
+    m_clock = new FlatField(this, config::kClockField, QStringLiteral("yyyy-MM-dd hh:mm:ss"));
     m_clock->setObjectName(QStringLiteral("dateTime"));
     m_clock->setDateTime(QDateTime::currentDateTime());
-    m_dst = {addField(this, config::kDstStart, QStringLiteral("MM-dd hh:00")),
-             addField(this, config::kDstEnd, QStringLiteral("MM-dd hh:00"))};
-    for (QDateTimeEdit* field : m_dst)
+    m_dst = {new FlatField(this, config::kDstStart, QStringLiteral("MM-dd hh:00")),
+             new FlatField(this, config::kDstEnd, QStringLiteral("MM-dd hh:00"))};
+    for (FlatField* field : m_dst) {
+        field->setColours(kFaintText, Qt::white);
         field->setEnabled(false);
+    }
     m_getTime = addTextButton(this, "get_time_", config::kGetTime, uiText(13));
     connect(m_getTime, &QToolButton::clicked, this, &ConfigWindow::OnSlotsGetTime);
+}
+
+void ConfigWindow::applySetClock() {
+    const bool sets = m_values.setsClock != 0;
+    m_clock->setColours(sets ? Qt::black : kFaintText, sets ? Qt::white : kFaintGround);
+    m_clock->setEnabled(sets);
+    m_getTime->setEnabled(sets);
 }
 
 void ConfigWindow::addPageButtons() {
@@ -140,7 +101,7 @@ void ConfigWindow::addOtherButtons() {
 }
 
 void ConfigWindow::addLanguageList() {
-    m_languages = addList(this, config::kLanguageList, "10pt");
+    m_languages = addList(this, config::kLanguageList, 10);
     for (int id = 39; id <= 43; ++id)
         m_languages->addItem(uiText(id));
     QString code;
@@ -157,7 +118,7 @@ void ConfigWindow::nameForScreenReaders() {
     labelOf(m_micom)->setText(QStringLiteral("마이콤"));
     labelOf(m_languages)->setText(uiText(22));
     m_clock->setAccessibleName(uiText(10));
-    for (QDateTimeEdit* field : m_dst)
+    for (FlatField* field : m_dst)
         field->setAccessibleName(uiText(11));
     m_zone->setAccessibleDescription(uiText(12));
 }

@@ -3,16 +3,39 @@
 #include <QFontMetrics>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QScreen>
 
+#include "settings/option_rows.h"
 #include "widgets/fonts.h"
 #include "widgets/skin.h"
 
 namespace ql240 {
+namespace {
+
+constexpr QColor kGround(9, 9, 9);
+constexpr int kTitlePoints = 11;
+
+} // namespace
+
+void useDialogColours(QWidget* window) {
+    QPalette colours = window->palette();
+    colours.setColor(QPalette::WindowText, kPageText);
+    colours.setColor(window->backgroundRole(), kGround);
+    window->setPalette(colours);
+}
+
+QLabel* addLabel(QWidget* window, const QRect& place, const QString& text, const QColor& colour, int points) {
+    auto* label = new QLabel(text, window);
+    label->setGeometry(place);
+    label->setFont(uiFont(points));
+    QPalette colours = label->palette();
+    colours.setColor(QPalette::WindowText, colour);
+    label->setPalette(colours);
+    return label;
+}
 
 QLabel* addTitle(QWidget* window, const QRect& place, const QString& text) {
-    auto* title = new QLabel(window);
-    title->setGeometry(place);
-    setTitle(title, text, place.width());
+    QLabel* title = addLabel(window, place, text, kPageText, kTitlePoints);
     // A press on the title drags the window.
     title->setAttribute(Qt::WA_TransparentForMouseEvents);
     return title;
@@ -20,12 +43,7 @@ QLabel* addTitle(QWidget* window, const QRect& place, const QString& text) {
 
 void setTitle(QLabel* title, const QString& text, int room) {
     title->setText(text);
-    int points = 11;
-    while (points > 8 && QFontMetrics(uiFont(points)).horizontalAdvance(text) > room)
-        --points;
-    title->setStyleSheet(
-        QStringLiteral("color: rgb(220,220,220); font-family: \"Segoe UI\", Arial; font-size: %1pt;")
-            .arg(points));
+    title->setFont(fittingFont(uiFont(kTitlePoints), text, room));
 }
 
 ImageButton* addCloseButton(QWidget* window, const QRect& place) {
@@ -40,6 +58,18 @@ ImageButton* addTextButton(QWidget* window, const char* images, const QRect& pla
     button->setGeometry(place);
     button->setText(text);
     return button;
+}
+
+void centreOverParent(QWidget* window) {
+    if (!window->parentWidget())
+        return;
+    const QWidget* below = window->parentWidget()->window();
+    QRect place(QPoint(), window->size());
+    place.moveCenter(below->geometry().center());
+    const QRect screen = below->screen()->availableGeometry();
+    place.moveLeft(qMax(screen.left(), qMin(place.left(), screen.right() + 1 - place.width())));
+    place.moveTop(qMax(screen.top(), qMin(place.top(), screen.bottom() + 1 - place.height())));
+    window->move(place.topLeft());
 }
 
 bool isEnter(const QKeyEvent* event) {

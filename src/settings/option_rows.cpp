@@ -1,6 +1,5 @@
 #include "settings/option_rows.h"
 
-#include <QFontInfo>
 #include <QFontMetrics>
 #include <QPainter>
 
@@ -12,19 +11,44 @@ namespace {
 constexpr int kSmallestPoints = 8;
 constexpr int kGap = 2; // between a name and what follows
 
+// Measuring a text costs as much as painting it, and no letter is wider than the font is high.
+bool surelyFits(const QFont& font, const QString& text, int width) {
+    return text.size() * font.pixelSize() <= width;
+}
+
 void paintText(QPainter& painter, const QRect& box, Qt::Alignment align, const QString& text, int width) {
+    const int flags = int(align | Qt::AlignVCenter) | Qt::TextDontClip;
     const QFont usual = painter.font();
+    if (surelyFits(usual, text, width)) {
+        painter.drawText(box, flags, text);
+        return;
+    }
     painter.setFont(fittingFont(usual, text, width));
-    painter.drawText(box, int(align | Qt::AlignVCenter) | Qt::TextDontClip, text);
+    painter.drawText(box, flags, text);
     painter.setFont(usual);
+}
+
+// From the name's beginning to the box of the first choice, whose text may begin further to the right.
+int widthToChoices(const OptionRow& row) {
+    int right = row.nameBox.right() + 1;
+    for (const Choice& choice : row.choices) {
+        const QRect place = choice.text | choice.mark;
+        if (place.left() > row.nameBox.left())
+            right = qMin(right, place.left());
+    }
+    return right - row.nameBox.left();
 }
 
 } // namespace
 
 QFont fittingFont(QFont font, const QString& text, int width) {
+    const int needed = QFontMetrics(font).horizontalAdvance(text);
+    if (needed <= width)
+        return font;
+    // Straight to the size that should do: each size tried has its font loaded.
     const int smallest = fontPixels(kSmallestPoints);
-    // A font that a style sheet gave knows points only.
-    int size = QFontInfo(font).pixelSize();
+    int size = qMax(smallest, font.pixelSize() * width / needed);
+    font.setPixelSize(size);
     while (size > smallest && QFontMetrics(font).horizontalAdvance(text) > width)
         font.setPixelSize(--size);
     return font;
@@ -51,20 +75,25 @@ QRect boundsOf(const Choice& choice) {
 }
 
 QRect boundsOf(const OptionRow& row) {
-    QRect bounds = row.nameBox;
+    QRect choices;
     for (const Choice& choice : row.choices)
-        bounds |= boundsOf(choice);
-    return bounds;
+        choices |= boundsOf(choice);
+    QRect name = row.nameBox;
+    // A name beside its choices ends with them; its box may reach under other widgets.
+    if (choices.right() > name.left() && choices.top() < name.bottom() && choices.bottom() > name.top())
+        name.setRight(qMin(name.right(), choices.right()));
+    return name | choices;
 }
 
 int roomForName(const OptionRow& row, const QFontMetrics& metrics) {
     int right = row.nameBox.right() + 1;
     for (const Choice& choice : row.choices) {
+        const QRect place = choice.text | choice.mark;
+        if (place.top() > row.nameBox.bottom() || place.bottom() < row.nameBox.top() || place.left() >= right)
+            continue;
         const int text = choice.text.right() + 1 - metrics.horizontalAdvance(choice.name.text());
         const int left = choice.text.isNull() ? choice.mark.left() : text;
-        const QRect place = choice.text | choice.mark;
-        if (left > row.nameBox.left() && place.top() < row.nameBox.bottom() &&
-            place.bottom() > row.nameBox.top())
+        if (left > row.nameBox.left())
             right = qMin(right, left - kGap);
     }
     return right - row.nameBox.left();
@@ -77,9 +106,12 @@ void paintLabels(QPainter& painter, std::span<const PageLabel> labels) {
 }
 
 void paintRowTexts(QPainter& painter, const OptionRow& row) {
-    if (!row.nameBox.isNull())
-        paintText(painter, row.nameBox, Qt::AlignLeft, row.name.text(),
-                  roomForName(row, painter.fontMetrics()));
+    if (!row.nameBox.isNull()) {
+        const QString name = row.name.text();
+        const bool isShort = surelyFits(painter.font(), name, widthToChoices(row));
+        paintText(painter, row.nameBox, Qt::AlignLeft, name,
+                  isShort ? row.nameBox.width() : roomForName(row, painter.fontMetrics()));
+    }
     for (const Choice& choice : row.choices) {
         if (!choice.text.isNull())
             paintText(painter, choice.text, row.choiceAlign, choice.name.text(), choice.text.width());

@@ -18,6 +18,7 @@ SettingsPage::SettingsPage(QWidget* parent, const pages::PageLayout& layout)
     m_marks.chosen = skinPixmap(skinPath(QStringLiteral("check")));
     setFont(uiFont(8));
     resize(layout.size);
+    centreOverParent(this);
     setWindowTitle(QString::fromUtf16(layout.title));
     addTitle(this, layout.titleBox, windowTitle());
     addButtons();

@@ -1,6 +1,5 @@
 #include "settings/window_gmt.h"
 
-#include <QComboBox>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
@@ -8,14 +7,15 @@
 #include "base/language.h"
 #include "settings/choice_row.h"
 #include "settings/dialog_parts.h"
+#include "settings/flat_fields.h"
 #include "settings/time_zones.h"
+#include "widgets/fonts.h"
 #include "widgets/skin.h"
 
 namespace ql240 {
 namespace {
 
 constexpr QSize kSize(633, 361);
-constexpr QColor kBackgroundColour(9, 9, 9);
 constexpr int kBarTop = 30;
 constexpr int kBarHeight = 299;
 constexpr int kFirstBar = 21; // +9, the camera's home
@@ -24,13 +24,11 @@ constexpr int kFirstBar = 21; // +9, the camera's home
 
 WindowGMT::WindowGMT(QWidget* parent)
     : QDialog(parent, Qt::FramelessWindowHint), m_background(skinPixmap(skinPath(QStringLiteral("gmt_bg")))) {
-    QPalette colours = palette();
-    colours.setColor(backgroundRole(), kBackgroundColour);
-    setPalette(colours);
+    setFont(uiFont(9));
+    useDialogColours(this);
     setAutoFillBackground(true);
-    setStyleSheet(
-        QStringLiteral("color: rgb(220,220,220); font-family: \"Segoe UI\", Arial; font-size: 9pt;"));
     setFixedSize(kSize);
+    centreOverParent(this);
     addTitle(this, {60, 5, 250, 24}, QStringLiteral("GMT Seting"));
     addButtons();
     addBars();
@@ -62,12 +60,7 @@ void WindowGMT::addBars() {
 }
 
 void WindowGMT::addZoneList() {
-    m_zones = new QComboBox(this);
-    m_zones->setGeometry(29, 336, 373, 16);
-    // The field needs a light ground of its own: the program's palette is dark, the text black.
-    m_zones->setStyleSheet(
-        QStringLiteral("background-color: #ffffff; color: rgb(0,0,0); font-family: \"Segoe UI\", "
-                       "Arial; font-size: 10pt; border: 0px;"));
+    m_zones = new FlatList(this, {29, 336, 373, 16}, 10);
     m_zones->setAccessibleName(uiText(12));
     for (const TimeZone& zone : kTimeZones)
         m_zones->addItem(QLatin1String(zone.name), QLatin1String(zone.code));

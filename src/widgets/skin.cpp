@@ -11,7 +11,13 @@ QString doubledPath(const QString& path) {
     return dot < 0 ? QString() : path.left(dot) + QStringLiteral("@2x") + path.mid(dot);
 }
 
-QPixmap loadPixmap(const QString& path) {
+} // namespace
+
+QString skinPath(const QString& name) {
+    return QStringLiteral(":/gfx_r/2012/") + name + QStringLiteral(".png");
+}
+
+QPixmap readSkinPixmap(const QString& path) {
     if (qApp->devicePixelRatio() > 1.0) {
         QPixmap doubled(doubledPath(path));
         if (!doubled.isNull()) {
@@ -22,17 +28,11 @@ QPixmap loadPixmap(const QString& path) {
     return QPixmap(path);
 }
 
-} // namespace
-
-QString skinPath(const QString& name) {
-    return QStringLiteral(":/gfx_r/2012/") + name + QStringLiteral(".png");
-}
-
 QPixmap skinPixmap(const QString& path) {
     const QString key = QStringLiteral("%1|%2").arg(path).arg(qApp->devicePixelRatio());
     QPixmap pixmap;
     if (!QPixmapCache::find(key, &pixmap)) {
-        pixmap = loadPixmap(path);
+        pixmap = readSkinPixmap(path);
         if (!pixmap.isNull())
             QPixmapCache::insert(key, pixmap);
     }
