@@ -7,6 +7,7 @@
 #include <QPixmap>
 #include <QTimer>
 #include <array>
+#include <chrono>
 #include <optional>
 #include <vector>
 
@@ -69,11 +70,14 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    // What a card may keep the interface waiting before the dialog goes on without it.
+    static constexpr std::chrono::milliseconds kPatience{80};
+
     const RowValues& rowValues() const override { return m_values; }
     bool isOperable(const OptionRow& row) const override;
     void choose(const OptionRow& row, int value) override;
 
-    // config_window_parts.cpp: what is made once.
+    // config_window_parts.cpp: the widgets, made once.
     void addTopLists();
     void addClock();
     void addPageButtons();
@@ -81,13 +85,19 @@ private:
     void addLanguageList();
     void nameForScreenReaders();
 
-    // Loading: all drives at first, to find the card among them, one drive when it is chosen.
+    // config_window_card.cpp: loading, of all drives at first, to find the card among them, and of one when
+    // it is chosen; and saving.
     void readDrives();
     void readContents(const QStringList& drives);
     void keepContents(int index, const CardContents& contents);
     void pickCard();
     void showContents(const CardContents& contents);
     void showNoAnswer();
+    // False if the user gave up waiting.
+    bool saveToCard();
+    bool waitForWriter();
+    void applyPreferences();
+    void retranslate();
 
     QPixmap page() const;
     void pickPartition(int value);
@@ -96,11 +106,6 @@ private:
     void applySetClock();
     void runPage(SettingsPage& page);
     void refresh();
-    // False if the user gave up waiting.
-    bool saveToCard();
-    bool waitForWriter();
-    void applyPreferences();
-    void retranslate();
 
     RowValues m_values;
     QString m_drive; // the drive text whose folders these are

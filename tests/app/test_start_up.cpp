@@ -37,6 +37,7 @@ private Q_SLOTS:
     void noDisplay_data();
     void noDisplay();
     void closingTheSettingsWindowEndsTheTool();
+    void settingsToolIsLight();
 
 private:
     QProcess* start(const QStringList& arguments, const QMap<QString, QString>& extra = {});
@@ -214,6 +215,18 @@ void TestStartUp::closingTheSettingsWindowEndsTheTool() {
     QTimer::singleShot(kBoundMs, qApp, [] { QCoreApplication::exit(-1); });
     QCOMPARE(QCoreApplication::exec(), 0);
     QVERIFY(closed);
+}
+
+// The settings tool loads neither the media pipeline nor the web engine.
+void TestStartUp::settingsToolIsLight() {
+    const QProcess* tool = start({QStringLiteral("settings")});
+    QTRY_VERIFY_WITH_TIMEOUT(isRunning(kSetting), kBoundMs);
+    QFile maps(QStringLiteral("/proc/%1/maps").arg(tool->processId()));
+    QVERIFY(maps.open(QIODevice::ReadOnly));
+    const QByteArray loaded = maps.readAll();
+    QVERIFY(loaded.contains("libQt6Widgets"));
+    for (const char* heavy : {"libgst", "libav", "libQt6WebEngine", "libQt6Qml", "libql240-"})
+        QVERIFY2(!loaded.contains(heavy), heavy);
 }
 
 QTEST_MAIN(TestStartUp)

@@ -15,11 +15,6 @@ using namespace ql240;
 
 namespace {
 
-struct NamedValue {
-    const char* name;
-    int RowValues::*value;
-};
-
 int RowValues::*valueOf(const QByteArray& name) {
     if (name == "viewerSpeedUnit")
         return &RowValues::viewerSpeedUnit;

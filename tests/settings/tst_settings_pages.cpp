@@ -78,26 +78,12 @@ QList<PageRow> pageRows() {
     };
 }
 
-std::unique_ptr<SettingsPage> makePage(int number) {
-    switch (number) {
-        case 0:
-            return std::make_unique<WindowBtn0>(nullptr);
-        case 1:
-            return std::make_unique<WindowBtn1>(nullptr);
-        case 2:
-            return std::make_unique<WindowBtn2>(nullptr);
-        case 3:
-            return std::make_unique<WindowBtn3>(nullptr);
-        case 4:
-            return std::make_unique<WindowBtn4>(nullptr);
-        case 5:
-            return std::make_unique<WindowBtn5>(nullptr);
-        case 6:
-            return std::make_unique<WindowBtn6>(nullptr);
-        default:
-            return std::make_unique<WindowBtn7>(nullptr);
-    }
+template <class Page>
+std::unique_ptr<SettingsPage> make() {
+    return std::make_unique<Page>(nullptr);
 }
+constexpr std::array kMakers = {make<WindowBtn0>, make<WindowBtn1>, make<WindowBtn2>, make<WindowBtn3>,
+                                make<WindowBtn4>, make<WindowBtn5>, make<WindowBtn6>, make<WindowBtn7>};
 
 constexpr QSize kMark(14, 14);
 
@@ -150,7 +136,7 @@ void TestSettingsPages::rows_data() {
 void TestSettingsPages::rows() {
     QFETCH(int, index);
     const PageRow row = pageRows()[index];
-    const auto page = makePage(row.page);
+    const auto page = kMakers[size_t(row.page)]();
     const QImage background(skinPath(QLatin1String(pages::kPages[size_t(row.page)].background)));
     QVERIFY(!background.isNull());
     RowValues values;
@@ -179,30 +165,25 @@ void TestSettingsPages::rows() {
 
 void TestSettingsPages::frames_data() {
     QTest::addColumn<int>("number");
-    QTest::addColumn<QString>("className");
     QTest::addColumn<QSize>("size");
     QTest::addColumn<QPoint>("ok");
     QTest::addColumn<QPoint>("cancel");
     QTest::addColumn<QPoint>("close");
 
-    const QSize tall(554, 260), flat(554, 147);
+    const QSize tall(554, 260), flat(554, 147), narrow(241, 260);
     for (const int number : {0, 1, 2, 7}) {
+        const QPoint close(number == 7 ? 509 : 510, 13);
+        QTest::addRow("page %d", number) << number << tall << QPoint(473, 221) << QPoint(408, 221) << close;
+    }
+    for (const int number : {3, 4, 5})
         QTest::addRow("page %d", number)
-            << number << QStringLiteral("ql240::WindowBtn%1").arg(number) << tall << QPoint(473, 221)
-            << QPoint(408, 221) << QPoint(number == 7 ? 509 : 510, 13);
-    }
-    for (const int number : {3, 4, 5}) {
-        QTest::addRow("page %d", number) << number << QStringLiteral("ql240::WindowBtn%1").arg(number) << flat
-                                         << QPoint(473, 108) << QPoint(408, 108) << QPoint(510, 13);
-    }
-    QTest::addRow("page 6") << 6 << "ql240::WindowBtn6" << QSize(241, 260) << QPoint(160, 221)
-                            << QPoint(95, 221) << QPoint(197, 13);
+            << number << flat << QPoint(473, 108) << QPoint(408, 108) << QPoint(510, 13);
+    QTest::newRow("page 6") << 6 << narrow << QPoint(160, 221) << QPoint(95, 221) << QPoint(197, 13);
 }
 
 void TestSettingsPages::frames() {
     QFETCH(int, number);
-    const auto page = makePage(number);
-    QTEST(QString::fromLatin1(page->metaObject()->className()), "className");
+    const auto page = kMakers[size_t(number)]();
     QTEST(page->size(), "size");
     QFETCH(QPoint, ok);
     QFETCH(QPoint, cancel);
