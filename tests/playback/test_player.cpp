@@ -130,6 +130,35 @@ private Q_SLOTS:
         QCOMPARE(open.player().positionMs(), 0);
     }
 
+    // The picture that a pause holds is the next one, or the one that was on screen.
+    void pauseHoldsThePosition_data() { clips(); }
+    void pauseHoldsThePosition() {
+        QFETCH(TestClipSpec, spec);
+        OpenClip open(makeTestClip(spec));
+        const auto times = testClipFrameTimes(spec);
+        const auto framesOff = [&] {
+            return open.grabbed() - frameAt(times, std::chrono::milliseconds(open.player().positionMs()));
+        };
+        open.player().play();
+        QTRY_VERIFY_WITH_TIMEOUT(open.player().positionMs() > 500, kPatienceMs);
+        const auto before = open.player().positionMs();
+        open.player().pause();
+        const auto held = open.player().positionMs();
+        QVERIFY2(held >= before && held < before + 500, qPrintable(QString::number(held)));
+        QTRY_VERIFY_WITH_TIMEOUT(std::abs(framesOff()) <= 1, kPatienceMs);
+        const auto from = open.player().positionMs();
+        open.player().stepForward();
+        QVERIFY(std::abs(open.player().positionMs() - from - Player::kStep / 10000) <= 1);
+        QTRY_COMPARE_WITH_TIMEOUT(framesOff(), 0, kPatienceMs);
+
+        open.player().play();
+        QTRY_VERIFY_WITH_TIMEOUT(open.player().positionMs() > from + 300, kPatienceMs);
+        open.player().stop();
+        open.player().rewind();
+        open.player().pause();
+        QTRY_COMPARE_WITH_TIMEOUT(open.shown(), 0, kPatienceMs);
+    }
+
     void playsToTheEndAtTheRightSpeed_data() { clips(); }
     void playsToTheEndAtTheRightSpeed() {
         QFETCH(TestClipSpec, spec);

@@ -65,12 +65,20 @@ bool Transport::applyState() {
 bool Transport::setState(GraphState state) {
     if (m_state == state && state != GraphState::Stopped)
         return true;
+    if (m_state == GraphState::Running && !m_inFlight)
+        leaveHeld();
     m_state = state;
     if (state == GraphState::Stopped) {
         m_pending = 0;
         m_ended = false;
     }
     return applyState();
+}
+
+// Time has gone on since the last seek.
+void Transport::leaveHeld() {
+    m_last = position();
+    m_held.reset();
 }
 
 void Transport::seek(std::int64_t target) {
@@ -142,8 +150,10 @@ std::int64_t Transport::position() const {
     if (m_held && m_state != GraphState::Running)
         return *m_held;
     gint64 ns = 0;
+    // A pause doesn't turn time back, though the picture that it holds may have begun before it.
+    const std::int64_t earliest = m_held.value_or(m_state == GraphState::Running ? 0 : m_last);
     if (!m_inFlight && gst_element_query_position(m_pipeline, GST_FORMAT_TIME, &ns))
-        m_last = std::clamp(toUnits(ns), m_held.value_or(0), m_duration);
+        m_last = std::clamp(toUnits(ns), earliest, m_duration);
     else if (m_held)
         m_last = *m_held;
     return m_last;

@@ -45,6 +45,7 @@ public:
 private:
     bool applyState();
     bool sendSeek(std::int64_t target);
+    void leaveHeld();
     void settle();
     bool seekToLastFrame();
     void end();
