@@ -18,3 +18,5 @@ for bench in bench_library bench_panel bench_map bench_settings bench_sensor_cli
 done
 echo
 bench/in_xvfb.sh python3 bench/start_up.py "$bin/ql240-viewer" "$bin/ql240-bench-empty-window"
+# The hour of play is for whoever has one: the same without "1080p".
+bench/in_xvfb.sh python3 bench/hour.py "$bin/ql240-viewer" 1080p

@@ -102,7 +102,7 @@ VideoView* MainWindow::bigView() const {
 
 bool MainWindow::handToPanel(const QMouseEvent& event) {
     const QPoint point = event.position().toPoint();
-    if (!m_progressPanel->isVisible() || !holds(m_progressPanel->geometry(), point))
+    if (!holds(m_progressPanel->geometry(), point))
         return false;
     QMouseEvent handed(event.type(), event.position() - m_progressPanel->pos(), event.globalPosition(),
                        event.button(), event.buttons(), Qt::NoModifier);
