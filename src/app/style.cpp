@@ -1,9 +1,13 @@
 #include "app/style.h"
 
 #include <QApplication>
+#include <QPainter>
 #include <QPalette>
+#include <QProxyStyle>
+#include <QStyleOption>
 
 #include "widgets/fonts.h"
+#include "widgets/skin.h"
 
 namespace ql240 {
 namespace {
@@ -12,6 +16,7 @@ namespace {
 constexpr QColor kWindow(34, 34, 33);
 constexpr QColor kField(9, 9, 9);
 constexpr QColor kRaised(48, 48, 47);
+constexpr QColor kLine(62, 62, 59);
 constexpr QColor kText(220, 220, 220);
 constexpr QColor kFaint(120, 120, 120);
 constexpr QColor kSelection(24, 86, 79); // the skin's accent, dark enough for white texts
@@ -19,7 +24,7 @@ constexpr QColor kSelection(24, 86, 79); // the skin's accent, dark enough for w
 QPalette darkPalette() {
     QPalette palette(kText, kRaised, kText, kField, kFaint, kText, kText, kField, kWindow);
     palette.setColor(QPalette::AlternateBase, kRaised);
-    palette.setColor(QPalette::ToolTipBase, kRaised);
+    palette.setColor(QPalette::ToolTipBase, kWindow);
     palette.setColor(QPalette::ToolTipText, kText);
     palette.setColor(QPalette::PlaceholderText, kFaint);
     palette.setColor(QPalette::Highlight, kSelection);
@@ -30,6 +35,36 @@ QPalette darkPalette() {
     return palette;
 }
 
+// Message boxes, dialogs and hover texts as parts of the skin: one stroke, no pictures of the desktop's own.
+class SkinStyle : public QProxyStyle {
+public:
+    SkinStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
+
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* data) const override {
+        return hint == SH_DialogButtonBox_ButtonsHaveIcons
+                   ? 0
+                   : QProxyStyle::styleHint(hint, option, widget, data);
+    }
+
+    QIcon standardIcon(StandardPixmap icon, const QStyleOption* option,
+                       const QWidget* widget) const override {
+        return icon == SP_MessageBoxWarning ? skinIcon(skinPath(QStringLiteral("message_warning")))
+                                            : QProxyStyle::standardIcon(icon, option, widget);
+    }
+
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override {
+        if (element != PE_PanelTipLabel) {
+            QProxyStyle::drawPrimitive(element, option, painter, widget);
+            return;
+        }
+        painter->setPen(kLine);
+        painter->setBrush(option->palette.toolTipBase());
+        painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
+    }
+};
+
 } // namespace
 
 void prepareStyle() {
@@ -38,7 +73,7 @@ void prepareStyle() {
 }
 
 void applyStyle() {
-    QApplication::setStyle(QStringLiteral("Fusion"));
+    QApplication::setStyle(new SkinStyle);
     QApplication::setPalette(darkPalette());
     installFontSubstitutes();
     QApplication::setFont(uiFont(10));

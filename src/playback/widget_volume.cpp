@@ -60,6 +60,7 @@ void WidgetVolume::mouseMoveEvent(QMouseEvent* event) {
 
 void WidgetVolume::paintEvent(QPaintEvent*) {
     QPainter painter(this);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawPixmap(rect(), m_bar);
     if (!isEnabled())
         return;

@@ -13,6 +13,17 @@ namespace {
 constexpr QColor kFocusColour(200, 200, 200);
 // Widgets whose middles are this close in height stand on one line.
 constexpr int kSameLine = 10;
+// Between a row and its focus frame, which also goes round the numbers that a background shows over the
+// marks.
+constexpr int kFrameGap = 4;
+constexpr int kNumbersHeight = 20;
+
+QRect frameOf(const OptionRow& row) {
+    const bool numbered = row.kind == RowKind::Choices && row.choices.front().text.isNull();
+    const QRect marks = row.choices.front().mark;
+    const QRect numbers(marks.left(), marks.top() - kNumbersHeight, 1, kNumbersHeight);
+    return (numbered ? boundsOf(row) | numbers : boundsOf(row)).adjusted(-kFrameGap, 0, kFrameGap, 0);
+}
 
 } // namespace
 
@@ -21,7 +32,7 @@ ChoiceRow::ChoiceRow(QWidget* window, RowOwner& owner, const OptionRow& row)
     installChoiceRowAccessibility();
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setFocusPolicy(row.kind == RowKind::ShownOnly ? Qt::NoFocus : Qt::TabFocus);
-    setGeometry(boundsOf(row) & window->rect());
+    setGeometry(frameOf(row) & window->rect());
     m_told = chosenIndex();
 }
 

@@ -149,6 +149,7 @@ QPixmap ConfigWindow::page() const {
     page.setDevicePixelRatio(ratio);
     page.fill(palette().color(backgroundRole()));
     QPainter painter(&page);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawPixmap(QRect(QPoint(), config::kSize),
                        readSkinPixmap(skinPath(QStringLiteral("setting_bg"))));
     painter.setFont(font());
@@ -163,6 +164,7 @@ QPixmap ConfigWindow::page() const {
 
 void ConfigWindow::paintEvent(QPaintEvent*) {
     QPainter painter(this);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawPixmap(0, 0, page());
     for (const OptionRow& row : config::kRows)
         paintRowMarks(painter, row, m_values, m_marks, isOperable(row));

@@ -54,6 +54,7 @@ void FlatList::changeEvent(QEvent* event) {
 
 void FlatList::paintEvent(QPaintEvent*) {
     QPainter painter(this);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.fillRect(rect(), palette().base());
     const int arrow = qRound(m_arrow.deviceIndependentSize().width());
     painter.drawPixmap(QRect(width() - arrow, 0, arrow, height()), m_arrow);

@@ -24,6 +24,9 @@ SettingsPage::SettingsPage(QWidget* parent, const pages::PageLayout& layout)
     addButtons();
     m_rows = addChoiceRows(this, *this, layout.rows);
     setTabOrderByPlace(this);
+    // Who opened the page by a key sees at once where the next one goes.
+    setAttribute(Qt::WA_KeyboardFocusChange,
+                 parent && parent->window()->testAttribute(Qt::WA_KeyboardFocusChange));
     if (!m_rows.isEmpty())
         m_rows.first()->setFocus();
 }
@@ -69,6 +72,7 @@ void SettingsPage::choose(const OptionRow& row, int value) {
 
 void SettingsPage::paintEvent(QPaintEvent*) {
     QPainter painter(this);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawPixmap(QRect(QPoint(), m_layout.size), m_background);
     painter.setFont(uiFont(8));
     painter.setPen(kPageText);

@@ -8,6 +8,7 @@
 #include "settings/choice_row.h"
 #include "settings/dialog_parts.h"
 #include "settings/flat_fields.h"
+#include "settings/option_rows.h"
 #include "settings/time_zones.h"
 #include "widgets/fonts.h"
 #include "widgets/skin.h"
@@ -18,6 +19,7 @@ namespace {
 constexpr QSize kSize(633, 361);
 constexpr int kBarTop = 30;
 constexpr int kBarHeight = 299;
+constexpr int kLabelGap = 4;  // between the texts of neighbouring bars
 constexpr int kFirstBar = 21; // +9, the camera's home
 
 } // namespace
@@ -53,6 +55,7 @@ void WindowGMT::addBars() {
     for (size_t k = 0; k < kHourBars.size(); ++k) {
         const HourBar& bar = kHourBars[k];
         m_bars[k] = new IconToolButtonA(this, QLatin1String(bar.text));
+        m_bars[k]->setFont(fittingFont(m_bars[k]->font(), m_bars[k]->text(), bar.width - kLabelGap));
         m_bars[k]->setObjectName(QString::number(k));
         m_bars[k]->setGeometry(bar.x, kBarTop, bar.width, kBarHeight);
         connect(m_bars[k], &QToolButton::clicked, this, &WindowGMT::OnSlotsButton);
@@ -129,7 +132,9 @@ void WindowGMT::selectBar(int bar) {
 }
 
 void WindowGMT::paintEvent(QPaintEvent*) {
-    QPainter(this).drawPixmap(rect(), m_background);
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawPixmap(rect(), m_background);
 }
 
 void WindowGMT::keyPressEvent(QKeyEvent* event) {

@@ -27,9 +27,12 @@ void paintKeyGround(Canvas& canvas, const QRectF& rect, Look look) {
     canvas.outline(rect, kRadius, canvas.color(hover ? "accent" : "line"));
 }
 
-// A key without ground of its own until the pointer is on it: the small commands of the title bars.
+// A key without ground of its own until the pointer is on it: the small commands of the title bars. An outline
+// would stand too close to the glyph.
 void paintFlatGround(Canvas& canvas, const QRectF& rect, Look look) {
-    if (look != Normal) {
+    if (look == Hover) {
+        canvas.shade(rect, kRadius, canvas.color("keyHoverTop"), canvas.color("keyHover"));
+    } else if (look == Pressed) {
         paintKeyGround(canvas, rect, look);
     }
 }

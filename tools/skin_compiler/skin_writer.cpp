@@ -50,51 +50,6 @@ QByteArray pngBytes(const QImage& image) {
     return bytes;
 }
 
-bool isOpaque(const QImage& image) {
-    for (int y = 0; y < image.height(); ++y) {
-        const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
-        if (!std::all_of(line, line + image.width(), [](QRgb pixel) { return qAlpha(pixel) == 255; })) {
-            return false;
-        }
-    }
-    return true;
-}
-
-// The same picture with a colour table; nothing when it has more than 256 colours.
-QImage indexed(const QImage& image) {
-    QImage result(image.size(), QImage::Format_Indexed8);
-    QHash<QRgb, uchar> table;
-    for (int y = 0; y < image.height(); ++y) {
-        const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
-        for (int x = 0; x < image.width(); ++x) {
-            auto entry = table.constFind(line[x]);
-            if (entry == table.constEnd()) {
-                if (table.size() == 256) {
-                    return {};
-                }
-                entry = table.insert(line[x], static_cast<uchar>(table.size()));
-            }
-            result.scanLine(y)[x] = *entry;
-        }
-    }
-    QList<QRgb> colours(table.size());
-    for (auto entry = table.cbegin(); entry != table.cend(); ++entry) {
-        colours[*entry] = entry.key();
-    }
-    result.setColorTable(colours);
-    return result;
-}
-
-// The form that loads fastest: a large picture with a colour table takes a third, one without an alpha
-// channel half of the time that one with all channels takes.
-QImage quickToLoad(const QImage& image) {
-    if (!isOpaque(image)) {
-        return image.convertToFormat(QImage::Format_ARGB32);
-    }
-    const QImage withTable = indexed(image);
-    return withTable.isNull() ? image.convertToFormat(QImage::Format_RGB32) : withTable;
-}
-
 // An icon file that holds one PNG: a directory of one entry of 16 bytes after a header of 6.
 QByteArray icoBytes(const QImage& image) {
     const QByteArray png = pngBytes(image);
@@ -151,7 +106,7 @@ QImage renderPicture(const Picture& picture, const Palette& palette, const QStri
         }
     }
     painter.end();
-    return quickToLoad(image);
+    return image;
 }
 
 bool writeSkin(const PictureTable& table, const QString& sourceFolder, const QDir& output, QString& error) {
