@@ -49,8 +49,18 @@ public:
 
     QIcon standardIcon(StandardPixmap icon, const QStyleOption* option,
                        const QWidget* widget) const override {
-        return icon == SP_MessageBoxWarning ? skinIcon(skinPath(QStringLiteral("message_warning")))
-                                            : QProxyStyle::standardIcon(icon, option, widget);
+        switch (icon) {
+            case SP_MessageBoxWarning:
+                return skinIcon(skinPath(QStringLiteral("message_warning")));
+            case SP_DirIcon:
+                return skinIcon(skinPath(QStringLiteral("tree_folder")));
+            case SP_DirHomeIcon:
+                return skinIcon(skinPath(QStringLiteral("tree_home")));
+            case SP_DriveHDIcon:
+                return skinIcon(skinPath(QStringLiteral("tree_drive")));
+            default:
+                return QProxyStyle::standardIcon(icon, option, widget);
+        }
     }
 
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,

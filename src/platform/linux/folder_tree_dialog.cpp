@@ -140,7 +140,8 @@ void FolderTreeDialog::setSelection(const QString& path) {
     for (const QString& name : rest.split(QLatin1Char('/'), Qt::SkipEmptyParts))
         item = childNamed(item, name);
     m_tree->setCurrentItem(item);
-    m_tree->scrollToItem(item);
+    layout()->activate(); // before it is shown too, the tree has the height in which the folder is to be seen
+    m_tree->scrollToItem(item, QAbstractItemView::PositionAtCenter);
 }
 
 void FolderTreeDialog::enableOk(bool enabled) {
