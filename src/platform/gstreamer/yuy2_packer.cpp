@@ -90,7 +90,7 @@ void yuy2_packer_class_init(Yuy2PackerClass* klass) {
     gst_element_class_add_pad_template(element,
                                        gst_pad_template_new("src", GST_PAD_SRC, GST_PAD_ALWAYS, any.get()));
     gst_element_class_set_static_metadata(element, "YUY2 packer", "Filter/Converter/Video",
-                                          "Packs planar frames", "");
+                                          "Packs planar frames", "QL240 Viewer");
     GST_BASE_TRANSFORM_CLASS(klass)->transform_caps = transformCaps;
     GST_BASE_TRANSFORM_CLASS(klass)->passthrough_on_same_caps = TRUE;
     GST_VIDEO_FILTER_CLASS(klass)->transform_frame = packFrame;
