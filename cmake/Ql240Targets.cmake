@@ -15,7 +15,7 @@ function(ql240_test name)
     set_target_properties(${name} PROPERTIES AUTOMOC ON
         RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
-    target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} Qt6::Test)
+    target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} Qt6::Test ql240_sanitizing)
     if(NOT ARG_TIMEOUT)
         set(ARG_TIMEOUT 120)
     endif()

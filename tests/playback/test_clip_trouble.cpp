@@ -82,6 +82,8 @@ private Q_SLOTS:
         m_mp4 = makeTestClip({});
         m_avi = makeTestClip(aviTestClip());
         QVERIFY(!m_mp4.isEmpty() && !m_avi.isEmpty());
+        // The first clip of a process finds the plugins, the first of a build lists them.
+        expectGoodClipPlays();
     }
 
     void brokenFilesEndAsFailureOrEmpty_data() {
@@ -174,7 +176,9 @@ private Q_SLOTS:
         QTRY_COMPARE_LE(entriesOf(QStringLiteral("/proc/self/task")), threads);
         QCOMPARE_LE(entriesOf(QStringLiteral("/proc/self/fd")), descriptors);
         qInfo("memory grew by %lld KiB in 500 openings", residentKiB() - memory);
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // they keep freed memory back
         QCOMPARE_LT(residentKiB() - memory, 16 * 1024);
+#endif
     }
 };
 

@@ -1,0 +1,24 @@
+#!/bin/sh
+# Opens, plays, seeks, steps and closes damaged clips, all in one process: damaged-clips.sh [COUNT [PRESET]], by default
+# 3000 with the dev preset, and puts the figures into docs/damaged-clips.md. With the asan preset it only prints them.
+set -eu
+cd "$(dirname "$0")/.."
+
+count=${1:-3000}
+preset=${2:-dev}
+
+scripts/bootstrap.sh run
+cmake --preset "$preset" > /dev/null
+cmake --build "build/$preset" --target damaged_clips
+
+table=$(mktemp)
+trap 'rm -f "$table"' EXIT
+[ "$preset" != asan ] || export LSAN_OPTIONS="suppressions=$PWD/tests/support/leaks.supp:print_suppressions=0"
+cd "build/$preset"
+../../tests/support/run_test.sh tests/damaged_clips "$count" > "$table" || { cat "$table"; exit 1; }
+cd ../..
+cat "$table"
+[ "$preset" = dev ] || exit 0
+page=docs/damaged-clips.md
+text=$(sed '/^| Clip /,$d' "$page")
+{ printf '%s\n\n' "$text"; cat "$table"; } > "$page"

@@ -1,0 +1,35 @@
+// Damages clips in ways that tell: cuts them, flips bytes, and drops, swaps and mismeasures the boxes of an
+// MP4 file or the chunks of an AVI file. The same clip, damage and number always give the same bytes.
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <array>
+
+namespace ql240 {
+
+enum class Damage { Cut, Flip, Drop, Swap, Length };
+inline constexpr std::array kDamages{Damage::Cut, Damage::Flip, Damage::Drop, Damage::Swap, Damage::Length};
+
+const char* damageName(Damage damage);
+
+// A box or chunk: its place in the file, header included, and that of its length field (4 bytes).
+struct ClipPart {
+    qsizetype at = 0;
+    qsizetype size = 0;
+    qsizetype lengthAt = 0;
+    int parent = -1;      // index in the list of parts
+    bool isMedia = false; // pictures and sound
+};
+
+// All parts, parents before their children.
+QList<ClipPart> partsOf(const QByteArray& clip);
+
+// An MP4 clip with its index (32-bit offsets) ahead of the media, as cameras write it that keep room for it.
+QByteArray withIndexFirst(const QByteArray& clip);
+
+// `clip` with damage `number` of `count` of its kind: cuts are spread over the file, everything else is drawn
+// by lot.
+QByteArray damaged(const QByteArray& clip, Damage damage, int number, int count);
+
+} // namespace ql240
