@@ -5,6 +5,7 @@
 #include "mainwindow/frame_output.h"
 #include "mainwindow/viewer.h"
 #include "support/frame_code.h"
+#include "support/pdf_page.h"
 
 namespace ql240 {
 
@@ -14,35 +15,6 @@ namespace {
 
 constexpr int kBoundMs = 15000;
 constexpr int kFrameAfterThreeSteps = 5; // 199.9998 ms at 30 frames a second
-
-// The page descriptions within a PDF file, unpacked.
-QByteArray pageTexts(const QString& path) {
-    QFile file(path);
-    if (!file.open(QFile::ReadOnly))
-        return {};
-    const QByteArray bytes = file.readAll();
-    QByteArray texts;
-    for (qsizetype at = bytes.indexOf("stream\n"); at >= 0; at = bytes.indexOf("stream\n", at + 1)) {
-        const QByteArray packed = bytes.mid(at + 7, bytes.indexOf("endstream", at + 7) - at - 7);
-        if (packed.startsWith('\x78'))
-            texts += qUncompress(QByteArray::fromHex("00001000") + packed);
-    }
-    return texts;
-}
-
-// Where images are drawn on the page, in the printer's pixels from the corner of the printable area.
-QList<QRect> imagePlaces(const QString& path) {
-    static const QRegularExpression drawing(QStringLiteral(
-        "([\\d.]+) 0 0 ([\\d.]+) ([\\d.-]+) ([\\d.-]+) cm\\s+(\\d+) 0 0 -(\\d+) 0 \\d+ cm /Im"));
-    QList<QRect> places;
-    auto found = drawing.globalMatch(QString::fromLatin1(pageTexts(path)));
-    while (found.hasNext()) {
-        const QRegularExpressionMatch match = found.next();
-        const auto number = [&match](int group) { return match.captured(group).toDouble(); };
-        places << QRectF(number(3), number(4), number(1) * number(5), number(2) * number(6)).toRect();
-    }
-    return places;
-}
 
 } // namespace
 

@@ -3,8 +3,10 @@
 #pragma once
 
 #include <QAbstractButton>
+#include <QCursor>
 #include <QDir>
 #include <QLabel>
+#include <QListWidgetItem>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -114,6 +116,20 @@ struct Viewer {
     // A real button event at a place of the window.
     void mouse(Qt::MouseButton button, QPoint place) const {
         QTest::mouseClick(window->windowHandle(), button, {}, place);
+    }
+    // The pointer is there too, as it is when a user clicks.
+    void clickEntry(const QString& name) const {
+        const auto found = list()->findItems(name, Qt::MatchExactly);
+        QCOMPARE(found.size(), 1);
+        list()->scrollToItem(found[0]);
+        const QPoint place = list()->visualItemRect(found[0]).center();
+        QCursor::setPos(list()->viewport()->mapToGlobal(place));
+        mouse(Qt::LeftButton, list()->viewport()->mapTo(window.get(), place));
+    }
+    // Where the dashboard's strip stands for a position of a clip.
+    static QPoint onStrip(int ms, int durationMs) {
+        const QRect panel = layout::kProgressPanel;
+        return panel.topLeft() + QPoint(2 + ms * (panel.width() - 14) / durationMs, 15);
     }
     void key(int key, Qt::KeyboardModifiers modifiers = {}) const {
         QTest::keyClick(window->windowHandle(), static_cast<Qt::Key>(key), modifiers);
