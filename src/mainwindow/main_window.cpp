@@ -1,10 +1,10 @@
 #include "mainwindow/main_window.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QLabel>
 #include <QTimer>
 
-#include "base/language.h"
 #include "base/preferences.h"
 #include "library/clip_folder.h"
 #include "mainwindow/my_list_widget.h"
@@ -13,7 +13,6 @@
 #include "playback/widget_volume.h"
 #include "sensors/map_view.h"
 #include "sensors/widget_progress.h"
-#include "widgets/image_buttons.h"
 #include "widgets/skin.h"
 #include "widgets/window_helper.h"
 
@@ -31,20 +30,13 @@ bool storedUnitIsKilometres() {
     return !readSpeedUnit(unit) || unit == QLatin1String("km");
 }
 
-ImagePaths imagesOf(const layout::ButtonRow& row) {
-    const QString stem = QLatin1String(row.images);
-    if (row.id != ButtonId::Logo)
-        return controlImages(stem);
-    const QString logo = skinPath(stem);
-    return {logo, logo, logo, logo};
-}
-
 } // namespace
 
 MainWindow::MainWindow(QWidget* parent, Qt::WindowFlags flags)
     : QMainWindow(parent, flags),
       m_background(skinPixmap(skinPath(QStringLiteral("main_viewer_bg")))),
       m_windowHelper(std::make_unique<FlHlp>()),
+      m_adjustment([this] { adjustPicture(); }),
       m_dialogs(std::make_unique<WindowDialogs>()) {
     setAutoFillBackground(true);
     QPalette colours = palette();
@@ -55,11 +47,9 @@ MainWindow::MainWindow(QWidget* parent, Qt::WindowFlags flags)
     setAcceptDrops(true);
 
     makeWidgets();
-    makeButtons();
+    m_buttons.make(this);
     connectButtons();
     setWindowTitle(tr("QL240 Viewer"));
-    for (const layout::ButtonRow& row : layout::kButtons)
-        button(row.id)->setGeometry(row.place);
     makeViews();
 
     m_windowHelper->watchWindow(this);
@@ -68,7 +58,7 @@ MainWindow::MainWindow(QWidget* parent, Qt::WindowFlags flags)
     showPausedState();
     setControlsEnabled(false);
     OnZoomWinMode(false);
-    loadPictureAdjustment();
+    m_adjustment.loadPictureAdjustment();
     for (QWidget* widget : QApplication::allWidgets())
         widget->setContextMenuPolicy(Qt::NoContextMenu);
 }
@@ -109,30 +99,10 @@ void MainWindow::makeWidgets() {
     m_folderLabel->setGeometry(layout::kFolderLabel);
 }
 
-void MainWindow::makeButtons() {
-    for (const layout::ButtonRow& row : layout::kButtons) {
-        QAbstractButton*& made = m_buttons[static_cast<std::size_t>(row.id)];
-        if (row.id == ButtonId::Logo)
-            made = new IconButton(this, imagesOf(row), row.place.size());
-        else
-            made = new ClearButton(this, imagesOf(row));
-        made->setAccessibleName(tr(row.name));
-    }
-    retranslateButtons();
-}
-
-void MainWindow::retranslateButtons() {
-    for (const layout::ButtonRow& row : layout::kButtons) {
-        if (row.textId != layout::kNoText)
-            clearButton(row.id)->setHoverText(uiText(row.textId));
-    }
-}
-
-void MainWindow::connectButton(ButtonId id, void (MainWindow::*slot)()) {
-    connect(button(id), &QAbstractButton::clicked, this, slot);
-}
-
 void MainWindow::connectButtons() {
+    const auto connectButton = [this](ButtonId id, auto slot) {
+        connect(button(id), &QAbstractButton::clicked, this, slot);
+    };
     connectButton(ButtonId::Play, &MainWindow::OnSlotsplay);
     connectButton(ButtonId::Pause, &MainWindow::OnSlotspause);
     connectButton(ButtonId::Stop, &MainWindow::OnSlotsstop);
@@ -149,7 +119,7 @@ void MainWindow::connectButtons() {
     connectButton(ButtonId::Snapshot, &MainWindow::OnSlotssnapshot);
     connectButton(ButtonId::Print, &MainWindow::OnSlotsprint);
     connectButton(ButtonId::Minimise, &MainWindow::showMinimized);
-    connect(button(ButtonId::Exit), &QAbstractButton::clicked, this, &QWidget::close);
+    connectButton(ButtonId::Exit, &QWidget::close);
     connectButton(ButtonId::OpenFile, &MainWindow::OnSlotsfile_open);
     connectButton(ButtonId::OpenFolder, &MainWindow::OnSlotsfolder_open);
     connectButton(ButtonId::Logo, &MainWindow::OnSlotsLink);
@@ -160,15 +130,6 @@ void MainWindow::makeViews() {
     m_mainView->setAccessibleName(tr("Video"));
     m_subView = new VideoView(this);
     setNormalLayout();
-}
-
-QAbstractButton* MainWindow::button(ButtonId id) const {
-    return m_buttons[static_cast<std::size_t>(id)];
-}
-
-// Every button but the logo is of this class.
-ClearButton* MainWindow::clearButton(ButtonId id) const {
-    return static_cast<ClearButton*>(button(id));
 }
 
 void MainWindow::setNormalLayout() {

@@ -5,22 +5,17 @@
 
 #include <QMainWindow>
 #include <QPixmap>
-#include <array>
 #include <memory>
 
-#include "mainwindow/main_window_layout.h"
-#include "settings/card_jobs.h"
+#include "mainwindow/main_window_buttons.h"
+#include "mainwindow/picture_adjustment.h"
 
-class QAbstractButton;
 class QLabel;
 class QListWidgetItem;
 class QTimer;
 
 namespace ql240 {
 
-struct AdjustmentSetting;
-struct CardAdjustment;
-class ClearButton;
 class Clip;
 class ClipFolder;
 class FlHlp;
@@ -43,11 +38,9 @@ public:
     // Opens the folder and plays the clip named, the first one where there is none of that name.
     void openFolder(const QString& path, const QString& clipName = {});
 
-    QAbstractButton* button(layout::ButtonId id) const;
+    QAbstractButton* button(layout::ButtonId id) const { return m_buttons.at(id); }
     bool isPlaying() const { return m_playing; }
-    // The picture adjustment that the card asks for.
-    qint32 brightness() const { return m_brightness; }
-    qint32 contrast() const { return m_contrast; }
+    const PictureAdjustment& pictureAdjustment() const { return m_adjustment; }
 
 public Q_SLOTS:
     void OnSlotsplay();
@@ -98,11 +91,8 @@ protected:
 
 private:
     void makeWidgets();
-    void makeButtons();
     void makeViews();
-    void connectButton(layout::ButtonId id, void (MainWindow::*slot)());
     void connectButtons();
-    void retranslateButtons();
 
     void setNormalLayout();
     void setFullScreenLayout();
@@ -119,17 +109,13 @@ private:
     void closeCurrent();
     void showFolder(std::unique_ptr<ClipFolder> folder, const QString& clipName);
     void releaseFolder();
-    void loadPictureAdjustment();
-    void awaitPictureAdjustment();
-    void applyPictureAdjustment(const CardAdjustment& read);
-    void setAdjustment(const AdjustmentSetting& setting);
+    void adjustPicture();
     void stepFrame(bool forward);
     VideoView* zoomTarget() const;
     VideoView* bigView() const;
     bool pausedSnap(QImage* images);
     bool runCommandKey(const QKeyEvent& event);
     bool handToPanel(const QMouseEvent& event);
-    ClearButton* clearButton(layout::ButtonId id) const;
 
     WidgetProgressA* m_progressPanel = nullptr;
     Player* m_currentPlayer = nullptr;
@@ -142,17 +128,14 @@ private:
     std::unique_ptr<FlHlp> m_windowHelper;
     std::unique_ptr<ClipFolder> m_folder;
     QLabel* m_folderLabel = nullptr;
-    std::array<QAbstractButton*, layout::kButtonCount> m_buttons{};
+    MainWindowButtons m_buttons;
     MapView* m_mapView = nullptr;
     bool m_playing = false;
     WidgetVolume* m_volume = nullptr;
     QTimer* m_updateTimer = nullptr;
-    qint32 m_brightness = 0;
-    qint32 m_contrast = 100;
-    bool m_settingsChanged = false;
+    PictureAdjustment m_adjustment;
 
     std::unique_ptr<WindowDialogs> m_dialogs;
-    CardJobs m_cardJobs; // reads the picture adjustment
     bool m_fullScreenLayout = false;
     bool m_painted = false;
 };

@@ -1,7 +1,6 @@
-// Folders, files and clips: opening, listing, closing, and what the card says about the picture.
+// Folders, files and clips: opening, listing, closing; the settings dialog.
 #include <QFileInfo>
 #include <QLabel>
-#include <chrono>
 
 #include "base/preferences.h"
 #include "library/clip.h"
@@ -10,7 +9,6 @@
 #include "library/folder_browser.h"
 #include "mainwindow/main_window.h"
 #include "mainwindow/my_list_widget.h"
-#include "mainwindow/picture_adjustment.h"
 #include "mainwindow/window_dialogs.h"
 #include "playback/video_view.h"
 #include "sensors/map_view.h"
@@ -18,14 +16,6 @@
 #include "settings/config_window.h"
 
 namespace ql240 {
-namespace {
-
-using namespace std::chrono_literals;
-
-// A card that answers is waited for; the answer of a slow one comes when it comes.
-constexpr auto kCardPatience = 100ms;
-
-} // namespace
 
 void MainWindow::OnSlotsfolder_open() {
     FolderBrowser browser(this);
@@ -90,9 +80,9 @@ void MainWindow::closeCurrent() {
 }
 
 void MainWindow::loadClip(Clip* clip) {
-    if (m_settingsChanged)
-        loadPictureAdjustment();
-    awaitPictureAdjustment();
+    if (m_adjustment.settingsChanged())
+        m_adjustment.loadPictureAdjustment();
+    m_adjustment.await();
     if (showClipInView(clip))
         updateClipInformation(clip);
     else
@@ -107,7 +97,7 @@ bool MainWindow::showClipInView(Clip* clip) {
     m_progressPanel->setDateText(clipDateText(clip->file().fileName()));
     m_progressPanel->setClipPath(clip->file().absoluteFilePath());
     m_mainView->setFrameSize(player->videoSize(0));
-    m_mainView->setImageAdjust(m_brightness, m_contrast);
+    m_mainView->setImageAdjust(m_adjustment.brightness(), m_adjustment.contrast());
     if (opened) {
         m_currentPlayer = player;
         m_subView->setSecondPlayer(player);
@@ -145,42 +135,17 @@ void MainWindow::OnSlotssetting() {
         static_cast<qint32>(m_progressPanel->kilometres() ? SpeedUnit::Kmh : SpeedUnit::Mph));
     if (!dialog.exec())
         return;
-    m_settingsChanged = true;
+    m_adjustment.setSettingsChanged();
     const bool kilometres = dialog.viewerSpeedUnit() == static_cast<qint32>(SpeedUnit::Kmh);
     m_progressPanel->setKilometres(kilometres);
     writeSpeedUnit(kilometres ? QStringLiteral("km") : QStringLiteral("mph"));
-    retranslateButtons();
+    m_buttons.retranslateButtons();
 }
 
-void MainWindow::loadPictureAdjustment() {
-    auto read = std::make_shared<std::optional<CardAdjustment>>();
-    m_cardJobs.forget();
-    m_cardJobs.start([read] { *read = readCardAdjustment(); },
-                     [this, read] {
-                         if (*read)
-                             applyPictureAdjustment(**read);
-                     });
-}
-
-void MainWindow::awaitPictureAdjustment() {
-    m_cardJobs.wait(kCardPatience);
-}
-
-void MainWindow::applyPictureAdjustment(const CardAdjustment& read) {
-    if (!m_settingsChanged)
-        setAdjustment(read.settings);
-    if (read.ownFiles) {
-        m_settingsChanged = false;
-        setAdjustment(*read.ownFiles);
-    }
-    // The card may have answered after its clip was opened.
+// The card may have answered after its clip was opened.
+void MainWindow::adjustPicture() {
     if (m_mainView->player()->clip())
-        m_mainView->setImageAdjust(m_brightness, m_contrast);
-}
-
-void MainWindow::setAdjustment(const AdjustmentSetting& setting) {
-    m_brightness = brightnessOf(setting.brightvalue);
-    m_contrast = contrastOf(setting.contrastvalue);
+        m_mainView->setImageAdjust(m_adjustment.brightness(), m_adjustment.contrast());
 }
 
 } // namespace ql240

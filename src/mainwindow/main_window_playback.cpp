@@ -47,10 +47,10 @@ void MainWindow::showPausedState() {
 }
 
 void MainWindow::OnSlotsplay() {
-    if (m_settingsChanged) {
-        loadPictureAdjustment();
-        awaitPictureAdjustment();
-        m_mainView->setImageAdjust(m_brightness, m_contrast);
+    if (m_adjustment.settingsChanged()) {
+        m_adjustment.loadPictureAdjustment();
+        m_adjustment.await();
+        m_mainView->setImageAdjust(m_adjustment.brightness(), m_adjustment.contrast());
     }
     m_subView->player()->play();
     m_mainView->player()->play();
@@ -179,7 +179,7 @@ void MainWindow::OnSlotspan() {
 
 void MainWindow::OnZoomWinMode(bool on) {
     m_zoomWinMode = on;
-    clearButton(ButtonId::Pan)->setLatched(on);
+    m_buttons.clear(ButtonId::Pan)->setLatched(on);
     m_windowHelper->setMovable(!on);
     m_clipList->setEnabled(!on);
     m_mapView->setEnabled(!on);
@@ -191,7 +191,7 @@ void MainWindow::OnSlotsvolume() {
     const bool on = !m_volume->isEnabled();
     m_volume->setSoundOn(on);
     m_volume->setEnabled(on);
-    clearButton(ButtonId::Volume)->setLatched(!on);
+    m_buttons.clear(ButtonId::Volume)->setLatched(!on);
 }
 
 } // namespace ql240

@@ -1,12 +1,18 @@
 #include "mainwindow/picture_adjustment.h"
 
 #include <array>
+#include <chrono>
+#include <memory>
 
 #include "settings/card.h"
 #include "settings/device_settings.h"
 
 namespace ql240 {
 namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kCardPatience = 100ms;
 
 // By the values 0 to 7.
 using Table = std::array<qint32, 8>;
@@ -38,6 +44,35 @@ qint32 brightnessOf(int brightvalue) {
 
 qint32 contrastOf(int contrastvalue) {
     return lookUp(kContrast, contrastvalue);
+}
+
+void PictureAdjustment::loadPictureAdjustment() {
+    auto read = std::make_shared<std::optional<CardAdjustment>>();
+    m_jobs.forget();
+    m_jobs.start([read] { *read = readCardAdjustment(); },
+                 [this, read] {
+                     if (*read)
+                         apply(**read);
+                 });
+}
+
+void PictureAdjustment::await() {
+    m_jobs.wait(kCardPatience);
+}
+
+void PictureAdjustment::apply(const CardAdjustment& read) {
+    if (!m_settingsChanged)
+        set(read.settings);
+    if (read.ownFiles) {
+        m_settingsChanged = false;
+        set(*read.ownFiles);
+    }
+    m_changed();
+}
+
+void PictureAdjustment::set(const AdjustmentSetting& setting) {
+    m_brightness = brightnessOf(setting.brightvalue);
+    m_contrast = contrastOf(setting.contrastvalue);
 }
 
 } // namespace ql240

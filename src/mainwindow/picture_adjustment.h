@@ -1,9 +1,11 @@
-// The picture adjustment that the camera's card asks for. Reading it blocks on the card: any thread but the
-// interface's.
+// The picture adjustment that the camera's card asks for.
 #pragma once
 
 #include <QtGlobal>
+#include <functional>
 #include <optional>
+
+#include "settings/card_jobs.h"
 
 namespace ql240 {
 
@@ -18,12 +20,42 @@ struct CardAdjustment {
     std::optional<AdjustmentSetting> ownFiles; // nothing unless both have a file of their own
 };
 
-// From the first removable drive with a settings folder; nothing when there is none.
+// From the first removable drive with a settings folder; nothing when there is none. Blocks on the card: any
+// thread but the interface's.
 std::optional<CardAdjustment> readCardAdjustment();
 
 // What the frames are adjusted by: brightness is added, contrast is in percent. A value that no card should
 // hold leaves the picture as it was recorded.
 qint32 brightnessOf(int brightvalue);
 qint32 contrastOf(int contrastvalue);
+
+// What the frames are adjusted by, kept as the card last told it. Interface thread only, where `changed` is
+// called too, once the card has answered.
+class PictureAdjustment {
+public:
+    explicit PictureAdjustment(std::function<void()> changed) : m_changed(std::move(changed)) {}
+
+    qint32 brightness() const { return m_brightness; }
+    qint32 contrast() const { return m_contrast; }
+
+    // The settings dialog was accepted: the card may hold something else now.
+    void setSettingsChanged() { m_settingsChanged = true; }
+    bool settingsChanged() const { return m_settingsChanged; }
+
+    // Asks the card, without waiting for it.
+    void loadPictureAdjustment();
+    // Waits for an answer under way, though not for long: that of a slow card comes when it comes.
+    void await();
+
+private:
+    void apply(const CardAdjustment& read);
+    void set(const AdjustmentSetting& setting);
+
+    std::function<void()> m_changed;
+    qint32 m_brightness = 0;
+    qint32 m_contrast = 100;
+    bool m_settingsChanged = false;
+    CardJobs m_jobs;
+};
 
 } // namespace ql240

@@ -108,7 +108,7 @@ void TestFiveCards::thePictureFollowsTheCard() {
             QTest::mouseClick(dialog.windowHandle(), Qt::LeftButton, {}, config::kOk.center());
         });
         m_viewer.click(ButtonId::Play);
-        QTRY_COMPARE_WITH_TIMEOUT(m_viewer.window->brightness(), kAdded[i], kBoundMs);
+        QTRY_COMPARE_WITH_TIMEOUT(m_viewer.window->pictureAdjustment().brightness(), kAdded[i], kBoundMs);
     }
 }
 

@@ -139,10 +139,10 @@ void TestMainWindowSettings::slowCard() {
     viewer().show();
     openCard();
     QVERIFY(viewer().window->isPlaying());
-    QCOMPARE(viewer().window->brightness(), 0);
+    QCOMPARE(viewer().window->pictureAdjustment().brightness(), 0);
     slow.answer.release(100);
-    QTRY_COMPARE(viewer().window->brightness(), 60);
-    QCOMPARE(viewer().window->contrast(), 160);
+    QTRY_COMPARE(viewer().window->pictureAdjustment().brightness(), 60);
+    QCOMPARE(viewer().window->pictureAdjustment().contrast(), 160);
 }
 
 void TestMainWindowSettings::unitAtStart_data() {

@@ -1,0 +1,32 @@
+// The main window's buttons: made, placed and named by the layout's table. Their widgets belong to the
+// window. Interface thread only.
+#pragma once
+
+#include <QCoreApplication>
+#include <array>
+
+#include "mainwindow/main_window_layout.h"
+
+class QAbstractButton;
+class QWidget;
+
+namespace ql240 {
+
+class ClearButton;
+
+class MainWindowButtons {
+    Q_DECLARE_TR_FUNCTIONS(ql240::MainWindow)
+public:
+    void make(QWidget* window);
+    // Sets the hover texts in the current language.
+    void retranslateButtons();
+
+    QAbstractButton* at(layout::ButtonId id) const { return m_buttons[static_cast<std::size_t>(id)]; }
+    // Every button but the logo is of this class.
+    ClearButton* clear(layout::ButtonId id) const;
+
+private:
+    std::array<QAbstractButton*, layout::kButtonCount> m_buttons{};
+};
+
+} // namespace ql240
