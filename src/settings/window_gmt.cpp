@@ -52,10 +52,13 @@ void WindowGMT::addButtons() {
 }
 
 void WindowGMT::addBars() {
+    QFont font = uiFont(9); // the same for all bars: as small as the narrowest needs it
+    for (const HourBar& bar : kHourBars)
+        font = fittingFont(font, QLatin1String(bar.text), bar.width - kLabelGap);
     for (size_t k = 0; k < kHourBars.size(); ++k) {
         const HourBar& bar = kHourBars[k];
         m_bars[k] = new IconToolButtonA(this, QLatin1String(bar.text));
-        m_bars[k]->setFont(fittingFont(m_bars[k]->font(), m_bars[k]->text(), bar.width - kLabelGap));
+        m_bars[k]->setFont(font);
         m_bars[k]->setObjectName(QString::number(k));
         m_bars[k]->setGeometry(bar.x, kBarTop, bar.width, kBarHeight);
         connect(m_bars[k], &QToolButton::clicked, this, &WindowGMT::OnSlotsButton);

@@ -109,6 +109,7 @@ private Q_SLOTS:
     void init() { m_fixture.emplace(); }
     void rows_data();
     void rows();
+    void marksAreRoundAtOneAndAHalf();
     void frames_data();
     void frames();
     void dialogTakesValues_data();
@@ -160,6 +161,26 @@ void TestSettingsPages::rows() {
             click(*page, outside);
             QCOMPARE(page->values().*row.value, 99);
         }
+    }
+}
+
+// On a screen of one and a half device pixels a pixel every second line of a picture would be lost or doubled
+// if it weren't drawn smoothly. A ring, empty or chosen, is its own mirror image.
+void TestSettingsPages::marksAreRoundAtOneAndAHalf() {
+    constexpr double kRatio = 1.5;
+    WindowBtn1 page(nullptr);
+    QImage image(page.size() * kRatio, QImage::Format_RGB32);
+    image.setDevicePixelRatio(kRatio);
+    page.render(&image);
+    for (const QPoint corner : {QPoint(294, 130), QPoint(390, 130)}) {
+        const QImage ring = image.copy(QRect((QPointF(corner) * kRatio).toPoint(), kMark * kRatio));
+        const QImage mirrored = ring.mirrored();
+        int largest = 0;
+        for (int y = 0; y < ring.height(); ++y) {
+            for (int x = 0; x < ring.width(); ++x)
+                largest = qMax(largest, qAbs(qGray(ring.pixel(x, y)) - qGray(mirrored.pixel(x, y))));
+        }
+        QVERIFY2(largest < 24, qPrintable(QString::number(largest)));
     }
 }
 

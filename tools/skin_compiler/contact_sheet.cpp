@@ -11,6 +11,7 @@ constexpr int kSheetWidth = 1720;
 constexpr int kGap = 14;
 constexpr int kCaption = 16;
 constexpr int kNarrowest = 96; // room for the captions of small pictures
+constexpr int kTall = 100;     // from this height on pictures have rows of their own
 
 struct Cell {
     QPoint corner;
@@ -27,9 +28,12 @@ QString caption(const Picture& picture) {
 int place(std::vector<Cell>& cells) {
     QPoint corner(kGap, kGap);
     int rowHeight = 0;
+    bool isTallRow = false;
     for (Cell& cell : cells) {
         const int width = qMax(cell.image.width(), kNarrowest);
-        if (corner.x() + width + kGap > kSheetWidth) {
+        const bool isTall = cell.image.height() >= kTall;
+        if (corner.x() + width + kGap > kSheetWidth || isTall != isTallRow) {
+            isTallRow = isTall;
             corner = QPoint(kGap, corner.y() + rowHeight);
             rowHeight = 0;
         }
