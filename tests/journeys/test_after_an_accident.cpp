@@ -97,6 +97,8 @@ void TestAfterAnAccident::goesToTheImpact() {
         m_viewer.key(key);
     QTRY_COMPARE_WITH_TIMEOUT(grabbedFrame(), kImpactFrame, kBoundMs);
     QTRY_COMPARE_WITH_TIMEOUT(readFrameNumber(shown()), kImpactFrame, kBoundMs);
+    QCOMPARE(m_viewer.player()->positionMs(), kImpactMs + 133);
+    QCOMPARE(m_viewer.panel()->state().progressValue, kImpactMs + 133);
     QCOMPARE(m_viewer.panel()->speed(), 0);
     QCOMPARE(m_viewer.panel()->state().accX, std::int16_t(-256));
 }

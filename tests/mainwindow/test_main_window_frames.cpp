@@ -175,7 +175,6 @@ void TestMainWindowFrames::placesOnPage() {
 void TestMainWindowFrames::printing_data() {
     QTest::addColumn<int>("streams");
     QTest::addColumn<bool>("accepted");
-    QTest::newRow("one stream") << 1 << true;
     QTest::newRow("two streams") << 2 << true;
     QTest::newRow("cancelled") << 2 << false;
 }

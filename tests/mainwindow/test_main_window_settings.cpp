@@ -6,6 +6,7 @@
 #include "mainwindow/viewer.h"
 #include "settings/config_window.h"
 #include "support/made_card.h"
+#include "support/modal.h"
 
 namespace ql240 {
 
@@ -19,8 +20,7 @@ private Q_SLOTS:
     void init();
     void cleanup() { m_viewer.reset(); }
 
-    void settingsAccepted();
-    void settingsCancelled();
+    void settingsAcceptedThenCancelled();
     void pictureAdjustment_data();
     void pictureAdjustment();
     void slowCard();
@@ -30,7 +30,7 @@ private Q_SLOTS:
 private:
     Viewer& viewer() { return *m_viewer; }
     void openCard() { viewer().window->openFolder(viewer().path(QStringLiteral("card"))); }
-    void answerSettings(const std::function<void(ConfigWindow&)>& answer);
+    void inSettings(const std::function<void(ConfigWindow&)>& act);
 
     std::unique_ptr<Viewer> m_viewer;
 };
@@ -40,20 +40,13 @@ void TestMainWindowSettings::init() {
     viewer().addClip(QStringLiteral("card/REC_2013_04_05_12_29_00.mp4"));
 }
 
-// Answers the settings dialog as soon as it runs.
-void TestMainWindowSettings::answerSettings(const std::function<void(ConfigWindow&)>& answer) {
-    auto* poll = new QTimer(viewer().window.get());
-    connect(poll, &QTimer::timeout, poll, [poll, answer] {
-        auto* dialog = qobject_cast<ConfigWindow*>(QApplication::activeModalWidget());
-        if (!dialog)
-            return;
-        poll->deleteLater();
-        answer(*dialog);
-    });
-    poll->start(5);
+void TestMainWindowSettings::inSettings(const std::function<void(ConfigWindow&)>& act) {
+    const ModalAnswer user([&](QWidget* dialog) { act(static_cast<ConfigWindow&>(*dialog)); });
+    viewer().click(ButtonId::Setting);
+    QVERIFY(user.seen());
 }
 
-void TestMainWindowSettings::settingsAccepted() {
+void TestMainWindowSettings::settingsAcceptedThenCancelled() {
     setCurrentLanguage(QStringLiteral("en"));
     MadeCard card;
     viewer().drives.drives = {{card.drive(), {}, {}}};
@@ -63,13 +56,12 @@ void TestMainWindowSettings::settingsAccepted() {
     openCard();
     QVERIFY(viewer().panel()->kilometres());
     qint32 offered = 0;
-    answerSettings([&](ConfigWindow& dialog) {
+    inSettings([&](ConfigWindow& dialog) {
         offered = dialog.viewerSpeedUnit();
         setCurrentLanguage(QStringLiteral("kr"));
         dialog.setViewerSpeedUnit(2);
         dialog.accept();
     });
-    viewer().click(ButtonId::Setting);
     QCOMPARE(offered, 1);
     QVERIFY(!viewer().window->isPlaying());
     QVERIFY(!viewer().panel()->kilometres());
@@ -77,24 +69,15 @@ void TestMainWindowSettings::settingsAccepted() {
     QVERIFY(readSpeedUnit(unit));
     QCOMPARE(unit, QStringLiteral("mph"));
     QCOMPARE(viewer().window->button(ButtonId::Play)->accessibleName(), QStringLiteral("재생"));
-    answerSettings([&](ConfigWindow& dialog) {
+    inSettings([&](ConfigWindow& dialog) {
         offered = dialog.viewerSpeedUnit();
+        dialog.setViewerSpeedUnit(1);
         dialog.reject();
     });
-    viewer().click(ButtonId::Setting);
     QCOMPARE(offered, 2);
-}
-
-void TestMainWindowSettings::settingsCancelled() {
-    viewer().show();
-    answerSettings([](ConfigWindow& dialog) {
-        dialog.setViewerSpeedUnit(2);
-        dialog.reject();
-    });
-    viewer().click(ButtonId::Setting);
-    QVERIFY(viewer().panel()->kilometres());
-    QString unit;
-    QVERIFY(!readSpeedUnit(unit));
+    QVERIFY(!viewer().panel()->kilometres());
+    QVERIFY(readSpeedUnit(unit));
+    QCOMPARE(unit, QStringLiteral("mph"));
 }
 
 void TestMainWindowSettings::pictureAdjustment_data() {

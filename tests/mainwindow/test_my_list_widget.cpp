@@ -1,7 +1,6 @@
 #include <QCursor>
 #include <QDropEvent>
 #include <QMimeData>
-#include <QSignalSpy>
 #include <QTest>
 
 #include "library/clip.h"
@@ -34,7 +33,6 @@ class TestMyListWidget : public QObject {
 private Q_SLOTS:
     void init();
     void entriesReferToTheirClips();
-    void ordinaryClickChooses();
     void pressAwayFromPointer_data();
     void pressAwayFromPointer();
     void takesNoDrop();
@@ -72,15 +70,6 @@ void TestMyListWidget::entriesReferToTheirClips() {
     QCOMPARE(m_list->rowOf(&other), -1);
     QCOMPARE(m_list->item(2)->text(), QStringLiteral("picked.mp4"));
     QCOMPARE(m_list->currentRow(), -1);
-}
-
-void TestMyListWidget::ordinaryClickChooses() {
-    QSignalSpy changed(m_list, &QListWidget::currentItemChanged);
-    QCursor::setPos(m_list->viewport()->mapToGlobal(centreOf(1)));
-    QTest::mouseClick(m_list->viewport(), Qt::LeftButton, {}, centreOf(1));
-    QCOMPARE(m_list->currentRow(), 1);
-    QCOMPARE(changed.count(), 1);
-    QVERIFY(m_owner->events.isEmpty());
 }
 
 void TestMyListWidget::pressAwayFromPointer_data() {
