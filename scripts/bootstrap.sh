@@ -1,6 +1,6 @@
 #!/bin/sh
-# Installs the Debian packages that the program needs: bootstrap.sh [run] [test] [bench] [fuzz]. Says what it installs;
-# where nothing is missing it does nothing. Asks for rights through sudo only where it isn't root.
+# Installs the Debian packages that the program needs: bootstrap.sh [run] [test] [bench] [package] [fuzz]. Says what
+# it installs; where nothing is missing it does nothing. Asks for rights through sudo only where it isn't root.
 set -eu
 
 run="g++ cmake ninja-build pkg-config
@@ -11,6 +11,7 @@ run="g++ cmake ninja-build pkg-config
     udisks2 dbus fonts-open-sans fonts-nanum tzdata ca-certificates xdg-utils"
 test="ffmpeg libimage-exiftool-perl dbus-daemon pulseaudio pulseaudio-utils xvfb openbox weston"
 bench="ffmpeg mpv gstreamer1.0-plugins-base-apps xvfb python3 xdotool"
+package="dpkg-dev debhelper fakeroot lintian appstream desktop-file-utils"
 fuzz="clang-14 libclang-rt-14-dev"
 
 wanted=
@@ -19,8 +20,9 @@ for set in "${@:-run}"; do
         run) wanted="$wanted $run" ;;
         test) wanted="$wanted $run $test" ;;
         bench) wanted="$wanted $run $bench" ;;
+        package) wanted="$wanted $run $package" ;;
         fuzz) wanted="$wanted $run $fuzz" ;;
-        *) echo "usage: $0 [run] [test] [bench] [fuzz]" >&2; exit 2 ;;
+        *) echo "usage: $0 [run] [test] [bench] [package] [fuzz]" >&2; exit 2 ;;
     esac
 done
 

@@ -2,12 +2,14 @@
 //   skin_compiler draw SOURCE OUTPUT            the pictures and the list of them for the resource compiler
 //   skin_compiler check SOURCE CODE             compares the table with the program's sources
 //   skin_compiler contact-sheet SOURCE IMAGE    all pictures on one sheet
+//   skin_compiler icons SOURCE OUTPUT           the program's icon in the desktop's sizes
 #include <QFile>
 #include <QFontInfo>
 #include <QGuiApplication>
 #include <QTextStream>
 
 #include "contact_sheet.h"
+#include "desktop_icons.h"
 #include "skin_writer.h"
 #include "usage_check.h"
 
@@ -44,15 +46,21 @@ int drawContactSheet(const PictureTable& table, const QString& source, const QSt
     return sheet.save(path) ? 0 : fail(QStringLiteral("%1: can't be written").arg(path));
 }
 
+int drawIcons(const PictureTable&, const QString& source, const QString& output) {
+    QString error;
+    return writeDesktopIcons(source, QDir(output), error) ? 0 : fail(error);
+}
+
 int run(const QStringList& arguments) {
     using Command = int (*)(const PictureTable&, const QString&, const QString&);
     const QHash<QString, Command> commands{{QStringLiteral("draw"), draw},
                                            {QStringLiteral("check"), check},
-                                           {QStringLiteral("contact-sheet"), drawContactSheet}};
+                                           {QStringLiteral("contact-sheet"), drawContactSheet},
+                                           {QStringLiteral("icons"), drawIcons}};
     const Command command = commands.value(arguments.value(1));
     if (!command || arguments.size() != 4) {
         return fail(
-            QStringLiteral("expected draw, check or contact-sheet, a source folder and one more path"));
+            QStringLiteral("expected draw, check, contact-sheet or icons, a source folder and one more path"));
     }
     if (QFontInfo(QFont(QStringLiteral("Open Sans"))).family() != QLatin1String("Open Sans")) {
         return fail(QStringLiteral("the font \"Open Sans\" is not installed"));
