@@ -12,6 +12,7 @@ LinuxHost::LinuxHost() : m_runningWindows(LocalRunningWindows::userFolder()) {
     Host& table = host();
     table.drives = &m_drives;
     table.folderDialogs = &m_folderDialogs;
+    table.inhibitor = &m_inhibitor;
     table.runningWindows = &m_runningWindows;
     table.sensorLibrary = &m_sensorLibrary;
     table.urlOpener = &m_urlOpener;

@@ -2,6 +2,7 @@
 // object, one in a process. Interface thread only.
 #pragma once
 
+#include "platform/linux/desktop_inhibitor.h"
 #include "platform/linux/desktop_url_opener.h"
 #include "platform/linux/local_running_windows.h"
 #include "platform/linux/system_folder_dialogs.h"
@@ -27,6 +28,7 @@ public:
 private:
     UDisksDrives m_drives;
     SystemFolderDialogs m_folderDialogs;
+    DesktopInhibitor m_inhibitor;
     LocalRunningWindows m_runningWindows;
     SensorFileLibrary m_sensorLibrary;
     DesktopUrlOpener m_urlOpener;

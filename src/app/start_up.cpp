@@ -98,6 +98,8 @@ int startUp(int argc, char** argv) {
     const QtMessageHandler usual = qInstallMessageHandler(endOnFatal);
     QApplication application(argc, argv);
     qInstallMessageHandler(usual);
+    // By this the desktop finds entry and icon of a window.
+    QGuiApplication::setDesktopFileName(QStringLiteral("ql240-viewer"));
     platform.enterApplication();
     applyStyle();
     fonts.continueWithFonts();

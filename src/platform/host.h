@@ -7,6 +7,7 @@ namespace ql240 {
 
 class Drives;
 class FolderDialogs;
+class Inhibitor;
 class MediaPlatform;
 class RunningWindows;
 class SensorLibrary;
@@ -17,6 +18,7 @@ class WebPages;
 struct Host {
     Drives* drives = nullptr;
     FolderDialogs* folderDialogs = nullptr;
+    Inhibitor* inhibitor = nullptr;
     MediaPlatform* media = nullptr;
     RunningWindows* runningWindows = nullptr;
     SensorLibrary* sensorLibrary = nullptr;
