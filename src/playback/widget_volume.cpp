@@ -31,6 +31,7 @@ WidgetVolume::WidgetVolume(QWidget* parent)
     : QWidget(parent),
       m_bar(skinPixmap(":/gfx_r/2012/volume_bar.png")),
       m_segment(skinPixmap(":/gfx_r/2012/volume_level.png")) {
+    describeGauge(this, this);
     setAccessibleName(tr("Volume"));
     std::uint32_t volume = 0;
     if (WaveOut* output = host().waveOut; output && output->waveOutGetVolume(kDevice, &volume) == 0)
@@ -53,9 +54,18 @@ void WidgetVolume::send(int level) {
 }
 
 void WidgetVolume::mouseMoveEvent(QMouseEvent* event) {
-    m_level = std::clamp((event->position().toPoint().x() + 1) / kSegmentWidth, 1, kMaxLevel);
+    setLevel((event->position().toPoint().x() + 1) / kSegmentWidth);
+}
+
+void WidgetVolume::setLevel(int level) {
+    m_level = std::clamp(level, 1, kMaxLevel);
     send(m_level);
     update();
+    tellGaugeChanged(this, *this);
+}
+
+QString WidgetVolume::gaugeText() const {
+    return tr("%1 %").arg(m_level * 100 / kMaxLevel);
 }
 
 void WidgetVolume::paintEvent(QPaintEvent*) {

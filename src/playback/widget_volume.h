@@ -5,9 +5,11 @@
 #include <QPixmap>
 #include <QWidget>
 
+#include "widgets/accessible_parts.h"
+
 namespace ql240 {
 
-class WidgetVolume : public QWidget {
+class WidgetVolume : public QWidget, private AccessibleGauge {
     Q_OBJECT
 
 public:
@@ -24,6 +26,12 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    int gaugeMaximum() const override { return kMaxLevel; }
+    int gaugeValue() const override { return m_level; }
+    QString gaugeText() const override;
+    QString gaugeDetails() const override { return {}; }
+    void setGaugeValue(int value) override { setLevel(value); }
+    void setLevel(int level);
     void send(int level);
 
     QPixmap m_bar;

@@ -14,6 +14,7 @@
 #include "platform/url_opener.h"
 #include "platform/web_pages.h"
 #include "sensors/map_page.h"
+#include "widgets/accessible_parts.h"
 #include "widgets/fonts.h"
 #include "widgets/skin.h"
 
@@ -54,6 +55,7 @@ MapView::MapView(QWidget* parent)
       m_reviveTimer(new QTimer(this)),
       m_reviveDelayMs(kFirstReviveMs),
       m_trackScript(trackScript({})) {
+    describePart(this, tr("Map"), QAccessible::Graphic);
     m_webView->hide();
     m_loadWatchdog->setObjectName(QStringLiteral("loadWatchdog"));
     m_loadWatchdog->setSingleShot(true);

@@ -3,6 +3,7 @@
 #include <QDate>
 #include <QMouseEvent>
 #include <QPainter>
+#include <utility>
 
 #include "platform/host.h"
 #include "settings/card.h"
@@ -43,6 +44,8 @@ WidgetProgressA::WidgetProgressA(QWidget* parent)
       m_repaintTimer(this) {
     resize(panel::kSize);
     setFont(uiFont(panel::kFontPoints));
+    describeGauge(this, this);
+    setAccessibleName(tr("Dashboard"));
     connect(&m_repaintTimer, &QTimer::timeout, this, &WidgetProgressA::OnTimeoutAnimation);
     loadCardModel();
 }
@@ -257,7 +260,33 @@ void WidgetProgressA::setModelFromVersion(const QString& versionText) {
 }
 
 void WidgetProgressA::rebuildTimeText() {
-    m_timeText = progressText(m_value, m_maximum);
+    const QString before = std::exchange(m_timeText, progressText(m_value, m_maximum));
+    if (m_timeText != before) {
+        tellGaugeChanged(this, *this);
+    }
+}
+
+QString WidgetProgressA::gaugeDetails() const {
+    const PanelState shown = state();
+    const int speed = panel::shownSpeed(shown.speedKmh, shown.kilometres);
+    QStringList details{QStringLiteral("%1 %2").arg(speed).arg(shown.kilometres ? QStringLiteral("km/h")
+                                                                                : QStringLiteral("mph"))};
+    details << (shown.hasFix ? tr("GPS position known") : tr("no GPS position"));
+    if (shown.hasFix) {
+        details << degreeText(shown.latitude) << degreeText(shown.longitude);
+    }
+    details << tr("acceleration %1, %2, %3 g")
+                   .arg(accelerationText(shown.accX), accelerationText(shown.accY),
+                        accelerationText(shown.accZ));
+    details << shown.modelText << shown.dateText;
+    return details.join(QStringLiteral(", "));
+}
+
+// As a click at that place of the strip.
+void WidgetProgressA::setGaugeValue(int value) {
+    if (value >= m_minimum && value <= m_maximum) {
+        Q_EMIT clicked(value);
+    }
 }
 
 void WidgetProgressA::zeroReadings() {

@@ -8,10 +8,11 @@
 
 #include "sensors/panel_painting.h"
 #include "settings/card_jobs.h"
+#include "widgets/accessible_parts.h"
 
 namespace ql240 {
 
-class WidgetProgressA : public QWidget {
+class WidgetProgressA : public QWidget, private AccessibleGauge {
     Q_OBJECT
 
 public:
@@ -58,6 +59,11 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    int gaugeMaximum() const override { return m_maximum; }
+    int gaugeValue() const override { return m_value; }
+    QString gaugeText() const override { return m_timeText; }
+    QString gaugeDetails() const override;
+    void setGaugeValue(int value) override;
     void loadCardModel();
     void setModelFromVersion(const QString& versionText);
     void rebuildTimeText();

@@ -6,6 +6,7 @@
 #include <QStyleOptionToolButton>
 #include <QToolTip>
 
+#include "widgets/accessible_parts.h"
 #include "widgets/fonts.h"
 #include "widgets/skin.h"
 
@@ -80,6 +81,7 @@ void ImageButton::paintFocus(QPainter& painter, QStyle::State state) const {
 
 ClearButton::ClearButton(QWidget* parent, const ImagePaths& images, const QString& hoverText)
     : ImageButton(parent), m_images(skinPictures(images)) {
+    installAccessibleParts();
     setFont(uiFont(10, QFont::DemiBold));
     setHoverText(hoverText);
     const QPixmap& normal = pictureFor(m_images, ImageSlot::Normal).pixmap();
@@ -93,8 +95,16 @@ void ClearButton::setHoverText(const QString& text) {
 }
 
 void ClearButton::setLatched(bool latched) {
+    const bool changed = m_latched != latched;
+    m_latches = true;
     m_latched = latched;
     update();
+    if (!changed || !QAccessible::isActive())
+        return;
+    QAccessible::State state;
+    state.checked = true;
+    QAccessibleStateChangeEvent event(this, state);
+    QAccessible::updateAccessibility(&event);
 }
 
 bool ClearButton::event(QEvent* event) {

@@ -47,6 +47,8 @@ public:
 
     // Latched: a mode is on, so the hover picture shows whatever the state.
     bool isLatched() const { return m_latched; }
+    // Whether it stands for a mode at all.
+    bool latches() const { return m_latches; }
     void setLatched(bool latched);
 
 protected:
@@ -58,6 +60,7 @@ private:
     QString m_hoverText;
     std::array<SkinPicture, 4> m_images;
     bool m_latched = false;
+    bool m_latches = false;
 };
 
 // A picture at its own size in the middle of the button, at most `iconSize` large. Without a normal or a

@@ -5,7 +5,9 @@
 #include "settings/config_layout.h"
 #include "settings/config_window.h"
 #include "settings/page_layout.h"
+#include "settings/window_gmt.h"
 #include "settings/window_pages.h"
+#include "support/accessible_tree.h"
 #include "support/modal.h"
 #include "support/settings_fixture.h"
 #include "widgets/image_buttons.h"
@@ -53,6 +55,7 @@ private Q_SLOTS:
     void enterAndEscape();
     void pageByKeyboard();
     void screenReaderTree();
+    void everyPartSpeaks();
     void textsFit_data();
     void textsFit();
 
@@ -215,6 +218,23 @@ void TestSettingsAccess::screenReaderTree() {
     QAccessibleInterface* clock = QAccessible::queryAccessibleInterface(rowOf(window, &RowValues::setsClock));
     clock->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
     QVERIFY(clock->state().checked);
+}
+
+void TestSettingsAccess::everyPartSpeaks() {
+    const auto check = [](QWidget& window) {
+        window.show();
+        QCOMPARE(AccessibleTree(&window).nameless, QStringList());
+    };
+    ConfigWindow window;
+    check(window);
+    WindowGMT zones(&window);
+    check(zones);
+    WindowBtn0 picture(&window);
+    check(picture);
+    WindowBtn2 shock(&window);
+    check(shock);
+    WindowBtn7 partition(&window);
+    check(partition);
 }
 
 void TestSettingsAccess::textsFit_data() {
