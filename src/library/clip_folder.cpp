@@ -31,24 +31,28 @@ bool holdsRecordings(const QString& path) {
     return false;
 }
 
-ClipFolder::ClipFolder(const QString& path) : m_path(path) {
-    if (!path.isEmpty())
-        scan();
-}
-
-void ClipFolder::scan() {
-    QDirIterator entries(m_path, QDir::Files);
-    while (entries.hasNext()) {
+FolderListing listFolder(const QString& path, const std::atomic<bool>* cancelled) {
+    FolderListing listing{path, {}, false};
+    if (path.isEmpty())
+        return listing;
+    QDirIterator entries(path, QDir::AllEntries | QDir::NoDotAndDotDot);
+    while (entries.hasNext() && !(cancelled && *cancelled)) {
         entries.next();
-        const QString name = entries.fileName();
-        if (!namedLikeRecording(name))
+        if (!namedLikeRecording(entries.fileName()))
             continue;
+        listing.hasNames = true;
         const QFileInfo file = entries.fileInfo();
         // Asking for the size makes the record keep what the file system says now.
-        if (file.size() <= 0)
-            continue;
+        if (file.size() > 0 && file.isFile())
+            listing.recordings << file;
+    }
+    return listing;
+}
+
+ClipFolder::ClipFolder(const FolderListing& listing) : m_path(listing.path) {
+    for (const QFileInfo& file : listing.recordings) {
         m_records.push_back(std::make_unique<Clip>(file));
-        m_clips.insert(name, m_records.back().get());
+        m_clips.insert(file.fileName(), m_records.back().get());
     }
 }
 

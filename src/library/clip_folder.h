@@ -1,13 +1,15 @@
 // The recordings of one folder, in file-name order, as they were when it was scanned. Sub-folders are not
-// entered. Interface thread only.
+// entered. Interface thread only, but for the reading itself.
 //
 // The clip records outlive their folder, because a player may still hold one: a released folder hands them to
 // a list that releaseRetiredClips() clears.
 #pragma once
 
+#include <QFileInfo>
 #include <QList>
 #include <QMap>
 #include <QString>
+#include <atomic>
 #include <memory>
 #include <vector>
 
@@ -22,11 +24,22 @@ bool namedLikeRecording(const QString& fileName);
 // size.
 bool holdsRecordings(const QString& path);
 
+// What a folder held when it was looked at.
+struct FolderListing {
+    QString path;
+    QList<QFileInfo> recordings; // every file named like a recording of more than 0 bytes, in no order
+    bool hasNames = false;       // as holdsRecordings()
+};
+
+// Reads a folder; one that cannot be read has nothing in it. May block for as long as the file system does;
+// any thread. Stops early, with what it has, when `cancelled` becomes true.
+FolderListing listFolder(const QString& path, const std::atomic<bool>* cancelled = nullptr);
+
 class ClipFolder {
 public:
-    // Scans: every file named like a recording of more than 0 bytes. A folder that cannot be read gives no
-    // clips.
-    explicit ClipFolder(const QString& path);
+    explicit ClipFolder(const FolderListing& listing);
+    // Scans the folder.
+    explicit ClipFolder(const QString& path) : ClipFolder(listFolder(path)) {}
     ~ClipFolder();
     ClipFolder(const ClipFolder&) = delete;
     ClipFolder& operator=(const ClipFolder&) = delete;
@@ -37,8 +50,6 @@ public:
     const QString& path() const { return m_path; }
 
 private:
-    void scan();
-
     QString m_path;
     std::vector<std::unique_ptr<Clip>> m_records;
     // Code unit by code unit, case-sensitive.

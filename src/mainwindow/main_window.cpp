@@ -13,6 +13,7 @@
 #include "playback/widget_volume.h"
 #include "sensors/map_view.h"
 #include "sensors/widget_progress.h"
+#include "widgets/accessible_parts.h"
 #include "widgets/skin.h"
 #include "widgets/window_helper.h"
 
@@ -93,10 +94,13 @@ void MainWindow::makeWidgets() {
     m_clipList->setGeometry(layout::kClipList);
     connect(m_clipList, &QListWidget::currentItemChanged, this, &MainWindow::OnSlotsselectFile);
 
+    m_folderReader.showWaitIn(this, layout::kWaitNote);
+
     m_folderLabel = new QLabel(this);
     m_folderLabel->setTextFormat(Qt::PlainText);
     m_folderLabel->setStyleSheet(QString::fromLatin1(kLabelStyle));
     m_folderLabel->setGeometry(layout::kFolderLabel);
+    m_folderLabel->setAccessibleName(tr("No folder"));
 }
 
 void MainWindow::connectButtons() {
@@ -127,8 +131,9 @@ void MainWindow::connectButtons() {
 
 void MainWindow::makeViews() {
     m_mainView = new VideoView(this);
-    m_mainView->setAccessibleName(tr("Video"));
+    describePart(m_mainView, tr("Video"), QAccessible::Animation);
     m_subView = new VideoView(this);
+    describePart(m_subView, tr("Second video"), QAccessible::Animation);
     setNormalLayout();
 }
 

@@ -7,6 +7,7 @@
 #include <QPixmap>
 #include <memory>
 
+#include "mainwindow/folder_reader.h"
 #include "mainwindow/main_window_buttons.h"
 #include "mainwindow/picture_adjustment.h"
 
@@ -35,8 +36,11 @@ public:
 
     void setDialogs(std::unique_ptr<WindowDialogs> dialogs);
 
-    // Opens the folder and plays the clip named, the first one where there is none of that name.
+    // Opens the folder and plays the clip named, the first one where there is none of that name. A folder
+    // that takes its time is opened when it has been read; until then the list is empty and the user can
+    // cancel.
     void openFolder(const QString& path, const QString& clipName = {});
+    bool isReadingFolder() const { return m_folderReader.isReading(); }
 
     QAbstractButton* button(layout::ButtonId id) const { return m_buttons.at(id); }
     bool isPlaying() const { return m_playing; }
@@ -107,10 +111,13 @@ private:
     bool showClipInView(Clip* clip);
     void updateClipInformation(const Clip* clip);
     void closeCurrent();
+    void readFolder(const QString& path, const QString& clipName, bool remember);
+    void showListing(const FolderListing& listing, const QString& clipName);
     void showFolder(std::unique_ptr<ClipFolder> folder, const QString& clipName);
     void releaseFolder();
     void adjustPicture();
     void stepFrame(bool forward);
+    void keepAwake(bool playing);
     VideoView* zoomTarget() const;
     VideoView* bigView() const;
     bool pausedSnap(QImage* images);
@@ -126,6 +133,7 @@ private:
     bool m_zoomWinMode = false;
     QPixmap m_background;
     std::unique_ptr<FlHlp> m_windowHelper;
+    FolderReader m_folderReader;
     std::unique_ptr<ClipFolder> m_folder;
     QLabel* m_folderLabel = nullptr;
     MainWindowButtons m_buttons;
@@ -136,6 +144,7 @@ private:
     PictureAdjustment m_adjustment;
 
     std::unique_ptr<WindowDialogs> m_dialogs;
+    std::shared_ptr<void> m_awake; // while a clip plays
     bool m_fullScreenLayout = false;
     bool m_painted = false;
 };

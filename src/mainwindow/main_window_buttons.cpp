@@ -30,6 +30,7 @@ void MainWindowButtons::make(QWidget* window) {
         made->setAccessibleName(tr(row.name));
         made->setGeometry(row.place);
     }
+    clear(ButtonId::Volume)->setLatched(false); // stands for a mode, as pan does
     retranslateButtons();
 }
 

@@ -24,9 +24,23 @@ void MainWindow::OnSlotsfolder_open() {
 }
 
 void MainWindow::openFolder(const QString& path, const QString& clipName) {
+    readFolder(path, clipName, false);
+}
+
+// To be remembered is a folder that turns out to hold recordings.
+void MainWindow::readFolder(const QString& path, const QString& clipName, bool remember) {
+    m_folderReader.stop();
     m_clipList->clear();
     releaseFolder();
-    auto folder = std::make_unique<ClipFolder>(path);
+    m_folderReader.read(path, [this, clipName, remember](const FolderListing& listing) {
+        if (remember && listing.hasNames)
+            writeLastFolder(listing.path);
+        showListing(listing, clipName);
+    });
+}
+
+void MainWindow::showListing(const FolderListing& listing, const QString& clipName) {
+    auto folder = std::make_unique<ClipFolder>(listing);
     if (folder->count() != 0) {
         showFolder(std::move(folder), clipName);
         setControlsEnabled(true);
@@ -47,6 +61,7 @@ void MainWindow::showFolder(std::unique_ptr<ClipFolder> folder, const QString& c
     m_clipList->setCurrentRow(row);
     // What the local encoding lacks shows as question marks.
     m_folderLabel->setText(QString::fromLocal8Bit(m_folder->path().toLocal8Bit()));
+    m_folderLabel->setAccessibleName(tr("Folder %1").arg(m_folder->path()));
 }
 
 void MainWindow::releaseFolder() {

@@ -208,9 +208,7 @@ void MainWindow::dropEvent(QDropEvent* event) {
         return;
     event->acceptProposedAction();
     const QString folder = dropped.isDir() ? dropped.filePath() : dropped.path();
-    if (holdsRecordings(folder))
-        writeLastFolder(folder);
-    openFolder(folder, dropped.isDir() ? QString() : dropped.fileName());
+    readFolder(folder, dropped.isDir() ? QString() : dropped.fileName(), true);
 }
 
 } // namespace ql240

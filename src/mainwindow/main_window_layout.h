@@ -15,6 +15,7 @@ inline constexpr QRect kSubView(681, 32, 320, 180);
 inline constexpr QRect kMapView(680, 32, 320, 206);
 inline constexpr QRect kFolderLabel(683, 239, 290, 18);
 inline constexpr QRect kClipList(680, 259, 320, 370);
+inline constexpr QRect kWaitNote(692, 280, 296, 96); // over the list, which is empty then
 inline constexpr QRect kProgressPanel(23, 394, 642, 250);
 inline constexpr QRect kVolume(600, 445, 52, 9);
 

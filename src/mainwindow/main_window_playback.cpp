@@ -3,6 +3,8 @@
 
 #include "mainwindow/main_window.h"
 #include "mainwindow/my_list_widget.h"
+#include "platform/host.h"
+#include "platform/inhibitor.h"
 #include "playback/video_view.h"
 #include "playback/widget_volume.h"
 #include "sensors/map_view.h"
@@ -46,6 +48,15 @@ void MainWindow::showPausedState() {
     m_progressPanel->setAnimating(false);
 }
 
+// Goes by the clip, not by the state shown, which full screen leaves as it was.
+void MainWindow::keepAwake(bool playing) {
+    Inhibitor* inhibitor = host().inhibitor;
+    if (!playing || !inhibitor)
+        m_awake.reset();
+    else if (!m_awake)
+        m_awake = inhibitor->keepAwake(tr("A clip is playing"));
+}
+
 void MainWindow::OnSlotsplay() {
     if (m_adjustment.settingsChanged()) {
         m_adjustment.loadPictureAdjustment();
@@ -54,16 +65,19 @@ void MainWindow::OnSlotsplay() {
     }
     m_subView->player()->play();
     m_mainView->player()->play();
+    keepAwake(m_mainView->player()->clip());
     showPlayingState();
     m_updateTimer->start(kUpdateIntervalMs);
 }
 
 void MainWindow::OnSlotspause() {
+    keepAwake(false);
     m_mainView->player()->pause();
     showPausedState();
 }
 
 void MainWindow::OnSlotsstop() {
+    keepAwake(false);
     m_mainView->zoomStep(0);
     m_subView->zoomStep(0);
     OnZoomWinMode(false);
@@ -73,12 +87,14 @@ void MainWindow::OnSlotsstop() {
 }
 
 void MainWindow::OnSlotsstopF() {
+    keepAwake(false);
     backToStart(*m_mainView->player());
     showPausedState();
 }
 
 void MainWindow::stepFrame(bool forward) {
     Player& player = *m_mainView->player();
+    keepAwake(false);
     player.pause();
     if (forward)
         player.stepForward();

@@ -40,7 +40,7 @@ private Q_SLOTS:
 private:
     Viewer& viewer() { return *m_viewer; }
     void addThree();
-    void openCard() { viewer().window->openFolder(viewer().path(QStringLiteral("card"))); }
+    void openCard() { viewer().openFolder(viewer().path(QStringLiteral("card"))); }
     bool isLatched(ButtonId id) {
         return static_cast<ClearButton*>(viewer().window->button(id))->isLatched();
     }

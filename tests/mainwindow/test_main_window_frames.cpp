@@ -50,7 +50,7 @@ void TestMainWindowFrames::openAndStop(int streams) {
     spec.videoStreams = streams;
     viewer().addClip(QStringLiteral("card/REC_2013_04_05_12_29_00.mp4"), spec);
     viewer().show();
-    viewer().window->openFolder(viewer().path(QStringLiteral("card")));
+    viewer().openFolder(viewer().path(QStringLiteral("card")));
     viewer().click(ButtonId::Stop);
     QTRY_VERIFY_WITH_TIMEOUT(viewer().isAtStart(), kBoundMs);
     for (int step = 0; step < 3; ++step)

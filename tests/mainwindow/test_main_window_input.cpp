@@ -55,7 +55,7 @@ void TestMainWindowInput::init() {
     for (const char* name : {"REC_1.mp4", "REC_2.mp4", "REC_3.mp4"})
         viewer().addClip(QStringLiteral("card/") + QLatin1String(name), Viewer::shortClip(300));
     viewer().show();
-    viewer().window->openFolder(viewer().path(QStringLiteral("card")));
+    viewer().openFolder(viewer().path(QStringLiteral("card")));
     viewer().window->activateWindow();
 }
 

@@ -29,7 +29,7 @@ private Q_SLOTS:
 
 private:
     Viewer& viewer() { return *m_viewer; }
-    void openCard() { viewer().window->openFolder(viewer().path(QStringLiteral("card"))); }
+    void openCard() { viewer().openFolder(viewer().path(QStringLiteral("card"))); }
     void inSettings(const std::function<void(ConfigWindow&)>& act);
 
     std::unique_ptr<Viewer> m_viewer;

@@ -92,6 +92,12 @@ struct Viewer {
         QVERIFY(QFile::link(made, path(name)));
     }
 
+    // Waits also where the machine is too busy to read it at once.
+    void openFolder(const QString& wanted) const {
+        window->openFolder(wanted);
+        QTRY_VERIFY(!window->isReadingFolder());
+    }
+
     template <typename Widget>
     Widget* child() const {
         return window->findChild<Widget*>();

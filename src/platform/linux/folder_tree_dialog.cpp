@@ -9,6 +9,8 @@
 #include <QStyle>
 #include <QTreeWidget>
 #include <QVBoxLayout>
+#include <chrono>
+#include <memory>
 
 namespace ql240 {
 namespace {
@@ -16,6 +18,12 @@ namespace {
 constexpr int kPathRole = Qt::UserRole;
 constexpr int kReadRole = Qt::UserRole + 1;
 constexpr QSize kSize(560, 480);
+
+// What answers at once is waited for, so that nothing flickers.
+using namespace std::chrono_literals;
+constexpr auto kPatience = 15ms;
+
+using Places = QList<std::pair<QString, QString>>; // names and paths
 
 QString pathOf(const QTreeWidgetItem* item) {
     return item ? item->data(0, kPathRole).toString() : QString();
@@ -29,6 +37,33 @@ bool isUsersVolume(const QStorageInfo& volume) {
             return volume.isValid() && volume.isReady();
     }
     return false;
+}
+
+// May block, as everything below that reads.
+Places usersVolumes() {
+    Places places;
+    for (const QStorageInfo& volume : QStorageInfo::mountedVolumes()) {
+        if (isUsersVolume(volume))
+            places.append({volume.displayName(), volume.rootPath()});
+    }
+    return places;
+}
+
+QStringList foldersIn(const QString& path) {
+    return QDir(path).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name | QDir::IgnoreCase);
+}
+
+// The folders beside every step of the way from a folder down; empty if it doesn't end at a folder.
+QList<QStringList> levelsOfWay(QString path, const QStringList& way) {
+    const QString end = QDir(path).filePath(way.join(QLatin1Char('/')));
+    QList<QStringList> levels;
+    if (!QFileInfo(end).isDir())
+        return levels;
+    for (const QString& name : way) {
+        levels << foldersIn(path);
+        path = QDir(path).filePath(name);
+    }
+    return levels << QStringList();
 }
 
 bool isWithin(const QString& path, const QString& folder) {
@@ -80,26 +115,38 @@ void FolderTreeDialog::placeWidgets() {
 }
 
 void FolderTreeDialog::addPlaces() {
-    addPlace(tr("Home"), QDir::homePath());
-    for (const QStorageInfo& volume : QStorageInfo::mountedVolumes()) {
-        if (isUsersVolume(volume))
-            addPlace(volume.displayName(), volume.rootPath());
-    }
-    addPlace(tr("Computer"), QDir::rootPath());
+    addPlace(0, tr("Home"), QDir::homePath());
+    addPlace(1, tr("Computer"), QDir::rootPath());
+    const auto volumes = std::make_shared<Places>();
+    m_readers.start([volumes] { *volumes = usersVolumes(); },
+                    [this, volumes] {
+                        int row = 1;
+                        for (const auto& [name, path] : *volumes)
+                            addPlace(row++, name, path);
+                    });
+    m_readers.wait(kPatience);
 }
 
-void FolderTreeDialog::addPlace(const QString& name, const QString& path) {
+void FolderTreeDialog::addPlace(int row, const QString& name, const QString& path) {
     const auto picture = path == QDir::homePath() ? QStyle::SP_DirHomeIcon : QStyle::SP_DriveHDIcon;
-    m_tree->addTopLevelItem(makeItem(name, path, style()->standardIcon(picture)));
+    m_tree->insertTopLevelItem(row, makeItem(name, path, style()->standardIcon(picture)));
 }
 
 void FolderTreeDialog::readFolder(QTreeWidgetItem* item) {
     if (item->data(0, kReadRole).toBool())
         return;
+    const auto names = std::make_shared<QStringList>();
+    m_readers.start([names, path = pathOf(item)] { *names = foldersIn(path); },
+                    [this, names, item] { fill(item, *names); });
+    m_readers.wait(kPatience);
+}
+
+void FolderTreeDialog::fill(QTreeWidgetItem* item, const QStringList& names) {
+    if (item->data(0, kReadRole).toBool())
+        return;
     item->setData(0, kReadRole, true);
     const QDir folder(pathOf(item));
     const QIcon icon = style()->standardIcon(QStyle::SP_DirIcon);
-    const auto names = folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name | QDir::IgnoreCase);
     QList<QTreeWidgetItem*> children;
     for (const QString& name : names)
         children << makeItem(name, folder.filePath(name), icon);
@@ -120,7 +167,6 @@ QTreeWidgetItem* FolderTreeDialog::placeAbove(const QString& path) const {
 
 // A hidden folder is listed from the moment on when it is asked for.
 QTreeWidgetItem* FolderTreeDialog::childNamed(QTreeWidgetItem* item, const QString& name) {
-    readFolder(item);
     for (int i = 0; i < item->childCount(); ++i) {
         if (item->child(i)->text(0) == name)
             return item->child(i);
@@ -134,12 +180,26 @@ QTreeWidgetItem* FolderTreeDialog::childNamed(QTreeWidgetItem* item, const QStri
 void FolderTreeDialog::setSelection(const QString& path) {
     const QString folder = QDir::cleanPath(path);
     QTreeWidgetItem* item = placeAbove(folder);
-    if (!item || !QFileInfo(folder).isDir())
+    if (!item)
         return;
-    const QString rest = folder.mid(pathOf(item).size());
-    for (const QString& name : rest.split(QLatin1Char('/'), Qt::SkipEmptyParts))
-        item = childNamed(item, name);
+    const QStringList way = folder.mid(pathOf(item).size()).split(QLatin1Char('/'), Qt::SkipEmptyParts);
+    const auto levels = std::make_shared<QList<QStringList>>();
+    m_selection.forget();
+    m_selection.start([levels, way, path = pathOf(item)] { *levels = levelsOfWay(path, way); },
+                      [this, levels, item, way] { select(item, way, *levels); });
+    m_selection.wait(kPatience);
+}
+
+void FolderTreeDialog::select(QTreeWidgetItem* item, const QStringList& way,
+                              const QList<QStringList>& levels) {
+    if (levels.isEmpty())
+        return;
+    for (qsizetype i = 0; i < way.size(); ++i) {
+        fill(item, levels[i]);
+        item = childNamed(item, way[i]);
+    }
     m_tree->setCurrentItem(item);
+    m_path->setText(selectedPath());
     layout()->activate(); // before it is shown too, the tree has the height in which the folder is to be seen
     m_tree->scrollToItem(item, QAbstractItemView::PositionAtCenter);
 }
@@ -161,12 +221,20 @@ bool FolderTreeDialog::isPathEdited() const {
     return m_path->text() != selectedPath();
 }
 
-// A folder becomes the selection; anything else is what the caller wants of it.
 void FolderTreeDialog::takeTypedPath() {
     const QString typed = m_path->text();
-    if (QDir::isAbsolutePath(typed) && QFileInfo(typed).isDir()) {
+    const auto isFolder = std::make_shared<bool>(false);
+    m_selection.forget();
+    m_selection.start(
+        [isFolder, typed] { *isFolder = QDir::isAbsolutePath(typed) && QFileInfo(typed).isDir(); },
+        [this, isFolder, typed] { takeTypedPath(typed, *isFolder); });
+    m_selection.wait(kPatience);
+}
+
+// A folder becomes the selection; anything else is what the caller wants of it.
+void FolderTreeDialog::takeTypedPath(const QString& typed, bool isFolder) {
+    if (isFolder) {
         setSelection(typed);
-        m_path->setText(selectedPath());
     } else if (m_callback(*this, FolderMessage::ValidateFailed, typed) != 1) {
         reject();
     } else {

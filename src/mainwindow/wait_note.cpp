@@ -1,0 +1,64 @@
+#include "mainwindow/wait_note.h"
+
+#include <QKeyEvent>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <chrono>
+
+namespace ql240 {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kDelay = 400ms;
+
+} // namespace
+
+WaitNote::WaitNote(QWidget* parent)
+    : QFrame(parent), m_text(new QLabel(this)), m_cancel(new QPushButton(tr("Cancel"), this)) {
+    setFrameShape(QFrame::StyledPanel);
+    setAutoFillBackground(true);
+    m_text->setTextFormat(Qt::PlainText);
+    m_text->setWordWrap(true);
+    auto* bar = new QProgressBar(this);
+    bar->setRange(0, 0); // moves, since nobody knows how long
+    bar->setTextVisible(false);
+    bar->setAccessibleName(tr("Busy"));
+    auto* column = new QVBoxLayout(this);
+    column->addWidget(m_text, 1);
+    column->addWidget(bar);
+    column->addWidget(m_cancel, 0, Qt::AlignRight);
+    hide();
+    m_delay.setSingleShot(true);
+    connect(&m_delay, &QTimer::timeout, this, &WaitNote::appear);
+    connect(m_cancel, &QPushButton::clicked, this, &WaitNote::cancelled);
+}
+
+void WaitNote::begin(const QString& text) {
+    m_text->setText(fontMetrics().elidedText(text, Qt::ElideMiddle, width() - 24));
+    m_text->setToolTip(text);
+    setAccessibleName(text);
+    m_delay.start(kDelay);
+}
+
+void WaitNote::appear() {
+    show();
+    raise();
+    m_cancel->setFocus();
+}
+
+void WaitNote::end() {
+    m_delay.stop();
+    hide();
+}
+
+// The window's command keys must not reach it from here.
+void WaitNote::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape)
+        Q_EMIT cancelled();
+    event->accept();
+}
+
+} // namespace ql240
