@@ -11,7 +11,7 @@ run="g++ cmake ninja-build pkg-config
     udisks2 dbus fonts-open-sans fonts-nanum tzdata ca-certificates xdg-utils"
 test="ffmpeg libimage-exiftool-perl dbus-daemon pulseaudio pulseaudio-utils xvfb openbox weston"
 bench="ffmpeg mpv gstreamer1.0-plugins-base-apps xvfb python3 xdotool"
-package="dpkg-dev debhelper fakeroot lintian appstream desktop-file-utils"
+package="dpkg-dev debhelper fakeroot lintian appstream desktop-file-utils debootstrap"
 fuzz="clang-14 libclang-rt-14-dev"
 
 wanted=

@@ -68,6 +68,7 @@ void WindowGMT::addBars() {
 void WindowGMT::addZoneList() {
     m_zones = new FlatList(this, {29, 336, 373, 16}, 10);
     m_zones->setAccessibleName(uiText(12));
+    setAccessibleName(uiText(12)); // the window has no title
     for (const TimeZone& zone : kTimeZones)
         m_zones->addItem(QLatin1String(zone.name), QLatin1String(zone.code));
     connect(m_zones, &QComboBox::textActivated, this, &WindowGMT::OnSlotsGMT);

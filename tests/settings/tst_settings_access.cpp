@@ -223,7 +223,7 @@ void TestSettingsAccess::screenReaderTree() {
 void TestSettingsAccess::everyPartSpeaks() {
     const auto check = [](QWidget& window) {
         window.show();
-        QCOMPARE(AccessibleTree(&window).nameless, QStringList());
+        QCOMPARE(AccessibleTree(&window).nameless.join(u'\n'), QString());
     };
     ConfigWindow window;
     check(window);
