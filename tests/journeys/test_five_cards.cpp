@@ -61,7 +61,7 @@ void TestFiveCards::initTestCase() {
     }
     m_viewer.addClip(QStringLiteral("VIDEO/REC_2013_04_05_12_30_00.mp4"), Viewer::shortClip(300));
     m_viewer.show();
-    m_viewer.window->openFolder(m_viewer.path(QStringLiteral("VIDEO")));
+    m_viewer.openFolder(m_viewer.path(QStringLiteral("VIDEO")));
 }
 
 // Opens the settings dialog by its button and acts in it once it has read the card.
