@@ -1,10 +1,12 @@
 #!/bin/sh
-# Sets everything up where needed and runs every test; needs no display. "./test.sh NAME" runs the tests whose names
-# match.
+# Sets everything up where needed and runs every test, then all but the map's again under the address and undefined
+# behaviour sanitizers; needs no display. "./test.sh NAME" runs the tests whose names match.
 set -eu
 cd "$(dirname "$0")"
 
 scripts/bootstrap.sh test
-cmake --preset dev > /dev/null
-cmake --build --preset dev
-ctest --preset dev -j 2 ${1:+-R "$1"}
+for preset in dev asan; do
+    cmake --preset "$preset" > /dev/null
+    cmake --build --preset "$preset"
+    ctest --preset "$preset" -j 2 ${1:+-R "$1"}
+done

@@ -13,7 +13,6 @@ cmake --build "build/$preset" --target damaged_clips
 
 table=$(mktemp)
 trap 'rm -f "$table"' EXIT
-[ "$preset" != asan ] || export LSAN_OPTIONS="suppressions=$PWD/tests/support/leaks.supp:print_suppressions=0"
 cd "build/$preset"
 ../../tests/support/run_test.sh tests/damaged_clips "$count" > "$table" || { cat "$table"; exit 1; }
 cd ../..
