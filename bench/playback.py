@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Playback against mpv and gst-play: CPU time of playing, time to the first picture, time of exact seeks.
 
-usage: playback.py DRIVER [REPEATS]
+usage: playback.py DRIVER [REPEATS]      (0 leaves out the playing)
 
 Everything runs in the same X server without a GPU, one after the other, several times; medians are compared. CPU time
 is that of the whole process tree.
@@ -9,7 +9,8 @@ is that of the whole process tree.
 import json, os, random, resource, socket, statistics, subprocess, sys, tempfile, time
 
 FF = "ffmpeg -loglevel error -nostdin -y -fflags +bitexact".split()
-X264 = "-c:v libx264 -preset ultrafast -profile:v main -pix_fmt yuv420p -g 30 -keyint_min 30 -sc_threshold 0 -bf 0".split()
+# As a camera's encoder does it: CABAC, deblocking, a key frame a second, no B-frames.
+X264 = "-c:v libx264 -preset veryfast -profile:v main -pix_fmt yuv420p -g 30 -keyint_min 30 -sc_threshold 0 -bf 0".split()
 SOUND = "-f lavfi -i sine=frequency=440:sample_rate=32000:duration={d}"
 AAC = "-c:a aac -b:a 64k -ac 1".split()
 
@@ -73,6 +74,15 @@ class Mpv:
             pass
         return (time.perf_counter() - start) * 1000
 
+    def stepped(self, command):
+        """Milliseconds from a frame step to the new time that is told with its picture."""
+        self.socket.sendall(b'{"command":["observe_property",1,"time-pos"]}\n')
+        while json.loads(self.lines.readline()).get("event") != "property-change":
+            pass
+        taken = self.timed(command, event="property-change")
+        self.socket.sendall(b'{"command":["unobserve_property",1]}\n')
+        return taken
+
     def quit(self):
         self.socket.sendall(b'{"command":["quit"]}\n')
         self.process.wait()
@@ -90,32 +100,59 @@ def row(name, here, peer, limit):
     print(f"| {name} | {here:.1f} | {peer:.1f} | {ratio:.2f} | {asked} | {verdict} |", flush=True)
 
 
+def play(driver, clips, repeats):
+    for streams, limit in ((1, 1.0), (2, 0.9)):
+        commands = play_commands(driver, clips[streams], streams)
+        times = {name: [] for name in commands}
+        for _ in range(repeats):
+            for name, command in commands.items():
+                times[name].append(cpu_seconds(command))
+        median = {name: statistics.median(values) for name, values in times.items()}
+        row(f"20 s of 1080p, {streams} stream(s), CPU s, mpv", median["here"], median["mpv"], limit)
+        if "gst-play" in median:
+            row("the same, gst-play", median["here"], median["gst-play"], None)
+
+
+def open_clip(driver, mpv, clip):
+    opened = [mpv.timed("loadfile", clip) for _ in range(20)]
+    here = driver_times(driver, "open", clip, [21])[1:]
+    row("open to the first picture, ms, mpv", statistics.median(here), statistics.median(opened), 0.7)
+
+
+def seek(driver, mpv, clip, seeded):
+    positions = [seeded.randrange(0, 19500) for _ in range(40)]
+    sought = [mpv.timed("seek", ms / 1000, "absolute+exact") for ms in positions]
+    here = driver_times(driver, "seek", clip, positions)
+    row("exact seek while paused, ms, mpv", statistics.median(here), statistics.median(sought), 0.8)
+
+
+def step(driver, mpv, clip, seeded):
+    """Ten steps from each of six places, one way and the other; the seek to the place isn't counted."""
+    for sign, name, command, limit in ((1, "forward", "frame-step", 1.0), (-1, "back", "frame-back-step", 0.4)):
+        ours, theirs, numbers = [], [], []
+        for _ in range(6):
+            place = seeded.randrange(3000, 17000)
+            numbers += [place] + [sign] * 10
+            mpv.timed("seek", place / 1000, "absolute+exact")
+            theirs += [mpv.stepped(command) for _ in range(10)]
+        times = driver_times(driver, "step", clip, numbers)
+        ours = [ms for ms, number in zip(times, numbers) if number == sign]
+        row(f"step {name}, ms, mpv", statistics.median(ours), statistics.median(theirs), limit)
+
+
 def main():
     driver, repeats = sys.argv[1], int(sys.argv[2]) if len(sys.argv) > 2 else 5
     with tempfile.TemporaryDirectory() as folder:
         clips = {n: make_clip(folder, n) for n in (1, 2)}
         print("| what | here | peer | ratio | asked | met |\n|---|---|---|---|---|---|")
-        for streams, limit in ((1, 1.0), (2, 0.9)):
-            commands = play_commands(driver, clips[streams], streams)
-            times = {name: [] for name in commands}
-            for _ in range(repeats):
-                for name, command in commands.items():
-                    times[name].append(cpu_seconds(command))
-            median = {name: statistics.median(values) for name, values in times.items()}
-            row(f"20 s of 1080p, {streams} stream(s), CPU s, mpv", median["here"], median["mpv"], limit)
-            if "gst-play" in median:
-                row("the same, gst-play", median["here"], median["gst-play"], None)
-
+        if repeats:
+            play(driver, clips, repeats)
         mpv = Mpv(folder)
         mpv.timed("loadfile", clips[1])
-        opened = [mpv.timed("loadfile", clips[1]) for _ in range(20)]
-        here = driver_times(driver, "open", clips[1], [21])[1:]
-        row("open to the first picture, ms, mpv", statistics.median(here), statistics.median(opened), 0.7)
+        open_clip(driver, mpv, clips[1])
         seeded = random.Random(5)
-        positions = [seeded.randrange(0, 19500) for _ in range(40)]
-        sought = [mpv.timed("seek", ms / 1000, "absolute+exact") for ms in positions]
-        here = driver_times(driver, "seek", clips[1], positions)
-        row("exact seek while paused, ms, mpv", statistics.median(here), statistics.median(sought), 0.8)
+        seek(driver, mpv, clips[1], seeded)
+        step(driver, mpv, clips[1], seeded)
         mpv.quit()
 
 

@@ -123,7 +123,10 @@ int openTimes(Stage& stage, const Clip& clip, int count) {
     return 0;
 }
 
-int seekTimes(Stage& stage, const Clip& clip, const std::vector<int>& positionsMs, bool steps) {
+using Move = std::function<void(Player&, int)>;
+
+// Times each `move` of a clip that is paused at its start.
+int moveTimes(Stage& stage, const Clip& clip, const std::vector<int>& numbers, const Move& move) {
     PaintWatch watch(stage.first);
     stage.show(false);
     if (!stage.open(clip))
@@ -132,13 +135,10 @@ int seekTimes(Stage& stage, const Clip& clip, const std::vector<int>& positionsM
     player.rewind();
     player.pause();
     watch.wait();
-    for (const int ms : positionsMs) {
+    for (const int number : numbers) {
         QElapsedTimer clock;
         clock.start();
-        if (steps)
-            ms > 0 ? player.stepForward() : player.stepBack();
-        else
-            player.seek(ms);
+        move(player, number);
         if (!watch.wait())
             return 1;
         std::printf("%.2f\n", static_cast<double>(clock.nsecsElapsed()) / 1e6);
@@ -146,9 +146,23 @@ int seekTimes(Stage& stage, const Clip& clip, const std::vector<int>& positionsM
     return 0;
 }
 
+void seekTo(Player& player, int ms) {
+    player.seek(ms);
+}
+
+// 1 and -1 are steps; anything else is a position to step from.
+void stepOrSeek(Player& player, int number) {
+    if (number == 1)
+        player.stepForward();
+    else if (number == -1)
+        player.stepBack();
+    else
+        player.seek(number);
+}
+
 } // namespace
 
-// ql240-bench-player play CLIP | open CLIP COUNT | seek CLIP MS… | step CLIP START_MS SIGN…
+// ql240-bench-player play CLIP | open CLIP COUNT | seek CLIP MS… | step CLIP MS|1|-1…
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     const QStringList arguments = QApplication::arguments();
@@ -164,5 +178,5 @@ int main(int argc, char** argv) {
         return play(stage, clip);
     if (mode == QLatin1String("open"))
         return openTimes(stage, clip, numbers.at(0));
-    return seekTimes(stage, clip, numbers, mode == QLatin1String("step"));
+    return moveTimes(stage, clip, numbers, mode == QLatin1String("step") ? stepOrSeek : seekTo);
 }

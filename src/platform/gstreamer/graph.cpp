@@ -212,16 +212,31 @@ Status Graph::GetVideoSize(std::int32_t* width, std::int32_t* height) {
     return kStatusNotConnected;
 }
 
-// Streaming thread. The bus keeps the message; the interface thread reads it when it next comes by, at the
-// latest when the event arrives.
+// Streaming thread. The interface thread reads the message when it next comes by, at the latest when the event
+// arrives. The bus itself would take the message only after this call, perhaps after the event.
 GstBusSyncReply Graph::messagePosted(GstBus*, GstMessage* message, gpointer self) {
     constexpr auto kWanted = GST_MESSAGE_ASYNC_DONE | GST_MESSAGE_EOS | GST_MESSAGE_ERROR;
-    if (!(GST_MESSAGE_TYPE(message) & kWanted)) {
-        gst_message_unref(message); // who drops it owns it
+    MessageHandle taken(message); // who drops it owns it
+    if (!(GST_MESSAGE_TYPE(message) & kWanted))
         return GST_BUS_DROP;
+    auto* graph = static_cast<Graph*>(self);
+    {
+        const std::scoped_lock lock(graph->m_messagesMutex);
+        graph->m_messages.push_back(std::move(taken));
     }
-    QCoreApplication::postEvent(static_cast<Graph*>(self), new QEvent(static_cast<QEvent::Type>(kBusEvent)));
-    return GST_BUS_PASS;
+    QCoreApplication::postEvent(graph, new QEvent(static_cast<QEvent::Type>(kBusEvent)));
+    return GST_BUS_DROP;
+}
+
+MessageHandle Graph::takeMessage() {
+    if (GstMessage* early = gst_bus_pop(m_bus.get())) // from before the first run
+        return MessageHandle(early);
+    const std::scoped_lock lock(m_messagesMutex);
+    if (m_messages.empty())
+        return nullptr;
+    MessageHandle message = std::move(m_messages.front());
+    m_messages.pop_front();
+    return message;
 }
 
 bool Graph::event(QEvent* event) {
@@ -234,7 +249,7 @@ bool Graph::event(QEvent* event) {
 void Graph::drainBus() {
     if (!m_transport || !m_transport->isStarted())
         return;
-    while (const MessageHandle message{gst_bus_pop(m_bus.get())}) {
+    while (const MessageHandle message = takeMessage()) {
         if (AudioRenderer* sound = failedSound(message.get()))
             dropSound(*sound);
         else
@@ -268,7 +283,7 @@ void Graph::dropSound(AudioRenderer& sound) {
         filter->leavePipeline();
     m_transport->restartAt(here);
     // What the streams had to say of it before they were restarted.
-    while (const MessageHandle message{gst_bus_pop(m_bus.get())}) {
+    while (const MessageHandle message = takeMessage()) {
         if (GST_MESSAGE_TYPE(message.get()) != GST_MESSAGE_ERROR)
             m_transport->handle(message.get());
     }

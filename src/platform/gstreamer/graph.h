@@ -4,7 +4,9 @@
 
 #include <QObject>
 
+#include <deque>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 #include "platform/gstreamer/com_object.h"
@@ -54,6 +56,7 @@ private:
     std::vector<Filter*> chainOf(Filter& sink) const;
     void dropIdleFilters();
     void drainBus();
+    MessageHandle takeMessage();
     void dropSound(AudioRenderer& sound);
     AudioRenderer* failedSound(GstMessage* message) const;
 
@@ -61,6 +64,9 @@ private:
     BusHandle m_bus;
     std::vector<ComPtr<IBaseFilter>> m_filters;
     std::unique_ptr<Transport> m_transport;
+
+    std::mutex m_messagesMutex; // guards what the streaming threads have told
+    std::deque<MessageHandle> m_messages;
 };
 
 } // namespace ql240::gstreamer

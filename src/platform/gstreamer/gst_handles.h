@@ -9,6 +9,7 @@
 namespace ql240::gstreamer {
 
 struct Unref {
+    void operator()(GstAllocator* object) const { gst_object_unref(object); }
     void operator()(GstElement* object) const { gst_object_unref(object); }
     void operator()(GstPad* object) const { gst_object_unref(object); }
     void operator()(GstBus* object) const { gst_object_unref(object); }

@@ -5,6 +5,7 @@
 
 #include <cstring>
 
+#include "platform/gstreamer/frame_allocator.h"
 #include "platform/gstreamer/gst_handles.h"
 
 namespace {
@@ -82,6 +83,12 @@ GstFlowReturn packFrame(GstVideoFilter*, GstVideoFrame* in, GstVideoFrame* out) 
     return GST_FLOW_OK;
 }
 
+gboolean proposeAllocation(GstBaseTransform* transform, GstQuery* decideQuery, GstQuery* query) {
+    const auto allocator = ql240::gstreamer::newFrameAllocator();
+    gst_query_add_allocation_param(query, allocator.get(), nullptr);
+    return GST_BASE_TRANSFORM_CLASS(yuy2_packer_parent_class)->propose_allocation(transform, decideQuery, query);
+}
+
 void yuy2_packer_class_init(Yuy2PackerClass* klass) {
     GstElementClass* element = GST_ELEMENT_CLASS(klass);
     const ql240::gstreamer::CapsHandle any(gst_caps_from_string("video/x-raw"));
@@ -92,6 +99,7 @@ void yuy2_packer_class_init(Yuy2PackerClass* klass) {
     gst_element_class_set_static_metadata(element, "YUY2 packer", "Filter/Converter/Video",
                                           "Packs planar frames", "QL240 Viewer");
     GST_BASE_TRANSFORM_CLASS(klass)->transform_caps = transformCaps;
+    GST_BASE_TRANSFORM_CLASS(klass)->propose_allocation = proposeAllocation;
     GST_BASE_TRANSFORM_CLASS(klass)->passthrough_on_same_caps = TRUE;
     GST_VIDEO_FILTER_CLASS(klass)->transform_frame = packFrame;
 }
