@@ -36,7 +36,7 @@ public:
         QTimer::singleShot(kTimeLimitMs, &loop, [&] { loop.exit(1); });
         const bool painted = loop.exec() == 0;
         m_done = nullptr;
-        QApplication::processEvents();  // a picture that follows close behind isn't the next one's
+        QApplication::processEvents(); // a picture that follows close behind isn't the next one's
         return painted;
     }
 

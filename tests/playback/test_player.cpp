@@ -159,6 +159,35 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(open.shown(), 0, kPatienceMs);
     }
 
+    // Step by step to the picture, to and fro across what has been decoded; then on from there in step.
+    void everyStepShowsItsFrame_data() { clips(); }
+    void everyStepShowsItsFrame() {
+        QFETCH(TestClipSpec, spec);
+        OpenClip open(makeTestClip(spec));
+        const auto times = testClipFrameTimes(spec);
+        open.player().seek(700);
+        std::int64_t position = 7000000;
+        int count = 0;
+        for (const int sign : {+1, +1, -1, -1, -1, +1, +1, +1, +1, -1, -1, -1, -1, -1, -1, -1}) {
+            QVERIFY(sign > 0 ? open.player().stepForward() : open.player().stepBack());
+            position += sign * Player::kStep;
+            for (int stream = 0; stream < spec.videoStreams; ++stream)
+                QTRY_COMPARE_WITH_TIMEOUT(open.grabbed(stream), frameAt(times, position * 100ns), kPatienceMs);
+            QTRY_COMPARE_WITH_TIMEOUT(open.shown(), frameAt(times, position * 100ns), kPatienceMs);
+            QCOMPARE(open.player().positionMs(), position / 10000);
+            if (++count == 5) { // a seek in between starts anew
+                position = 9000000;
+                open.player().seek(900);
+            }
+        }
+        QVERIFY(open.player().play());
+        QTRY_VERIFY_WITH_TIMEOUT(open.player().positionMs() > position / 10000 + 300, kPatienceMs);
+        const auto framesOff = [&] {
+            return open.grabbed() - frameAt(times, std::chrono::milliseconds(open.player().positionMs()));
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(std::abs(framesOff()) <= 1, kPatienceMs);
+    }
+
     void playsToTheEndAtTheRightSpeed_data() { clips(); }
     void playsToTheEndAtTheRightSpeed() {
         QFETCH(TestClipSpec, spec);

@@ -1,13 +1,16 @@
 #include "platform/gstreamer/frame_clipper.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace ql240::gstreamer {
 
 namespace {
 
-// Time stamps are rounded to the container's clock; a smaller gap between frames is none.
-constexpr GstClockTime kGapTolerance = GST_MSECOND;
+// Decoding on that far is quicker than a seek.
+constexpr GstClockTime kShortWay = 500 * GST_MSECOND;
+// How long the last frame is shown.
+constexpr GstClockTime kLastFrame = GST_SECOND;
 
 bool isTimeSegment(GstEvent* event, const GstSegment** segment) {
     gst_event_parse_segment(event, segment);
@@ -31,6 +34,7 @@ FrameClipper::~FrameClipper() {
 void FrameClipper::attach(GstElement* decoder) {
     m_sink = staticPad(decoder, "sink");
     m_source = staticPad(decoder, "src");
+    m_next.reset(gst_pad_get_peer(m_source.get()));
     const auto events =
         static_cast<GstPadProbeType>(GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM | GST_PAD_PROBE_TYPE_EVENT_FLUSH);
     const auto all = static_cast<GstPadProbeType>(events | GST_PAD_PROBE_TYPE_BUFFER);
@@ -94,25 +98,29 @@ void FrameClipper::restore(GstPadProbeInfo* info) {
 }
 
 void FrameClipper::reset() {
-    m_kept.reset();
+    m_row.clear();
+    m_shown.reset();
     m_framePassed = false;
     m_hasSegment = false;
+    m_ended = false;
+    m_moved = false;
     m_starvedAtEnd = 0;
 }
 
 GstPadProbeReturn FrameClipper::handleEvent(GstPadProbeInfo* info) {
     switch (GST_EVENT_TYPE(GST_PAD_PROBE_INFO_EVENT(info))) {
-        case GST_EVENT_SEGMENT:
+        case GST_EVENT_SEGMENT: {
+            const std::scoped_lock lock(m_mutex);
             restore(info);
             break;
-        case GST_EVENT_FLUSH_STOP:
+        }
+        case GST_EVENT_FLUSH_STOP: {
+            const std::scoped_lock lock(m_mutex);
             reset();
             break;
+        }
         case GST_EVENT_EOS:
-            if (m_kept && !m_framePassed)
-                pushKept(m_segment.start + GST_SECOND);
-            else if (m_hasSegment && !m_framePassed && GST_CLOCK_TIME_IS_VALID(m_segment.stop))
-                m_starvedAtEnd = static_cast<std::int64_t>(m_segment.stop);
+            handleEnd();
             break;
         default:
             break;
@@ -120,39 +128,102 @@ GstPadProbeReturn FrameClipper::handleEvent(GstPadProbeInfo* info) {
     return GST_PAD_PROBE_OK;
 }
 
-GstPadProbeReturn FrameClipper::handleFrame(GstPadProbeInfo* info) {
-    GstBuffer* frame = GST_PAD_PROBE_INFO_BUFFER(info);
-    if (!m_hasSegment || m_framePassed || !GST_BUFFER_PTS_IS_VALID(frame))
-        return GST_PAD_PROBE_OK;
-    const GstClockTime begin = GST_BUFFER_PTS(frame);
-    const GstClockTime duration = GST_BUFFER_DURATION_IS_VALID(frame) ? GST_BUFFER_DURATION(frame) : 0;
-    if (begin < m_cut && begin + duration <= m_cut) {
-        m_kept = share(frame);
-        return GST_PAD_PROBE_DROP;
-    }
-    m_framePassed = true;
-    if (m_kept && begin > m_cut + kGapTolerance)
-        pushKept(begin);
-    m_kept.reset();
-    if (begin < m_cut) {
-        frame = gst_buffer_make_writable(frame);
-        GST_BUFFER_PTS(frame) = m_cut;
-        GST_BUFFER_DURATION(frame) = begin + duration - m_cut;
-        GST_PAD_PROBE_INFO_DATA(info) = frame;
-    }
-    return GST_PAD_PROBE_OK;
+void FrameClipper::handleEnd() {
+    std::unique_lock lock(m_mutex);
+    m_ended = true;
+    if (m_framePassed || !m_hasSegment)
+        return;
+    if (!m_row.isEmpty())
+        push(m_row.last(m_segment.start + kLastFrame), lock);
+    else if (GST_CLOCK_TIME_IS_VALID(m_segment.stop))
+        m_starvedAtEnd = static_cast<std::int64_t>(m_segment.stop);
 }
 
-void FrameClipper::pushKept(GstClockTime end) {
+GstPadProbeReturn FrameClipper::handleFrame(GstPadProbeInfo* info) {
+    GstBuffer* frame = GST_PAD_PROBE_INFO_BUFFER(info);
+    std::unique_lock lock(m_mutex);
+    if (!m_hasSegment || !GST_BUFFER_PTS_IS_VALID(frame))
+        return GST_PAD_PROBE_OK;
+    if (m_framePassed) {
+        m_row.clear();
+        return GST_PAD_PROBE_OK;
+    }
+    m_row.add(share(frame));
+    const std::optional<GstFlowReturn> flow = pushWanted(lock);
+    if (!flow)
+        return GST_PAD_PROBE_DROP;
+    if (*flow == GST_FLOW_OK && m_shown && m_shown->frame != frame)
+        return GST_PAD_PROBE_OK; // a gap was filled by the frame before, now it is this one's turn
+    gst_buffer_unref(frame);
+    GST_PAD_PROBE_INFO_FLOW_RETURN(info) = *flow;
+    return GST_PAD_PROBE_HANDLED;
+}
+
+// None if the wanted frame is still to come.
+std::optional<GstFlowReturn> FrameClipper::pushWanted(std::unique_lock<std::mutex>& lock) {
+    for (;;) {
+        const auto wanted = m_row.at(m_cut);
+        if (!wanted)
+            return std::nullopt;
+        const GstFlowReturn flow = push(*wanted, lock);
+        if (flow != GST_FLOW_FLUSHING || !std::exchange(m_moved, false))
+            return flow;
+    }
+}
+
+// Returns when time goes on, or when the frame is taken off the screen again. Past the decoder's own pad,
+// which at the end of the stream takes no more.
+GstFlowReturn FrameClipper::push(const FrameRow::Shown& shown, std::unique_lock<std::mutex>& lock) {
     m_framePassed = true;
-    GstBuffer* frame = gst_buffer_make_writable(m_kept.release());
-    GST_BUFFER_PTS(frame) = m_segment.start;
-    GST_BUFFER_DURATION(frame) = end - m_segment.start;
-    // Past its own pad, which at the end of the stream takes no more.
-    if (const PadHandle next{gst_pad_get_peer(m_source.get())})
-        gst_pad_chain(next.get(), frame);
-    else
-        gst_buffer_unref(frame);
+    const bool first = !m_shown;
+    m_shown = shown;
+    BufferHandle frame = cut(shown);
+    GstSegment segment = m_segment;
+    segment.position = segment.start;
+    segment.stop = GST_CLOCK_TIME_NONE;
+    lock.unlock();
+    if (!first)
+        gst_pad_send_event(m_next.get(), gst_event_new_segment(&segment));
+    const GstFlowReturn flow = gst_pad_chain(m_next.get(), frame.release());
+    lock.lock();
+    return flow;
+}
+
+BufferHandle FrameClipper::cut(const FrameRow::Shown& shown) const {
+    BufferHandle frame(gst_buffer_copy(shown.frame));
+    const GstClockTime begin = std::max(shown.begin, m_segment.start);
+    GST_BUFFER_PTS(frame.get()) = begin;
+    GST_BUFFER_DURATION(frame.get()) = shown.end > begin ? shown.end - begin : GST_CLOCK_TIME_NONE;
+    return frame;
+}
+
+// A point of the clip as the frames' time stamps count it, which an edit list can shift.
+GstClockTime FrameClipper::stampOf(GstClockTime ns) const {
+    return ns + m_segment.start - m_segment.time;
+}
+
+bool FrameClipper::canMoveTo(GstClockTime ns) {
+    const std::scoped_lock lock(m_mutex);
+    if (!m_next)
+        return true;
+    if (!m_framePassed || m_ended || !m_shown)
+        return false;
+    const GstClockTime stamp = stampOf(ns);
+    return m_row.reachesBackTo(stamp) && stamp < m_shown->end + kShortWay;
+}
+
+bool FrameClipper::moveTo(GstClockTime ns) {
+    const std::scoped_lock lock(m_mutex);
+    if (!m_next || m_shown->holds(stampOf(ns)))
+        return false;
+    m_cut = m_segment.start = stampOf(ns);
+    m_segment.time = ns;
+    m_framePassed = false;
+    m_moved = true;
+    // The thread that waits at the sink comes back and waits for the lock.
+    gst_pad_send_event(m_next.get(), gst_event_new_flush_start());
+    gst_pad_send_event(m_next.get(), gst_event_new_flush_stop(TRUE));
+    return true;
 }
 
 } // namespace ql240::gstreamer

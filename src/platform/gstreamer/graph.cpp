@@ -212,8 +212,8 @@ Status Graph::GetVideoSize(std::int32_t* width, std::int32_t* height) {
     return kStatusNotConnected;
 }
 
-// Streaming thread. The interface thread reads the message when it next comes by, at the latest when the event
-// arrives. The bus itself would take the message only after this call, perhaps after the event.
+// Streaming thread. The interface thread reads the message when it next comes by, at the latest when the
+// event arrives. The bus itself would take the message only after this call, perhaps after the event.
 GstBusSyncReply Graph::messagePosted(GstBus*, GstMessage* message, gpointer self) {
     constexpr auto kWanted = GST_MESSAGE_ASYNC_DONE | GST_MESSAGE_EOS | GST_MESSAGE_ERROR;
     MessageHandle taken(message); // who drops it owns it

@@ -65,12 +65,16 @@ bool Transport::applyState() {
 bool Transport::setState(GraphState state) {
     if (m_state == state && state != GraphState::Stopped)
         return true;
+    const std::int64_t here = position();
     if (m_state == GraphState::Running && !m_inFlight)
         leaveHeld();
     m_state = state;
     if (state == GraphState::Stopped) {
         m_pending = 0;
         m_ended = false;
+    } else if (state == GraphState::Running && m_apart) {
+        m_pending = here;
+        sendPending();
     }
     return applyState();
 }
@@ -97,20 +101,43 @@ void Transport::sendPending() {
         return;
     const std::int64_t target = *m_pending;
     m_pending.reset();
-    if (m_state != GraphState::Running && !m_inFlight && m_held == target)
+    const bool settled = m_state != GraphState::Running && !m_inFlight && m_held;
+    if (settled && (m_held == target || moveStreams(target)))
         return;
     if (!sendSeek(target)) {
         m_last = position();
         return;
     }
+    await(target);
+}
+
+void Transport::await(std::int64_t target) {
     m_target = target;
     m_held.reset();
     m_inFlight = true;
     m_inFlightSince.start();
 }
 
+// A short way, or one back to a frame just seen, each video stream goes by itself.
+bool Transport::moveStreams(std::int64_t target) {
+    const auto ns = static_cast<GstClockTime>(target * kNsPerUnit);
+    if (!std::all_of(m_clippers.begin(), m_clippers.end(),
+                     [ns](FrameClipper* clipper) { return clipper->canMoveTo(ns); }))
+        return false;
+    m_apart = true;
+    bool moves = false;
+    for (FrameClipper* clipper : m_clippers)
+        moves |= clipper->moveTo(ns);
+    if (moves)
+        await(target);
+    else
+        m_held = target;
+    return true;
+}
+
 bool Transport::sendSeek(std::int64_t target) {
     const auto flags = static_cast<GstSeekFlags>(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_ACCURATE);
+    m_apart = false;
     return m_splitter.sendSeek(gst_event_new_seek(m_rate, GST_FORMAT_TIME, flags, GST_SEEK_TYPE_SET,
                                                   target * kNsPerUnit, GST_SEEK_TYPE_NONE, -1));
 }

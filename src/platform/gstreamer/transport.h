@@ -46,6 +46,8 @@ private:
     bool applyState();
     bool sendSeek(std::int64_t target);
     void leaveHeld();
+    bool moveStreams(std::int64_t target);
+    void await(std::int64_t target);
     void settle();
     bool seekToLastFrame();
     void end();
@@ -59,6 +61,7 @@ private:
     GraphState m_state = GraphState::Stopped;
     bool m_started = false;
     bool m_ended = false;
+    bool m_apart = false; // the streams have been moved one by one; only a seek brings them together
 
     bool m_inFlight = false; // a preroll is awaited, after a seek or a state change
     QElapsedTimer m_inFlightSince;

@@ -1,0 +1,52 @@
+#include "platform/gstreamer/frame_row.h"
+
+#include <algorithm>
+
+namespace ql240::gstreamer {
+
+namespace {
+
+// 37 MB of 1080p.
+constexpr std::size_t kMost = 12;
+// Time stamps are rounded to the container's clock; a smaller gap between frames is none.
+constexpr GstClockTime kGapTolerance = GST_MSECOND;
+
+GstClockTime beginOf(const BufferHandle& frame) {
+    return GST_BUFFER_PTS(frame.get());
+}
+
+GstClockTime endOf(const BufferHandle& frame) {
+    return beginOf(frame) +
+           (GST_BUFFER_DURATION_IS_VALID(frame.get()) ? GST_BUFFER_DURATION(frame.get()) : 0);
+}
+
+} // namespace
+
+void FrameRow::add(BufferHandle frame) {
+    m_frames.push_back(std::move(frame));
+    if (m_frames.size() > kMost)
+        m_frames.pop_front();
+}
+
+bool FrameRow::reachesBackTo(GstClockTime ns) const {
+    return !m_frames.empty() && beginOf(m_frames.front()) <= ns;
+}
+
+std::optional<FrameRow::Shown> FrameRow::at(GstClockTime ns) const {
+    const auto next = std::find_if(m_frames.begin(), m_frames.end(), [ns](const BufferHandle& frame) {
+        return beginOf(frame) >= ns || endOf(frame) > ns;
+    });
+    if (next == m_frames.end())
+        return std::nullopt;
+    if (next != m_frames.begin() && beginOf(*next) > ns + kGapTolerance) {
+        const auto before = std::prev(next);
+        return Shown{before->get(), beginOf(*before), beginOf(*next)};
+    }
+    return Shown{next->get(), beginOf(*next), endOf(*next)};
+}
+
+FrameRow::Shown FrameRow::last(GstClockTime end) const {
+    return {m_frames.back().get(), beginOf(m_frames.back()), end};
+}
+
+} // namespace ql240::gstreamer
