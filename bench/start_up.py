@@ -13,9 +13,10 @@ def visible(title):
                           stderr=subprocess.DEVNULL).returncode == 0
 
 
-def pss_mb(pid):
+def memory_mb(pid):
+    # All that is resident: the proportional share would depend on who else has the toolkit's libraries mapped.
     with open(f"/proc/{pid}/smaps_rollup") as table:
-        return next(int(line.split()[1]) for line in table if line.startswith("Pss:")) / 1024
+        return next(int(line.split()[1]) for line in table if line.startswith("Rss:")) / 1024
 
 
 def start(command, title, environment):
@@ -25,7 +26,7 @@ def start(command, title, environment):
         if time.monotonic() - begun > 30 or process.poll() is not None:
             raise SystemExit(f"{command} showed no window: {process.poll()}")
     seconds = time.monotonic() - begun
-    memory = pss_mb(process.pid)
+    memory = memory_mb(process.pid)
     process.kill()
     process.wait()
     while visible(title):

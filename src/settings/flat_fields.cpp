@@ -1,5 +1,6 @@
 #include "settings/flat_fields.h"
 
+#include <QAbstractItemView>
 #include <QEvent>
 #include <QPainter>
 #include <QStyleOptionSpinBox>
@@ -39,6 +40,8 @@ FlatList::FlatList(QWidget* window, const QRect& place, int points)
 }
 
 void FlatList::showPopup() {
+    if (!m_hasPopup)
+        view()->setPalette(palette());
     m_hasPopup = true;
     QComboBox::showPopup();
 }
