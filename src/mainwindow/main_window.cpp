@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QLabel>
+#include <QPainter>
 #include <QTimer>
 
 #include "base/preferences.h"
@@ -25,6 +26,20 @@ namespace {
 
 constexpr QColor kBackgroundColour(9, 9, 9);
 constexpr char kLabelStyle[] = R"(color: rgb(220,220,220); font-family: "Segoe UI", Arial; font-size: 10pt;)";
+
+// A path of which the end, which tells most, stays in sight.
+class PathLabel : public QLabel {
+public:
+    using QLabel::QLabel;
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        painter.setPen(palette().color(foregroundRole()));
+        painter.drawText(rect(), Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+                         fontMetrics().elidedText(text(), Qt::ElideLeft, width()));
+    }
+};
 
 bool storedUnitIsKilometres() {
     QString unit;
@@ -96,8 +111,7 @@ void MainWindow::makeWidgets() {
 
     m_folderReader.showWaitIn(this, layout::kWaitNote);
 
-    m_folderLabel = new QLabel(this);
-    m_folderLabel->setTextFormat(Qt::PlainText);
+    m_folderLabel = new PathLabel(this);
     m_folderLabel->setStyleSheet(QString::fromLatin1(kLabelStyle));
     m_folderLabel->setGeometry(layout::kFolderLabel);
     m_folderLabel->setAccessibleName(tr("No folder"));

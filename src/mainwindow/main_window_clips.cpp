@@ -61,6 +61,7 @@ void MainWindow::showFolder(std::unique_ptr<ClipFolder> folder, const QString& c
     m_clipList->setCurrentRow(row);
     // What the local encoding lacks shows as question marks.
     m_folderLabel->setText(QString::fromLocal8Bit(m_folder->path().toLocal8Bit()));
+    m_folderLabel->setToolTip(QStringLiteral("<p>%1</p>").arg(m_folder->path().toHtmlEscaped()));
     m_folderLabel->setAccessibleName(tr("Folder %1").arg(m_folder->path()));
 }
 
