@@ -1,6 +1,7 @@
 #!/bin/sh
-# run_on_desktop.sh x11|wayland PROGRAM: runs a test program inside a desktop of its own, an X server with a window
-# manager or a Wayland compositor without a display. Exit code 77 where the desktop's programs are not installed.
+# run_on_desktop.sh x11|wayland|seat PROGRAM: runs a test program inside a desktop of its own: an X server with a window
+# manager, a Wayland compositor without a display, or one in an X server, where xdotool moves its pointer. Exit code 77
+# where the desktop's programs are not installed.
 set -eu
 desktop=$1
 shift
@@ -8,6 +9,7 @@ here=$(dirname "$0")
 case $desktop in
     x11) needed="Xvfb openbox" ;;
     wayland) needed="weston" ;;
+    seat) needed="Xvfb weston xdotool" ;;
 esac
 for program in $needed; do
     command -v "$program" >/dev/null || exit 77
@@ -37,19 +39,25 @@ await() {
     exit 1
 }
 
-if [ "$desktop" = x11 ]; then
+if [ "$desktop" != wayland ]; then
     Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp -noreset 3>"$state/display" >/dev/null 2>&1 &
     pids=$!
     await '[ -s "$state/display" ]'
     DISPLAY=:$(cat "$state/display")
+    export QL240_TEST_DISPLAY="$DISPLAY"
+fi
+if [ "$desktop" = x11 ]; then
     DISPLAY=$DISPLAY openbox --startup "touch $state/managed" >/dev/null 2>&1 &
     pids="$! $pids"
     await '[ -e "$state/managed" ]'
-    export QL240_TEST_DISPLAY="$DISPLAY" QT_QPA_PLATFORM=xcb
+    export QT_QPA_PLATFORM=xcb
 else
-    XDG_RUNTIME_DIR=$state weston --backend=headless-backend.so --width=1280 --height=900 --idle-time=0 \
+    backend="headless-backend.so"
+    [ "$desktop" = wayland ] || backend="x11-backend.so --use-pixman"
+    # shellcheck disable=SC2086
+    DISPLAY=${DISPLAY:-} XDG_RUNTIME_DIR=$state weston --backend=$backend --width=1280 --height=900 --idle-time=0 \
         --socket=wayland-ql240 >/dev/null 2>&1 &
-    pids=$!
+    pids="$! $pids"
     await '[ -S "$state/wayland-ql240" ]'
     export QL240_TEST_WAYLAND_DISPLAY="$state/wayland-ql240" QT_QPA_PLATFORM=wayland
 fi

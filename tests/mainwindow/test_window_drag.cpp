@@ -1,0 +1,84 @@
+// The frameless window on a Wayland desktop with a pointer and a keyboard, which only the compositor can
+// move.
+#include <QEnterEvent>
+#include <QProcess>
+
+#include "mainwindow/viewer.h"
+
+using namespace ql240;
+
+namespace {
+
+constexpr int kBoundMs = 15000;
+constexpr QPoint kOnVideo(300, 200);
+
+// Where the pointer is in a window, as the window is told.
+struct PointerWatch : QObject {
+    QPoint place;
+    bool isInside = false;
+    bool isPressed = false;
+
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (auto* pointer = dynamic_cast<QSinglePointEvent*>(event)) {
+            place = pointer->position().toPoint();
+            isInside = true;
+        }
+        if (event->type() == QEvent::Leave)
+            isInside = false;
+        if (event->type() == QEvent::MouseButtonPress)
+            isPressed = true;
+        return false;
+    }
+};
+
+void desktop(const QStringList& arguments) {
+    QCOMPARE(QProcess::execute(QStringLiteral("xdotool"), arguments), 0);
+}
+void movePointer(QPoint place) {
+    desktop({QStringLiteral("mousemove"), QString::number(place.x()), QString::number(place.y())});
+}
+
+} // namespace
+
+class TestWindowDrag : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theCompositorMovesTheWindow();
+};
+
+void TestWindowDrag::theCompositorMovesTheWindow() {
+    if (!QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
+        QSKIP("only where the compositor moves windows");
+    Viewer viewer;
+    viewer.show();
+    PointerWatch watch;
+    viewer.window->windowHandle()->installEventFilter(&watch);
+
+    // The window covers the middle of the desktop, wherever it was put.
+    const QPoint middle(640, 450);
+    movePointer(QPoint(5, 5)); // it may be in the middle already, and nothing is told of that
+    movePointer(middle);
+    QTRY_VERIFY_WITH_TIMEOUT(watch.isInside, kBoundMs);
+    const QPoint start = middle - watch.place + kOnVideo;
+    movePointer(start);
+    QTRY_COMPARE_WITH_TIMEOUT(watch.place, kOnVideo, kBoundMs);
+
+    desktop({QStringLiteral("mousedown"), QStringLiteral("1")});
+    QTRY_VERIFY_WITH_TIMEOUT(watch.isPressed, kBoundMs);
+    movePointer(start + QPoint(5, -5));
+    QTRY_VERIFY_WITH_TIMEOUT(!watch.isInside, kBoundMs); // the compositor has taken the pointer over
+    movePointer(start + QPoint(70, -40));
+    desktop({QStringLiteral("mouseup"), QStringLiteral("1")});
+    QTRY_VERIFY_WITH_TIMEOUT(watch.isInside, kBoundMs);
+    // The window has come along.
+    QVERIFY2((watch.place - kOnVideo).manhattanLength() <= 10, qPrintable(QString::number(watch.place.x())));
+
+    desktop({QStringLiteral("click"), QStringLiteral("3")});
+    QTRY_VERIFY_WITH_TIMEOUT(viewer.window->isFullScreen(), kBoundMs);
+    desktop({QStringLiteral("key"), QStringLiteral("a")});
+    QTRY_VERIFY_WITH_TIMEOUT(!viewer.window->isFullScreen(), kBoundMs);
+}
+
+QTEST_MAIN(TestWindowDrag)
+#include "test_window_drag.moc"
