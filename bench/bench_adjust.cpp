@@ -1,4 +1,5 @@
-// The picture adjustment of a 1080p frame against the plain loop: the formula as written, same compiler and options.
+// The picture adjustment of a 1080p frame against the plain loop: the formula as written, same compiler and
+// options.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -38,8 +39,7 @@ double timed(Adjust adjust) {
 int main() {
     const double plain = timed(adjustYuy2Scalar);
     const double fast = timed(adjustYuy2);
-    std::printf(
-        "| adjusting a 1080p frame, ms, plain loop | %.2f | %.2f | %.1f times as fast | ≥ %.0f | %s |\n",
-        fast, plain, plain / fast, kAsked, plain / fast >= kAsked ? "yes" : "NO");
+    std::printf("adjusting a 1080p frame, plain loop / here\t%.1f\t>=%.0f\t%.2f, %.2f\n", plain / fast,
+                kAsked, fast, plain);
     return 0;
 }
