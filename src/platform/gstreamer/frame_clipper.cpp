@@ -148,7 +148,7 @@ GstPadProbeReturn FrameClipper::handleFrame(GstPadProbeInfo* info) {
         m_row.clear();
         return GST_PAD_PROBE_OK;
     }
-    m_row.add(share(frame));
+    m_row.add(share(frame), m_cut);
     const std::optional<GstFlowReturn> flow = pushWanted(lock);
     if (!flow)
         return GST_PAD_PROBE_DROP;

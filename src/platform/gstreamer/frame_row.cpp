@@ -6,8 +6,8 @@ namespace ql240::gstreamer {
 
 namespace {
 
-// 37 MB of 1080p.
-constexpr std::size_t kMost = 12;
+// 25 MB of 1080p.
+constexpr std::size_t kMost = 8;
 // Time stamps are rounded to the container's clock; a smaller gap between frames is none.
 constexpr GstClockTime kGapTolerance = GST_MSECOND;
 
@@ -22,7 +22,9 @@ GstClockTime endOf(const BufferHandle& frame) {
 
 } // namespace
 
-void FrameRow::add(BufferHandle frame) {
+void FrameRow::add(BufferHandle frame, GstClockTime wanted) {
+    if (endOf(frame) + kMost * (endOf(frame) - beginOf(frame)) < wanted)
+        m_frames.clear();
     m_frames.push_back(std::move(frame));
     if (m_frames.size() > kMost)
         m_frames.pop_front();

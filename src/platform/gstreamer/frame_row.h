@@ -20,7 +20,8 @@ public:
         bool holds(GstClockTime ns) const { return begin <= ns && ns < end; }
     };
 
-    void add(BufferHandle frame);
+    // Of frames far before `wanted` only the newest stays.
+    void add(BufferHandle frame, GstClockTime wanted);
     void clear() { m_frames.clear(); }
     bool isEmpty() const { return m_frames.empty(); }
     bool reachesBackTo(GstClockTime ns) const;
