@@ -109,6 +109,11 @@ void Graph::start() {
     };
     const auto videoStreams = static_cast<int>(std::count_if(m_filters.begin(), m_filters.end(), isVideo));
     dropIdleFilters();
+    {
+        // What the streaming threads find there was made before, by our own lock and not only by GStreamer's.
+        const std::scoped_lock lock(m_messagesMutex);
+        m_messages.clear();
+    }
     gst_bus_set_sync_handler(m_bus.get(), messagePosted, this, nullptr);
     m_transport->start([&] {
         for (const auto& filter : m_filters)
