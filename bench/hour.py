@@ -5,7 +5,8 @@ usage: in_xvfb.sh hour.py VIEWER [MINUTES]     plays a list of 60 clips of one m
        in_xvfb.sh hour.py VIEWER 1080p         half a minute of 1080p, with the dashboard and the map
 
 Memory is the sum of the PSS over the viewer and the web engine's processes. The long run compares the medians of its
-first sixth with those of its last. Prints "figure<TAB>value<TAB>limit" lines.
+first sixth with those of its last, by what is the processes' own: their share of the libraries grows when another
+program that uses these ends. Prints "figure<TAB>value<TAB>limit" lines.
 """
 import os, statistics, subprocess, sys, tempfile, time
 
@@ -89,12 +90,17 @@ def open_files(pid):
             if os.path.lexists(os.path.join(folder, entry))]
 
 
+def memory(pids, kind):
+    return sum(value_of(f"/proc/{pid}/smaps_rollup", kind) for pid in pids) / 1024
+
+
 def sample(root, card, seen):
     pids = processes(root)
     files = {pid: open_files(pid) for pid in pids}
     seen.update(os.path.basename(name) for name in files[root] if name.startswith(card))
-    return {"PSS of all processes, MB": sum(value_of(f"/proc/{pid}/smaps_rollup", "Pss:") for pid in pids) / 1024,
-            "PSS of the viewer alone, MB": value_of(f"/proc/{root}/smaps_rollup", "Pss:") / 1024,
+    return {"PSS of all processes, MB": memory(pids, "Pss:"),
+            "own memory of all processes, MB": memory(pids, "Pss_Anon:"),
+            "own memory of the viewer, MB": memory([root], "Pss_Anon:"),
             "threads": sum(value_of(f"/proc/{pid}/status", "Threads:") for pid in pids),
             "descriptors": sum(map(len, files.values())),
             "processes": len(pids)}
@@ -149,7 +155,8 @@ def long_run(viewer, folder, minutes):
     part = max(len(samples) // 6, 1)
     for name in samples[0]:
         first, last = (statistics.median(s[name] for s in half) for half in (samples[:part], samples[-part:]))
-        print(f"{name}: last sixth against the first ({first:.0f} → {last:.0f})\t{last / first:.3f}\t1.05")
+        limit = "–" if name.startswith("PSS") else 1.05
+        print(f"{name}: last sixth against the first ({first:.0f} → {last:.0f})\t{last / first:.3f}\t{limit}")
 
 
 def full_size_run(viewer, folder):
