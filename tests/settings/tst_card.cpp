@@ -14,75 +14,68 @@ class TestCard : public QObject {
 private Q_SLOTS:
     void init() { host().drives = &m_drives; }
     void cleanup() { host().drives = nullptr; }
-    void rules();
-    void withoutDrives();
-    void versionText_data();
-    void versionText();
-    void hugeVersionText();
+    // The last drive with a version file is the card; the first with a settings folder adjusts the picture.
+    void rules() {
+        const MadeCard stick, first, second, empty;
+        stick.put("Setting/other.txt", {});
+        first.put("UPDATE/Version.TXT", {});
+        first.put("setting/setting.dat", {});
+        second.put("update/version.txt", "QL240");
+        QDir().mkpath(empty.path("update/version.txt"));
+        m_drives.drives.clear();
+        for (const MadeCard* card : {&stick, &first, &second, &empty})
+            m_drives.drives.append({card->drive(), "LABEL", "vfat"});
+
+        QCOMPARE(listRemovableDrives().size(), 4);
+        QCOMPARE(findCardDrive(), second.drive());
+        QCOMPARE(firstSettingFolder(), stick.path("Setting"));
+        QCOMPARE(settingFolder(second.drive()), second.path("setting"));
+        QCOMPARE(updateFolder(first.drive()), first.path("UPDATE"));
+        QCOMPARE(openVersionText(updateFolder(first.drive())), std::optional<QString>(QString()));
+        QCOMPARE(openVersionText(updateFolder(empty.drive())), std::nullopt);
+        QCOMPARE(readVersionText(updateFolder(stick.drive())), QString());
+    }
+
+    void withoutDrives() {
+        m_drives.drives.clear();
+        QCOMPARE(findCardDrive(), QString());
+        QCOMPARE(firstSettingFolder(), QString());
+        host().drives = nullptr;
+        QVERIFY(listRemovableDrives().isEmpty());
+    }
+
+    void versionText_data() {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<QString>("text");
+
+        QTest::newRow("one line") << QByteArray("QL240 1.02 1.00 24V") << "QL240 1.02 1.00 24V";
+        QTest::newRow("line end") << QByteArray("QL240 1.02\n") << "QL240 1.02";
+        QTest::newRow("CR LF") << QByteArray("QL240\r\n1.02\r\n") << "QL240\n1.02";
+        QTest::newRow("empty lines stay") << QByteArray("\nQL240\n\n") << "\nQL240\n";
+        QTest::newRow("two spaces stay") << QByteArray("QL240  1.02") << "QL240  1.02";
+        QTest::newRow("byte order mark") << QByteArray("\xef\xbb\xbfQL240 1.02") << "QL240 1.02";
+        QTest::newRow("empty") << QByteArray() << "";
+    }
+    void versionText() {
+        QFETCH(QByteArray, file);
+        const MadeCard card;
+        card.put("update/version.txt", file);
+        QTEST(readVersionText(card.path("update")), "text");
+    }
+
+    void hugeVersionText() {
+        const MadeCard card;
+        card.put("update/version.txt", "QL240 1.02 1.00 12V\n");
+        QFile file(card.path("update/version.txt"));
+        QVERIFY(file.resize(1LL << 30));
+        const QString text = readVersionText(card.path("update"));
+        QVERIFY(text.startsWith(u"QL240 1.02 1.00 12V"));
+        QVERIFY(text.size() <= 1024 * 1024);
+    }
 
 private:
     FakeDrives m_drives;
 };
-
-// The last drive with a version file is the card; the first with a settings folder adjusts the picture.
-void TestCard::rules() {
-    const MadeCard stick, first, second, empty;
-    stick.put("Setting/other.txt", {});
-    first.put("UPDATE/Version.TXT", {});
-    first.put("setting/setting.dat", {});
-    second.put("update/version.txt", "QL240");
-    QDir().mkpath(empty.path("update/version.txt"));
-    m_drives.drives.clear();
-    for (const MadeCard* card : {&stick, &first, &second, &empty})
-        m_drives.drives.append({card->drive(), "LABEL", "vfat"});
-
-    QCOMPARE(listRemovableDrives().size(), 4);
-    QCOMPARE(findCardDrive(), second.drive());
-    QCOMPARE(firstSettingFolder(), stick.path("Setting"));
-    QCOMPARE(settingFolder(second.drive()), second.path("setting"));
-    QCOMPARE(updateFolder(first.drive()), first.path("UPDATE"));
-    QCOMPARE(openVersionText(updateFolder(first.drive())), std::optional<QString>(QString()));
-    QCOMPARE(openVersionText(updateFolder(empty.drive())), std::nullopt);
-    QCOMPARE(readVersionText(updateFolder(stick.drive())), QString());
-}
-
-void TestCard::withoutDrives() {
-    m_drives.drives.clear();
-    QCOMPARE(findCardDrive(), QString());
-    QCOMPARE(firstSettingFolder(), QString());
-    host().drives = nullptr;
-    QVERIFY(listRemovableDrives().isEmpty());
-}
-
-void TestCard::versionText_data() {
-    QTest::addColumn<QByteArray>("file");
-    QTest::addColumn<QString>("text");
-
-    QTest::newRow("one line") << QByteArray("QL240 1.02 1.00 24V") << "QL240 1.02 1.00 24V";
-    QTest::newRow("line end") << QByteArray("QL240 1.02\n") << "QL240 1.02";
-    QTest::newRow("CR LF") << QByteArray("QL240\r\n1.02\r\n") << "QL240\n1.02";
-    QTest::newRow("empty lines stay") << QByteArray("\nQL240\n\n") << "\nQL240\n";
-    QTest::newRow("two spaces stay") << QByteArray("QL240  1.02") << "QL240  1.02";
-    QTest::newRow("byte order mark") << QByteArray("\xef\xbb\xbfQL240 1.02") << "QL240 1.02";
-    QTest::newRow("empty") << QByteArray() << "";
-}
-
-void TestCard::versionText() {
-    QFETCH(QByteArray, file);
-    const MadeCard card;
-    card.put("update/version.txt", file);
-    QTEST(readVersionText(card.path("update")), "text");
-}
-
-void TestCard::hugeVersionText() {
-    const MadeCard card;
-    card.put("update/version.txt", "QL240 1.02 1.00 12V\n");
-    QFile file(card.path("update/version.txt"));
-    QVERIFY(file.resize(1LL << 30));
-    const QString text = readVersionText(card.path("update"));
-    QVERIFY(text.startsWith(u"QL240 1.02 1.00 12V"));
-    QVERIFY(text.size() <= 1024 * 1024);
-}
 
 QTEST_GUILESS_MAIN(TestCard)
 #include "tst_card.moc"

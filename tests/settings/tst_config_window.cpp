@@ -5,6 +5,7 @@
 #include <QSignalSpy>
 #include <QToolButton>
 
+#include "settings/config_layout.h"
 #include "settings/config_window.h"
 #include "settings/window_gmt.h"
 #include "settings/window_pages.h"
@@ -16,43 +17,11 @@ using namespace ql240;
 namespace {
 
 int RowValues::*valueOf(const QByteArray& name) {
-    if (name == "viewerSpeedUnit")
-        return &RowValues::viewerSpeedUnit;
     for (const SettingKey& key : kSettingKeys) {
         if (name == key.name)
             return key.value;
     }
     qFatal("no value %s", name.constData());
-}
-
-// Each choice of the painted page as it was ordered: where its hit box begins, and what it sets.
-struct HitBox {
-    const char* key;
-    int x, y, value;
-    int width = 64;
-};
-constexpr HitBox kHitBoxes[] = {
-    {"resolutionvalue", 168, 61, 1},     {"resolutionvalue", 265, 61, 2},
-    {"resolutionvalue", 361, 61, 3},     {"qualityvalue", 168, 88, 1},
-    {"qualityvalue", 265, 88, 2},        {"qualityvalue", 361, 88, 3},
-    {"framevalue", 168, 140, 1},         {"framevalue", 265, 140, 2},
-    {"framevalue", 361, 140, 3},         {"soundvalue", 168, 167, 1},
-    {"soundvalue", 265, 167, 0},         {"speakervalue", 168, 194, 0},
-    {"speakervalue", 242, 194, 1},       {"speakervalue", 316, 194, 2},
-    {"speakervalue", 390, 194, 3},       {"speakervalue", 464, 194, 4},
-    {"sensitivityvalue", 168, 371, 1},   {"sensitivityvalue", 265, 371, 2},
-    {"sensitivityvalue", 361, 371, 3},   {"parkingvalue", 168, 424, 1},
-    {"parkingvalue", 265, 424, 2},       {"motionvalue", 168, 450, 1},
-    {"motionvalue", 265, 450, 2},        {"motionvalue", 361, 450, 3},
-    {"speedValue", 168, 501, 1},         {"speedValue", 265, 501, 2},
-    {"partitionvalue", 168, 553, 1, 67}, {"partitionvalue", 265, 553, 2, 67},
-    {"partitionvalue", 361, 553, 3, 67}, {"viewerSpeedUnit", 219, 669, 1},
-    {"viewerSpeedUnit", 315, 669, 2},
-};
-constexpr int kHitHeight = 17;
-
-QPoint middleOf(const HitBox& box) {
-    return {box.x + box.width / 2, box.y + kHitHeight / 2};
 }
 
 void confirm(QWidget* modal) {
@@ -81,480 +50,442 @@ class TestConfigWindow : public QObject {
 
 private Q_SLOTS:
     void init() { m_fixture.emplace(); }
-    void hitBoxes_data();
-    void hitBoxes();
-    void marks();
-    void withoutDrives();
-    void picksTheCard_data();
-    void picksTheCard();
-    void changingTheDrive();
-    void loadedValues_data();
-    void loadedValues();
-    void batterySystem_data();
-    void batterySystem();
-    void shockPreset();
-    void partitionAsks_data();
-    void partitionAsks();
-    void tickBoxAlone();
-    void savesAndReadsBack();
-    void makesTheFolder();
-    void pulledOutCardIsLeftAlone();
-    void clockIsWrittenWhenTicked();
-    void closingKeepsTheCard_data();
-    void closingKeepsTheCard();
-    void languages_data();
-    void languages();
-    void viewerSpeedUnit_data();
-    void viewerSpeedUnit();
-    void outOfReach();
-    void screenSaver();
-    void zoneIsKept();
+    void hitBoxes_data() {
+        QTest::addColumn<int>("index");
+        for (int i = 0; i < int(config::kRows.size()); ++i) {
+            if (config::kRows[i].kind == RowKind::Choices)
+                QTest::addRow("row %d", i) << i;
+        }
+    }
+    // A box holds its mark; its four corners choose, the points beside them don't.
+    void hitBoxes() {
+        QFETCH(int, index);
+        const OptionRow& row = config::kRows[index];
+        ConfigWindow window;
+        const auto valueAfter = [&](QPoint point) {
+            const ModalAnswer answer(confirm);
+            click(window, point);
+            return window.values().*row.value;
+        };
+        for (const Choice& choice : row.choices) {
+            const QRect& hit = choice.hit;
+            QVERIFY(hit.contains(choice.mark.center()));
+            const Choice& other = &choice == &row.choices.front() ? row.choices.back() : row.choices.front();
+            for (const QPoint inside : {hit.topLeft(), hit.topRight(), hit.bottomLeft(), hit.bottomRight()}) {
+                QCOMPARE(valueAfter(other.hit.center()), other.value);
+                QCOMPARE(valueAfter(inside), choice.value);
+            }
+            QCOMPARE(valueAfter(other.hit.center()), other.value);
+            for (const QPoint outside : {hit.topLeft() - QPoint(1, 0), hit.topLeft() - QPoint(0, 1),
+                                         hit.bottomRight() + QPoint(1, 0), hit.bottomRight() + QPoint(0, 1)})
+                QCOMPARE(valueAfter(outside), other.value);
+        }
+    }
+
+    // Of a row's marks exactly the chosen one is painted.
+    void marks() {
+        const MadeCard card;
+        makeCamera(card);
+        putByte(card, QStringLiteral("resolutionvalue"), 2);
+        m_fixture->insert(card);
+        ConfigWindow window;
+        QVERIFY(waitForCard(window));
+        const QImage two = window.grab().toImage();
+        click(window, {170, 65});
+        const QImage one = window.grab().toImage();
+        const QRect first(219, 67, 14, 14);
+        const QRect second(315, 67, 14, 14);
+        const QRect third(411, 67, 14, 14);
+        QVERIFY(two.copy(first) == one.copy(second));
+        QVERIFY(two.copy(second) == one.copy(first));
+        QVERIFY(one.copy(first) != one.copy(second));
+        QVERIFY(one.copy(third) == one.copy(second));
+        QVERIFY(one.copy(third) == two.copy(third));
+    }
+
+    void withoutDrives() {
+        ConfigWindow window;
+        QCOMPARE(window.windowTitle(), QStringLiteral("QL240 Setting"));
+        QCOMPARE(window.size(), QSize(554, 730));
+        QCOMPARE(driveList(window)->count(), 0);
+        QVERIFY(window.values() == RowValues());
+        QVERIFY(window.settingFolder().isEmpty());
+        click(window, {170, 65});
+        QCOMPARE(window.values().resolutionvalue, 1);
+        QSignalSpy accepted(&window, &QDialog::accepted);
+        window.OnSlotsOK();
+        QCOMPARE(accepted.size(), 1);
+        QString unit;
+        QVERIFY(readSpeedUnit(unit));
+    }
+
+    void picksTheCard_data() {
+        QTest::addColumn<QString>("drives"); // c: with a version file, s: without, in list order
+        QTest::addColumn<int>("picked");
+
+        QTest::newRow("stick, then card") << "sc" << 1;
+        QTest::newRow("two cards") << "csc" << 2;
+        QTest::newRow("sticks only") << "ss" << 0;
+    }
+    void picksTheCard() {
+        QFETCH(QString, drives);
+        QFETCH(int, picked);
+        const MadeCard cards[3];
+        for (int i = 0; i < drives.size(); ++i) {
+            if (drives[i] == u'c')
+                makeCamera(cards[i], "QL240 1." + QByteArray::number(i) + " 2.0");
+            putByte(cards[i], QStringLiteral("motionvalue"), i + 1);
+            m_fixture->insert(cards[i], "LABEL " + QByteArray::number(i));
+        }
+        const ConfigWindow window;
+        QVERIFY(waitForCard(window));
+        QCOMPARE(driveList(window)->count(), drives.size());
+        QCOMPARE(driveList(window)->currentIndex(), picked);
+        QCOMPARE(driveList(window)->currentText(),
+                 QStringLiteral("LABEL %1 (%2)").arg(picked).arg(cards[picked].drive()));
+        QCOMPARE(window.values().motionvalue, picked + 1);
+        QCOMPARE(window.settingFolder(), cards[picked].path(QStringLiteral("setting")));
+        const bool isCard = drives[picked] == u'c';
+        QCOMPARE(listAt(window, {295, 20})->currentText(),
+                 isCard ? QStringLiteral("1.%1").arg(picked) : QString());
+        QCOMPARE(listAt(window, {425, 20})->currentText(), isCard ? QStringLiteral("2.0") : QString());
+    }
+
+    void changingTheDrive() {
+        const MadeCard first, second;
+        makeCamera(first, "QL240 1.1 2.0");
+        makeCamera(second, "QL240 1.2 2.0");
+        putByte(first, QStringLiteral("framevalue"), 2);
+        m_fixture->insert(first);
+        m_fixture->insert(second);
+        ConfigWindow window;
+        QVERIFY(waitForCard(window));
+        click(window, {170, 65});
+        click(window, kTick);
+        driveList(window)->setCurrentIndex(0);
+        QVERIFY(waitForCard(window));
+        QCOMPARE(window.values().framevalue, 2);
+        QCOMPARE(window.values().resolutionvalue, 3);
+        QCOMPARE(window.values().setsClock, 1);
+        QCOMPARE(listAt(window, {295, 20})->currentText(), QStringLiteral("1.1"));
+        window.OnSlotsOK();
+        QCOMPARE(byteOf(first, QStringLiteral("framevalue")), 2);
+        QVERIFY(!QFileInfo::exists(second.path(QStringLiteral("setting"))));
+    }
+
+    void loadedValues_data() {
+        QTest::addColumn<QByteArray>("onCard");
+        QTest::addColumn<QByteArray>("shown");
+
+        QTest::newRow("muted") << QByteArray("mutevalue:1\nspeakervalue:3\n") << QByteArray("speakervalue 0");
+        QTest::newRow("not muted") << QByteArray("mutevalue:2\nspeakervalue:3\n")
+                                   << QByteArray("speakervalue 3");
+        QTest::newRow("preset 1") << QByteArray("sensitivityvalue1:6\nsensitivityvalue2:5\n")
+                                  << QByteArray("sensitivityvalue 1");
+        QTest::newRow("preset 3") << QByteArray("sensitivityvalue1:10\nsensitivityvalue2:9\n")
+                                  << QByteArray("sensitivityvalue 3");
+        QTest::newRow("no preset") << QByteArray(
+                                          "sensitivityvalue1:7\nsensitivityvalue2:7\nsensitivityvalue:2\n")
+                                   << QByteArray("sensitivityvalue 0 sensitivityvalue1 7");
+        QTest::newRow("malformed") << QByteArray("motionvalue:high\n") << QByteArray("motionvalue 0");
+    }
+    void loadedValues() {
+        QFETCH(QByteArray, onCard);
+        QFETCH(QByteArray, shown);
+        const MadeCard card;
+        makeCamera(card);
+        card.put(QStringLiteral("setting/setting.dat"), onCard);
+        m_fixture->insert(card);
+        const ConfigWindow window;
+        QVERIFY(waitForCard(window));
+        const QByteArrayList words = shown.split(' ');
+        for (int i = 0; i + 1 < words.size(); i += 2)
+            QCOMPARE(window.values().*valueOf(words[i]), words[i + 1].toInt());
+    }
+
+    void batterySystem_data() {
+        QTest::addColumn<QByteArray>("version");
+        QTest::addColumn<bool>("button12");
+        QTest::addColumn<bool>("button24");
+
+        QTest::newRow("12 V") << QByteArray("QL240 1.02 1.00 12V") << true << false;
+        QTest::newRow("24 V") << QByteArray("QL240 1.02 1.00 24V more") << false << true;
+        QTest::newRow("lower case") << QByteArray("QL240 1.02 1.00 24v") << true << true;
+        QTest::newRow("two spaces") << QByteArray("QL240  1.02 1.00 24V") << true << true;
+        QTest::newRow("line end belongs to the field")
+            << QByteArray("QL240 1.02 1.00 12V\nmore") << true << true;
+        QTest::newRow("too few fields") << QByteArray("QL240") << true << true;
+    }
+    void batterySystem() {
+        QFETCH(QByteArray, version);
+        const MadeCard card;
+        makeCamera(card, version);
+        m_fixture->insert(card);
+        const ConfigWindow window;
+        QVERIFY(waitForCard(window));
+        QTEST(buttonAt(window, {350, 490})->isEnabled(), "button12");
+        QTEST(buttonAt(window, {480, 490})->isEnabled(), "button24");
+    }
+
+    void shockPreset() {
+        const MadeCard card;
+        makeCamera(card);
+        putByte(card, QStringLiteral("sensitivityvalue1"), 7);
+        m_fixture->insert(card);
+        ConfigWindow window;
+        QVERIFY(waitForCard(window));
+        QCOMPARE(window.values().sensitivityvalue, 0);
+        click(window, {170, 375});
+        QCOMPARE(window.values().sensitivityvalue1, 6);
+        QCOMPARE(window.values().sensitivityvalue2, 5);
+        click(window, {270, 375});
+        QCOMPARE(window.values().sensitivityvalue1, 8);
+        QCOMPARE(window.values().sensitivityvalue2, 7);
+    }
+
+    void partitionAsks_data() {
+        QTest::addColumn<QPoint>("point");
+        QTest::addColumn<bool>("confirmed");
+        QTest::addColumn<bool>("asks");
+        QTest::addColumn<int>("value");
+
+        QTest::newRow("the one it has") << QPoint(270, 560) << true << false << 2;
+        QTest::newRow("another, confirmed") << QPoint(370, 560) << true << true << 3;
+        QTest::newRow("another, refused") << QPoint(370, 560) << false << true << 2;
+    }
+    void partitionAsks() {
+        QFETCH(QPoint, point);
+        QFETCH(bool, confirmed);
+        const MadeCard card;
+        makeCamera(card);
+        putByte(card, QStringLiteral("partitionvalue"), 2);
+        m_fixture->insert(card);
+        ConfigWindow window;
+        QVERIFY(waitForCard(window));
+        const ModalAnswer answer([&](QWidget* modal) {
+            QVERIFY(qobject_cast<WindowBtn7*>(modal));
+            click(*modal, confirmed ? QPoint(500, 235) : QPoint(430, 235));
+            click(*modal->childAt(confirmed ? 500 : 430, 235), {5, 5});
+        });
+        click(window, point);
+        QTEST(answer.seen(), "asks");
+        QTEST(window.values().partitionvalue, "value");
+    }
+
+    void tickBoxAlone() {
+        ConfigWindow window;
+        QVERIFY(!clockField(window)->isEnabled());
+        click(window, {133, 256});
+        QCOMPARE(window.values().setsClock, 1);
+        QVERIFY(clockField(window)->isEnabled());
+        QVERIFY(buttonAt(window, {450, 260})->isEnabled());
+        click(window, {152, 274});
+        QCOMPARE(window.values().setsClock, 0);
+        QVERIFY(!clockField(window)->isEnabled());
+        click(window, {153, 265});
+        QCOMPARE(window.values().setsClock, 0);
+    }
+
+    // Every value that the dialog edits, changed by clicks, written, and read by another dialog.
+    void savesAndReadsBack() {
+        const MadeCard card;
+        makeCamera(card);
+        card.put(QStringLiteral("setting/setting.dat"),
+                 "hourvalue:9\nautoparkingvalue:0\nencodingvalue:1\nreversalvalue:1\n");
+        m_fixture->insert(card);
+        RowValues saved;
+        {
+            ConfigWindow window;
+            QVERIFY(waitForCard(window));
+            for (const OptionRow& row : config::kRows) {
+                for (const Choice& choice : row.choices) {
+                    const ModalAnswer answer(confirm);
+                    if (row.kind == RowKind::Choices && choice.value != 3)
+                        click(window, choice.hit.center());
+                }
+            }
+            saved = window.values();
+            window.OnSlotsOK();
+        }
+        QCOMPARE(card.files(QStringLiteral("setting")).size(), 26 + 1);
+        QCOMPARE(byteOf(card, QStringLiteral("hourvalue")), 9);
+        QCOMPARE(byteOf(card, QStringLiteral("autoparkingvalue")), 0);
+        QCOMPARE(byteOf(card, QStringLiteral("reversalvalue")), 0);
+        QCOMPARE(byteOf(card, QStringLiteral("sharpnessvalue")), 4);
+        QCOMPARE(byteOf(card, QStringLiteral("resolutionvalue")), 2);
+        QCOMPARE(byteOf(card, QStringLiteral("encodingvalue")), -1);
+        const ConfigWindow again;
+        QVERIFY(waitForCard(again));
+        QVERIFY(again.values() == saved);
+        QVERIFY(!(again.values() == RowValues()));
+    }
+
+    void makesTheFolder() {
+        const MadeCard stick;
+        m_fixture->insert(stick);
+        ConfigWindow window;
+        QVERIFY(waitForCard(window));
+        click(window, {170, 200}); // the speaker off
+        window.OnSlotsOK();
+        QCOMPARE(stick.files(QStringLiteral("setting")).size(), 26);
+        QCOMPARE(byteOf(stick, QStringLiteral("speakervalue")), 0);
+        QCOMPARE(byteOf(stick, QStringLiteral("mutevalue")), 1);
+    }
+
+    void pulledOutCardIsLeftAlone() {
+        const auto card = std::make_unique<MadeCard>();
+        makeCamera(*card);
+        m_fixture->insert(*card);
+        ConfigWindow window;
+        QVERIFY(waitForCard(window));
+        const QString drive = card->drive();
+        QVERIFY(QDir(drive).removeRecursively());
+        window.OnSlotsOK();
+        QVERIFY(!QFileInfo::exists(drive));
+        QCOMPARE(window.result(), int(QDialog::Accepted));
+    }
+
+    void clockIsWrittenWhenTicked() {
+        const MadeCard card;
+        makeCamera(card);
+        card.put(QStringLiteral("setting/settime.dat"), "2012-07-31-18-05-09");
+        m_fixture->insert(card);
+        ConfigWindow window;
+        QVERIFY(waitForCard(window));
+        const QDateTime time(QDate(2031, 2, 3), QTime(4, 5, 6));
+        clockField(window)->setDateTime(time);
+        window.Onapply();
+        QCOMPARE(card.bytes(QStringLiteral("setting/settime.dat")),
+                 std::optional<QByteArray>("2012-07-31-18-05-09"));
+        click(window, kTick);
+        window.Onapply();
+        QCOMPARE(card.bytes(QStringLiteral("setting/settime.dat")),
+                 std::optional<QByteArray>("2031-02-03-04-05-06"));
+        window.OnSlotsGetTime();
+        QVERIFY(qAbs(clockField(window)->dateTime().secsTo(QDateTime::currentDateTime())) < 60);
+    }
+
+    void closingKeepsTheCard_data() {
+        QTest::addColumn<QString>("way");
+        for (const char* way : {"OnSlotsCancel", "OnSlotsExit", "Escape"})
+            QTest::newRow(way) << QString::fromLatin1(way);
+    }
+    void closingKeepsTheCard() {
+        QFETCH(QString, way);
+        const MadeCard card;
+        makeCamera(card);
+        m_fixture->insert(card);
+        ConfigWindow window;
+        QVERIFY(waitForCard(window));
+        QSignalSpy rejected(&window, &QDialog::rejected);
+        window.show();
+        click(window, {170, 65});
+        if (way == u"Escape")
+            QTest::keyClick(&window, Qt::Key_Escape);
+        else
+            QMetaObject::invokeMethod(&window, way.toLatin1().constData());
+        QCOMPARE(rejected.size(), 1);
+        QVERIFY(!window.isVisible());
+        QVERIFY(!QFileInfo::exists(card.path(QStringLiteral("setting"))));
+        QString unit;
+        QVERIFY(!readSpeedUnit(unit));
+    }
+
+    void languages_data() {
+        QTest::addColumn<QString>("stored");
+        QTest::addColumn<int>("entry");
+        QTest::addColumn<QString>("kept");
+
+        QTest::newRow("none") << "" << 1 << "en";
+        QTest::newRow("Spanish") << "es" << 4 << "es";
+        QTest::newRow("unknown") << "xx" << 1 << "en";
+    }
+    void languages() {
+        QFETCH(QString, stored);
+        if (!stored.isEmpty())
+            writeLanguage(stored);
+        ConfigWindow window;
+        auto* list = listAt(window, {160, 645});
+        QTEST(list->currentIndex(), "entry");
+        window.Onapply();
+        QString code;
+        QVERIFY(readLanguage(code));
+        QTEST(code, "kept");
+
+        list->setCurrentIndex(2);
+        window.Onapply();
+        QCOMPARE(currentLanguage(), QStringLiteral("ru"));
+        QCOMPARE(list->itemText(0), QStringLiteral("Корейский"));
+        QCOMPARE(buttonAt(window, {450, 260})->text(), QStringLiteral("Получить время"));
+    }
+
+    void viewerSpeedUnit_data() {
+        QTest::addColumn<QString>("stored");
+        QTest::addColumn<int>("unit");
+
+        QTest::newRow("none") << "" << 1;
+        QTest::newRow("mph") << "mph" << 2;
+        QTest::newRow("unknown") << "knots" << 2;
+    }
+    void viewerSpeedUnit() {
+        QFETCH(QString, stored);
+        QFETCH(int, unit);
+        if (!stored.isEmpty())
+            writeSpeedUnit(stored);
+        ConfigWindow window;
+        QCOMPARE(window.viewerSpeedUnit(), unit);
+        window.setViewerSpeedUnit(3 - unit);
+        window.Onapply();
+        QString kept;
+        QVERIFY(readSpeedUnit(kept));
+        QCOMPARE(kept, unit == 1 ? QStringLiteral("mph") : QStringLiteral("km"));
+    }
+
+    // The time-zone button can't be pressed, the screen-saver button can't be seen.
+    void outOfReach() {
+        ConfigWindow window;
+        window.show();
+        const QToolButton* zone = buttonAt(window, {200, 330});
+        QVERIFY(zone && !zone->isEnabled());
+        QVERIFY(!buttonAt(window, {160, 520}));
+        click(window, kTick);
+        QVERIFY(!zone->isEnabled());
+    }
+
+    void screenSaver() {
+        ConfigWindow window;
+        window.OnSlotsEditor();
+        QMessageBox* box = nullptr;
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            if (auto* found = qobject_cast<QMessageBox*>(widget); found && found->isVisible())
+                box = found;
+        }
+        QVERIFY(box);
+        QCOMPARE(box->windowTitle(), QStringLiteral("QL240 Notification"));
+        QCOMPARE(box->text(), QStringLiteral("No Disk "));
+        QVERIFY(!box->parent() && !box->isModal());
+        box->close();
+    }
+
+    void zoneIsKept() {
+        ConfigWindow window;
+        const ModalAnswer first([](QWidget* modal) {
+            auto* zones = static_cast<WindowGMT*>(modal);
+            zones->preselect(QStringLiteral("0x55"), QString());
+            zones->OnSlotsOK();
+        });
+        window.OnSlotsGmt();
+        QVERIFY(first.seen());
+        QString code;
+        const ModalAnswer second(
+            [&](QWidget* modal) { code = static_cast<WindowGMT*>(modal)->selectedCode(); });
+        window.OnSlotsGmt();
+        QCOMPARE(code, QStringLiteral("0x55"));
+    }
 
 private:
     std::optional<SettingsFixture> m_fixture;
 };
-
-void TestConfigWindow::hitBoxes_data() {
-    QTest::addColumn<int>("index");
-    for (int i = 0; i < int(std::size(kHitBoxes)); ++i)
-        QTest::addRow("%s %d", kHitBoxes[i].key, kHitBoxes[i].value) << i;
-}
-
-// The four corners of the box choose, the points beside them don't.
-void TestConfigWindow::hitBoxes() {
-    QFETCH(int, index);
-    const HitBox& box = kHitBoxes[index];
-    const QRect rect(box.x, box.y, box.width, kHitHeight);
-    const auto value = valueOf(box.key);
-    const HitBox& other =
-        kHitBoxes[index > 0 && qstrcmp(kHitBoxes[index - 1].key, box.key) == 0 ? index - 1 : index + 1];
-    const auto clickAt = [](ConfigWindow& window, QPoint point) {
-        ModalAnswer answer(confirm);
-        click(window, point);
-    };
-    ConfigWindow window;
-    for (const QPoint inside : {rect.topLeft(), rect.topRight(), rect.bottomLeft(), rect.bottomRight()}) {
-        clickAt(window, middleOf(other));
-        QCOMPARE(window.values().*value, other.value);
-        clickAt(window, inside);
-        QCOMPARE(window.values().*value, box.value);
-    }
-    clickAt(window, middleOf(other));
-    for (const QPoint outside : {rect.topLeft() - QPoint(1, 0), rect.topLeft() - QPoint(0, 1),
-                                 rect.bottomRight() + QPoint(1, 0), rect.bottomRight() + QPoint(0, 1)}) {
-        clickAt(window, outside);
-        QCOMPARE(window.values().*value, other.value);
-    }
-}
-
-// Of a row's marks exactly the chosen one is painted.
-void TestConfigWindow::marks() {
-    const MadeCard card;
-    makeCamera(card);
-    putByte(card, QStringLiteral("resolutionvalue"), 2);
-    m_fixture->insert(card);
-    ConfigWindow window;
-    QVERIFY(waitForCard(window));
-    const QImage two = window.grab().toImage();
-    click(window, {170, 65});
-    const QImage one = window.grab().toImage();
-    const QRect first(219, 67, 14, 14);
-    const QRect second(315, 67, 14, 14);
-    const QRect third(411, 67, 14, 14);
-    QVERIFY(two.copy(first) == one.copy(second));
-    QVERIFY(two.copy(second) == one.copy(first));
-    QVERIFY(one.copy(first) != one.copy(second));
-    QVERIFY(one.copy(third) == one.copy(second));
-    QVERIFY(one.copy(third) == two.copy(third));
-}
-
-void TestConfigWindow::withoutDrives() {
-    ConfigWindow window;
-    QCOMPARE(window.windowTitle(), QStringLiteral("QL240 Setting"));
-    QCOMPARE(window.size(), QSize(554, 730));
-    QCOMPARE(driveList(window)->count(), 0);
-    QVERIFY(window.values() == RowValues());
-    QVERIFY(window.settingFolder().isEmpty());
-    click(window, {170, 65});
-    QCOMPARE(window.values().resolutionvalue, 1);
-    QSignalSpy accepted(&window, &QDialog::accepted);
-    window.OnSlotsOK();
-    QCOMPARE(accepted.size(), 1);
-    QString unit;
-    QVERIFY(readSpeedUnit(unit));
-}
-
-void TestConfigWindow::picksTheCard_data() {
-    QTest::addColumn<QString>("drives"); // c: with a version file, s: without, in list order
-    QTest::addColumn<int>("picked");
-
-    QTest::newRow("one card") << "c" << 0;
-    QTest::newRow("stick, then card") << "sc" << 1;
-    QTest::newRow("card, then stick") << "cs" << 0;
-    QTest::newRow("two cards") << "csc" << 2;
-    QTest::newRow("sticks only") << "ss" << 0;
-}
-
-void TestConfigWindow::picksTheCard() {
-    QFETCH(QString, drives);
-    QFETCH(int, picked);
-    const MadeCard cards[3];
-    for (int i = 0; i < drives.size(); ++i) {
-        if (drives[i] == u'c')
-            makeCamera(cards[i], "QL240 1." + QByteArray::number(i) + " 2.0");
-        putByte(cards[i], QStringLiteral("motionvalue"), i + 1);
-        m_fixture->insert(cards[i], "LABEL " + QByteArray::number(i));
-    }
-    const ConfigWindow window;
-    QVERIFY(waitForCard(window));
-    QCOMPARE(driveList(window)->count(), drives.size());
-    QCOMPARE(driveList(window)->currentIndex(), picked);
-    QCOMPARE(driveList(window)->currentText(),
-             QStringLiteral("LABEL %1 (%2)").arg(picked).arg(cards[picked].drive()));
-    QCOMPARE(window.values().motionvalue, picked + 1);
-    QCOMPARE(window.settingFolder(), cards[picked].path(QStringLiteral("setting")));
-    const bool isCard = drives[picked] == u'c';
-    QCOMPARE(listAt(window, {295, 20})->currentText(),
-             isCard ? QStringLiteral("1.%1").arg(picked) : QString());
-    QCOMPARE(listAt(window, {425, 20})->currentText(), isCard ? QStringLiteral("2.0") : QString());
-}
-
-void TestConfigWindow::changingTheDrive() {
-    const MadeCard first, second;
-    makeCamera(first, "QL240 1.1 2.0");
-    makeCamera(second, "QL240 1.2 2.0");
-    putByte(first, QStringLiteral("framevalue"), 2);
-    m_fixture->insert(first);
-    m_fixture->insert(second);
-    ConfigWindow window;
-    QVERIFY(waitForCard(window));
-    click(window, {170, 65});
-    click(window, kTick);
-    driveList(window)->setCurrentIndex(0);
-    QVERIFY(waitForCard(window));
-    QCOMPARE(window.values().framevalue, 2);
-    QCOMPARE(window.values().resolutionvalue, 3);
-    QCOMPARE(window.values().setsClock, 1);
-    QCOMPARE(listAt(window, {295, 20})->currentText(), QStringLiteral("1.1"));
-    window.OnSlotsOK();
-    QCOMPARE(byteOf(first, QStringLiteral("framevalue")), 2);
-    QVERIFY(!QFileInfo::exists(second.path(QStringLiteral("setting"))));
-}
-
-void TestConfigWindow::loadedValues_data() {
-    QTest::addColumn<QByteArray>("onCard");
-    QTest::addColumn<QByteArray>("shown");
-
-    QTest::newRow("muted") << QByteArray("mutevalue:1\nspeakervalue:3\n") << QByteArray("speakervalue 0");
-    QTest::newRow("not muted") << QByteArray("mutevalue:2\nspeakervalue:3\n") << QByteArray("speakervalue 3");
-    QTest::newRow("preset 1") << QByteArray("sensitivityvalue1:6\nsensitivityvalue2:5\n")
-                              << QByteArray("sensitivityvalue 1");
-    QTest::newRow("preset 3") << QByteArray("sensitivityvalue1:10\nsensitivityvalue2:9\n")
-                              << QByteArray("sensitivityvalue 3");
-    QTest::newRow("no preset") << QByteArray("sensitivityvalue1:7\nsensitivityvalue2:7\nsensitivityvalue:2\n")
-                               << QByteArray("sensitivityvalue 0 sensitivityvalue1 7");
-    QTest::newRow("malformed") << QByteArray("motionvalue:high\n") << QByteArray("motionvalue 0");
-}
-
-void TestConfigWindow::loadedValues() {
-    QFETCH(QByteArray, onCard);
-    QFETCH(QByteArray, shown);
-    const MadeCard card;
-    makeCamera(card);
-    card.put(QStringLiteral("setting/setting.dat"), onCard);
-    m_fixture->insert(card);
-    const ConfigWindow window;
-    QVERIFY(waitForCard(window));
-    const QByteArrayList words = shown.split(' ');
-    for (int i = 0; i + 1 < words.size(); i += 2)
-        QCOMPARE(window.values().*valueOf(words[i]), words[i + 1].toInt());
-}
-
-void TestConfigWindow::batterySystem_data() {
-    QTest::addColumn<QByteArray>("version");
-    QTest::addColumn<bool>("button12");
-    QTest::addColumn<bool>("button24");
-
-    QTest::newRow("12 V") << QByteArray("QL240 1.02 1.00 12V") << true << false;
-    QTest::newRow("24 V") << QByteArray("QL240 1.02 1.00 24V more") << false << true;
-    QTest::newRow("lower case") << QByteArray("QL240 1.02 1.00 24v") << true << true;
-    QTest::newRow("two spaces") << QByteArray("QL240  1.02 1.00 24V") << true << true;
-    QTest::newRow("line end belongs to the field") << QByteArray("QL240 1.02 1.00 12V\nmore") << true << true;
-    QTest::newRow("too few fields") << QByteArray("QL240") << true << true;
-}
-
-void TestConfigWindow::batterySystem() {
-    QFETCH(QByteArray, version);
-    const MadeCard card;
-    makeCamera(card, version);
-    m_fixture->insert(card);
-    const ConfigWindow window;
-    QVERIFY(waitForCard(window));
-    QTEST(buttonAt(window, {350, 490})->isEnabled(), "button12");
-    QTEST(buttonAt(window, {480, 490})->isEnabled(), "button24");
-}
-
-void TestConfigWindow::shockPreset() {
-    const MadeCard card;
-    makeCamera(card);
-    putByte(card, QStringLiteral("sensitivityvalue1"), 7);
-    m_fixture->insert(card);
-    ConfigWindow window;
-    QVERIFY(waitForCard(window));
-    QCOMPARE(window.values().sensitivityvalue, 0);
-    click(window, {170, 375});
-    QCOMPARE(window.values().sensitivityvalue1, 6);
-    QCOMPARE(window.values().sensitivityvalue2, 5);
-    click(window, {270, 375});
-    QCOMPARE(window.values().sensitivityvalue1, 8);
-    QCOMPARE(window.values().sensitivityvalue2, 7);
-}
-
-void TestConfigWindow::partitionAsks_data() {
-    QTest::addColumn<QPoint>("point");
-    QTest::addColumn<bool>("confirmed");
-    QTest::addColumn<bool>("asks");
-    QTest::addColumn<int>("value");
-
-    QTest::newRow("the one it has") << QPoint(270, 560) << true << false << 2;
-    QTest::newRow("another, confirmed") << QPoint(370, 560) << true << true << 3;
-    QTest::newRow("another, refused") << QPoint(370, 560) << false << true << 2;
-}
-
-void TestConfigWindow::partitionAsks() {
-    QFETCH(QPoint, point);
-    QFETCH(bool, confirmed);
-    const MadeCard card;
-    makeCamera(card);
-    putByte(card, QStringLiteral("partitionvalue"), 2);
-    m_fixture->insert(card);
-    ConfigWindow window;
-    QVERIFY(waitForCard(window));
-    const ModalAnswer answer([&](QWidget* modal) {
-        QVERIFY(qobject_cast<WindowBtn7*>(modal));
-        click(*modal, confirmed ? QPoint(500, 235) : QPoint(430, 235));
-        click(*modal->childAt(confirmed ? 500 : 430, 235), {5, 5});
-    });
-    click(window, point);
-    QTEST(answer.seen(), "asks");
-    QTEST(window.values().partitionvalue, "value");
-}
-
-void TestConfigWindow::tickBoxAlone() {
-    ConfigWindow window;
-    QVERIFY(!clockField(window)->isEnabled());
-    click(window, {133, 256});
-    QCOMPARE(window.values().setsClock, 1);
-    QVERIFY(clockField(window)->isEnabled());
-    QVERIFY(buttonAt(window, {450, 260})->isEnabled());
-    click(window, {152, 274});
-    QCOMPARE(window.values().setsClock, 0);
-    QVERIFY(!clockField(window)->isEnabled());
-    click(window, {153, 265});
-    QCOMPARE(window.values().setsClock, 0);
-}
-
-// Every value that the dialog edits, changed by clicks, written, and read by another dialog.
-void TestConfigWindow::savesAndReadsBack() {
-    const MadeCard card;
-    makeCamera(card);
-    card.put(QStringLiteral("setting/setting.dat"),
-             "hourvalue:9\nautoparkingvalue:0\nencodingvalue:1\nreversalvalue:1\n");
-    m_fixture->insert(card);
-    RowValues saved;
-    {
-        ConfigWindow window;
-        QVERIFY(waitForCard(window));
-        for (const HitBox& box : kHitBoxes) {
-            const ModalAnswer answer(confirm);
-            if (box.value != 3)
-                click(window, middleOf(box));
-        }
-        saved = window.values();
-        window.OnSlotsOK();
-    }
-    QCOMPARE(card.files(QStringLiteral("setting")).size(), 26 + 1);
-    QCOMPARE(byteOf(card, QStringLiteral("hourvalue")), 9);
-    QCOMPARE(byteOf(card, QStringLiteral("autoparkingvalue")), 0);
-    QCOMPARE(byteOf(card, QStringLiteral("reversalvalue")), 0);
-    QCOMPARE(byteOf(card, QStringLiteral("sharpnessvalue")), 4);
-    QCOMPARE(byteOf(card, QStringLiteral("resolutionvalue")), 2);
-    QCOMPARE(byteOf(card, QStringLiteral("encodingvalue")), -1);
-    const ConfigWindow again;
-    QVERIFY(waitForCard(again));
-    QVERIFY(again.values() == saved);
-    QVERIFY(!(again.values() == RowValues()));
-}
-
-void TestConfigWindow::makesTheFolder() {
-    const MadeCard stick;
-    m_fixture->insert(stick);
-    ConfigWindow window;
-    QVERIFY(waitForCard(window));
-    click(window, {170, 200}); // the speaker off
-    window.OnSlotsOK();
-    QCOMPARE(stick.files(QStringLiteral("setting")).size(), 26);
-    QCOMPARE(byteOf(stick, QStringLiteral("speakervalue")), 0);
-    QCOMPARE(byteOf(stick, QStringLiteral("mutevalue")), 1);
-}
-
-void TestConfigWindow::pulledOutCardIsLeftAlone() {
-    const auto card = std::make_unique<MadeCard>();
-    makeCamera(*card);
-    m_fixture->insert(*card);
-    ConfigWindow window;
-    QVERIFY(waitForCard(window));
-    const QString drive = card->drive();
-    QVERIFY(QDir(drive).removeRecursively());
-    window.OnSlotsOK();
-    QVERIFY(!QFileInfo::exists(drive));
-    QCOMPARE(window.result(), int(QDialog::Accepted));
-}
-
-void TestConfigWindow::clockIsWrittenWhenTicked() {
-    const MadeCard card;
-    makeCamera(card);
-    card.put(QStringLiteral("setting/settime.dat"), "2012-07-31-18-05-09");
-    m_fixture->insert(card);
-    ConfigWindow window;
-    QVERIFY(waitForCard(window));
-    const QDateTime time(QDate(2031, 2, 3), QTime(4, 5, 6));
-    clockField(window)->setDateTime(time);
-    window.Onapply();
-    QCOMPARE(card.bytes(QStringLiteral("setting/settime.dat")),
-             std::optional<QByteArray>("2012-07-31-18-05-09"));
-    click(window, kTick);
-    window.Onapply();
-    QCOMPARE(card.bytes(QStringLiteral("setting/settime.dat")),
-             std::optional<QByteArray>("2031-02-03-04-05-06"));
-    window.OnSlotsGetTime();
-    QVERIFY(qAbs(clockField(window)->dateTime().secsTo(QDateTime::currentDateTime())) < 60);
-}
-
-void TestConfigWindow::closingKeepsTheCard_data() {
-    QTest::addColumn<QString>("way");
-    for (const char* way : {"OnSlotsCancel", "OnSlotsExit", "Escape"})
-        QTest::newRow(way) << QString::fromLatin1(way);
-}
-
-void TestConfigWindow::closingKeepsTheCard() {
-    QFETCH(QString, way);
-    const MadeCard card;
-    makeCamera(card);
-    m_fixture->insert(card);
-    ConfigWindow window;
-    QVERIFY(waitForCard(window));
-    QSignalSpy rejected(&window, &QDialog::rejected);
-    window.show();
-    click(window, {170, 65});
-    if (way == u"Escape")
-        QTest::keyClick(&window, Qt::Key_Escape);
-    else
-        QMetaObject::invokeMethod(&window, way.toLatin1().constData());
-    QCOMPARE(rejected.size(), 1);
-    QVERIFY(!window.isVisible());
-    QVERIFY(!QFileInfo::exists(card.path(QStringLiteral("setting"))));
-    QString unit;
-    QVERIFY(!readSpeedUnit(unit));
-}
-
-void TestConfigWindow::languages_data() {
-    QTest::addColumn<QString>("stored");
-    QTest::addColumn<int>("entry");
-    QTest::addColumn<QString>("kept");
-
-    QTest::newRow("none") << "" << 1 << "en";
-    QTest::newRow("Korean") << "kr" << 0 << "kr";
-    QTest::newRow("English") << "en" << 1 << "en";
-    QTest::newRow("Russian") << "ru" << 2 << "ru";
-    QTest::newRow("Chinese") << "ch" << 3 << "ch";
-    QTest::newRow("Spanish") << "es" << 4 << "es";
-    QTest::newRow("unknown") << "xx" << 1 << "en";
-}
-
-void TestConfigWindow::languages() {
-    QFETCH(QString, stored);
-    if (!stored.isEmpty())
-        writeLanguage(stored);
-    ConfigWindow window;
-    auto* list = listAt(window, {160, 645});
-    QTEST(list->currentIndex(), "entry");
-    window.Onapply();
-    QString code;
-    QVERIFY(readLanguage(code));
-    QTEST(code, "kept");
-
-    list->setCurrentIndex(2);
-    window.Onapply();
-    QCOMPARE(currentLanguage(), QStringLiteral("ru"));
-    QCOMPARE(list->itemText(0), QStringLiteral("Корейский"));
-    QCOMPARE(buttonAt(window, {450, 260})->text(), QStringLiteral("Получить время"));
-}
-
-void TestConfigWindow::viewerSpeedUnit_data() {
-    QTest::addColumn<QString>("stored");
-    QTest::addColumn<int>("unit");
-
-    QTest::newRow("none") << "" << 1;
-    QTest::newRow("km") << "km" << 1;
-    QTest::newRow("mph") << "mph" << 2;
-    QTest::newRow("unknown") << "knots" << 2;
-}
-
-void TestConfigWindow::viewerSpeedUnit() {
-    QFETCH(QString, stored);
-    QFETCH(int, unit);
-    if (!stored.isEmpty())
-        writeSpeedUnit(stored);
-    ConfigWindow window;
-    QCOMPARE(window.viewerSpeedUnit(), unit);
-    window.setViewerSpeedUnit(3 - unit);
-    window.Onapply();
-    QString kept;
-    QVERIFY(readSpeedUnit(kept));
-    QCOMPARE(kept, unit == 1 ? QStringLiteral("mph") : QStringLiteral("km"));
-}
-
-// The time-zone button can't be pressed, the screen-saver button can't be seen.
-void TestConfigWindow::outOfReach() {
-    ConfigWindow window;
-    window.show();
-    const QToolButton* zone = buttonAt(window, {200, 330});
-    QVERIFY(zone && !zone->isEnabled());
-    QVERIFY(!buttonAt(window, {160, 520}));
-    click(window, kTick);
-    QVERIFY(!zone->isEnabled());
-}
-
-void TestConfigWindow::screenSaver() {
-    ConfigWindow window;
-    window.OnSlotsEditor();
-    QMessageBox* box = nullptr;
-    for (QWidget* widget : QApplication::topLevelWidgets()) {
-        if (auto* found = qobject_cast<QMessageBox*>(widget); found && found->isVisible())
-            box = found;
-    }
-    QVERIFY(box);
-    QCOMPARE(box->windowTitle(), QStringLiteral("QL240 Notification"));
-    QCOMPARE(box->text(), QStringLiteral("No Disk "));
-    QVERIFY(!box->parent() && !box->isModal());
-    box->close();
-}
-
-void TestConfigWindow::zoneIsKept() {
-    ConfigWindow window;
-    const ModalAnswer first([](QWidget* modal) {
-        auto* zones = static_cast<WindowGMT*>(modal);
-        zones->preselect(QStringLiteral("0x55"), QString());
-        zones->OnSlotsOK();
-    });
-    window.OnSlotsGmt();
-    QVERIFY(first.seen());
-    QString code;
-    const ModalAnswer second([&](QWidget* modal) { code = static_cast<WindowGMT*>(modal)->selectedCode(); });
-    window.OnSlotsGmt();
-    QCOMPARE(code, QStringLiteral("0x55"));
-}
 
 QTEST_MAIN(TestConfigWindow)
 #include "tst_config_window.moc"

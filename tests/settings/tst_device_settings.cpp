@@ -3,290 +3,194 @@
 #include <sys/stat.h>
 
 #include <QElapsedTimer>
-#include <QRandomGenerator>
 #include <QTest>
 
 #include "settings/device_settings.h"
-#include "settings/setting_text.h"
 #include "support/made_card.h"
 
 using namespace ql240;
-
-namespace {
-
-// The rule of the text file, line by line and with Qt's own number reading: what the streaming reader must
-// agree with. (Qt takes a NUL for a number's end; here it makes the text no number.)
-SettingValues readWhole(const QByteArray& file) {
-    SettingValues values;
-    const QList<QByteArray> lines = file.split('\n');
-    for (const QByteArray& line : lines) {
-        const QString text = QString::fromLatin1(line);
-        const auto colon = text.indexOf(u':');
-        for (const SettingKey& key : kSettingKeys) {
-            if ((key.files & kInText) && text.startsWith(QLatin1String(key.name), Qt::CaseInsensitive) &&
-                colon > 0)
-                values.*key.value = text.mid(colon + 1).contains(QChar(0)) ? 0 : text.mid(colon + 1).toInt();
-        }
-    }
-    return values;
-}
-
-SettingValues readInPieces(const QByteArray& file, QRandomGenerator& random) {
-    SettingValues values;
-    SettingTextReader reader(values);
-    for (qsizetype at = 0; at < file.size();) {
-        const auto count = qMin<qsizetype>(file.size() - at, 1 + random.bounded(9));
-        reader.feed(QByteArrayView(file).sliced(at, count));
-        at += count;
-    }
-    reader.finish();
-    return values;
-}
-
-QByteArray randomLine(QRandomGenerator& random) {
-    static const QByteArrayList pieces = {"sensitivityvalue",
-                                          "1",
-                                          "2",
-                                          ":",
-                                          "BrightValue",
-                                          "brightvalue",
-                                          "speedValue",
-                                          ":",
-                                          "reversalvalue",
-                                          " ",
-                                          "-",
-                                          "+",
-                                          "\t",
-                                          "\r",
-                                          "\xa0",
-                                          "\x85",
-                                          "2147483647",
-                                          "8",
-                                          "0",
-                                          "12",
-                                          "-2147483648",
-                                          ",",
-                                          "x",
-                                          "000000000000000000",
-                                          QByteArray(1, '\0'),
-                                          "\x0b",
-                                          ":",
-                                          "\xb2"};
-    QByteArray line =
-        random.bounded(3) ? pieces[random.bounded(2) ? 0 : 5 + random.bounded(2)] : QByteArray();
-    const int count = int(random.bounded(7));
-    for (int i = 0; i < count; ++i)
-        line += pieces[random.bounded(int(pieces.size()))];
-    return line + (random.bounded(8) ? "\n" : "");
-}
-
-} // namespace
 
 class TestDeviceSettings : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void textLine_data();
-    void textLine();
-    void textAgreesWithRule();
-    void byteFile_data();
-    void byteFile();
-    void byteFilesGoLast();
-    void loadBytesResult_data();
-    void loadBytesResult();
-    void withoutFiles();
-    void namesInAnyCase();
-    void hugeText_data();
-    void hugeText();
+    void textLine_data() {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<QByteArray>("changed"); // "key value key value", all others at their defaults
+
+        const auto row = [](const char* name, const QByteArray& file, const char* changed) {
+            QTest::newRow(name) << file << QByteArray(changed);
+        };
+        row("plain", "framevalue:1\n", "framevalue 1");
+        row("no line end", "framevalue:1", "framevalue 1");
+        row("letter case, CR LF", "RESOLUTIONVALUE:1\r\n", "resolutionvalue 1");
+        row("white space", "qualityvalue: \t2  \nframevalue:1", "qualityvalue 2 framevalue 1");
+        row("no colon", "framevalue 2\n", "");
+        row("colon first", ":framevalue:2\n", "");
+        row("no number", "speedValue:abc\n", "speedValue 0");
+        row("empty value", "speedValue:\n", "speedValue 0");
+        row("two numbers", "speedValue:1 2\n", "speedValue 0");
+        row("text before the colon", "speedValue of the car:2\n", "speedValue 2");
+        row("second colon", "speedValue:2:1\n", "speedValue 0");
+        row("negative", "batteryvalue1:-5\n", "batteryvalue1 -5");
+        row("largest", "batteryvalue1:2147483647\n", "batteryvalue1 2147483647");
+        row("past 32 bits", "batteryvalue1:2147483648\n", "batteryvalue1 0");
+        row("past 64 bits", "batteryvalue1:99999999999999999999\n", "batteryvalue1 0");
+        row("leading zeros", "batteryvalue1:000000000000000000000000000000119\n", "batteryvalue1 119");
+        row("NUL in the value", QByteArray("batteryvalue1:11\0 9\n", 20), "batteryvalue1 0");
+        row("prefix key", "sensitivityvalue2:5\n", "sensitivityvalue 5 sensitivityvalue2 5");
+        row("last line wins", "hourvalue:5\nhourvalue:9\n", "hourvalue 9");
+        row("keys of bytes only", "reversalvalue:1\nsharpnessvalue:1\n", "");
+        row("unknown and empty lines", "\n\nfoo:1\n brightvalue:1\nmutevalue:1\n", "mutevalue 1");
+        row("text only", "encodingvalue:1\ntempoffvalue:0", "encodingvalue 1 tempoffvalue 0");
+    }
+    void textLine() {
+        QFETCH(QByteArray, file);
+        QFETCH(QByteArray, changed);
+        const MadeCard card;
+        card.put("setting/setting.dat", file);
+        const DeviceSettings settings(card.path("setting"));
+        const QByteArrayList words = changed.split(' ');
+        for (const SettingKey& key : kSettingKeys) {
+            const auto at = words.indexOf(key.name);
+            const int expected = at < 0 ? SettingValues().*key.value : words[at + 1].toInt();
+            QVERIFY2(settings.*key.value == expected,
+                     qPrintable(QStringLiteral("%1 is %2").arg(key.name).arg(settings.*key.value)));
+        }
+    }
+
+    void byteFile_data() {
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<int>("battery1");
+        QTest::addColumn<int>("battery2");
+
+        QTest::newRow("12 V") << "setbatteryvalue1.dat" << QByteArray("\x79") << 121 << 242;
+        QTest::newRow("signed") << "setbatteryvalue1.dat" << QByteArray("\xf2") << -14 << 242;
+        QTest::newRow("unsigned") << "setbatteryvalue2.dat" << QByteArray("\xf6") << 121 << 246;
+        QTest::newRow("first byte counts")
+            << "setbatteryvalue2.dat" << QByteArray("\xe8\xf6\n") << 121 << 232;
+        QTest::newRow("NUL") << "setbatteryvalue2.dat" << QByteArray(1, '\0') << 121 << 0;
+        QTest::newRow("empty") << "setbatteryvalue2.dat" << QByteArray() << 121 << 242;
+    }
+    void byteFile() {
+        QFETCH(QString, file);
+        QFETCH(QByteArray, bytes);
+        const MadeCard card;
+        card.put("setting/" + file, bytes);
+        const DeviceSettings settings(card.path("setting"));
+        QTEST(settings.batteryvalue1, "battery1");
+        QTEST(settings.batteryvalue2, "battery2");
+    }
+
+    void byteFilesGoLast() {
+        const MadeCard card;
+        card.put("setting/setting.dat", "brightvalue:6\ncontrastvalue:6\n");
+        card.put("setting/setbrightvalue.dat", "\x02");
+        const DeviceSettings settings(card.path("setting"));
+        QCOMPARE(settings.brightvalue, 2);
+        QCOMPARE(settings.contrastvalue, 6);
+    }
+
+    void loadBytesResult_data() {
+        QTest::addColumn<bool>("bright");
+        QTest::addColumn<bool>("contrast");
+        QTest::addColumn<int>("contrastRead");
+
+        QTest::newRow("neither") << false << false << 4;
+        QTest::newRow("brightness only") << true << false << 4;
+        QTest::newRow("contrast only, which is then not opened") << false << true << 4;
+        QTest::newRow("both") << true << true << 7;
+    }
+    void loadBytesResult() {
+        QFETCH(bool, bright);
+        QFETCH(bool, contrast);
+        const MadeCard card;
+        card.put("setting/setframevalue.dat", "\x01");
+        if (bright)
+            card.put("setting/setbrightvalue.dat", {});
+        if (contrast)
+            card.put("setting/setcontrastvalue.dat", "\x07");
+        DeviceSettings settings(card.path("setting"));
+        QCOMPARE(settings.loadBytes(), bright && contrast);
+        QTEST(settings.contrastvalue, "contrastRead");
+        QCOMPARE(settings.framevalue, 1);
+    }
+
+    // No card, an empty folder, and names that are no files: the defaults stand, and nothing waits for a
+    // pipe's writer.
+    void withoutFiles() {
+        const MadeCard card;
+        QDir().mkpath(card.path("odd/setting.dat"));
+        QCOMPARE(::mkfifo(QFile::encodeName(card.path("odd/setframevalue.dat")).constData(), 0600), 0);
+        QDir().mkpath(card.path("odd/setbrightvalue.dat"));
+        const QStringList folders = {QString(), card.path("none"), card.drive(), card.path("odd")};
+        for (const QString& folder : folders) {
+            DeviceSettings settings(folder);
+            QVERIFY(static_cast<SettingValues&>(settings) == SettingValues());
+            QVERIFY(!settings.loadText());
+            QVERIFY(!settings.loadBytes());
+            QVERIFY(!settings.setsClock());
+            const auto clock =
+                QDateTime::fromString(settings.clockText(), QStringLiteral("yyyy-MM-dd-hh-mm-ss"));
+            QVERIFY(qAbs(clock.secsTo(QDateTime::currentDateTime())) < 60);
+        }
+    }
+
+    void namesInAnyCase() {
+        const MadeCard card;
+        card.put("SETTING/Setting.DAT", "framevalue:1\nspeedValue:2\n");
+        card.put("SETTING/SETBRIGHTVALUE.DAT", "\x01");
+        card.put("SETTING/SETCONTRASTVALUE.DAT", "\x02");
+        card.put("SETTING/setcontrastvalue.dat", "\x03");
+        const DeviceSettings settings(card.path("setting"));
+        QCOMPARE(settings.framevalue, 1);
+        QCOMPARE(settings.speedValue, 2);
+        QCOMPARE(settings.brightvalue, 1);
+        QCOMPARE(settings.contrastvalue, 3);
+    }
+
+    void hugeText_data() {
+        QTest::addColumn<QByteArray>("begin");
+        QTest::addColumn<QByteArray>("repeated");
+        QTest::addColumn<int>("times");
+        QTest::addColumn<int>("frame");
+
+        constexpr int kMiB = 1024 * 1024;
+        QTest::newRow("256 MiB of NUL bytes") << QByteArray() << QByteArray() << 0 << 3;
+        QTest::newRow("line of 10 MB before the colon")
+            << QByteArray("framevalue") << QByteArray("x") << 10 * kMiB << 1;
+        QTest::newRow("line of 10 MB after it")
+            << QByteArray("framevalue:") << QByteArray("0") << 10 * kMiB << 31;
+        QTest::newRow("a million lines") << QByteArray() << QByteArray("framevalue:2\n") << kMiB << 1;
+    }
+    void hugeText() {
+        QFETCH(QByteArray, begin);
+        QFETCH(QByteArray, repeated);
+        QFETCH(int, times);
+        const MadeCard card;
+        card.put("setting/setting.dat",
+                 begin + repeated.repeated(times) + (begin.isEmpty() ? "framevalue" : ""));
+        QFile file(card.path("setting/setting.dat"));
+        QVERIFY(file.open(QIODevice::Append));
+        if (times == 0)
+            QVERIFY(file.resize(1LL << 28));
+        else
+            QVERIFY(file.write(begin.endsWith(':') ? "31\n" : ":1\n") > 0);
+        file.close();
+
+        rusage before = {};
+        ::getrusage(RUSAGE_SELF, &before);
+        QElapsedTimer time;
+        time.start();
+        const DeviceSettings settings(card.path("setting"));
+        QVERIFY2(time.elapsed() < 60000, qPrintable(QStringLiteral("%1 ms").arg(time.elapsed())));
+        rusage after = {};
+        ::getrusage(RUSAGE_SELF, &after);
+        QVERIFY2(after.ru_maxrss - before.ru_maxrss < 4096, "more than 4 MiB of memory for a text file");
+        QTEST(settings.framevalue, "frame");
+    }
 };
-
-void TestDeviceSettings::textLine_data() {
-    QTest::addColumn<QByteArray>("file");
-    QTest::addColumn<QByteArray>("changed"); // "key value key value", all others at their defaults
-
-    const auto row = [](const char* name, const QByteArray& file, const char* changed) {
-        QTest::newRow(name) << file << QByteArray(changed);
-    };
-    row("plain", "framevalue:1\n", "framevalue 1");
-    row("no line end", "framevalue:1", "framevalue 1");
-    row("letter case, CR LF", "RESOLUTIONVALUE:1\r\n", "resolutionvalue 1");
-    row("white space", "qualityvalue: \t2  \nframevalue:1", "qualityvalue 2 framevalue 1");
-    row("no colon", "framevalue 2\n", "");
-    row("colon first", ":framevalue:2\n", "");
-    row("no number", "speedValue:abc\n", "speedValue 0");
-    row("empty value", "speedValue:\n", "speedValue 0");
-    row("two numbers", "speedValue:1 2\n", "speedValue 0");
-    row("text before the colon", "speedValue of the car:2\n", "speedValue 2");
-    row("second colon", "speedValue:2:1\n", "speedValue 0");
-    row("negative", "batteryvalue1:-5\n", "batteryvalue1 -5");
-    row("largest", "batteryvalue1:2147483647\n", "batteryvalue1 2147483647");
-    row("past 32 bits", "batteryvalue1:2147483648\n", "batteryvalue1 0");
-    row("past 64 bits", "batteryvalue1:99999999999999999999\n", "batteryvalue1 0");
-    row("leading zeros", "batteryvalue1:000000000000000000000000000000119\n", "batteryvalue1 119");
-    row("NUL in the value", QByteArray("batteryvalue1:11\0 9\n", 20), "batteryvalue1 0");
-    row("prefix key", "sensitivityvalue2:5\n", "sensitivityvalue 5 sensitivityvalue2 5");
-    row("last line wins", "hourvalue:5\nhourvalue:9\n", "hourvalue 9");
-    row("keys of bytes only", "reversalvalue:1\nsharpnessvalue:1\n", "");
-    row("unknown and empty lines", "\n\nfoo:1\n brightvalue:1\nmutevalue:1\n", "mutevalue 1");
-    row("text only", "encodingvalue:1\ntempoffvalue:0", "encodingvalue 1 tempoffvalue 0");
-}
-
-void TestDeviceSettings::textLine() {
-    QFETCH(QByteArray, file);
-    QFETCH(QByteArray, changed);
-    const MadeCard card;
-    card.put("setting/setting.dat", file);
-    const DeviceSettings settings(card.path("setting"));
-    const QByteArrayList words = changed.split(' ');
-    for (const SettingKey& key : kSettingKeys) {
-        const auto at = words.indexOf(key.name);
-        const int expected = at < 0 ? SettingValues().*key.value : words[at + 1].toInt();
-        QVERIFY2(settings.*key.value == expected,
-                 qPrintable(QStringLiteral("%1 is %2").arg(key.name).arg(settings.*key.value)));
-    }
-}
-
-void TestDeviceSettings::textAgreesWithRule() {
-    QRandomGenerator random(240);
-    for (int i = 0; i < 20000; ++i) {
-        QByteArray file;
-        for (int line = 0; line < 3; ++line)
-            file += randomLine(random);
-        QVERIFY2(readInPieces(file, random) == readWhole(file), file.toPercentEncoding().constData());
-    }
-}
-
-void TestDeviceSettings::byteFile_data() {
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<int>("battery1");
-    QTest::addColumn<int>("battery2");
-
-    QTest::newRow("12 V") << "setbatteryvalue1.dat" << QByteArray("\x79") << 121 << 242;
-    QTest::newRow("signed") << "setbatteryvalue1.dat" << QByteArray("\xf2") << -14 << 242;
-    QTest::newRow("unsigned") << "setbatteryvalue2.dat" << QByteArray("\xf6") << 121 << 246;
-    QTest::newRow("first byte counts") << "setbatteryvalue2.dat" << QByteArray("\xe8\xf6\n") << 121 << 232;
-    QTest::newRow("NUL") << "setbatteryvalue2.dat" << QByteArray(1, '\0') << 121 << 0;
-    QTest::newRow("empty") << "setbatteryvalue2.dat" << QByteArray() << 121 << 242;
-}
-
-void TestDeviceSettings::byteFile() {
-    QFETCH(QString, file);
-    QFETCH(QByteArray, bytes);
-    const MadeCard card;
-    card.put("setting/" + file, bytes);
-    const DeviceSettings settings(card.path("setting"));
-    QTEST(settings.batteryvalue1, "battery1");
-    QTEST(settings.batteryvalue2, "battery2");
-}
-
-void TestDeviceSettings::byteFilesGoLast() {
-    const MadeCard card;
-    card.put("setting/setting.dat", "brightvalue:6\ncontrastvalue:6\n");
-    card.put("setting/setbrightvalue.dat", "\x02");
-    const DeviceSettings settings(card.path("setting"));
-    QCOMPARE(settings.brightvalue, 2);
-    QCOMPARE(settings.contrastvalue, 6);
-}
-
-void TestDeviceSettings::loadBytesResult_data() {
-    QTest::addColumn<bool>("bright");
-    QTest::addColumn<bool>("contrast");
-    QTest::addColumn<int>("contrastRead");
-
-    QTest::newRow("neither") << false << false << 4;
-    QTest::newRow("brightness only") << true << false << 4;
-    QTest::newRow("contrast only, which is then not opened") << false << true << 4;
-    QTest::newRow("both") << true << true << 7;
-}
-
-void TestDeviceSettings::loadBytesResult() {
-    QFETCH(bool, bright);
-    QFETCH(bool, contrast);
-    const MadeCard card;
-    card.put("setting/setframevalue.dat", "\x01");
-    if (bright)
-        card.put("setting/setbrightvalue.dat", {});
-    if (contrast)
-        card.put("setting/setcontrastvalue.dat", "\x07");
-    DeviceSettings settings(card.path("setting"));
-    QCOMPARE(settings.loadBytes(), bright && contrast);
-    QTEST(settings.contrastvalue, "contrastRead");
-    QCOMPARE(settings.framevalue, 1);
-}
-
-// No card, an empty folder, and names that are no files: the defaults stand, and nothing waits for a pipe's
-// writer.
-void TestDeviceSettings::withoutFiles() {
-    const MadeCard card;
-    QDir().mkpath(card.path("odd/setting.dat"));
-    QCOMPARE(::mkfifo(QFile::encodeName(card.path("odd/setframevalue.dat")).constData(), 0600), 0);
-    QDir().mkpath(card.path("odd/setbrightvalue.dat"));
-    const QStringList folders = {QString(), card.path("none"), card.drive(), card.path("odd")};
-    for (const QString& folder : folders) {
-        DeviceSettings settings(folder);
-        QVERIFY(static_cast<SettingValues&>(settings) == SettingValues());
-        QVERIFY(!settings.loadText());
-        QVERIFY(!settings.loadBytes());
-        QVERIFY(!settings.setsClock());
-        const auto clock = QDateTime::fromString(settings.clockText(), QStringLiteral("yyyy-MM-dd-hh-mm-ss"));
-        QVERIFY(qAbs(clock.secsTo(QDateTime::currentDateTime())) < 60);
-    }
-}
-
-void TestDeviceSettings::namesInAnyCase() {
-    const MadeCard card;
-    card.put("SETTING/Setting.DAT", "framevalue:1\nspeedValue:2\n");
-    card.put("SETTING/SETBRIGHTVALUE.DAT", "\x01");
-    card.put("SETTING/SETCONTRASTVALUE.DAT", "\x02");
-    card.put("SETTING/setcontrastvalue.dat", "\x03");
-    const DeviceSettings settings(card.path("setting"));
-    QCOMPARE(settings.framevalue, 1);
-    QCOMPARE(settings.speedValue, 2);
-    QCOMPARE(settings.brightvalue, 1);
-    QCOMPARE(settings.contrastvalue, 3);
-}
-
-void TestDeviceSettings::hugeText_data() {
-    QTest::addColumn<QByteArray>("begin");
-    QTest::addColumn<QByteArray>("repeated");
-    QTest::addColumn<int>("times");
-    QTest::addColumn<int>("frame");
-
-    constexpr int kMiB = 1024 * 1024;
-    QTest::newRow("256 MiB of NUL bytes") << QByteArray() << QByteArray() << 0 << 3;
-    QTest::newRow("line of 10 MB before the colon")
-        << QByteArray("framevalue") << QByteArray("x") << 10 * kMiB << 1;
-    QTest::newRow("line of 10 MB after it")
-        << QByteArray("framevalue:") << QByteArray("0") << 10 * kMiB << 31;
-    QTest::newRow("a million lines") << QByteArray() << QByteArray("framevalue:2\n") << kMiB << 1;
-}
-
-void TestDeviceSettings::hugeText() {
-    QFETCH(QByteArray, begin);
-    QFETCH(QByteArray, repeated);
-    QFETCH(int, times);
-    const MadeCard card;
-    card.put("setting/setting.dat", begin + repeated.repeated(times) + (begin.isEmpty() ? "framevalue" : ""));
-    QFile file(card.path("setting/setting.dat"));
-    QVERIFY(file.open(QIODevice::Append));
-    if (times == 0)
-        QVERIFY(file.resize(1LL << 28));
-    else
-        QVERIFY(file.write(begin.endsWith(':') ? "31\n" : ":1\n") > 0);
-    file.close();
-
-    rusage before = {};
-    ::getrusage(RUSAGE_SELF, &before);
-    QElapsedTimer time;
-    time.start();
-    const DeviceSettings settings(card.path("setting"));
-    QVERIFY2(time.elapsed() < 60000, qPrintable(QStringLiteral("%1 ms").arg(time.elapsed())));
-    rusage after = {};
-    ::getrusage(RUSAGE_SELF, &after);
-    QVERIFY2(after.ru_maxrss - before.ru_maxrss < 4096, "more than 4 MiB of memory for a text file");
-    QTEST(settings.framevalue, "frame");
-}
 
 QTEST_GUILESS_MAIN(TestDeviceSettings)
 #include "tst_device_settings.moc"

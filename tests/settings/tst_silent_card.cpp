@@ -29,126 +29,118 @@ class TestSilentCard : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-    void opensAtOnce();
-    void anotherCardIsFound();
-    void choosingTheSilentDrive();
-    void lateAnswerIsShown();
-    void savingCanBeLeft();
+    void init() {
+        if (!g_ownMounts)
+            QSKIP("a silent file system needs root or a user namespace");
+        m_fixture.emplace();
+        m_card.emplace();
+        m_reader = std::make_unique<SilentFileSystem>(m_card->drive());
+        if (!m_reader->isMounted())
+            QSKIP("this machine mounts no FUSE file system");
+        m_fixture->insert(*m_card);
+    }
+
+    void cleanup() {
+        m_reader.reset();
+        m_card.reset();
+        m_fixture.reset();
+    }
+
+    void opensAtOnce() {
+        m_reader->fallSilent();
+        QElapsedTimer time;
+        time.start();
+        ConfigWindow window;
+        window.show();
+        QVERIFY2(time.elapsed() < kSoonMs, qPrintable(QString::number(time.elapsed())));
+        QCOMPARE(driveList(window)->count(), 1);
+        QTRY_VERIFY_WITH_TIMEOUT(driveList(window)->toolTip().contains(u"does not answer"), kGivesUpMs);
+        QVERIFY(time.elapsed() >= 1900);
+
+        // What would be saved to the card can't be changed; what is the viewer's can.
+        click(window, kVga);
+        QCOMPARE(window.values().resolutionvalue, 3);
+        click(window, {320, 675});
+        QCOMPARE(window.viewerSpeedUnit(), 2);
+        time.restart();
+        window.OnSlotsOK();
+        QVERIFY(time.elapsed() < kSoonMs);
+        QString unit;
+        QVERIFY(readSpeedUnit(unit) && unit == u"mph");
+    }
+
+    void anotherCardIsFound() {
+        const MadeCard camera;
+        makeCamera(camera);
+        putByte(camera, QStringLiteral("framevalue"), 1);
+        m_fixture->insert(camera);
+        m_reader->fallSilent();
+        const ConfigWindow window;
+        QVERIFY(waitForCard(window));
+        QCOMPARE(driveList(window)->currentIndex(), 1);
+        QCOMPARE(window.values().framevalue, 1);
+    }
+
+    void choosingTheSilentDrive() {
+        const MadeCard camera;
+        makeCamera(camera);
+        putByte(camera, QStringLiteral("framevalue"), 1);
+        m_fixture->insert(camera);
+        ConfigWindow window;
+        QVERIFY(waitForCard(window));
+        m_reader->fallSilent();
+        QElapsedTimer time;
+        time.start();
+        driveList(window)->setCurrentIndex(0);
+        QVERIFY(time.elapsed() < kSoonMs);
+        QVERIFY(window.settingFolder().isEmpty());
+        driveList(window)->setCurrentIndex(1);
+        QVERIFY(waitForCard(window));
+        click(window, kVga);
+        window.OnSlotsOK();
+        QCOMPARE(byteOf(camera, QStringLiteral("resolutionvalue")), 1);
+        QCOMPARE(byteOf(camera, QStringLiteral("framevalue")), 1);
+    }
+
+    // A reader that needs longer than the limit to wake up is shown once it answers, here by an error.
+    void lateAnswerIsShown() {
+        m_reader->fallSilent();
+        const ConfigWindow window;
+        QTRY_VERIFY_WITH_TIMEOUT(driveList(window)->toolTip().contains(u"does not answer"), kGivesUpMs);
+        m_reader->end();
+        QVERIFY(waitForCard(window));
+        QVERIFY(!driveList(window)->toolTip().contains(u"does not answer"));
+    }
+
+    void savingCanBeLeft() {
+        ConfigWindow window;
+        QVERIFY(waitForCard(window));
+        window.show();
+        click(window, kVga);
+        m_reader->fallSilent();
+        QSignalSpy rejected(&window, &QDialog::rejected);
+        bool usable = false;
+        QTimer::singleShot(500, &window, [&] {
+            // OK is being waited for; the window still lives, and Cancel is still there.
+            usable = window.isVisible();
+            click(*window.childAt(430, 700), {5, 5});
+        });
+        QElapsedTimer time;
+        time.start();
+        window.OnSlotsOK();
+        QVERIFY(usable);
+        QVERIFY(time.elapsed() < kGivesUpMs);
+        QCOMPARE(rejected.size(), 1);
+        QVERIFY(!window.isVisible());
+        QString unit;
+        QVERIFY(!readSpeedUnit(unit));
+    }
 
 private:
     std::optional<SettingsFixture> m_fixture;
     std::optional<MadeCard> m_card;
     std::unique_ptr<SilentFileSystem> m_reader;
 };
-
-void TestSilentCard::init() {
-    if (!g_ownMounts)
-        QSKIP("a silent file system needs root or a user namespace");
-    m_fixture.emplace();
-    m_card.emplace();
-    m_reader = std::make_unique<SilentFileSystem>(m_card->drive());
-    if (!m_reader->isMounted())
-        QSKIP("this machine mounts no FUSE file system");
-    m_fixture->insert(*m_card);
-}
-
-void TestSilentCard::cleanup() {
-    m_reader.reset();
-    m_card.reset();
-    m_fixture.reset();
-}
-
-void TestSilentCard::opensAtOnce() {
-    m_reader->fallSilent();
-    QElapsedTimer time;
-    time.start();
-    ConfigWindow window;
-    window.show();
-    QVERIFY2(time.elapsed() < kSoonMs, qPrintable(QString::number(time.elapsed())));
-    QCOMPARE(driveList(window)->count(), 1);
-    QTRY_VERIFY_WITH_TIMEOUT(driveList(window)->toolTip().contains(u"does not answer"), kGivesUpMs);
-    QVERIFY(time.elapsed() >= 1900);
-
-    // What would be saved to the card can't be changed; what is the viewer's can.
-    click(window, kVga);
-    QCOMPARE(window.values().resolutionvalue, 3);
-    click(window, {320, 675});
-    QCOMPARE(window.viewerSpeedUnit(), 2);
-    time.restart();
-    window.OnSlotsOK();
-    QVERIFY(time.elapsed() < kSoonMs);
-    QString unit;
-    QVERIFY(readSpeedUnit(unit) && unit == u"mph");
-}
-
-void TestSilentCard::anotherCardIsFound() {
-    const MadeCard camera;
-    makeCamera(camera);
-    putByte(camera, QStringLiteral("framevalue"), 1);
-    m_fixture->insert(camera);
-    m_reader->fallSilent();
-    const ConfigWindow window;
-    QVERIFY(waitForCard(window));
-    QCOMPARE(driveList(window)->currentIndex(), 1);
-    QCOMPARE(window.values().framevalue, 1);
-}
-
-void TestSilentCard::choosingTheSilentDrive() {
-    const MadeCard camera;
-    makeCamera(camera);
-    putByte(camera, QStringLiteral("framevalue"), 1);
-    m_fixture->insert(camera);
-    ConfigWindow window;
-    QVERIFY(waitForCard(window));
-    m_reader->fallSilent();
-    QElapsedTimer time;
-    time.start();
-    driveList(window)->setCurrentIndex(0);
-    QVERIFY(time.elapsed() < kSoonMs);
-    QVERIFY(window.settingFolder().isEmpty());
-    driveList(window)->setCurrentIndex(1);
-    QVERIFY(waitForCard(window));
-    click(window, kVga);
-    window.OnSlotsOK();
-    QCOMPARE(byteOf(camera, QStringLiteral("resolutionvalue")), 1);
-    QCOMPARE(byteOf(camera, QStringLiteral("framevalue")), 1);
-}
-
-// A reader that needs longer than the limit to wake up is shown once it answers, here by an error.
-void TestSilentCard::lateAnswerIsShown() {
-    m_reader->fallSilent();
-    const ConfigWindow window;
-    QTRY_VERIFY_WITH_TIMEOUT(driveList(window)->toolTip().contains(u"does not answer"), kGivesUpMs);
-    m_reader->end();
-    QVERIFY(waitForCard(window));
-    QVERIFY(!driveList(window)->toolTip().contains(u"does not answer"));
-}
-
-void TestSilentCard::savingCanBeLeft() {
-    ConfigWindow window;
-    QVERIFY(waitForCard(window));
-    window.show();
-    click(window, kVga);
-    m_reader->fallSilent();
-    QSignalSpy rejected(&window, &QDialog::rejected);
-    bool usable = false;
-    QTimer::singleShot(500, &window, [&] {
-        // OK is being waited for; the window still lives, and Cancel is still there.
-        usable = window.isVisible();
-        click(*window.childAt(430, 700), {5, 5});
-    });
-    QElapsedTimer time;
-    time.start();
-    window.OnSlotsOK();
-    QVERIFY(usable);
-    QVERIFY(time.elapsed() < kGivesUpMs);
-    QCOMPARE(rejected.size(), 1);
-    QVERIFY(!window.isVisible());
-    QString unit;
-    QVERIFY(!readSpeedUnit(unit));
-}
 
 // The namespace has to be entered before there is a second thread.
 int main(int argc, char** argv) {
