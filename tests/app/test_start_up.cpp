@@ -26,45 +26,176 @@ class TestStartUp : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-    void language_data();
-    void language();
-    void secondStart_data();
-    void secondStart();
-    void crashedInstanceIsNone();
-    void settingsStartFocusesTheViewersDialog();
-    void noDisplay_data();
-    void noDisplay();
-    void closingTheSettingsWindowEndsTheTool();
-    void settingsToolIsLight();
+    void init() {
+        m_home = std::make_unique<QTemporaryDir>();
+        QVERIFY(QDir(m_home->path()).mkpath(QStringLiteral("QL240")));
+        m_windows = std::make_unique<LocalRunningWindows>(m_home->path());
+        host().runningWindows = m_windows.get();
+    }
+
+    void cleanup() {
+        for (QProcess* process : m_processes) {
+            process->kill();
+            process->waitForFinished();
+            delete process;
+        }
+        m_processes.clear();
+        host() = {};
+    }
+
+    void language_data() {
+        QTest::addColumn<QString>("locale");
+        QTest::addColumn<QByteArray>("stored");
+        QTest::addColumn<QByteArray>("kept");
+        QTest::newRow("Russian system") << "ru_RU.UTF-8" << QByteArray() << QByteArray("language=ru");
+        QTest::newRow("German system") << "de_DE.UTF-8" << QByteArray() << QByteArray("language=en");
+        QTest::newRow("stored") << "ru_RU.UTF-8" << QByteArray("kr") << QByteArray("language=kr");
+        QTest::newRow("stored, unknown") << "ru_RU.UTF-8" << QByteArray("xx") << QByteArray("language=xx");
+    }
+    void language() {
+        QFETCH(QString, locale);
+        QFETCH(QByteArray, stored);
+        QFETCH(QByteArray, kept);
+        if (!stored.isEmpty()) {
+            QFile file(m_home->filePath(QStringLiteral("QL240/local.ini")));
+            QVERIFY(file.open(QFile::WriteOnly));
+            file.write("[global]\nlanguage=" + stored + "\n");
+        }
+        start({QStringLiteral("setting")}, {{QStringLiteral("LC_ALL"), locale}});
+        QTRY_VERIFY_WITH_TIMEOUT(isRunning(kSetting), kBoundMs);
+        QVERIFY2(preferences().contains(kept), preferences().constData());
+    }
+
+    void secondStart_data() {
+        QTest::addColumn<QStringList>("first");
+        QTest::addColumn<QStringList>("second");
+        QTest::addColumn<bool>("handsOver");
+        const QStringList viewer;
+        const QStringList settings{QStringLiteral("anything")};
+        QTest::newRow("viewer, viewer") << viewer << viewer << true;
+        QTest::newRow("settings, settings")
+            << settings << QStringList{QStringLiteral("--other"), QStringLiteral("x")} << true;
+        QTest::newRow("viewer, settings") << viewer << settings << false;
+        QTest::newRow("settings, viewer") << settings << viewer << false;
+        QTest::newRow("the toolkit's option is no argument")
+            << viewer << QStringList{QStringLiteral("-platform"), QStringLiteral("offscreen")} << true;
+    }
+    void secondStart() {
+        QFETCH(QStringList, first);
+        QFETCH(QStringList, second);
+        QFETCH(bool, handsOver);
+        const auto titleOf = [](const QStringList& arguments) {
+            return arguments.isEmpty() || arguments.first() == QLatin1String("-platform") ? kViewer
+                                                                                          : kSetting;
+        };
+        QProcess* running = start(first);
+        QTRY_VERIFY_WITH_TIMEOUT(isRunning(titleOf(first)), kBoundMs);
+        QProcess* later = start(second);
+        if (handsOver) {
+            QVERIFY(later->waitForFinished(kBoundMs));
+            QCOMPARE(later->exitStatus(), QProcess::NormalExit);
+            QCOMPARE(later->exitCode(), 0);
+        } else {
+            QTRY_VERIFY_WITH_TIMEOUT(isRunning(titleOf(second)), kBoundMs);
+            QCOMPARE(later->state(), QProcess::Running);
+        }
+        QCOMPARE(running->state(), QProcess::Running);
+        QVERIFY(isRunning(titleOf(first)));
+    }
+
+    void crashedInstanceIsNone() {
+        QProcess* crashing = start({});
+        QTRY_VERIFY_WITH_TIMEOUT(isRunning(kViewer), kBoundMs);
+        crashing->kill();
+        QVERIFY(crashing->waitForFinished());
+        QVERIFY(QFile::exists(m_home->filePath(QStringLiteral("ql240-viewer.sock"))));
+        QVERIFY(!isRunning(kViewer));
+        QProcess* next = start({});
+        QTRY_VERIFY_WITH_TIMEOUT(isRunning(kViewer), kBoundMs);
+        QCOMPARE(next->state(), QProcess::Running);
+    }
+
+    // The dialog that a viewer opens has the settings tool's title.
+    void settingsStartFocusesTheViewersDialog() {
+        InstanceWindows instances({kViewer, kSetting});
+        QWidget viewer;
+        viewer.setWindowTitle(kViewer);
+        viewer.show();
+        ConfigWindow dialog;
+        dialog.show();
+        viewer.activateWindow();
+        QTRY_VERIFY(viewer.isActiveWindow());
+
+        QProcess* tool = start({QStringLiteral("setting")});
+        QTRY_VERIFY_WITH_TIMEOUT(tool->state() == QProcess::NotRunning, kBoundMs);
+        QCOMPARE(tool->exitCode(), 0);
+        QTRY_VERIFY(dialog.isActiveWindow());
+
+        // Minimised counts as open; closed does not.
+        dialog.showMinimized();
+        QVERIFY(isRunning(kSetting));
+        dialog.close();
+        QVERIFY(!isRunning(kSetting));
+        QVERIFY(isRunning(kViewer));
+    }
+
+    void noDisplay_data() {
+        QTest::addColumn<QString>("platform");
+        QTest::addColumn<QString>("display");
+        QTest::newRow("none at all") << ""
+                                     << "";
+        QTest::newRow("one that doesn't answer") << "xcb"
+                                                 << ":9240";
+    }
+    void noDisplay() {
+        QFETCH(QString, platform);
+        QFETCH(QString, display);
+        QProcess* process = start({}, {{QStringLiteral("QT_QPA_PLATFORM"), platform},
+                                       {QStringLiteral("DISPLAY"), display},
+                                       {QStringLiteral("WAYLAND_DISPLAY"), QString()}});
+        QVERIFY(process->waitForFinished(kBoundMs));
+        QCOMPARE(process->exitStatus(), QProcess::NormalExit);
+        QCOMPARE(process->exitCode(), 1);
+        QVERIFY(preferences().isEmpty());
+    }
+
+    // The splash screen, which stays up in this mode, must not keep the process.
+    void closingTheSettingsWindowEndsTheTool() {
+        QSplashScreen splash(QPixmap(40, 40));
+        splash.show();
+        ConfigWindow window;
+        window.show();
+        bool closed = false;
+        QTimer::singleShot(0, &window, [&] { closed = window.close(); });
+        QTimer::singleShot(kBoundMs, qApp, [] { QCoreApplication::exit(-1); });
+        QCOMPARE(QCoreApplication::exec(), 0);
+        QVERIFY(closed);
+    }
+
+    // The settings tool loads neither the media pipeline nor the web engine.
+    void settingsToolIsLight() {
+        const QProcess* tool = start({QStringLiteral("settings")});
+        QTRY_VERIFY_WITH_TIMEOUT(isRunning(kSetting), kBoundMs);
+        QFile maps(QStringLiteral("/proc/%1/maps").arg(tool->processId()));
+        QVERIFY(maps.open(QIODevice::ReadOnly));
+        const QByteArray loaded = maps.readAll();
+        QVERIFY(loaded.contains("libQt6Widgets"));
+        for (const char* heavy : {"libgst", "libav", "libQt6WebEngine", "libQt6Qml", "libql240-"})
+            QVERIFY2(!loaded.contains(heavy), heavy);
+    }
 
 private:
     QProcess* start(const QStringList& arguments, const QMap<QString, QString>& extra = {});
     bool isRunning(const QString& title) { return m_windows->findWindow(title) != nullptr; }
-    QByteArray preferences() const;
+    QByteArray preferences() const {
+        QFile file(m_home->filePath(QStringLiteral("QL240/local.ini")));
+        return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
+    }
 
     std::unique_ptr<QTemporaryDir> m_home;
     std::unique_ptr<LocalRunningWindows> m_windows;
     QList<QProcess*> m_processes;
 };
-
-void TestStartUp::init() {
-    m_home = std::make_unique<QTemporaryDir>();
-    QVERIFY(QDir(m_home->path()).mkpath(QStringLiteral("QL240")));
-    m_windows = std::make_unique<LocalRunningWindows>(m_home->path());
-    host().runningWindows = m_windows.get();
-}
-
-void TestStartUp::cleanup() {
-    for (QProcess* process : m_processes) {
-        process->kill();
-        process->waitForFinished();
-        delete process;
-    }
-    m_processes.clear();
-    host() = {};
-}
 
 QProcess* TestStartUp::start(const QStringList& arguments, const QMap<QString, QString>& extra) {
     auto* process = new QProcess;
@@ -79,154 +210,6 @@ QProcess* TestStartUp::start(const QStringList& arguments, const QMap<QString, Q
     process->start();
     m_processes << process;
     return process;
-}
-
-QByteArray TestStartUp::preferences() const {
-    QFile file(m_home->filePath(QStringLiteral("QL240/local.ini")));
-    return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void TestStartUp::language_data() {
-    QTest::addColumn<QString>("locale");
-    QTest::addColumn<QByteArray>("stored");
-    QTest::addColumn<QByteArray>("kept");
-    QTest::newRow("Russian system") << "ru_RU.UTF-8" << QByteArray() << QByteArray("language=ru");
-    QTest::newRow("German system") << "de_DE.UTF-8" << QByteArray() << QByteArray("language=en");
-    QTest::newRow("stored") << "ru_RU.UTF-8" << QByteArray("kr") << QByteArray("language=kr");
-    QTest::newRow("stored, unknown") << "ru_RU.UTF-8" << QByteArray("xx") << QByteArray("language=xx");
-}
-
-void TestStartUp::language() {
-    QFETCH(QString, locale);
-    QFETCH(QByteArray, stored);
-    QFETCH(QByteArray, kept);
-    if (!stored.isEmpty()) {
-        QFile file(m_home->filePath(QStringLiteral("QL240/local.ini")));
-        QVERIFY(file.open(QFile::WriteOnly));
-        file.write("[global]\nlanguage=" + stored + "\n");
-    }
-    start({QStringLiteral("setting")}, {{QStringLiteral("LC_ALL"), locale}});
-    QTRY_VERIFY_WITH_TIMEOUT(isRunning(kSetting), kBoundMs);
-    QVERIFY2(preferences().contains(kept), preferences().constData());
-}
-
-void TestStartUp::secondStart_data() {
-    QTest::addColumn<QStringList>("first");
-    QTest::addColumn<QStringList>("second");
-    QTest::addColumn<bool>("handsOver");
-    const QStringList viewer;
-    const QStringList settings{QStringLiteral("anything")};
-    QTest::newRow("viewer, viewer") << viewer << viewer << true;
-    QTest::newRow("settings, settings")
-        << settings << QStringList{QStringLiteral("--other"), QStringLiteral("x")} << true;
-    QTest::newRow("viewer, settings") << viewer << settings << false;
-    QTest::newRow("settings, viewer") << settings << viewer << false;
-    QTest::newRow("the toolkit's option is no argument")
-        << viewer << QStringList{QStringLiteral("-platform"), QStringLiteral("offscreen")} << true;
-}
-
-void TestStartUp::secondStart() {
-    QFETCH(QStringList, first);
-    QFETCH(QStringList, second);
-    QFETCH(bool, handsOver);
-    const auto titleOf = [](const QStringList& arguments) {
-        return arguments.isEmpty() || arguments.first() == QLatin1String("-platform") ? kViewer : kSetting;
-    };
-    QProcess* running = start(first);
-    QTRY_VERIFY_WITH_TIMEOUT(isRunning(titleOf(first)), kBoundMs);
-    QProcess* later = start(second);
-    if (handsOver) {
-        QVERIFY(later->waitForFinished(kBoundMs));
-        QCOMPARE(later->exitStatus(), QProcess::NormalExit);
-        QCOMPARE(later->exitCode(), 0);
-    } else {
-        QTRY_VERIFY_WITH_TIMEOUT(isRunning(titleOf(second)), kBoundMs);
-        QCOMPARE(later->state(), QProcess::Running);
-    }
-    QCOMPARE(running->state(), QProcess::Running);
-    QVERIFY(isRunning(titleOf(first)));
-}
-
-void TestStartUp::crashedInstanceIsNone() {
-    QProcess* crashing = start({});
-    QTRY_VERIFY_WITH_TIMEOUT(isRunning(kViewer), kBoundMs);
-    crashing->kill();
-    QVERIFY(crashing->waitForFinished());
-    QVERIFY(QFile::exists(m_home->filePath(QStringLiteral("ql240-viewer.sock"))));
-    QVERIFY(!isRunning(kViewer));
-    QProcess* next = start({});
-    QTRY_VERIFY_WITH_TIMEOUT(isRunning(kViewer), kBoundMs);
-    QCOMPARE(next->state(), QProcess::Running);
-}
-
-// The dialog that a viewer opens has the settings tool's title.
-void TestStartUp::settingsStartFocusesTheViewersDialog() {
-    InstanceWindows instances({kViewer, kSetting});
-    QWidget viewer;
-    viewer.setWindowTitle(kViewer);
-    viewer.show();
-    ConfigWindow dialog;
-    dialog.show();
-    viewer.activateWindow();
-    QTRY_VERIFY(viewer.isActiveWindow());
-
-    QProcess* tool = start({QStringLiteral("setting")});
-    QTRY_VERIFY_WITH_TIMEOUT(tool->state() == QProcess::NotRunning, kBoundMs);
-    QCOMPARE(tool->exitCode(), 0);
-    QTRY_VERIFY(dialog.isActiveWindow());
-
-    // Minimised counts as open; closed does not.
-    dialog.showMinimized();
-    QVERIFY(isRunning(kSetting));
-    dialog.close();
-    QVERIFY(!isRunning(kSetting));
-    QVERIFY(isRunning(kViewer));
-}
-
-void TestStartUp::noDisplay_data() {
-    QTest::addColumn<QString>("platform");
-    QTest::addColumn<QString>("display");
-    QTest::newRow("none at all") << ""
-                                 << "";
-    QTest::newRow("one that doesn't answer") << "xcb"
-                                             << ":9240";
-}
-
-void TestStartUp::noDisplay() {
-    QFETCH(QString, platform);
-    QFETCH(QString, display);
-    QProcess* process = start({}, {{QStringLiteral("QT_QPA_PLATFORM"), platform},
-                                   {QStringLiteral("DISPLAY"), display},
-                                   {QStringLiteral("WAYLAND_DISPLAY"), QString()}});
-    QVERIFY(process->waitForFinished(kBoundMs));
-    QCOMPARE(process->exitStatus(), QProcess::NormalExit);
-    QCOMPARE(process->exitCode(), 1);
-    QVERIFY(preferences().isEmpty());
-}
-
-// The splash screen, which stays up in this mode, must not keep the process.
-void TestStartUp::closingTheSettingsWindowEndsTheTool() {
-    QSplashScreen splash(QPixmap(40, 40));
-    splash.show();
-    ConfigWindow window;
-    window.show();
-    bool closed = false;
-    QTimer::singleShot(0, &window, [&] { closed = window.close(); });
-    QTimer::singleShot(kBoundMs, qApp, [] { QCoreApplication::exit(-1); });
-    QCOMPARE(QCoreApplication::exec(), 0);
-    QVERIFY(closed);
-}
-
-// The settings tool loads neither the media pipeline nor the web engine.
-void TestStartUp::settingsToolIsLight() {
-    const QProcess* tool = start({QStringLiteral("settings")});
-    QTRY_VERIFY_WITH_TIMEOUT(isRunning(kSetting), kBoundMs);
-    QFile maps(QStringLiteral("/proc/%1/maps").arg(tool->processId()));
-    QVERIFY(maps.open(QIODevice::ReadOnly));
-    const QByteArray loaded = maps.readAll();
-    QVERIFY(loaded.contains("libQt6Widgets"));
-    for (const char* heavy : {"libgst", "libav", "libQt6WebEngine", "libQt6Qml", "libql240-"})
-        QVERIFY2(!loaded.contains(heavy), heavy);
 }
 
 QTEST_MAIN(TestStartUp)

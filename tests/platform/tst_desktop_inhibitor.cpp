@@ -97,12 +97,62 @@ class TestDesktopInhibitor : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
+    void initTestCase() {
+        if (!m_bus.start())
+            QSKIP("dbus-daemon isn't installed");
+        qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.address().toUtf8());
+        qputenv("DBUS_SYSTEM_BUS_ADDRESS", m_bus.address().toUtf8());
+        auto bus = QDBusConnection::connectToBus(m_bus.address(), QLatin1String(kSession));
+        const auto offer = [&bus](const char* name, const char* path, QObject* service) {
+            QVERIFY(bus.registerObject(QLatin1String(path), service, QDBusConnection::ExportAllSlots));
+            QVERIFY(bus.registerService(QLatin1String(name)));
+        };
+        offer("org.freedesktop.ScreenSaver", "/org/freedesktop/ScreenSaver", &m_screenSaver);
+        offer("org.freedesktop.PowerManagement", "/org/freedesktop/PowerManagement/Inhibit", &m_power);
+        offer("org.freedesktop.login1", "/org/freedesktop/login1", &m_login);
+    }
+
     void cleanupTestCase() { QDBusConnection::disconnectFromBus(QLatin1String(kSession)); }
-    void heldAndLetGo();
-    void letGoBeforeTheAnswer();
-    void neverBlocks_data();
-    void neverBlocks();
+    void heldAndLetGo() {
+        auto hold = m_inhibitor.keepAwake(QStringLiteral("A clip is playing"));
+        QTRY_COMPARE(m_screenSaver.held.size(), 1);
+        QTRY_COMPARE(m_power.held.size(), 1);
+        QTRY_VERIFY(m_login.isHeld());
+        QCOMPARE(m_screenSaver.reasons, QStringList{"QL240 Viewer: A clip is playing"});
+        QCOMPARE(m_login.asked, (QStringList{"idle", "block"}));
+        hold.reset();
+        QTRY_VERIFY(m_screenSaver.held.isEmpty());
+        QTRY_VERIFY(m_power.held.isEmpty());
+        QTRY_VERIFY(!m_login.isHeld());
+    }
+
+    void letGoBeforeTheAnswer() {
+        m_screenSaver.slow = true;
+        auto hold = m_inhibitor.keepAwake(QStringLiteral("short"));
+        QTRY_COMPARE(m_screenSaver.waiting.size(), 1);
+        hold.reset();
+        m_screenSaver.slow = false;
+        m_screenSaver.answerWaiting();
+        QCOMPARE(m_screenSaver.held.size(), 1);
+        QTRY_VERIFY(m_screenSaver.held.isEmpty());
+    }
+
+    void neverBlocks_data() {
+        QTest::addColumn<bool>("running");
+        QTest::newRow("bus that keeps silent") << true;
+        QTest::newRow("no bus any more") << false;
+    }
+    void neverBlocks() {
+        QFETCH(bool, running);
+        running ? m_bus.freeze(true) : m_bus.stop();
+        QElapsedTimer clock;
+        clock.start();
+        auto hold = m_inhibitor.keepAwake(QStringLiteral("silence"));
+        hold.reset();
+        const qint64 took = clock.elapsed();
+        m_bus.freeze(false);
+        QVERIFY2(took < kLongestMs, qPrintable(QString::number(took)));
+    }
 
 private:
     PrivateBus m_bus;
@@ -111,63 +161,6 @@ private:
     LoginService m_login;
     DesktopInhibitor m_inhibitor;
 };
-
-void TestDesktopInhibitor::initTestCase() {
-    if (!m_bus.start())
-        QSKIP("dbus-daemon isn't installed");
-    qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.address().toUtf8());
-    qputenv("DBUS_SYSTEM_BUS_ADDRESS", m_bus.address().toUtf8());
-    auto bus = QDBusConnection::connectToBus(m_bus.address(), QLatin1String(kSession));
-    const auto offer = [&bus](const char* name, const char* path, QObject* service) {
-        QVERIFY(bus.registerObject(QLatin1String(path), service, QDBusConnection::ExportAllSlots));
-        QVERIFY(bus.registerService(QLatin1String(name)));
-    };
-    offer("org.freedesktop.ScreenSaver", "/org/freedesktop/ScreenSaver", &m_screenSaver);
-    offer("org.freedesktop.PowerManagement", "/org/freedesktop/PowerManagement/Inhibit", &m_power);
-    offer("org.freedesktop.login1", "/org/freedesktop/login1", &m_login);
-}
-
-void TestDesktopInhibitor::heldAndLetGo() {
-    auto hold = m_inhibitor.keepAwake(QStringLiteral("A clip is playing"));
-    QTRY_COMPARE(m_screenSaver.held.size(), 1);
-    QTRY_COMPARE(m_power.held.size(), 1);
-    QTRY_VERIFY(m_login.isHeld());
-    QCOMPARE(m_screenSaver.reasons, QStringList{"QL240 Viewer: A clip is playing"});
-    QCOMPARE(m_login.asked, (QStringList{"idle", "block"}));
-    hold.reset();
-    QTRY_VERIFY(m_screenSaver.held.isEmpty());
-    QTRY_VERIFY(m_power.held.isEmpty());
-    QTRY_VERIFY(!m_login.isHeld());
-}
-
-void TestDesktopInhibitor::letGoBeforeTheAnswer() {
-    m_screenSaver.slow = true;
-    auto hold = m_inhibitor.keepAwake(QStringLiteral("short"));
-    QTRY_COMPARE(m_screenSaver.waiting.size(), 1);
-    hold.reset();
-    m_screenSaver.slow = false;
-    m_screenSaver.answerWaiting();
-    QCOMPARE(m_screenSaver.held.size(), 1);
-    QTRY_VERIFY(m_screenSaver.held.isEmpty());
-}
-
-void TestDesktopInhibitor::neverBlocks_data() {
-    QTest::addColumn<bool>("running");
-    QTest::newRow("bus that keeps silent") << true;
-    QTest::newRow("no bus any more") << false;
-}
-
-void TestDesktopInhibitor::neverBlocks() {
-    QFETCH(bool, running);
-    running ? m_bus.freeze(true) : m_bus.stop();
-    QElapsedTimer clock;
-    clock.start();
-    auto hold = m_inhibitor.keepAwake(QStringLiteral("silence"));
-    hold.reset();
-    const qint64 took = clock.elapsed();
-    m_bus.freeze(false);
-    QVERIFY2(took < kLongestMs, qPrintable(QString::number(took)));
-}
 
 } // namespace ql240
 

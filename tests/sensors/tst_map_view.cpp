@@ -73,40 +73,6 @@ private Q_SLOTS:
         host() = {};
     }
 
-    void pageHasItsParts() {
-        const QString page = mapPage(-1.5, 127.129253);
-        const QStringList parts{
-            "<html",
-            "<head",
-            "<meta http-equiv=\"Content-Type\" content=\"text/html; charset=utf-8\"",
-            "<script type=\"text/javascript\" "
-            "src=\"http://%/BlackBox/ajaxMap/jQuery1.5.1-clickeventerror.js\">",
-            "<script type=\"text/javascript\" src=\"http://%/BlackBox/ajaxMap/newMap/KMlib_V1_3.js\">",
-            "<script type=\"text/javascript\" "
-            "src=\"http://%/BlackBox/ajaxMap/newMap/MISA_V2_06_offline.js\">",
-            "<script type=\"text/javascript\" src=\"http://%/BlackBox/ajaxMap/newMap/Index_newMap.js\">",
-            "$(document).ready(",
-            "KORVAMAP.initMap(\"KorvaMap\", 163670, 526934, 12, function() {}, 2);",
-            "MapMoveToAuto('-1.500000','127.129253','9');",
-            "function init()",
-            "KORVAMAP.initMap(",
-            "function go(lat, lng)",
-            "KORVAMAP.initMap(",
-            "MapMoveToAuto(lat, lng,'9');",
-            "</head>",
-            "<body bgcolor=\"#ffffff\" topmargin=\"0\" leftmargin=\"0\" marginwidth=\"0\" marginheight=\"0\" "
-            "scroll=\"no\" onload=\"init()\"",
-            "<div id=\"KorvaMap\" style=\"width:320px; height:205px; margin:0px; padding:0px;\">"};
-        qsizetype at = 0;
-        for (QString part : parts) {
-            part.replace(QLatin1Char('%'), QLatin1String(kWebFilesHost));
-            const qsizetype found = page.indexOf(part, at);
-            QVERIFY2(found >= at, qPrintable(part));
-            at = found + part.size();
-        }
-        QCOMPARE(page.count(QStringLiteral("<script")), 5);
-    }
-
     void scripts_data() {
         QTest::addColumn<QString>("script");
         QTest::addColumn<QString>("expected");

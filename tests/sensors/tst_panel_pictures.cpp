@@ -1,8 +1,6 @@
 // The panel with the skin's pictures, over the window's background, against kept pictures. Run at one and at
 // two device pixels a pixel.
-#include <QFile>
 #include <QPainter>
-#include <QTemporaryDir>
 #include <QTest>
 #include <cmath>
 
@@ -11,6 +9,7 @@
 #include "support/fake_drives.h"
 #include "support/fake_sensor_library.h"
 #include "support/golden.h"
+#include "support/made_card.h"
 #include "widgets/fonts.h"
 #include "widgets/skin.h"
 
@@ -52,17 +51,14 @@ class TestPanelPictures : public QObject {
 private:
     FakeDrives m_drives;
     FakeSensorLibrary m_library;
-    QTemporaryDir m_card;
+    MadeCard m_card;
 
 private Q_SLOTS:
     void initTestCase() {
         installFontSubstitutes();
         m_library.answer = drive;
-        QVERIFY(QDir(m_card.path()).mkdir(QStringLiteral("update")));
-        QFile version(m_card.filePath(QStringLiteral("update/version.txt")));
-        QVERIFY(version.open(QIODevice::WriteOnly));
-        version.write("QL240 1.02 1.00 12V");
-        m_drives.drives = {{m_card.path(), {}, {}}};
+        m_card.put(QStringLiteral("update/version.txt"), "QL240 1.02 1.00 12V");
+        m_drives.drives = {{m_card.drive(), {}, {}}};
         host().drives = &m_drives;
         host().sensorLibrary = &m_library;
     }

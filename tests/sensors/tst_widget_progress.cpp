@@ -1,18 +1,16 @@
 #include <QDate>
-#include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QSemaphore>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include "platform/host.h"
 #include "sensors/widget_progress.h"
 #include "support/fake_drives.h"
 #include "support/fake_sensor_library.h"
+#include "support/made_card.h"
 
 namespace ql240 {
 namespace {
@@ -35,7 +33,7 @@ constexpr auto kPress = QEvent::MouseButtonPress;
 constexpr auto kMove = QEvent::MouseMove;
 constexpr auto kRelease = QEvent::MouseButtonRelease;
 
-// The rectangle around everything of this colour in the strip.
+// How many pixels of this colour the strip has.
 int coloured(const QImage& strip, QColor colour) {
     int count = 0;
     for (int x = 0; x < strip.width(); ++x) {
@@ -52,17 +50,12 @@ class TestWidgetProgress : public QObject {
     Q_OBJECT
 
 private:
-    QTemporaryDir m_folder;
     FakeDrives m_drives;
     FakeSensorLibrary m_library;
+    MadeCard m_card;
 
-    QString makeDrive(const QString& name, const QByteArray& version) {
-        const QString drive = m_folder.filePath(name);
-        QDir().mkpath(drive + QStringLiteral("/update"));
-        QFile file(drive + QStringLiteral("/update/version.txt"));
-        file.open(QIODevice::WriteOnly);
-        file.write(version);
-        return drive;
+    void putVersion(const MadeCard& card, const QByteArray& version) {
+        card.put(QStringLiteral("update/version.txt"), version);
     }
 
 private Q_SLOTS:
@@ -132,11 +125,11 @@ private Q_SLOTS:
     void model() {
         QFETCH(QByteArrayList, versions);
         QFETCH(QString, model);
-        for (const QByteArray& version : versions) {
-            const QString name = QStringLiteral("drive%1").arg(m_drives.drives.size());
-            m_drives.drives.append({makeDrive(name, version), {}, {}});
-        }
-        m_drives.drives.append({m_folder.filePath(QStringLiteral("stick")), {}, {}});
+        const MadeCard cards[3]; // the last is a stick without a version
+        for (int i = 0; i < versions.size(); ++i)
+            putVersion(cards[i], versions[i]);
+        for (const MadeCard& card : cards)
+            m_drives.drives.append({card.drive(), {}, {}});
         WidgetProgressA panel;
         QTRY_COMPARE(panel.state().modelText, model);
         m_drives.drives.clear();
@@ -147,7 +140,8 @@ private Q_SLOTS:
     // A card reader that doesn't answer holds up nothing; the text follows when it does.
     void hangingCardReader() {
         QSemaphore answers;
-        m_drives.drives.append({makeDrive(QStringLiteral("slow"), "QL240 1.02"), {}, {}});
+        putVersion(m_card, "QL240 1.02");
+        m_drives.drives.append({m_card.drive(), {}, {}});
         m_drives.before = [&answers] { answers.acquire(); };
         QElapsedTimer timer;
         timer.start();
@@ -159,7 +153,7 @@ private Q_SLOTS:
         QCOMPARE(panel.state().modelText, QStringLiteral("unknown"));
         answers.release();
         QTRY_COMPARE(panel.state().modelText, QStringLiteral("QL240"));
-        makeDrive(QStringLiteral("slow"), "QL999 1.02");
+        putVersion(m_card, "QL999 1.02");
         answers.release(); // one more look for all the clips
         QTRY_COMPARE(panel.state().modelText, QStringLiteral("QL999"));
     }
@@ -197,11 +191,8 @@ private Q_SLOTS:
         panel.loadSensorData(500);
         panel.sampleAt(0);
         QVERIFY(panel.state().latitude != 0.0);
-        QFile file(m_folder.filePath(QStringLiteral("REC_a.avi")));
-        file.open(QIODevice::WriteOnly);
-        file.write("vETKLP1\n");
-        file.close();
-        panel.setClipPath(file.fileName());
+        m_card.put(QStringLiteral("REC_a.avi"), "vETKLP1\n");
+        panel.setClipPath(m_card.path(QStringLiteral("REC_a.avi")));
         m_library.path.clear();
         panel.loadSensorData(500);
         QVERIFY(panel.state().latitude != 0.0);

@@ -365,30 +365,26 @@ private Q_SLOTS:
         QVERIFY(qAbs(clockField(window)->dateTime().secsTo(QDateTime::currentDateTime())) < 60);
     }
 
-    void closingKeepsTheCard_data() {
-        QTest::addColumn<QString>("way");
-        for (const char* way : {"OnSlotsCancel", "OnSlotsExit", "Escape"})
-            QTest::newRow(way) << QString::fromLatin1(way);
-    }
     void closingKeepsTheCard() {
-        QFETCH(QString, way);
         const MadeCard card;
         makeCamera(card);
         m_fixture->insert(card);
-        ConfigWindow window;
-        QVERIFY(waitForCard(window));
-        QSignalSpy rejected(&window, &QDialog::rejected);
-        window.show();
-        click(window, {170, 65});
-        if (way == u"Escape")
-            QTest::keyClick(&window, Qt::Key_Escape);
-        else
-            QMetaObject::invokeMethod(&window, way.toLatin1().constData());
-        QCOMPARE(rejected.size(), 1);
-        QVERIFY(!window.isVisible());
-        QVERIFY(!QFileInfo::exists(card.path(QStringLiteral("setting"))));
-        QString unit;
-        QVERIFY(!readSpeedUnit(unit));
+        for (const char* way : {"OnSlotsCancel", "OnSlotsExit", "Escape"}) {
+            ConfigWindow window;
+            QVERIFY(waitForCard(window));
+            QSignalSpy rejected(&window, &QDialog::rejected);
+            window.show();
+            click(window, {170, 65});
+            if (qstrcmp(way, "Escape") == 0)
+                QTest::keyClick(&window, Qt::Key_Escape);
+            else
+                QMetaObject::invokeMethod(&window, way);
+            QCOMPARE(rejected.size(), 1);
+            QVERIFY(!window.isVisible());
+            QVERIFY(!QFileInfo::exists(card.path(QStringLiteral("setting"))));
+            QString unit;
+            QVERIFY(!readSpeedUnit(unit));
+        }
     }
 
     void languages_data() {

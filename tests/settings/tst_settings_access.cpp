@@ -59,33 +59,13 @@ private Q_SLOTS:
             if (nameOf(window.focusWidget()) == u"Resolution")
                 break;
         }
-        const QStringList expected = {"Resolution",
-                                      "영상 조절",
-                                      "영상화질",
-                                      "Video Frame Rate",
-                                      "영상 덮어쓰기",
-                                      "음성녹음",
-                                      "음성안내 음량",
-                                      "Time Setting",
-                                      "Shock Sensitivity",
-                                      "상세설정",
-                                      "Parking Watch",
-                                      "Motion Sensitivity",
-                                      "타이머방전전압차단",
-                                      "12V 방전 전압 차단",
-                                      "24V 방전 전압 차단",
-                                      "Speed Unit",
-                                      "메모리파티션타입",
-                                      "LED 설정",
-                                      "Language",
-                                      "Speed Unit",
-                                      "Cancel",
-                                      "OK",
-                                      "드라이브",
-                                      "펌웨어",
-                                      "마이콤",
-                                      "Close"};
-        QCOMPARE(names, expected);
+        const QString expected = QStringLiteral(
+            "Resolution|영상 조절|영상화질|Video Frame Rate|영상 덮어쓰기|음성녹음|음성안내 음량|"
+            "Time Setting|Shock Sensitivity|상세설정|Parking Watch|"
+            "Motion Sensitivity|타이머방전전압차단|12V 방전 전압 차단|24V 방전 전압 차단|"
+            "Speed Unit|메모리파티션타입|LED 설정|Language|Speed Unit|Cancel|OK|"
+            "드라이브|펌웨어|마이콤|Close");
+        QCOMPARE(names.join(u'|'), expected);
     }
 
     void keys_data() {

@@ -42,13 +42,6 @@ public:
     void drawPixmap(const QRectF& target, const QPixmap& pixmap, const QRectF& source) override {
         m_painter.drawPixmap(target, pixmap, source);
     }
-    void drawTiledPixmap(const QRectF& target, const QPixmap& pixmap, const QPointF& offset) override {
-        m_painter.drawTiledPixmap(target, pixmap, offset);
-    }
-    void drawImage(const QRectF& target, const QImage& image, const QRectF& source,
-                   Qt::ImageConversionFlags flags) override {
-        m_painter.drawImage(target, image, source, flags);
-    }
     void drawTextItem(const QPointF& at, const QTextItem& item) override;
 
     const QImage& image() const { return m_image; }
@@ -124,7 +117,8 @@ double ContrastProbe::Engine::worstContrast(const QRect& place, QRgb color) cons
     return worst;
 }
 
-ContrastProbe::ContrastProbe(const QImage& ground) : m_engine(std::make_unique<Engine>(ground)) {}
+ContrastProbe::ContrastProbe(const QImage& ground)
+    : QImage(ground), m_engine(std::make_unique<Engine>(ground)) {}
 ContrastProbe::~ContrastProbe() = default;
 
 QPaintEngine* ContrastProbe::paintEngine() const {
@@ -137,36 +131,6 @@ const QImage& ContrastProbe::image() const {
 
 const QList<TextOnGround>& ContrastProbe::texts() const {
     return m_engine->texts();
-}
-
-int ContrastProbe::metric(PaintDeviceMetric metric) const {
-    constexpr int kDotsPerInch = 96;
-    constexpr double kMillimetresPerDot = 25.4 / kDotsPerInch;
-    switch (metric) {
-        case PdmWidth:
-            return image().width();
-        case PdmHeight:
-            return image().height();
-        case PdmWidthMM:
-            return qRound(image().width() * kMillimetresPerDot);
-        case PdmHeightMM:
-            return qRound(image().height() * kMillimetresPerDot);
-        case PdmNumColors:
-            return 1 << 24;
-        case PdmDevicePixelRatio:
-            return 1;
-        case PdmDevicePixelRatioScaled:
-            return static_cast<int>(devicePixelRatioFScale());
-        case PdmDepth:
-            return 32;
-        case PdmDpiX:
-        case PdmDpiY:
-        case PdmPhysicalDpiX:
-        case PdmPhysicalDpiY:
-            return kDotsPerInch;
-        default:
-            return QPaintDevice::metric(metric);
-    }
 }
 
 } // namespace ql240::test

@@ -6,7 +6,6 @@
 #include <QColor>
 #include <QImage>
 #include <QList>
-#include <QPaintDevice>
 #include <QString>
 #include <memory>
 
@@ -22,17 +21,14 @@ struct TextOnGround {
     double contrast; // with the pixel of the ground that comes closest to the text's colour
 };
 
-class ContrastProbe : public QPaintDevice {
+class ContrastProbe : public QImage {
 public:
     explicit ContrastProbe(const QImage& ground);
     ~ContrastProbe() override;
 
     QPaintEngine* paintEngine() const override;
-    const QImage& image() const;
+    const QImage& image() const; // what was drawn
     const QList<TextOnGround>& texts() const;
-
-protected:
-    int metric(PaintDeviceMetric metric) const override;
 
 private:
     class Engine;

@@ -50,188 +50,155 @@ class TestContrast : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void initTestCase() { applyStyle(); }
-    void probeMeasuresTheGround();
-    void dashboardTexts_data();
-    void dashboardTexts();
-    void mainWindowTexts();
-    void settingsTexts_data();
-    void settingsTexts();
-    void marks_data();
-    void marks();
-    void glyphs_data();
-    void glyphs();
-    void keysToWriteOn_data();
-    void keysToWriteOn();
-};
-
-// The probe itself: black on white is 21 : 1, and a dark corner under the letters counts.
-void TestContrast::probeMeasuresTheGround() {
-    QImage ground(60, 20, QImage::Format_RGB32);
-    ground.fill(Qt::white);
-    for (const bool dark : {false, true}) {
-        if (dark) {
-            ground.setPixel(12, 12, qRgb(20, 20, 20));
+    // The probe itself: black on white is 21 : 1, and a dark corner under the letters counts.
+    void probeMeasuresTheGround() {
+        QImage ground(60, 20, QImage::Format_RGB32);
+        ground.fill(Qt::white);
+        for (const bool dark : {false, true}) {
+            if (dark) {
+                ground.setPixel(12, 12, qRgb(20, 20, 20));
+            }
+            ContrastProbe probe(ground);
+            QPainter painter(&probe);
+            painter.setPen(Qt::black);
+            painter.drawText(QPointF(5, 15), QStringLiteral("MMM"));
+            painter.end();
+            QCOMPARE(probe.texts().size(), 1);
+            QCOMPARE(probe.texts()[0].text, QStringLiteral("MMM"));
+            QVERIFY(dark ? probe.texts()[0].contrast < 1.3 : probe.texts()[0].contrast == 21.0);
+            QVERIFY(probe.image() != ground.convertToFormat(probe.image().format()));
         }
-        ContrastProbe probe(ground);
-        QPainter painter(&probe);
-        painter.setPen(Qt::black);
-        painter.drawText(QPointF(5, 15), QStringLiteral("MMM"));
-        painter.end();
-        QCOMPARE(probe.texts().size(), 1);
-        QCOMPARE(probe.texts()[0].text, QStringLiteral("MMM"));
-        QVERIFY(dark ? probe.texts()[0].contrast < 1.3 : probe.texts()[0].contrast == 21.0);
-        QVERIFY(probe.image() != ground.convertToFormat(probe.image().format()));
     }
-}
 
-void TestContrast::dashboardTexts_data() {
-    QTest::addColumn<bool>("active");
-    QTest::newRow("dashboard at rest") << false;
-    QTest::newRow("dashboard running") << true;
-}
-
-void TestContrast::dashboardTexts() {
-    QFETCH(bool, active);
-    WidgetProgressA panel;
-    panel.resize(642, 250);
-    panel.setActive(active);
-    panel.setSpeed(127);
-    panel.setRange(0, 600000);
-    panel.setValue(61500);
-    qsizetype count = 0;
-    QCOMPARE(faintTexts(picture(QStringLiteral("main_viewer_bg")), panel, QPoint(23, 394), count),
-             QStringList());
-    QVERIFY(count >= 6); // time, model, date and three accelerations
-}
-
-// List with its current row, folder and dashboard, while a clip is open.
-void TestContrast::mainWindowTexts() {
-    Viewer viewer;
-    for (const char* name : {"REC_2013_04_05_12_30_00.mp4", "REC_2013_04_05_12_31_00.mp4"}) {
-        viewer.addClip(QStringLiteral("clips/") + QString::fromLatin1(name));
-    }
-    viewer.folderDialogs.choice = viewer.path(QStringLiteral("clips"));
-    viewer.show();
-    viewer.click(layout::ButtonId::OpenFolder);
-    QTRY_VERIFY(viewer.player()->clip());
-    viewer.click(layout::ButtonId::Pause);
-    QImage ground(viewer.window->size(), QImage::Format_RGB32);
-    ground.fill(QColor(9, 9, 9));
-    qsizetype count = 0;
-    QCOMPARE(faintTexts(ground, *viewer.window, {}, count), QStringList());
-    QVERIFY(count >= 9); // two clips, the folder, six of the dashboard
-}
-
-void TestContrast::settingsTexts_data() {
-    QTest::addColumn<QString>("language");
-    for (const char* language : {"kr", "en", "ru"}) {
-        QTest::newRow(language) << QString::fromLatin1(language);
-    }
-}
-
-void TestContrast::settingsTexts() {
-    QFETCH(QString, language);
-    SettingsFixture fixture;
-    MadeCard card;
-    makeCamera(card);
-    fixture.insert(card);
-    setCurrentLanguage(language);
-    ConfigWindow dialog;
-    QVERIFY(waitForCard(dialog));
-    WindowBtn0 picture0(nullptr);
-    WindowBtn1 overwrite(nullptr);
-    WindowBtn2 shock(nullptr);
-    WindowBtn3 timer(nullptr);
-    WindowBtn4 volts12(nullptr);
-    WindowBtn5 volts24(nullptr);
-    WindowBtn6 led(nullptr);
-    WindowBtn7 warning(nullptr);
-    WindowGMT zones(nullptr);
-    const QList<QWidget*> windows{&dialog,  &picture0, &overwrite, &shock,   &timer,
-                                  &volts12, &volts24,  &led,       &warning, &zones};
-    for (QWidget* window : windows) {
-        window->ensurePolished();
-        QImage ground(window->size(), QImage::Format_RGB32);
+    // List with its current row, folder and dashboard, at rest and while a clip is open.
+    void mainWindowTexts() {
+        Viewer viewer;
+        for (const char* name : {"REC_2013_04_05_12_30_00.mp4", "REC_2013_04_05_12_31_00.mp4"}) {
+            viewer.addClip(QStringLiteral("clips/") + QString::fromLatin1(name));
+        }
+        viewer.folderDialogs.choice = viewer.path(QStringLiteral("clips"));
+        viewer.show();
+        QImage ground(viewer.window->size(), QImage::Format_RGB32);
         ground.fill(QColor(9, 9, 9));
         qsizetype count = 0;
-        const QStringList faint = faintTexts(ground, *window, {}, count);
-        QVERIFY2(faint.isEmpty(), qPrintable(faint.join(QLatin1Char('\n'))));
-        QVERIFY(count >= 3); // title, OK, Cancel
+        QCOMPARE(faintTexts(ground, *viewer.window, {}, count), QStringList());
+        viewer.click(layout::ButtonId::OpenFolder);
+        QTRY_VERIFY(viewer.player()->clip());
+        viewer.click(layout::ButtonId::Pause);
+        QCOMPARE(faintTexts(ground, *viewer.window, {}, count), QStringList());
+        QVERIFY(count >= 9); // two clips, the folder, six of the dashboard
     }
-}
 
-void TestContrast::marks_data() {
-    QTest::addColumn<double>("least");
-    QTest::newRow("check") << kText;
-    QTest::newRow("check1") << kText;
-    QTest::newRow("discheck2") << kDisabled;
-    QTest::newRow("dst_check") << kDisabled;
-}
-
-// What a mark says, a dot, a tick or a dash, against what is just around it: in each there is such a pair.
-void TestContrast::marks() {
-    QFETCH(double, least);
-    const QImage mark = picture(QString::fromLatin1(QTest::currentDataTag()));
-    double best = 1;
-    for (int y = 4; y < mark.height() - 4; ++y) {
-        for (int x = 3; x < mark.width() - 3; ++x) {
-            best = qMax(best, contrast(mark.pixel(x, y), mark.pixel(x, 4)));
+    void settingsTexts_data() {
+        QTest::addColumn<QString>("language");
+        for (const char* language : {"kr", "en", "ru"}) {
+            QTest::newRow(language) << QString::fromLatin1(language);
         }
     }
-    QVERIFY2(best >= least, qPrintable(QString::number(best)));
-}
-
-void TestContrast::glyphs_data() {
-    QTest::addColumn<QString>("name");
-    for (const char* stem : {"play_", "pause", "stop_", "pre_file_", "rw_", "fw_", "next_file_", "zoom_in_",
-                             "zoom_out_", "original_screen_", "pan_", "volume", "setting_", "snapshot_",
-                             "print_", "close_", "exit_", "file_open_", "folder_open_"}) {
-        for (int look = 1; look <= 3; ++look) {
-            QTest::addRow("%s%d", stem, look) << QStringLiteral("%1%2").arg(QLatin1String(stem)).arg(look);
+    void settingsTexts() {
+        QFETCH(QString, language);
+        SettingsFixture fixture;
+        MadeCard card;
+        makeCamera(card);
+        fixture.insert(card);
+        setCurrentLanguage(language);
+        ConfigWindow dialog;
+        QVERIFY(waitForCard(dialog));
+        WindowBtn0 picture0(nullptr);
+        WindowBtn1 overwrite(nullptr);
+        WindowBtn2 shock(nullptr);
+        WindowBtn3 timer(nullptr);
+        WindowBtn4 volts12(nullptr);
+        WindowBtn5 volts24(nullptr);
+        WindowBtn6 led(nullptr);
+        WindowBtn7 warning(nullptr);
+        WindowGMT zones(nullptr);
+        const QList<QWidget*> windows{&dialog,  &picture0, &overwrite, &shock,   &timer,
+                                      &volts12, &volts24,  &led,       &warning, &zones};
+        for (QWidget* window : windows) {
+            window->ensurePolished();
+            QImage ground(window->size(), QImage::Format_RGB32);
+            ground.fill(QColor(9, 9, 9));
+            qsizetype count = 0;
+            const QStringList faint = faintTexts(ground, *window, {}, count);
+            QVERIFY2(faint.isEmpty(), qPrintable(faint.join(QLatin1Char('\n'))));
+            QVERIFY(count >= 3); // title, OK, Cancel
         }
     }
-}
 
-// The solid pixels of a glyph against the plate, which shows beside it in the picture's corner.
-void TestContrast::glyphs() {
-    QFETCH(QString, name);
-    QImage image = picture(name).convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    QPainter painter(&image);
-    painter.setCompositionMode(QPainter::CompositionMode_DestinationOver);
-    painter.fillRect(image.rect(), QColor(17, 17, 16));
-    painter.end();
-    const int inset = image.height() > 30 ? 5 : 2;
-    const QRgb plate = image.pixel(inset, image.height() / 2);
-    int solid = 0;
-    for (int y = inset; y < image.height() - inset; ++y) {
-        for (int x = inset; x < image.width() - inset; ++x) {
-            solid += contrast(image.pixel(x, y), plate) >= kText ? 1 : 0;
+    void marks_data() {
+        QTest::addColumn<double>("least");
+        QTest::newRow("check") << kText;
+        QTest::newRow("check1") << kText;
+        QTest::newRow("discheck2") << kDisabled;
+        QTest::newRow("dst_check") << kDisabled;
+    }
+    // What a mark says, a dot, a tick or a dash, against what is just around it: in each there is such a
+    // pair.
+    void marks() {
+        QFETCH(double, least);
+        const QImage mark = picture(QString::fromLatin1(QTest::currentDataTag()));
+        double best = 1;
+        for (int y = 4; y < mark.height() - 4; ++y) {
+            for (int x = 3; x < mark.width() - 3; ++x) {
+                best = qMax(best, contrast(mark.pixel(x, y), mark.pixel(x, 4)));
+            }
+        }
+        QVERIFY2(best >= least, qPrintable(QString::number(best)));
+    }
+
+    void glyphs_data() {
+        QTest::addColumn<QString>("name");
+        for (const char* stem : {"play_", "pause", "stop_", "pre_file_", "rw_", "fw_", "next_file_",
+                                 "zoom_in_", "zoom_out_", "original_screen_", "pan_", "volume", "setting_",
+                                 "snapshot_", "print_", "close_", "exit_", "file_open_", "folder_open_"}) {
+            for (int look = 1; look <= 3; ++look) {
+                QTest::addRow("%s%d", stem, look)
+                    << QStringLiteral("%1%2").arg(QLatin1String(stem)).arg(look);
+            }
         }
     }
-    QVERIFY2(solid >= 12, qPrintable(QString::number(solid)));
-}
+    // The solid pixels of a glyph against the plate, which shows beside it in the picture's corner.
+    void glyphs() {
+        QFETCH(QString, name);
+        QImage image = picture(name).convertToFormat(QImage::Format_ARGB32_Premultiplied);
+        QPainter painter(&image);
+        painter.setCompositionMode(QPainter::CompositionMode_DestinationOver);
+        painter.fillRect(image.rect(), QColor(17, 17, 16));
+        painter.end();
+        const int inset = image.height() > 30 ? 5 : 2;
+        const QRgb plate = image.pixel(inset, image.height() / 2);
+        int solid = 0;
+        for (int y = inset; y < image.height() - inset; ++y) {
+            for (int x = inset; x < image.width() - inset; ++x) {
+                solid += contrast(image.pixel(x, y), plate) >= kText ? 1 : 0;
+            }
+        }
+        QVERIFY2(solid >= 12, qPrintable(QString::number(solid)));
+    }
 
-void TestContrast::keysToWriteOn_data() {
-    QTest::addColumn<QString>("name");
-    for (const char* stem : {"OK", "cancel", "apply", "gmt_", "get_time_", "battery_time_", "video_edit_",
-                             "shock_", "time_select"}) {
-        for (int look = 1; look <= 3; ++look) {
-            QTest::addRow("%s%d", stem, look) << QStringLiteral("%1%2").arg(QLatin1String(stem)).arg(look);
+    void keysToWriteOn_data() {
+        QTest::addColumn<QString>("name");
+        for (const char* stem : {"OK", "cancel", "apply", "gmt_", "get_time_", "battery_time_", "video_edit_",
+                                 "shock_", "time_select"}) {
+            for (int look = 1; look <= 3; ++look) {
+                QTest::addRow("%s%d", stem, look)
+                    << QStringLiteral("%1%2").arg(QLatin1String(stem)).arg(look);
+            }
+        }
+        QTest::newRow("dis_saver") << "dis_saver";
+    }
+    // The program writes (200, 200, 200) anywhere inside the outline.
+    void keysToWriteOn() {
+        QFETCH(QString, name);
+        const QImage image = picture(name);
+        for (int y = 6; y < image.height() - 6; ++y) {
+            for (int x = 6; x < image.width() - 6; ++x) {
+                QVERIFY(contrast(image.pixel(x, y), qRgb(200, 200, 200)) >= kText);
+            }
         }
     }
-    QTest::newRow("dis_saver") << "dis_saver";
-}
-
-// The program writes (200, 200, 200) anywhere inside the outline.
-void TestContrast::keysToWriteOn() {
-    QFETCH(QString, name);
-    const QImage image = picture(name);
-    for (int y = 6; y < image.height() - 6; ++y) {
-        for (int x = 6; x < image.width() - 6; ++x) {
-            QVERIFY(contrast(image.pixel(x, y), qRgb(200, 200, 200)) >= kText);
-        }
-    }
-}
+};
 
 QTEST_MAIN(TestContrast)
 #include "test_contrast.moc"
