@@ -18,6 +18,7 @@ def commands(programs):
     yield "playback.py", script("playback.py", "ql240-bench-player")
     for name in ("bench_adjust", "bench_library", "bench_panel", "bench_map", "bench_settings", "bench_sensor_clip"):
         yield name, [program(name)]
+    yield "hour.py", [*script("hour.py", "ql240-viewer"), "1080p"]
     yield "start_up.py", script("start_up.py", "ql240-viewer", "ql240-bench-empty-window")
 
 
@@ -65,7 +66,7 @@ def main():
     for name, command in commands(programs):
         print(f"{name} …", file=sys.stderr, flush=True)
         for figure, value, limit, detail in measured(command):
-            mark = "worse" if limit and figure in old and worse(float(value), old[figure], limit) else ""
+            mark = "worse" if met(float(value), limit) and figure in old and worse(float(value), old[figure], limit) else ""
             asked = limit.replace(">=", "≥ ") if ">=" in limit else f"≤ {limit}" if re.search(r"\d", limit) else ""
             lines.append(f"| {figure} | {value} | {asked} | {met(float(value), limit)} | {detail} | {mark} |")
             print("  " + lines[-1], file=sys.stderr, flush=True)

@@ -1,5 +1,7 @@
 #include "app/start_up.h"
 
+#include <malloc.h>
+
 #include <QApplication>
 #include <QIcon>
 #include <QLocale>
@@ -29,6 +31,13 @@ namespace {
 
 constexpr int kNoPlatform = 1;
 constexpr int kHandedOver = 0;
+
+// Every clip brings threads of its own, and the C library gives them memory pools that never shrink again.
+// Two pools do, also for the map engine's processes, which inherit the variable.
+void limitMemoryPools() {
+    mallopt(M_ARENA_MAX, 2);
+    qputenv("MALLOC_ARENA_MAX", "2");
+}
 
 QString viewerTitle() {
     return QStringLiteral("QL240 Viewer");
@@ -87,6 +96,7 @@ int runSettings() {
 } // namespace
 
 int startUp(int argc, char** argv) {
+    limitMemoryPools();
     LinuxHost platform;
     if (!platform.initialise())
         return kNoPlatform;
