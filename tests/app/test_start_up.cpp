@@ -103,18 +103,6 @@ private Q_SLOTS:
         QVERIFY(isRunning(titleOf(first)));
     }
 
-    void crashedInstanceIsNone() {
-        QProcess* crashing = start({});
-        QTRY_VERIFY_WITH_TIMEOUT(isRunning(kViewer), kBoundMs);
-        crashing->kill();
-        QVERIFY(crashing->waitForFinished());
-        QVERIFY(QFile::exists(m_home->filePath(QStringLiteral("ql240-viewer.sock"))));
-        QVERIFY(!isRunning(kViewer));
-        QProcess* next = start({});
-        QTRY_VERIFY_WITH_TIMEOUT(isRunning(kViewer), kBoundMs);
-        QCOMPARE(next->state(), QProcess::Running);
-    }
-
     // The dialog that a viewer opens has the settings tool's title.
     void settingsStartFocusesTheViewersDialog() {
         InstanceWindows instances({kViewer, kSetting});

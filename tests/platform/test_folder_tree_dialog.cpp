@@ -124,11 +124,10 @@ private Q_SLOTS:
                     tree->viewport()->rect().contains(tree->visualItemRect(tree->currentItem()).center()));
                 // Each place and each folder stands once.
                 QSet<QString> seen;
-                for (QTreeWidgetItemIterator it(tree); *it; ++it) {
+                for (QTreeWidgetItemIterator it(tree); *it; ++it)
                     if ((*it)->parent())
                         QVERIFY(
                             !std::exchange(seen, seen + QSet{(*it)->toolTip(0)}).contains((*it)->toolTip(0)));
-                }
             });
         }
     }

@@ -124,7 +124,6 @@ private Q_SLOTS:
         m_window->show();
         QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
         m_map->grab();
-        QTest::qWait(100);
         QVERIFY(m_map->moveTo(1, 2));
         m_map->setTrack({sampleAt(1, 2)});
         m_map->loadMapPage();

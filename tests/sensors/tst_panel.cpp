@@ -17,12 +17,10 @@ QPixmap plain(QSize size, QColor colour) {
 // Segment i is (10, i, 0), digit i (20, i, 0). The other pictures' places are seen on the kept pictures.
 PanelImages standIns() {
     PanelImages images;
-    for (int i = 0; i < panel::kSegmentCount; ++i) {
+    for (int i = 0; i < panel::kSegmentCount; ++i)
         images.segments[i] = plain({3, 3}, QColor(10, i, 0));
-    }
-    for (int i = 0; i < panel::kDigitCount; ++i) {
+    for (int i = 0; i < panel::kDigitCount; ++i)
         images.digits[i] = plain({20, 23}, QColor(20, i, 0));
-    }
     return images;
 }
 
@@ -39,11 +37,9 @@ QImage paint(const PanelState& state) {
 QRect extent(const QImage& picture, QColor colour) {
     QRect found;
     for (int y = 0; y < picture.height(); ++y) {
-        for (int x = 0; x < picture.width(); ++x) {
-            if (picture.pixel(x, y) == colour.rgb()) {
+        for (int x = 0; x < picture.width(); ++x)
+            if (picture.pixel(x, y) == colour.rgb())
                 found |= QRect(x, y, 1, 1);
-            }
-        }
     }
     return found;
 }
@@ -92,9 +88,8 @@ private Q_SLOTS:
         state.kilometres = kilometres;
         const QImage picture = paint(state);
         QCOMPARE(digitsShown(picture), digits);
-        for (int i = 0; i < panel::kSegmentCount; ++i) {
+        for (int i = 0; i < panel::kSegmentCount; ++i)
             QCOMPARE(extent(picture, QColor(10, i, 0)).isEmpty(), i >= segments);
-        }
     }
 
     void cursor_data() {

@@ -10,9 +10,8 @@ namespace {
 
 QByteArray trailerLines(int count) {
     QByteArray text;
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < count; ++i)
         text += "2013-04-05$123000,37.5,127.25," + QByteArray::number(i % 200) + ",1,-2,3\r\n";
-    }
     return text;
 }
 
@@ -60,16 +59,13 @@ private Q_SLOTS:
         SensorTrack track;
         QVERIFY(appendTrailer(track, path, durationMs));
         QCOMPARE(int(track.size()), samples);
-        for (int i = 0; i < samples; ++i) {
+        for (int i = 0; i < samples; ++i)
             QCOMPARE(track[i].timeMs, qint32(quint32(i) * quint32(stepMs)));
-        }
         const int padding = samples - lines;
-        for (int i = 0; i < lines; ++i) {
+        for (int i = 0; i < lines; ++i)
             QCOMPARE(track[padding + i].speed, i % 200);
-        }
-        for (int i = 0; i < padding; ++i) {
+        for (int i = 0; i < padding; ++i)
             QCOMPARE(track[i].speed, 0);
-        }
     }
 
     void trailerFields_data() {
@@ -173,9 +169,8 @@ private Q_SLOTS:
         QCOMPARE(int(track.size()), samples);
         QCOMPARE(int(fake.askedTimes.size()), rounds);
         QCOMPARE(fake.accelerationCalls, rounds);
-        if (samples > 0) {
+        if (samples > 0)
             QCOMPARE(track.back().timeMs, (samples - 1) * 100);
-        }
     }
 
     void libraryHemispheres_data() {
@@ -222,9 +217,8 @@ private Q_SLOTS:
         QFETCH(int, samples);
         QFETCH(int, stepMs);
         SensorTrack track(samples);
-        for (int i = 0; i < samples; ++i) {
+        for (int i = 0; i < samples; ++i)
             track[i].timeMs = i * stepMs;
-        }
         QFETCH(int, timeMs);
         QFETCH(int, expectedMs);
         QCOMPARE(sampleForTime(track, timeMs).timeMs, expectedMs);

@@ -19,13 +19,12 @@ namespace {
 bool send(WidgetProgressA& panel, QEvent::Type type, QPoint place, Qt::MouseButton button = Qt::LeftButton) {
     QMouseEvent event(type, QPointF(place), QPointF(place), button, button, Qt::NoModifier);
     event.setAccepted(true);
-    if (type == QEvent::MouseButtonPress) {
+    if (type == QEvent::MouseButtonPress)
         panel.mousePressEvent(&event);
-    } else if (type == QEvent::MouseMove) {
+    else if (type == QEvent::MouseMove)
         panel.mouseMoveEvent(&event);
-    } else {
+    else
         panel.mouseReleaseEvent(&event);
-    }
     return event.isAccepted();
 }
 
@@ -36,11 +35,9 @@ constexpr auto kRelease = QEvent::MouseButtonRelease;
 // How many pixels of this colour the strip has.
 int coloured(const QImage& strip, QColor colour) {
     int count = 0;
-    for (int x = 0; x < strip.width(); ++x) {
-        for (int y = 0; y <= panel::kStripBottom; ++y) {
+    for (int x = 0; x < strip.width(); ++x)
+        for (int y = 0; y <= panel::kStripBottom; ++y)
             count += strip.pixelColor(x, y) == colour;
-        }
-    }
     return count;
 }
 
@@ -146,9 +143,8 @@ private Q_SLOTS:
         QElapsedTimer timer;
         timer.start();
         WidgetProgressA panel;
-        for (int i = 0; i < 100; ++i) {
+        for (int i = 0; i < 100; ++i)
             panel.setClipPath(QStringLiteral("a.mp4"));
-        }
         QVERIFY(timer.elapsed() < 5000); // a hundred waits of the constructor's would be more
         QCOMPARE(panel.state().modelText, QStringLiteral("unknown"));
         answers.release();
@@ -262,9 +258,8 @@ private Q_SLOTS:
         QCOMPARE(send(panel, kMove, QPoint(50, 20)), pressTaken);
         QCOMPARE(send(panel, kRelease, released), target >= 0);
         QCOMPARE(spy.count(), target >= 0 ? 1 : 0);
-        if (target >= 0) {
+        if (target >= 0)
             QCOMPARE(spy.at(0).at(0).toInt(), target);
-        }
         // The drag goes on only when the button was let go below the strip.
         QCOMPARE(send(panel, kMove, QPoint(50, 20)), pressTaken && released.y() > 40);
     }

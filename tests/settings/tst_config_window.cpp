@@ -82,27 +82,6 @@ private Q_SLOTS:
         }
     }
 
-    // Of a row's marks exactly the chosen one is painted.
-    void marks() {
-        const MadeCard card;
-        makeCamera(card);
-        putByte(card, QStringLiteral("resolutionvalue"), 2);
-        m_fixture->insert(card);
-        ConfigWindow window;
-        QVERIFY(waitForCard(window));
-        const QImage two = window.grab().toImage();
-        click(window, {170, 65});
-        const QImage one = window.grab().toImage();
-        const QRect first(219, 67, 14, 14);
-        const QRect second(315, 67, 14, 14);
-        const QRect third(411, 67, 14, 14);
-        QVERIFY(two.copy(first) == one.copy(second));
-        QVERIFY(two.copy(second) == one.copy(first));
-        QVERIFY(one.copy(first) != one.copy(second));
-        QVERIFY(one.copy(third) == one.copy(second));
-        QVERIFY(one.copy(third) == two.copy(third));
-    }
-
     void withoutDrives() {
         ConfigWindow window;
         QCOMPARE(window.windowTitle(), QStringLiteral("QL240 Setting"));
@@ -192,10 +171,8 @@ private Q_SLOTS:
     void loadedValues() {
         QFETCH(QByteArray, onCard);
         QFETCH(QByteArray, shown);
-        const MadeCard card;
-        makeCamera(card);
+        const MadeCard& card = m_fixture->camera();
         card.put(QStringLiteral("setting/setting.dat"), onCard);
-        m_fixture->insert(card);
         const ConfigWindow window;
         QVERIFY(waitForCard(window));
         const QByteArrayList words = shown.split(' ');
@@ -218,9 +195,7 @@ private Q_SLOTS:
     }
     void batterySystem() {
         QFETCH(QByteArray, version);
-        const MadeCard card;
-        makeCamera(card, version);
-        m_fixture->insert(card);
+        m_fixture->camera(version);
         const ConfigWindow window;
         QVERIFY(waitForCard(window));
         QTEST(buttonAt(window, {350, 490})->isEnabled(), "button12");
@@ -228,10 +203,8 @@ private Q_SLOTS:
     }
 
     void shockPreset() {
-        const MadeCard card;
-        makeCamera(card);
+        const MadeCard& card = m_fixture->camera();
         putByte(card, QStringLiteral("sensitivityvalue1"), 7);
-        m_fixture->insert(card);
         ConfigWindow window;
         QVERIFY(waitForCard(window));
         QCOMPARE(window.values().sensitivityvalue, 0);
@@ -256,10 +229,8 @@ private Q_SLOTS:
     void partitionAsks() {
         QFETCH(QPoint, point);
         QFETCH(bool, confirmed);
-        const MadeCard card;
-        makeCamera(card);
+        const MadeCard& card = m_fixture->camera();
         putByte(card, QStringLiteral("partitionvalue"), 2);
-        m_fixture->insert(card);
         ConfigWindow window;
         QVERIFY(waitForCard(window));
         const ModalAnswer answer([&](QWidget* modal) {
@@ -288,11 +259,9 @@ private Q_SLOTS:
 
     // Every value that the dialog edits, changed by clicks, written, and read by another dialog.
     void savesAndReadsBack() {
-        const MadeCard card;
-        makeCamera(card);
+        const MadeCard& card = m_fixture->camera();
         card.put(QStringLiteral("setting/setting.dat"),
                  "hourvalue:9\nautoparkingvalue:0\nencodingvalue:1\nreversalvalue:1\n");
-        m_fixture->insert(card);
         RowValues saved;
         {
             ConfigWindow window;
@@ -346,10 +315,8 @@ private Q_SLOTS:
     }
 
     void clockIsWrittenWhenTicked() {
-        const MadeCard card;
-        makeCamera(card);
+        const MadeCard& card = m_fixture->camera();
         card.put(QStringLiteral("setting/settime.dat"), "2012-07-31-18-05-09");
-        m_fixture->insert(card);
         ConfigWindow window;
         QVERIFY(waitForCard(window));
         const QDateTime time(QDate(2031, 2, 3), QTime(4, 5, 6));
@@ -366,9 +333,7 @@ private Q_SLOTS:
     }
 
     void closingKeepsTheCard() {
-        const MadeCard card;
-        makeCamera(card);
-        m_fixture->insert(card);
+        const MadeCard& card = m_fixture->camera();
         for (const char* way : {"OnSlotsCancel", "OnSlotsExit", "Escape"}) {
             ConfigWindow window;
             QVERIFY(waitForCard(window));

@@ -188,10 +188,8 @@ private Q_SLOTS:
     }
 
     void timerIsNeverZero() {
-        const MadeCard card;
-        makeCamera(card);
+        const MadeCard& card = m_fixture->camera();
         putByte(card, QStringLiteral("timeoffvalue"), 0);
-        m_fixture->insert(card);
         ConfigWindow window;
         QVERIFY(waitForCard(window));
         QCOMPARE(window.values().timeoffvalue, 0);

@@ -70,10 +70,8 @@ private Q_SLOTS:
     }
 
     void anotherCardIsFound() {
-        const MadeCard camera;
-        makeCamera(camera);
+        const MadeCard& camera = m_fixture->camera();
         putByte(camera, QStringLiteral("framevalue"), 1);
-        m_fixture->insert(camera);
         m_reader->fallSilent();
         const ConfigWindow window;
         QVERIFY(waitForCard(window));
@@ -82,10 +80,8 @@ private Q_SLOTS:
     }
 
     void choosingTheSilentDrive() {
-        const MadeCard camera;
-        makeCamera(camera);
+        const MadeCard& camera = m_fixture->camera();
         putByte(camera, QStringLiteral("framevalue"), 1);
-        m_fixture->insert(camera);
         ConfigWindow window;
         QVERIFY(waitForCard(window));
         m_reader->fallSilent();

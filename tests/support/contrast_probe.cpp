@@ -68,37 +68,33 @@ void ContrastProbe::Engine::updateState(const QPaintEngineState& painterState) {
     m_painter.setRenderHints(painterState.renderHints());
     m_painter.setCompositionMode(painterState.compositionMode());
     m_painter.setOpacity(painterState.opacity());
-    if (painterState.state() & (DirtyClipRegion | DirtyClipPath | DirtyClipEnabled)) {
+    if (painterState.state() & (DirtyClipRegion | DirtyClipPath | DirtyClipEnabled))
         applyClip(painterState);
-    }
 }
 
 // The painter's clip is in its own coordinates, the widget's (system) clip in those of the device.
 void ContrastProbe::Engine::applyClip(const QPaintEngineState& painterState) {
     const bool isOff = !painterState.isClipEnabled() || painterState.clipOperation() == Qt::NoClip;
-    if (isOff) {
+    if (isOff)
         m_painter.setClipping(false);
-    } else if (painterState.state() & DirtyClipPath) {
+    else if (painterState.state() & DirtyClipPath)
         m_painter.setClipPath(painterState.clipPath(), painterState.clipOperation());
-    } else if (painterState.state() & DirtyClipRegion) {
+    else if (painterState.state() & DirtyClipRegion)
         m_painter.setClipRegion(painterState.clipRegion(), painterState.clipOperation());
-    }
 }
 
 void ContrastProbe::Engine::drawPolygon(const QPointF* points, int count, PolygonDrawMode mode) {
-    if (mode == PolylineMode) {
+    if (mode == PolylineMode)
         m_painter.drawPolyline(points, count);
-    } else {
+    else
         m_painter.drawPolygon(points, count, mode == WindingMode ? Qt::WindingFill : Qt::OddEvenFill);
-    }
 }
 
 void ContrastProbe::Engine::drawTextItem(const QPointF& at, const QTextItem& item) {
     const QRectF letters = QFontMetricsF(item.font()).tightBoundingRect(item.text()).translated(at);
     QRectF place = m_painter.transform().mapRect(letters);
-    if (m_painter.hasClipping()) {
+    if (m_painter.hasClipping())
         place &= m_painter.transform().mapRect(m_painter.clipBoundingRect());
-    }
     const QRect pixels = place.toAlignedRect() & m_image.rect();
     if (!pixels.isEmpty() && !item.text().trimmed().isEmpty()) {
         const QColor color = m_painter.pen().color();
@@ -109,11 +105,9 @@ void ContrastProbe::Engine::drawTextItem(const QPointF& at, const QTextItem& ite
 
 double ContrastProbe::Engine::worstContrast(const QRect& place, QRgb color) const {
     double worst = 21;
-    for (int y = place.top(); y <= place.bottom(); ++y) {
-        for (int x = place.left(); x <= place.right(); ++x) {
+    for (int y = place.top(); y <= place.bottom(); ++y)
+        for (int x = place.left(); x <= place.right(); ++x)
             worst = std::min(worst, test::contrast(m_image.pixel(x, y), color));
-        }
-    }
     return worst;
 }
 

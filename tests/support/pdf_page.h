@@ -26,10 +26,9 @@ inline QList<QRect> imagePlaces(const QString& path) {
     static const QRegularExpression drawing(QStringLiteral(
         "([\\d.]+) 0 0 ([\\d.]+) ([\\d.-]+) ([\\d.-]+) cm\\s+(\\d+) 0 0 -(\\d+) 0 \\d+ cm /Im"));
     QByteArray descriptions;
-    for (const QByteArray& stream : pdfStreams(path)) {
+    for (const QByteArray& stream : pdfStreams(path))
         if (stream.startsWith('\x78'))
             descriptions += qUncompress(QByteArray::fromHex("00001000") + stream);
-    }
     QList<QRect> places;
     auto found = drawing.globalMatch(QString::fromLatin1(descriptions));
     while (found.hasNext()) {
@@ -42,10 +41,9 @@ inline QList<QRect> imagePlaces(const QString& path) {
 
 inline QList<QImage> printedImages(const QString& path) {
     QList<QImage> images;
-    for (const QByteArray& stream : pdfStreams(path)) {
+    for (const QByteArray& stream : pdfStreams(path))
         if (const QImage image = QImage::fromData(stream, "JPEG"); !image.isNull())
             images << image;
-    }
     return images;
 }
 

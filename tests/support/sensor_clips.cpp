@@ -26,9 +26,8 @@ QByteArray timeTable(const Track& track) {
 
 QByteArray sizeTable(const Track& track) {
     QByteArray sizes;
-    for (const QByteArray& sample : track.samples) {
+    for (const QByteArray& sample : track.samples)
         sizes += bigEndian(sample.size(), track.sizeBits / 8);
-    }
     const QByteArray count = bigEndian(track.samples.size(), 4);
     return track.sizeBits == 32 ? fullBox("stsz", bigEndian(0, 4) + count + sizes)
                                 : fullBox("stz2", bigEndian(track.sizeBits, 4) + count + sizes);
@@ -48,9 +47,8 @@ Chunks chunksOf(const Track& track, qint64 offset) {
     for (qsizetype i = 0; i < track.samples.size(); i += track.samplesPerChunk) {
         const QList<QByteArray> samples = track.samples.mid(i, track.samplesPerChunk);
         offsets.append(bigEndian(offset + made.bytes.size(), track.wideOffsets ? 8 : 4));
-        if (runs.isEmpty() || samples.size() != track.samplesPerChunk) {
+        if (runs.isEmpty() || samples.size() != track.samplesPerChunk)
             runs.append(bigEndian(offsets.size(), 4) + bigEndian(samples.size(), 4) + bigEndian(1, 4));
-        }
         made.bytes += samples.join() + '\x55';
     }
     made.offsets = table(track.wideOffsets ? "co64" : "stco", offsets);
@@ -60,12 +58,10 @@ Chunks chunksOf(const Track& track, qint64 offset) {
 
 QByteArray editBox(const Track& track) {
     QList<QByteArray> edits;
-    if (track.emptyEdit > 0) {
+    if (track.emptyEdit > 0)
         edits.append(bigEndian(track.emptyEdit, 4) + bigEndian(0xFFFFFFFF, 4) + bigEndian(0x10000, 4));
-    }
-    if (track.mediaStart >= 0) {
+    if (track.mediaStart >= 0)
         edits.append(bigEndian(60000, 4) + bigEndian(track.mediaStart, 4) + bigEndian(0x10000, 4));
-    }
     return edits.isEmpty() ? QByteArray() : box("edts", table("elst", edits));
 }
 
@@ -109,9 +105,8 @@ QByteArray placeClip() {
     Track track;
     track.handler = "meta";
     track.durations = {1000};
-    for (int i = 0; i < 4; ++i) {
+    for (int i = 0; i < 4; ++i)
         track.samples.append(motionPlace(37.5 + i * 0.0001, 127.0) + motionAcceleration(0, float(i), 0));
-    }
     return mp4({track});
 }
 
@@ -177,9 +172,8 @@ QByteArray bigEndian(quint64 value, int bytes) {
 
 QByteArray littleEndian(quint64 value, int bytes) {
     QByteArray made;
-    for (int i = 0; i < bytes; ++i) {
+    for (int i = 0; i < bytes; ++i)
         made += static_cast<char>(value >> (8 * i) & 0xFF);
-    }
     return made;
 }
 
@@ -243,9 +237,8 @@ QByteArray motionTurn() {
 QByteArray gpsBlock(const QList<int>& clock, const QByteArray& letters, float latitude, float longitude,
                     float knots, qsizetype before) {
     QByteArray body = "GPS " + littleEndian(0x4C, 4) + QByteArray(before - 8, '\0');
-    for (const int part : clock) {
+    for (const int part : clock)
         body += littleEndian(quint32(part), 4);
-    }
     body += letters + QByteArray(4 - letters.size(), '\0') + float32(latitude) + float32(longitude) +
             float32(knots);
     return box("free", body + QByteArray(512 - body.size(), '\0'));
@@ -264,9 +257,8 @@ QByteArray gpsIndexClip(const QList<QByteArray>& blocks) {
 
 QByteArray sentence(const QByteArray& words) {
     char sum = 0;
-    for (const char c : words) {
+    for (const char c : words)
         sum = static_cast<char>(sum ^ c);
-    }
     return '$' + words + '*' + QByteArray(1, sum).toHex().toUpper() + "\r\n";
 }
 
@@ -285,9 +277,8 @@ QByteArray accelerationLog(const QList<QList<int>>& records) {
 
 QByteArray gps0Record(double latitude, double longitude, int kmh, const QList<int>& clock) {
     QByteArray record = float64(latitude) + float64(longitude) + littleEndian(30, 4) + littleEndian(kmh, 2);
-    for (const int part : clock) {
+    for (const int part : clock)
         record += static_cast<char>(part);
-    }
     return record + QByteArray(3, '\x01');
 }
 

@@ -16,6 +16,11 @@
 
 namespace ql240 {
 
+// A camera's card with its version file.
+inline void makeCamera(const MadeCard& card, const QByteArray& version = "QL240 1.02 1.00") {
+    card.put(QStringLiteral("update/version.txt"), version);
+}
+
 class SettingsFixture {
 public:
     SettingsFixture() {
@@ -31,14 +36,17 @@ public:
         m_drives.drives.append({card.drive(), label, "vfat"});
     }
 
+    // The card of a camera, in the reader.
+    const MadeCard& camera(const QByteArray& version = "QL240 1.02 1.00") {
+        makeCamera(m_card, version);
+        insert(m_card);
+        return m_card;
+    }
+
 private:
     FakeDrives m_drives;
+    MadeCard m_card;
 };
-
-// A camera's card with its version file.
-inline void makeCamera(const MadeCard& card, const QByteArray& version = "QL240 1.02 1.00") {
-    card.put(QStringLiteral("update/version.txt"), version);
-}
 
 inline void putByte(const MadeCard& card, const QString& key, int value) {
     card.put(QStringLiteral("setting/set%1.dat").arg(key), QByteArray(1, char(value)));

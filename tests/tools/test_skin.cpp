@@ -29,11 +29,9 @@ double lightness(QRgb pixel) {
 // How far two looks of a control differ in lightness, root mean square over its pixels.
 double lightnessDifference(const QImage& a, const QImage& b) {
     double sum = 0;
-    for (int y = 0; y < a.height(); ++y) {
-        for (int x = 0; x < a.width(); ++x) {
+    for (int y = 0; y < a.height(); ++y)
+        for (int x = 0; x < a.width(); ++x)
             sum += std::pow(lightness(a.pixel(x, y)) - lightness(b.pixel(x, y)), 2);
-        }
-    }
     return std::sqrt(sum / (a.width() * a.height()));
 }
 
@@ -107,11 +105,9 @@ private Q_SLOTS:
             const QImage segment = picture(QStringLiteral("s%1").arg(index));
             QRect lit;
             for (int y = 0; y < segment.height(); ++y) {
-                for (int x = 0; x < segment.width(); ++x) {
-                    if (qAlpha(segment.pixel(x, y)) > 128) {
+                for (int x = 0; x < segment.width(); ++x)
+                    if (qAlpha(segment.pixel(x, y)) > 128)
                         lit |= QRect(x, y, 1, 1);
-                    }
-                }
             }
             QVERIFY2(lit.width() >= segment.width() - 5 && lit.height() >= segment.height() - 5,
                      qPrintable(QString::number(index)));
@@ -128,9 +124,8 @@ private Q_SLOTS:
                     const int y = choice.mark.center().y();
                     const auto lightest = [&](int from, int to) {
                         double most = 0;
-                        for (int x = from; x < to; ++x) {
+                        for (int x = from; x < to; ++x)
                             most = std::max(most, lightness(image.pixel(x, y)));
-                        }
                         return most;
                     };
                     const int left = choice.mark.left();
@@ -142,9 +137,8 @@ private Q_SLOTS:
             }
         };
         check(QStringLiteral("setting_bg"), config::kRows);
-        for (const pages::PageLayout& page : pages::kPages) {
+        for (const pages::PageLayout& page : pages::kPages)
             check(QString::fromLatin1(page.background), page.rows);
-        }
     }
 
     void ticksStandOverTheirMarks_data() {
@@ -172,15 +166,12 @@ private Q_SLOTS:
         QFETCH(QList<int>, marks);
         const QImage ground = picture(name);
         QList<int> ticks;
-        for (int x = 21; x < 533; ++x) {
-            if (lightness(ground.pixel(x, y - 12)) > 40) {
+        for (int x = 21; x < 533; ++x)
+            if (lightness(ground.pixel(x, y - 12)) > 40)
                 ticks << x;
-            }
-        }
         QList<int> expected;
-        for (const int x : marks) {
+        for (const int x : marks)
             expected << x - 1 << x;
-        }
         QCOMPARE(ticks, expected);
     }
 };

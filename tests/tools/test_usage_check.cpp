@@ -60,9 +60,8 @@ void TestUsageCheck::report() {
     QVERIFY2(table, qPrintable(error));
     const UsageReport report = checkUsage(*table, namedPictures(source));
     QStringList unused;
-    for (const QString& path : report.unused) {
+    for (const QString& path : report.unused)
         unused << path.section(QLatin1Char('/'), -1).section(QLatin1Char('.'), 0, 0);
-    }
     QTEST(report.missing.join(QLatin1Char(' ')), "missing");
     QTEST(unused.join(QLatin1Char(' ')), "unused");
 }

@@ -26,9 +26,8 @@ QMap<int, Document> documentsOf(const QByteArray& json) {
     const QJsonObject all = QJsonDocument::fromJson(json).array().at(0).toObject();
     for (auto it = all.begin(); it != all.end(); ++it) {
         const QStringList parts = it.key().split(QLatin1Char(':'));
-        if (parts.size() == 2 && parts[0].startsWith(QStringLiteral("Doc"))) {
+        if (parts.size() == 2 && parts[0].startsWith(QStringLiteral("Doc")))
             documents[parts[0].mid(3).toInt()][parts[1]] = it.value();
-        }
     }
     return documents;
 }
@@ -37,27 +36,22 @@ QMap<int, Document> documentsOf(const QByteArray& json) {
 QList<double> triple(const QJsonValue& value, char separator, double factor) {
     const QStringList parts = value.toString().split(QLatin1Char(separator));
     QList<double> numbers;
-    for (const QString& part : parts.mid(parts.size() - 3)) {
+    for (const QString& part : parts.mid(parts.size() - 3))
         numbers.append(part.toDouble() * factor);
-    }
     return numbers;
 }
 
+// Nothing where the document has none.
 QList<double> accelerationOf(const Document& document) {
-    if (document.contains(QStringLiteral("Acceleration"))) {
+    if (document.contains(QStringLiteral("Acceleration")))
         return triple(document[QStringLiteral("Acceleration")], ' ', 128 / 9.80665);
-    }
-    if (document.contains(QStringLiteral("GSensor"))) {
+    if (document.contains(QStringLiteral("GSensor")))
         return triple(document[QStringLiteral("GSensor")], ',', 128.0 / 512);
-    }
+    if (!document.contains(QStringLiteral("Accelerometer")))
+        return {};
     const double perUnit =
         document.contains(QStringLiteral("TimeCode")) ? 10 : 128; // it divides "3gf " by ten
     return triple(document[QStringLiteral("Accelerometer")], ' ', perUnit);
-}
-
-bool hasAcceleration(const Document& document) {
-    return document.contains(QStringLiteral("Acceleration")) ||
-           document.contains(QStringLiteral("GSensor")) || document.contains(QStringLiteral("Accelerometer"));
 }
 
 double speedOf(const Document& document) {
@@ -72,14 +66,11 @@ double speedOf(const Document& document) {
 class DocumentClock {
 public:
     qint64 msOf(const Document& document) {
-        for (const char* name : {"SampleTime", "TimeCode"}) {
-            if (document.contains(QLatin1StringView(name))) {
+        for (const char* name : {"SampleTime", "TimeCode"})
+            if (document.contains(QLatin1StringView(name)))
                 return std::llround(document[QLatin1StringView(name)].toDouble() * 1000);
-            }
-        }
-        if (!document.contains(QStringLiteral("GPSDateTime"))) {
+        if (!document.contains(QStringLiteral("GPSDateTime")))
             return 200 * m_timeless++;
-        }
         const QDateTime clock =
             QDateTime::fromString(document[QStringLiteral("GPSDateTime")].toString().left(19),
                                   QStringLiteral("yyyy:MM:dd hh:mm:ss"));
@@ -115,9 +106,8 @@ private:
                          told * document[QStringLiteral("GPSLatitude")].toDouble()) < 0.501);
         QVERIFY(std::abs((east == 'E' ? longitude : -longitude) -
                          told * document[QStringLiteral("GPSLongitude")].toDouble()) < 0.501);
-        if (speedOf(document) >= 0 && latitude != 0) {
+        if (speedOf(document) >= 0 && latitude != 0)
             QVERIFY(std::abs(speed - speedOf(document)) < 0.501);
-        }
     }
 
     void compareAcceleration(const Document& document, qint64 timeMs) {
@@ -132,9 +122,8 @@ private:
 
 private Q_SLOTS:
     void agrees_data() {
-        if (QStandardPaths::findExecutable(QStringLiteral("exiftool")).isEmpty()) {
+        if (QStandardPaths::findExecutable(QStringLiteral("exiftool")).isEmpty())
             QSKIP("exiftool isn't installed (libimage-exiftool-perl): its reading was not compared");
-        }
         QTest::addColumn<QByteArray>("clip");
         QTest::addColumn<int>("positions");
         QTest::addColumn<int>("accelerations");
@@ -172,13 +161,12 @@ private Q_SLOTS:
                 comparePosition(document, timeMs);
                 ++positions;
             }
-            if (hasAcceleration(document)) {
+            if (!accelerationOf(document).isEmpty()) {
                 compareAcceleration(document, timeMs);
                 ++accelerations;
             }
-            if (QTest::currentTestFailed()) {
+            if (QTest::currentTestFailed())
                 return;
-            }
         }
         QTEST(positions, "positions");
         QTEST(accelerations, "accelerations");

@@ -36,9 +36,8 @@ QByteArray ask(SensorFileLibrary& library, SensorLibrary::Handle handle, qint64 
     const int placed =
         library.getLatLonSpeed(handle, timeMs, &a.latitude, &a.longitude, &north, &east, &a.speed);
     const int measured = library.getAccXYZ(handle, timeMs, &a.x, &a.y, &a.z);
-    if (placed == 0 && measured == 0) {
+    if (placed == 0 && measured == 0)
         return QByteArray::number(timeMs) + ": none";
-    }
     a.latitude *= north == 'S' ? -1 : 1;
     a.longitude *= east == 'W' ? -1 : 1;
     return toText(a);
@@ -52,11 +51,9 @@ SensorLibrary::Handle open(SensorFileLibrary& library, const QByteArray& clip) {
 }
 
 QByteArray clipNamed(const QByteArray& name) {
-    for (const NamedClip& clip : clipsOfAllFormats()) {
-        if (clip.name == name) {
+    for (const NamedClip& clip : clipsOfAllFormats())
+        if (clip.name == name)
             return clip.bytes;
-        }
-    }
     return {};
 }
 
@@ -64,9 +61,8 @@ QByteArray clipNamed(const QByteArray& name) {
 Track countingTrack() {
     Track track;
     track.durations = {100};
-    for (int i = 0; i < 10; ++i) {
+    for (int i = 0; i < 10; ++i)
         track.samples.append(motionFix(3, 1, 1, float(i), 0));
-    }
     return track;
 }
 
@@ -138,9 +134,8 @@ private Q_SLOTS:
         SensorFileLibrary library;
         const SensorLibrary::Handle handle = open(library, clip);
         QVERIFY(handle != 0);
-        for (const Answer& answer : answers) {
+        for (const Answer& answer : answers)
             QCOMPARE(ask(library, handle, answer.timeMs), toText(answer));
-        }
         QVERIFY(ask(library, handle, lastMs) != QByteArray::number(lastMs) + ": none");
         QCOMPARE(ask(library, handle, lastMs + 1), QByteArray::number(lastMs + 1) + ": none");
         QCOMPARE(ask(library, handle, -1), QByteArray("-1: none"));
@@ -285,9 +280,8 @@ private Q_SLOTS:
         }
         SensorFileLibrary library;
         const SensorLibrary::Handle handle = open(library, mp4({track}));
-        for (int i = 0; i < 60; ++i) {
+        for (int i = 0; i < 60; ++i)
             QCOMPARE(speedAt(library, handle, i * 100), i >= 30 && i < 40 ? 0 : 40);
-        }
     }
 
     void handlesAndFiles() {

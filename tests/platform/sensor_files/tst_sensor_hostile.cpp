@@ -30,13 +30,11 @@ public:
 protected:
     qint64 readData(char* to, qint64 wanted) override {
         largestRead = std::max(largestRead, wanted);
-        if (bytesRead >= failsAfter) {
+        if (bytesRead >= failsAfter)
             return -1;
-        }
         const qint64 count = std::min({wanted, size() - pos(), failsAfter - bytesRead});
-        for (qint64 i = 0; i < count; ++i) {
+        for (qint64 i = 0; i < count; ++i)
             to[i] = at(pos() + i);
-        }
         bytesRead += count;
         return count;
     }
@@ -44,9 +42,8 @@ protected:
 
 private:
     char at(qint64 place) const {
-        if (place < m_clip.before.size()) {
+        if (place < m_clip.before.size())
             return m_clip.before[place];
-        }
         place -= m_clip.before.size() + m_clip.picture;
         return place < 0 ? '\0' : m_clip.after[place];
     }
@@ -78,9 +75,8 @@ QByteArray sizes(quint32 size, quint32 count) {
 
 QByteArray nested(const char* type, int depth) {
     QByteArray bytes;
-    for (int i = 0; i < depth; ++i) {
+    for (int i = 0; i < depth; ++i)
         bytes += bigEndian(8 * (depth - i), 4) + type;
-    }
     return bytes;
 }
 
@@ -108,9 +104,8 @@ private:
         std::int8_t north = 0;
         std::int8_t east = 0;
         for (qint64 t = 0; t <= 61000; t += 100) {
-            if (library.getLatLonSpeed(handle, t, &latitude, &longitude, &north, &east, &speed) == 0) {
+            if (library.getLatLonSpeed(handle, t, &latitude, &longitude, &north, &east, &speed) == 0)
                 break;
-            }
             QVERIFY(latitude >= 0 && latitude <= 90000000 && longitude >= 0 && longitude <= 180000000);
             QVERIFY((north == 'N' || north == 'S') && (east == 'E' || east == 'W'));
         }
@@ -125,9 +120,8 @@ private:
 private Q_SLOTS:
     void damaged_data() {
         QTest::addColumn<QByteArray>("clip");
-        for (const NamedClip& clip : clipsOfAllFormats()) {
+        for (const NamedClip& clip : clipsOfAllFormats())
             QTest::newRow(clip.name.constData()) << clip.bytes;
-        }
     }
     void damaged() {
         QFETCH(QByteArray, clip);
@@ -143,9 +137,8 @@ private Q_SLOTS:
                 HollowDevice device(flipped);
                 readAll(device);
             }
-            if (QTest::currentTestFailed()) {
+            if (QTest::currentTestFailed())
                 QFAIL(QByteArray("at byte " + QByteArray::number(i)).constData());
-            }
         }
     }
 
@@ -194,9 +187,8 @@ private Q_SLOTS:
         const QByteArray chunkEach = fullTable("stsc", 1, hexBytes("00000001 00000001 00000001"));
         QByteArray again = clipWithTables(times + chunkEach + sizes(28, 0xFFFFFFFF) + bigEndian(0, 4) +
                                           "stco" + bigEndian(0xFFFFFFFF, 8));
-        for (const char* name : {"moov", "trak", "mdia", "minf", "stbl"}) {
+        for (const char* name : {"moov", "trak", "mdia", "minf", "stbl"})
             again.replace(again.indexOf(name) - 4, 4, bigEndian(0, 4)); // up to the end of the file
-        }
         row("the same chunk again and again", again);
     }
     void lies() {
