@@ -113,6 +113,7 @@ private Q_SLOTS:
     }
 
     void cleanupTestCase() { QDBusConnection::disconnectFromBus(QLatin1String(kSession)); }
+
     void heldAndLetGo() {
         auto hold = m_inhibitor.keepAwake(QStringLiteral("A clip is playing"));
         QTRY_COMPARE(m_screenSaver.held.size(), 1);

@@ -14,6 +14,7 @@ class TestCard : public QObject {
 private Q_SLOTS:
     void init() { host().drives = &m_drives; }
     void cleanup() { host().drives = nullptr; }
+
     // The last drive with a version file is the card; the first with a settings folder adjusts the picture.
     void rules() {
         const MadeCard stick, first, second, empty;

@@ -50,6 +50,7 @@ class TestConfigWindow : public QObject {
 
 private Q_SLOTS:
     void init() { m_fixture.emplace(); }
+
     void hitBoxes_data() {
         QTest::addColumn<int>("index");
         for (int i = 0; i < int(config::kRows.size()); ++i) {
@@ -380,26 +381,18 @@ private Q_SLOTS:
         QCOMPARE(buttonAt(window, {450, 260})->text(), QStringLiteral("Получить время"));
     }
 
-    void viewerSpeedUnit_data() {
-        QTest::addColumn<QString>("stored");
-        QTest::addColumn<int>("unit");
-
-        QTest::newRow("none") << "" << 1;
-        QTest::newRow("mph") << "mph" << 2;
-        QTest::newRow("unknown") << "knots" << 2;
-    }
     void viewerSpeedUnit() {
-        QFETCH(QString, stored);
-        QFETCH(int, unit);
-        if (!stored.isEmpty())
-            writeSpeedUnit(stored);
-        ConfigWindow window;
-        QCOMPARE(window.viewerSpeedUnit(), unit);
-        window.setViewerSpeedUnit(3 - unit);
-        window.Onapply();
-        QString kept;
-        QVERIFY(readSpeedUnit(kept));
-        QCOMPARE(kept, unit == 1 ? QStringLiteral("mph") : QStringLiteral("km"));
+        for (const auto& [stored, unit] : {std::pair("", 1), {"mph", 2}, {"knots", 2}}) {
+            if (*stored)
+                writeSpeedUnit(QLatin1String(stored));
+            ConfigWindow window;
+            QCOMPARE(window.viewerSpeedUnit(), unit);
+            window.setViewerSpeedUnit(3 - unit);
+            window.Onapply();
+            QString kept;
+            QVERIFY(readSpeedUnit(kept));
+            QCOMPARE(kept, unit == 1 ? QStringLiteral("mph") : QStringLiteral("km"));
+        }
     }
 
     // The time-zone button can't be pressed, the screen-saver button can't be seen.

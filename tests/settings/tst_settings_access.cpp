@@ -48,6 +48,7 @@ class TestSettingsAccess : public QObject {
 
 private Q_SLOTS:
     void init() { m_fixture.emplace(); }
+
     void tabOrder() {
         ConfigWindow window;
         showActive(window);

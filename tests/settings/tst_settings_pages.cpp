@@ -48,6 +48,7 @@ class TestSettingsPages : public QObject {
 
 private Q_SLOTS:
     void init() { m_fixture.emplace(); }
+
     void rows_data() {
         QTest::addColumn<int>("number");
         QTest::addColumn<int>("index");

@@ -52,6 +52,7 @@ class TestContrast : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void initTestCase() { applyStyle(); }
+
     // The probe itself: black on white is 21 : 1, and a dark corner under the letters counts.
     void probeMeasuresTheGround() {
         QImage ground(60, 20, QImage::Format_RGB32);

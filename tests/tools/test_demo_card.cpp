@@ -43,6 +43,7 @@ class TestDemoCard : public QObject {
 
 private Q_SLOTS:
     void init() { m_folder = std::make_unique<MadeCard>(); }
+
     void theViewerFindsItsWayOnTheCard() {
         const QString card = path("card");
         Progress progress;
