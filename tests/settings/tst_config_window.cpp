@@ -58,7 +58,7 @@ private Q_SLOTS:
                 QTest::addRow("row %d", i) << i;
         }
     }
-    // A box holds its mark; its four corners choose, the points beside them don't.
+    // A box holds its mark; its four corners choose, the points beside them don't. The chosen one is marked.
     void hitBoxes() {
         QFETCH(int, index);
         const OptionRow& row = config::kRows[index];
@@ -68,6 +68,7 @@ private Q_SLOTS:
             click(window, point);
             return window.values().*row.value;
         };
+        const auto markOf = [&](const Choice& choice) { return window.grab(choice.mark).toImage(); };
         for (const Choice& choice : row.choices) {
             const QRect& hit = choice.hit;
             QVERIFY(hit.contains(choice.mark.center()));
@@ -76,7 +77,10 @@ private Q_SLOTS:
                 QCOMPARE(valueAfter(other.hit.center()), other.value);
                 QCOMPARE(valueAfter(inside), choice.value);
             }
+            QVERIFY(markOf(choice) != markOf(other));
+            const QImage marked = markOf(choice);
             QCOMPARE(valueAfter(other.hit.center()), other.value);
+            QVERIFY(markOf(choice) != marked);
             for (const QPoint outside : {hit.topLeft() - QPoint(1, 0), hit.topLeft() - QPoint(0, 1),
                                          hit.bottomRight() + QPoint(1, 0), hit.bottomRight() + QPoint(0, 1)})
                 QCOMPARE(valueAfter(outside), other.value);
