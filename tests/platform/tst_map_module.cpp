@@ -53,8 +53,7 @@ private:
     // The value of a script in the page; waits for it.
     QVariant value(const QString& script) {
         std::optional<QVariant> result;
-        m_page->runJavaScript(
-            script, [&result](const QVariant& answer) { result = answer; });
+        m_page->runJavaScript(script, [&result](const QVariant& answer) { result = answer; });
         [&result] { QTRY_VERIFY_WITH_TIMEOUT(result.has_value(), 10000); }();
         return result.value_or(QVariant());
     }
