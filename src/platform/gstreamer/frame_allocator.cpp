@@ -3,22 +3,68 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <mutex>
 #include <new>
+#include <utility>
+#include <vector>
 
 namespace {
 
 constexpr auto kMemoryType = "QL240Frame";
 constexpr gsize kAlignment = 64;
+constexpr std::size_t kMostFree = 8;
 
 using Bytes = std::shared_ptr<std::uint8_t>;
+
+// Gives blocks of memory; those that come back wait for the next frame of their size, since a new one would
+// have to be paged in. Any thread.
+class Blocks : public std::enable_shared_from_this<Blocks> {
+public:
+    Bytes take(gsize size) {
+        Block block = waiting(size);
+        if (!block)
+            block.reset(static_cast<std::uint8_t*>(operator new (size, std::align_val_t{kAlignment})));
+        return {block.release(),
+                [size, self = shared_from_this()](std::uint8_t* old) { self->giveBack(Block(old), size); }};
+    }
+
+private:
+    struct Free {
+        void operator()(std::uint8_t* block) const { operator delete (block, std::align_val_t{kAlignment}); }
+    };
+    using Block = std::unique_ptr<std::uint8_t, Free>;
+
+    Block waiting(gsize size) {
+        const std::scoped_lock lock(m_mutex);
+        if (size != m_size || m_free.empty())
+            return nullptr;
+        Block block = std::move(m_free.back());
+        m_free.pop_back();
+        return block;
+    }
+
+    void giveBack(Block block, gsize size) {
+        const std::scoped_lock lock(m_mutex);
+        if (std::exchange(m_size, size) != size)
+            m_free.clear();
+        if (m_free.size() < kMostFree)
+            m_free.push_back(std::move(block));
+    }
+
+    std::mutex m_mutex;
+    std::vector<Block> m_free;
+    gsize m_size = 0; // of each of them
+};
 
 struct FrameMemory {
     GstMemory memory;
     Bytes bytes; // `maxsize` of them, shared with the copies that nobody has written into
+    bool isCopy;
 };
 
 struct FrameAllocator {
     GstAllocator parent;
+    std::shared_ptr<Blocks> blocks;
 };
 
 struct FrameAllocatorClass {
@@ -31,14 +77,13 @@ FrameMemory* frameMemory(GstMemory* memory) {
     return reinterpret_cast<FrameMemory*>(memory);
 }
 
-Bytes newBytes(gsize size) {
-    auto* bytes = static_cast<std::uint8_t*>(operator new (size, std::align_val_t{kAlignment}));
-    return {bytes, [](std::uint8_t* old) { operator delete (old, std::align_val_t{kAlignment}); }};
+Bytes newBytes(GstAllocator* allocator, gsize size) {
+    return reinterpret_cast<FrameAllocator*>(allocator)->blocks->take(size);
 }
 
 GstMemory* allocate(GstAllocator* allocator, gsize size, GstAllocationParams* params) {
     const gsize whole = params->prefix + size + params->padding;
-    auto* frame = new FrameMemory{{}, newBytes(whole)};
+    auto* frame = new FrameMemory{{}, newBytes(allocator, whole), false};
     gst_memory_init(&frame->memory, params->flags, allocator, nullptr, whole, kAlignment - 1, params->prefix,
                     size);
     return &frame->memory;
@@ -48,21 +93,23 @@ void release(GstAllocator*, GstMemory* memory) {
     delete frameMemory(memory);
 }
 
-// Whoever maps its memory for writing holds it alone, so that no copy can begin meanwhile.
+// Whoever maps its memory for writing holds it alone, so that no copy can begin meanwhile. An original that
+// still has copies is mapped by the decoder for its next frame, which doesn't need the old one's bytes.
 gpointer map(GstMemory* memory, gsize size, GstMapFlags flags) {
-    Bytes& bytes = frameMemory(memory)->bytes;
-    if ((flags & GST_MAP_WRITE) && bytes.use_count() > 1) {
-        const Bytes own = newBytes(size);
-        std::memcpy(own.get(), bytes.get(), size);
-        bytes = own;
+    FrameMemory* frame = frameMemory(memory);
+    if ((flags & GST_MAP_WRITE) && frame->bytes.use_count() > 1) {
+        const Bytes own = newBytes(memory->allocator, size);
+        if (frame->isCopy)
+            std::memcpy(own.get(), frame->bytes.get(), size);
+        frame->bytes = own;
     }
-    return bytes.get();
+    return frame->bytes.get();
 }
 
 void unmap(GstMemory*) {}
 
 GstMemory* copy(GstMemory* memory, gssize offset, gssize size) {
-    auto* frame = new FrameMemory{{}, frameMemory(memory)->bytes};
+    auto* frame = new FrameMemory{{}, frameMemory(memory)->bytes, true};
     const auto begin = static_cast<gsize>(offset);
     gst_memory_init(&frame->memory, GstMemoryFlags{}, memory->allocator, nullptr, memory->maxsize,
                     memory->align, memory->offset + begin,
@@ -74,12 +121,19 @@ gboolean isSpan(GstMemory*, GstMemory*, gsize*) {
     return FALSE;
 }
 
+void finalize(GObject* object) {
+    std::destroy_at(&reinterpret_cast<FrameAllocator*>(object)->blocks);
+    G_OBJECT_CLASS(frame_allocator_parent_class)->finalize(object);
+}
+
 void frame_allocator_class_init(FrameAllocatorClass* klass) {
+    G_OBJECT_CLASS(klass)->finalize = finalize;
     GST_ALLOCATOR_CLASS(klass)->alloc = allocate;
     GST_ALLOCATOR_CLASS(klass)->free = release;
 }
 
 void frame_allocator_init(FrameAllocator* self) {
+    std::construct_at(&self->blocks, std::make_shared<Blocks>());
     GstAllocator* allocator = GST_ALLOCATOR(self);
     allocator->mem_type = kMemoryType;
     allocator->mem_map = map;
