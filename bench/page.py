@@ -73,7 +73,8 @@ def main():
     with open(path, "w") as page:
         page.write("# Performance\n\n"
                    "Made by `bench/run.sh`. Most figures are ratios to a peer measured in the same run; what the peer is "
-                   "stands in the\nfigure's name. \"Worse\" marks a figure that is over 10 % worse than on the page before.\n\n"
+                   "stands in the\nfigure's name. \"Worse\" marks a figure that is over 10 % worse than on the page before.\n"
+                   "[Where the time goes](where-the-time-goes.md) says what is behind the narrow ones.\n\n"
                    f"{datetime.date.today()}, {machine()}, no GPU, {version('mpv', '--version')}, "
                    f"{version('gst-launch-1.0', '--version').replace('gst-launch-1.0 version', 'GStreamer')}.\n\n"
                    "| figure | value | asked | met | here, peer | last page |\n| --- | --- | --- | --- | --- | --- |\n")
