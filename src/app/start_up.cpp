@@ -100,10 +100,11 @@ int startUp(int argc, char** argv) {
     LinuxHost platform;
     if (!platform.initialise())
         return kNoPlatform;
-    FontWarmUp fonts;
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    // The environment is complete before a second thread reads it.
     prepareStyle();
     prepareWebEngine();
+    FontWarmUp fonts;
 
     const QtMessageHandler usual = qInstallMessageHandler(endOnFatal);
     QApplication application(argc, argv);
