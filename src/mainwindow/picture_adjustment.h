@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 
+#include "base/background_jobs.h"
 #include "settings/card_jobs.h"
 
 namespace ql240 {
@@ -55,7 +56,7 @@ private:
     qint32 m_brightness = 0;
     qint32 m_contrast = 100;
     bool m_settingsChanged = false;
-    CardJobs m_jobs;
+    BackgroundJobs m_jobs;
 };
 
 } // namespace ql240

@@ -6,6 +6,7 @@
 #include <QTimer>
 #include <QWidget>
 
+#include "base/background_jobs.h"
 #include "sensors/panel_painting.h"
 #include "settings/card_jobs.h"
 #include "widgets/accessible_parts.h"
@@ -94,7 +95,7 @@ private:
     qint32 m_speed = 0;
 
     // One look at the drives at a time; another one that was asked for meanwhile follows it.
-    CardJobs m_cardJobs;
+    BackgroundJobs m_cardJobs;
     bool m_modelWanted = false;
 
     // The trace of the whole track, drawn once for this track, size and device ratio.

@@ -1,7 +1,7 @@
 // The camera's card among the removable drives, and its version file. Nothing is cached: drives come and go.
 // A drive is named by its mount point without trailing slash. Names on the card are found without regard to
 // case, so that a copy on a case-sensitive file system serves as well. Everything here may block on a dying
-// card reader; card_jobs.h runs it on threads of their own. Any thread.
+// card reader; BackgroundJobs runs it on threads of their own. Any thread.
 #pragma once
 
 #include <QList>

@@ -3,7 +3,6 @@
 
 #include <optional>
 
-#include "base/background_jobs.h"
 #include "platform/drives.h"
 #include "settings/setting_values.h"
 
@@ -19,7 +18,5 @@ struct CardContents {
 };
 
 CardContents readCard(const QString& drive);
-
-using CardJobs = BackgroundJobs;
 
 } // namespace ql240

@@ -11,6 +11,7 @@
 #include <optional>
 #include <vector>
 
+#include "base/background_jobs.h"
 #include "settings/card_jobs.h"
 #include "settings/choice_row.h"
 #include "widgets/window_helper.h"
@@ -138,8 +139,8 @@ private:
     ImageButton* m_close = nullptr;
     std::array<ImageButton*, 7> m_pageButtons = {};
     QList<ChoiceRow*> m_rows;
-    CardJobs m_reader;
-    CardJobs m_writer;
+    BackgroundJobs m_reader;
+    BackgroundJobs m_writer;
     QTimer m_deadline;
     FlHlp m_helper;
 };

@@ -1,5 +1,5 @@
 // The camera's settings on one card: a short-lived value made from the card's settings folder, changed, and
-// saved. Reading and saving block on the card (card_jobs.h keeps that off the interface thread); an object belongs to one thread at a
+// saved. Reading and saving block on the card (BackgroundJobs keeps that off the interface thread); an object belongs to one thread at a
 // time.
 #pragma once
 

@@ -39,6 +39,11 @@ struct OpenClip {
         player().pause();
     }
     Player& player() { return *view.player(); }
+    bool step(int sign) { return sign > 0 ? player().stepForward() : player().stepBack(); }
+    // How far the picture is ahead of the position, which goes on meanwhile.
+    int framesOff(const QList<std::chrono::nanoseconds>& times) {
+        return grabbed() - frameAt(times, std::chrono::milliseconds(player().positionMs()));
+    }
     int grabbed(int stream = 0) { return readFrameNumber(player().frame(stream, true)); }
     int shown() {
         return readFrameNumber(view.grab().toImage().copy(fittedRect(view.size(), player().videoSize(0))));
@@ -118,7 +123,7 @@ private Q_SLOTS:
         std::int64_t position = 3000000;
         for (const int sign : {+1, -1}) {
             for (int i = 0; i < 10; ++i) {
-                QVERIFY(sign > 0 ? open.player().stepForward() : open.player().stepBack());
+                QVERIFY(open.step(sign));
                 position += sign * Player::kStep;
                 QCOMPARE(open.player().positionMs(), position / 10000);
             }
@@ -136,20 +141,17 @@ private Q_SLOTS:
         QFETCH(TestClipSpec, spec);
         OpenClip open(makeTestClip(spec));
         const auto times = testClipFrameTimes(spec);
-        const auto framesOff = [&] {
-            return open.grabbed() - frameAt(times, std::chrono::milliseconds(open.player().positionMs()));
-        };
         open.player().play();
         QTRY_VERIFY_WITH_TIMEOUT(open.player().positionMs() > 500, kPatienceMs);
         const auto before = open.player().positionMs();
         open.player().pause();
         const auto held = open.player().positionMs();
         QVERIFY2(held >= before && held < before + 500, qPrintable(QString::number(held)));
-        QTRY_VERIFY_WITH_TIMEOUT(std::abs(framesOff()) <= 1, kPatienceMs);
+        QTRY_VERIFY_WITH_TIMEOUT(std::abs(open.framesOff(times)) <= 1, kPatienceMs);
         const auto from = open.player().positionMs();
         open.player().stepForward();
         QVERIFY(std::abs(open.player().positionMs() - from - Player::kStep / 10000) <= 1);
-        QTRY_COMPARE_WITH_TIMEOUT(framesOff(), 0, kPatienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(open.framesOff(times), 0, kPatienceMs);
 
         for (const auto started : {from, std::int64_t{0}}) {
             open.player().play();
@@ -171,7 +173,7 @@ private Q_SLOTS:
         std::int64_t position = 7000000;
         int count = 0;
         for (const int sign : {+1, +1, -1, -1, -1, +1, +1, +1, +1, -1, -1, -1, -1, -1, -1, -1}) {
-            QVERIFY(sign > 0 ? open.player().stepForward() : open.player().stepBack());
+            QVERIFY(open.step(sign));
             position += sign * Player::kStep;
             for (int stream = 0; stream < spec.videoStreams; ++stream)
                 QTRY_COMPARE_WITH_TIMEOUT(open.grabbed(stream), frameAt(times, position * 100ns), kPatienceMs);
@@ -184,10 +186,7 @@ private Q_SLOTS:
         }
         QVERIFY(open.player().play());
         QTRY_VERIFY_WITH_TIMEOUT(open.player().positionMs() > position / 10000 + 300, kPatienceMs);
-        const auto framesOff = [&] {
-            return open.grabbed() - frameAt(times, std::chrono::milliseconds(open.player().positionMs()));
-        };
-        QTRY_VERIFY_WITH_TIMEOUT(std::abs(framesOff()) <= 1, kPatienceMs);
+        QTRY_VERIFY_WITH_TIMEOUT(std::abs(open.framesOff(times)) <= 1, kPatienceMs);
     }
 
     void playsToTheEndAtTheRightSpeed_data() { clips(); }

@@ -66,8 +66,10 @@ bool Transport::setState(GraphState state) {
     if (m_state == state && state != GraphState::Stopped)
         return true;
     const std::int64_t here = position();
-    if (m_state == GraphState::Running && !m_inFlight)
-        leaveHeld();
+    if (m_state == GraphState::Running && !m_inFlight) { // time has gone on since the last seek
+        m_last = here;
+        m_held.reset();
+    }
     m_state = state;
     if (state == GraphState::Stopped) {
         m_pending = 0;
@@ -77,12 +79,6 @@ bool Transport::setState(GraphState state) {
         sendPending();
     }
     return applyState();
-}
-
-// Time has gone on since the last seek.
-void Transport::leaveHeld() {
-    m_last = position();
-    m_held.reset();
 }
 
 void Transport::seek(std::int64_t target) {

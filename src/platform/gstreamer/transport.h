@@ -45,7 +45,6 @@ public:
 private:
     bool applyState();
     bool sendSeek(std::int64_t target);
-    void leaveHeld();
     bool moveStreams(std::int64_t target);
     void await(std::int64_t target);
     void settle();
