@@ -219,9 +219,17 @@ const BaseMap = (function () {
         return brush;
     }
 
+    // Gives a tile's pixels back as soon as it is off the map: the collector sees a small object and takes its time.
+    function freeTiles(layer) {
+        layer.on("tileunload", function (event) {
+            event.tile.width = event.tile.height = 0;
+        });
+    }
+
     const Layer = L.GridLayer.extend({
         initialize: function (data) {
             L.GridLayer.prototype.initialize.call(this, {keepBuffer: 1, updateInterval: 50});
+            freeTiles(this);
             this._data = data;
             this._names = new Map();
         },
@@ -291,5 +299,5 @@ const BaseMap = (function () {
             });
     }
 
-    return {load, zoomFor, makeCanvas};
+    return {load, zoomFor, makeCanvas, freeTiles};
 })();

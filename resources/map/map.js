@@ -16,7 +16,7 @@ const KORVAMAP = (function () {
     const still = {animate: false};
 
     let map = null, base = null, car = null, trackLayer = null, way = null;
-    let position = null, heading = 0, track = [], level = 9;
+    let position = null, heading = 0, track = [], trackBounds = null, level = 9;
     let tiles = null, tileTemplate = "", onStreets = false;
     let probe = null, probeTimer = 0, tileWatch = 0, failures = 0, waitingSince = 0;
     let streetZoom = level + levelToZoom, baseZoom = 0;    // 0: whichever shows enough
@@ -118,6 +118,7 @@ const KORVAMAP = (function () {
         map.attributionControl.setPrefix(false);
         new Scale({imperial: false, maxWidth: 80}).addTo(map);
         trackLayer = new TrackLayer();
+        BaseMap.freeTiles(trackLayer);
         car = L.marker([0, 0], {icon: carIcon(), interactive: false, keyboard: false});
         BaseMap.load(folder, function (layer) {
             base = layer;
@@ -209,7 +210,9 @@ const KORVAMAP = (function () {
 
     // `segments`: lists of [latitude, longitude], one list for each stretch with a fix.
     function setTrack(segments) {
+        const points = segments.flat();
         track = segments;
+        trackBounds = points.length < 2 ? null : L.latLngBounds(points);
         if (!map)
             return;
         trackLayer.redraw();
@@ -218,8 +221,7 @@ const KORVAMAP = (function () {
 
     // Beside the base map, whose scale shows no driving: the whole way on its own, with the car's place in it.
     function drawWay() {
-        const points = track.flat();
-        if (onStreets || !position || points.length < 2) {
+        if (onStreets || !position || !trackBounds) {
             if (way)
                 way.remove();
             way = null;
@@ -227,12 +229,13 @@ const KORVAMAP = (function () {
         }
         if (!way)
             way = L.DomUtil.create("canvas", "way", map.getContainer());
-        const project = wayProjection(L.latLngBounds(points));
+        const project = wayProjection(trackBounds);
         const car = project([position.lat, position.lng]);
-        const shown = [track.length, points.length, car.multiplyBy(2).round(), Math.round(heading / 5)].join();
-        if (way.shown !== shown)
+        const shown = [car.multiplyBy(2).round(), Math.round(heading / 5)].join();
+        if (way.shown !== shown || way.track !== track)
             paintWay(BaseMap.makeCanvas(way, waySize.x, waySize.y), project, car);
         way.shown = shown;
+        way.track = track;
     }
 
     // From [latitude, longitude] to the panel's pixels, the way as large as it fits.
@@ -268,6 +271,7 @@ const KORVAMAP = (function () {
             return;
         tiles = new StreetLayer(template, {keepBuffer: 1, minZoom: streetLimits[0], maxZoom: streetLimits[1],
                                            updateInterval: 100});
+        BaseMap.freeTiles(tiles);
         tiles.on("loading", () => { waitingSince = Date.now(); });
         tiles.on("tileload", () => { failures = 0; waitingSince = Date.now(); });
         tiles.on("load", () => { waitingSince = 0; });
