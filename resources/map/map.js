@@ -217,6 +217,13 @@ const KORVAMAP = (function () {
             return;
         trackLayer.redraw();
         drawWay();
+        collect();
+    }
+
+    // What the moves along the last clip's way have left behind, in a few milliseconds.
+    function collect() {
+        if (typeof gc === "function")
+            gc();
     }
 
     // Beside the base map, whose scale shows no driving: the whole way on its own, with the car's place in it.

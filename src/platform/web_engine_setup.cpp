@@ -19,6 +19,9 @@ namespace {
 
 constexpr char kGlIntegration[] = "QT_XCB_GL_INTEGRATION";
 constexpr char kSwitches[] = "QTWEBENGINE_CHROMIUM_FLAGS";
+// The map moves by a script text a move, hardly ever the same one twice: kept for a second use, they fill the memory.
+// And the page may ask for a collection, since the engine sees too little of what hangs on its scripts' objects.
+constexpr char kScriptSwitches[] = " --js-flags=--no-compilation-cache,--expose-gc";
 
 // A kernel switch that is absent takes the value that lets namespaces be made.
 bool kernelSays(const char* path, int value) {
@@ -29,7 +32,7 @@ bool kernelSays(const char* path, int value) {
 } // namespace
 
 void prepareWebEngine() {
-    QByteArray switches = qgetenv(kSwitches) + " --disable-gpu --log-level=3";
+    QByteArray switches = qgetenv(kSwitches) + " --disable-gpu --log-level=3" + kScriptSwitches;
     // The engine refuses to start its sandbox as root; for everybody else the sandbox stays on.
     if (geteuid() == 0)
         switches += " --no-sandbox";
