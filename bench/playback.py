@@ -116,11 +116,29 @@ def open_clip(driver, mpv, clip):
     row("open to the first picture, ms / mpv", statistics.median(here), statistics.median(opened), 0.7)
 
 
+def decoding_ms(clip, *options):
+    """Milliseconds that the decoder takes for a clip's frames on two threads, with nothing before or behind it."""
+    command = ["ffmpeg", "-hide_banner", "-nostdin", "-benchmark", "-threads", "2", *options, "-i", clip, "-map", "0:v",
+               "-f", "null", "-"]
+    words = subprocess.run(command, check=True, capture_output=True, text=True).stderr.split()
+    return 1000 * float(next(word for word in words if word.startswith("rtime="))[6:-1])
+
+
+def seek_floor(clip, positions, rate=30, seconds=20):
+    """Milliseconds of decoding from the key frame, one a second, to the frame of each position."""
+    keys = statistics.median(decoding_ms(clip, "-skip_frame", "nokey") for _ in range(5))
+    every = statistics.median(decoding_ms(clip) for _ in range(5))
+    key, other = keys / seconds, (every - keys) / (seconds * (rate - 1))
+    return [key + ms % 1000 * rate // 1000 * other for ms in positions]
+
+
 def seek(driver, mpv, clip, seeded):
     positions = [seeded.randrange(0, 9500) + 10000 * (i % 2) for i in range(40)]  # never the frame just shown
     sought = [mpv.timed("seek", ms / 1000, "absolute+exact") for ms in positions]
     here = driver_times(driver, "seek", clip, positions)
+    floor = seek_floor(clip, positions)
     row("exact seek while paused, ms / mpv", statistics.median(here), statistics.median(sought), 0.8)
+    row("the decoding alone of such a seek, ms / mpv", statistics.median(floor), statistics.median(sought), None)
 
 
 def step(driver, mpv, clip, seeded):

@@ -163,11 +163,30 @@ const KORVAMAP = (function () {
         return Math.atan2(x, y) * 180 / Math.PI;
     }
 
-    // The heading follows a movement of at least two metres, not the noise of a car that stands.
+    // Where the clip's way leads at a place on it, so that a step back doesn't turn the car: over a stretch on which
+    // positions rounded to a metre don't matter. Null beside the way.
+    function wayHeading(place) {
+        const away = point => place.distanceTo(point) >= 8;
+        for (const segment of track) {
+            const at = segment.findIndex(point => point[0] === place.lat && point[1] === place.lng);
+            const next = at >= 0 && segment.slice(at).find(away);
+            const last = at >= 0 && segment.slice(0, at).reverse().find(away);
+            if (next)
+                return bearing(place, L.latLng(next));
+            if (last)
+                return bearing(L.latLng(last), place);
+        }
+        return null;
+    }
+
+    // Beside a way the heading follows a movement of at least two metres, not the noise of a car that stands.
     function turnTo(place) {
-        if (car.from && car.from.distanceTo(place) < 2)
+        const along = wayHeading(place);
+        if (along === null && car.from && car.from.distanceTo(place) < 2)
             return;
-        if (car.from && car.from.distanceTo(place) < 500)
+        if (along !== null)
+            heading = along;
+        else if (car.from && car.from.distanceTo(place) < 500)
             heading = bearing(car.from, place);
         car.from = place;
     }

@@ -2,6 +2,7 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QTest>
+#include <algorithm>
 #include <csignal>
 #include <optional>
 
@@ -145,6 +146,22 @@ private Q_SLOTS:
         QVERIFY(becomesTrue(QStringLiteral("document.querySelector('.way') !== null")));
         m_page->runJavaScript(trackScript({}));
         QVERIFY(becomesTrue(QStringLiteral("document.querySelector('.way') === null")));
+    }
+
+    // North, then east.
+    void carPointsAlongTheWayWhicheverWayItMoves() {
+        SensorTrack track(20);
+        for (int i = 0; i < 20; ++i) {
+            track[i].latitude = kSeoulLatitude + std::min(i, 10) * 0.0002;
+            track[i].longitude = kSeoulLongitude + std::max(i - 10, 0) * 0.0002;
+        }
+        m_page->runJavaScript(trackScript(track));
+        const std::pair<int, int> turns[] = {{3, 0}, {5, 0}, {4, 0}, {14, 90}, {12, 90}, {19, 90}, {2, 0}};
+        for (const auto& [point, degrees] : turns) {
+            m_page->runJavaScript(goScript(track[point].latitude, track[point].longitude));
+            const auto turn = QStringLiteral("document.querySelector('.car svg').style.transform");
+            QCOMPARE(value(turn).toString(), QStringLiteral("rotate(%1deg)").arg(degrees));
+        }
     }
 
     void tilesShowStreetsUntilTheServerGoes() {
