@@ -39,6 +39,13 @@ void limitMemoryPools() {
     qputenv("MALLOC_ARENA_MAX", "2");
 }
 
+// Where nothing can play sound, the last library that is asked would complain of it with every clip.
+void silenceComplaints() {
+    constexpr char logLevel[] = "ALSOFT_LOGLEVEL";
+    if (!qEnvironmentVariableIsSet(logLevel))
+        qputenv(logLevel, "0");
+}
+
 QString viewerTitle() {
     return QStringLiteral("QL240 Viewer");
 }
@@ -97,6 +104,7 @@ int runSettings() {
 
 int startUp(int argc, char** argv) {
     limitMemoryPools();
+    silenceComplaints();
     LinuxHost platform;
     if (!platform.initialise())
         return kNoPlatform;
