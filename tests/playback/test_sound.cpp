@@ -1,4 +1,4 @@
-// The sound of clips as a sound server of the test's own gets it, its volume, and a server that dies.
+// The sound of clips as a sound server of the test's own gets it, its volume, and a server that dies or hangs.
 #include <QTest>
 
 #include <QElapsedTimer>
@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 
 #include <fcntl.h>
+#include <signal.h>
 #include <unistd.h>
 #include <cmath>
 #include <numbers>
@@ -62,6 +63,9 @@ public:
         m_pipe = ::open(pipe.toUtf8().constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
         return m_pipe >= 0;
     }
+
+    void hang() { ::kill(pid_t(m_daemon.processId()), SIGSTOP); }
+    void goOn() { ::kill(pid_t(m_daemon.processId()), SIGCONT); }
 
     void die() {
         m_daemon.kill();
@@ -221,6 +225,27 @@ private Q_SLOTS:
         QVERIFY(view.openClip(&clip));
         player.play();
         QTRY_VERIFY_WITH_TIMEOUT(player.positionMs() > 500, kPatienceMs);
+    }
+
+    void serverThatHangsHoldsUpNoClip() {
+        const Clip clip{QFileInfo(makeTestClip(longClip({}, 440)))};
+        VideoView view;
+        m_server->hang();
+        QElapsedTimer clock;
+        for (int i = 0; i < 3; ++i) {
+            clock.start();
+            QVERIFY(view.openClip(&clip));
+            view.player()->play();
+            QTRY_VERIFY_WITH_TIMEOUT(view.player()->positionMs() > 500, kPatienceMs);
+            QVERIFY(clock.elapsed() < kPatienceMs);
+        }
+        m_server->goOn();
+        const auto isHeard = [&] {
+            view.openClip(&clip);
+            view.player()->play();
+            return QTest::qWaitFor([&] { return m_server->amplitude(440) > 0.1; }, 1000);
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(isHeard(), kPatienceMs);
     }
 };
 

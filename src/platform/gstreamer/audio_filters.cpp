@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/gstreamer/codec_table.h"
+#include "platform/gstreamer/sound_output.h"
 
 namespace ql240::gstreamer {
 
@@ -45,7 +46,10 @@ Status AudioDecoder::prepareInput(Pin& input, const Pin& upstream) {
 }
 
 AudioRenderer::AudioRenderer() {
-    const auto chain = addChain({"audioresample", "volume", "autoaudiosink"});
+    ElementHandle output = openSoundOutput();
+    if (!output)
+        return;
+    const auto chain = addChain({"audioresample", "volume"}, std::move(output));
     if (chain.empty())
         return;
     m_volume = chain[1];

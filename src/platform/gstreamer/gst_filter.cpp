@@ -131,15 +131,16 @@ void Filter::leavePipeline() {
 }
 
 GstElement* Filter::addElement(const char* factory) {
-    ElementHandle element = makeElement(factory);
-    if (!element)
-        return nullptr;
-    if (m_pipeline)
-        placeElement(element.get());
-    return m_elements.emplace_back(std::move(element)).get();
+    return addElement(makeElement(factory));
 }
 
-std::vector<GstElement*> Filter::addChain(const std::vector<const char*>& factories) {
+GstElement* Filter::addElement(ElementHandle element) {
+    if (element && m_pipeline)
+        placeElement(element.get());
+    return element ? m_elements.emplace_back(std::move(element)).get() : nullptr;
+}
+
+std::vector<GstElement*> Filter::addChain(const std::vector<const char*>& factories, ElementHandle last) {
     std::vector<GstElement*> chain;
     for (const char* factory : factories) {
         GstElement* element = addElement(factory);
@@ -147,6 +148,8 @@ std::vector<GstElement*> Filter::addChain(const std::vector<const char*>& factor
             return {};
         chain.push_back(element);
     }
+    if (last)
+        chain.push_back(addElement(std::move(last)));
     if (m_pipeline)
         linkChain(chain);
     else

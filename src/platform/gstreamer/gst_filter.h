@@ -74,12 +74,14 @@ protected:
     Pin& addPin(std::u16string name, PinDirection direction);
     // Makes an element and puts it into the pipeline if the filter is in one; null if its plugin is missing.
     GstElement* addElement(const char* factory);
-    // Makes the elements, linked in order once they are in the pipeline. Empty if a plugin is missing.
-    std::vector<GstElement*> addChain(const std::vector<const char*>& factories);
+    // Makes the elements, linked in order once they are in the pipeline, `last` behind them if there is one.
+    // Empty if a plugin is missing.
+    std::vector<GstElement*> addChain(const std::vector<const char*>& factories, ElementHandle last = {});
     const std::vector<ElementHandle>& elements() const { return m_elements; }
     GstElement* pipeline() const { return m_pipeline; }
 
 private:
+    GstElement* addElement(ElementHandle element);
     void placeElement(GstElement* element);
     void linkChain(const std::vector<GstElement*>& chain);
 
