@@ -29,7 +29,7 @@ QString secondSnapshotPath(const QString& path) {
     const QString suffix = QFileInfo(path).suffix();
     const qsizetype cut = suffix.isEmpty() ? path.size() : path.size() - suffix.size() - 1;
     for (int number = 2;; ++number) {
-        const QString second = QStringLiteral("%1_%2%3").arg(path.left(cut)).arg(number).arg(path.mid(cut));
+        const QString second = path.left(cut) + QStringLiteral("_%1").arg(number) + path.mid(cut);
         if (!QFileInfo::exists(second))
             return second;
     }

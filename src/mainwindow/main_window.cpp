@@ -103,6 +103,7 @@ void MainWindow::makeWidgets() {
     m_progressPanel->setKilometres(storedUnitIsKilometres());
     m_volume = new WidgetVolume(this);
     m_volume->setGeometry(layout::kVolume);
+    m_volume->setAttribute(
     connect(m_progressPanel, &WidgetProgressA::clicked, this, &MainWindow::OnSlotsProgress);
 
     m_clipList = new MyListWidget(this);
@@ -114,7 +115,7 @@ void MainWindow::makeWidgets() {
     m_folderLabel = new PathLabel(this);
     m_folderLabel->setStyleSheet(QString::fromLatin1(kLabelStyle));
     m_folderLabel->setGeometry(layout::kFolderLabel);
-    m_folderLabel->setAccessibleName(tr("No folder"));
+    showFolderPath({});
 }
 
 void MainWindow::connectButtons() {

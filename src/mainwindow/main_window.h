@@ -114,6 +114,7 @@ private:
     void readFolder(const QString& path, const QString& clipName, bool remember);
     void showListing(const FolderListing& listing, const QString& clipName);
     void showFolder(std::unique_ptr<ClipFolder> folder, const QString& clipName);
+    void showFolderPath(const QString& path);
     void releaseFolder();
     void adjustPicture();
     void stepFrame(bool forward);
@@ -122,6 +123,7 @@ private:
     VideoView* bigView() const;
     bool pausedSnap(QImage* images);
     bool runCommandKey(const QKeyEvent& event);
+    bool handToList(QKeyEvent* event);
     bool handToPanel(const QMouseEvent& event);
 
     WidgetProgressA* m_progressPanel = nullptr;

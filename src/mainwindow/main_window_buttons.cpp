@@ -41,6 +41,13 @@ void MainWindowButtons::retranslateButtons() {
     }
 }
 
+void MainWindowButtons::replace(ButtonId old, ButtonId next) {
+    at(next)->show();
+    if (at(old)->window()->focusWidget() == at(old))
+        at(next)->setFocus();
+    at(old)->hide();
+}
+
 ClearButton* MainWindowButtons::clear(ButtonId id) const {
     return static_cast<ClearButton*>(at(id));
 }

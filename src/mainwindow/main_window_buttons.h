@@ -20,6 +20,8 @@ public:
     void make(QWidget* window);
     // Sets the hover texts in the current language.
     void retranslateButtons();
+    // Shows one button in place of another; the focus goes on to it.
+    void replace(layout::ButtonId old, layout::ButtonId next);
 
     QAbstractButton* at(layout::ButtonId id) const { return m_buttons[static_cast<std::size_t>(id)]; }
     // Every button but the logo is of this class.

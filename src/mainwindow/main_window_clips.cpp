@@ -46,6 +46,7 @@ void MainWindow::showListing(const FolderListing& listing, const QString& clipNa
         setControlsEnabled(true);
     } else {
         folder.reset();
+        showFolderPath({});
         m_dialogs->warn(this, tr("QL240 Viewer"), tr("Please select proper folder"));
     }
 }
@@ -59,10 +60,15 @@ void MainWindow::showFolder(std::unique_ptr<ClipFolder> folder, const QString& c
         m_clipList->appendClip(clip);
     }
     m_clipList->setCurrentRow(row);
+    showFolderPath(m_folder->path());
+}
+
+void MainWindow::showFolderPath(const QString& path) {
     // What the local encoding lacks shows as question marks.
-    m_folderLabel->setText(QString::fromLocal8Bit(m_folder->path().toLocal8Bit()));
-    m_folderLabel->setToolTip(QStringLiteral("<p>%1</p>").arg(m_folder->path().toHtmlEscaped()));
-    m_folderLabel->setAccessibleName(tr("Folder %1").arg(m_folder->path()));
+    m_folderLabel->setText(QString::fromLocal8Bit(path.toLocal8Bit()));
+    m_folderLabel->setToolTip(path.isEmpty() ? QString()
+                                             : QStringLiteral("<p>%1</p>").arg(path.toHtmlEscaped()));
+    m_folderLabel->setAccessibleName(path.isEmpty() ? tr("No folder") : tr("Folder %1").arg(path));
 }
 
 void MainWindow::releaseFolder() {
@@ -79,6 +85,7 @@ void MainWindow::OnSlotsfile_open() {
 void MainWindow::OnSlotsselectFile(QListWidgetItem* current, QListWidgetItem*) {
     closeCurrent();
     if (current) {
+        current->setSelected(true); // ahead of a message about its clip
         m_progressPanel->clearSensorData();
         m_mapView->setTrack({});
         loadClip(MyListWidget::clipOf(current));

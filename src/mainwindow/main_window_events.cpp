@@ -26,17 +26,18 @@ struct CommandKey {
     int key;
     Qt::KeyboardModifiers modifiers;
     ButtonId id;
+    bool repeats = false; // while the key is held
 };
 
 // Space is not among them: it presses whichever of play and pause is shown.
 constexpr CommandKey kCommandKeys[] = {
-    {Qt::Key_Left, Qt::NoModifier, ButtonId::FrameBack},
-    {Qt::Key_Right, Qt::NoModifier, ButtonId::FrameForward},
-    {Qt::Key_PageUp, Qt::NoModifier, ButtonId::PreviousFile},
-    {Qt::Key_PageDown, Qt::NoModifier, ButtonId::NextFile},
-    {Qt::Key_Plus, Qt::NoModifier, ButtonId::ZoomIn},
-    {Qt::Key_Equal, Qt::NoModifier, ButtonId::ZoomIn},
-    {Qt::Key_Minus, Qt::NoModifier, ButtonId::ZoomOut},
+    {Qt::Key_Left, Qt::NoModifier, ButtonId::FrameBack, true},
+    {Qt::Key_Right, Qt::NoModifier, ButtonId::FrameForward, true},
+    {Qt::Key_PageUp, Qt::NoModifier, ButtonId::PreviousFile, true},
+    {Qt::Key_PageDown, Qt::NoModifier, ButtonId::NextFile, true},
+    {Qt::Key_Plus, Qt::NoModifier, ButtonId::ZoomIn, true},
+    {Qt::Key_Equal, Qt::NoModifier, ButtonId::ZoomIn, true},
+    {Qt::Key_Minus, Qt::NoModifier, ButtonId::ZoomOut, true},
     {Qt::Key_0, Qt::NoModifier, ButtonId::OriginalSize},
     {Qt::Key_M, Qt::NoModifier, ButtonId::Volume},
     {Qt::Key_S, Qt::NoModifier, ButtonId::Snapshot},
@@ -139,28 +140,44 @@ bool MainWindow::focusNextPrevChild(bool next) {
     return !isFullScreen() && QMainWindow::focusNextPrevChild(next);
 }
 
+// The key that has entered full screen doesn't leave it while it is held.
 void MainWindow::keyPressEvent(QKeyEvent* event) {
-    if (isFullScreen())
+    if (isFullScreen() && !event->isAutoRepeat())
         leaveFullScreen();
-    else if (!runCommandKey(*event))
+    else if (!isFullScreen() && !runCommandKey(*event) && !handToList(event))
         QMainWindow::keyPressEvent(event);
+}
+
+// Moving in the list and typing a name are the list's, whatever has the focus.
+bool MainWindow::handToList(QKeyEvent* event) {
+    const bool moves = event->key() == Qt::Key_Up || event->key() == Qt::Key_Down;
+    const bool types = !event->text().isEmpty() && event->text().front().isPrint() &&
+                       !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier));
+    if (!(moves || types) || focusWidget() == m_clipList || !m_clipList->isEnabled())
+        return false;
+    m_clipList->setFocus();
+    return QCoreApplication::sendEvent(m_clipList, event);
 }
 
 bool MainWindow::runCommandKey(const QKeyEvent& event) {
     const Qt::KeyboardModifiers modifiers = event.modifiers() & ~(Qt::KeypadModifier | Qt::ShiftModifier);
+    const bool held = event.isAutoRepeat();
     if (event.key() == Qt::Key_F && modifiers == Qt::NoModifier) {
-        enterFullScreen();
+        if (!held)
+            enterFullScreen();
         return true;
     }
     if (event.key() == Qt::Key_Space && modifiers == Qt::NoModifier) {
-        button(m_playing ? ButtonId::Pause : ButtonId::Play)->click();
+        if (!held)
+            button(m_playing ? ButtonId::Pause : ButtonId::Play)->click();
         return true;
     }
     for (const CommandKey& command : kCommandKeys) {
-        if (event.key() == command.key && modifiers == command.modifiers) {
+        if (event.key() != command.key || modifiers != command.modifiers)
+            continue;
+        if (!held || command.repeats)
             button(command.id)->click();
-            return true;
-        }
+        return true;
     }
     return false;
 }

@@ -34,8 +34,7 @@ void MainWindow::showPlayingState() {
     if (isFullScreen())
         return;
     m_playing = true;
-    button(ButtonId::Play)->hide();
-    button(ButtonId::Pause)->show();
+    m_buttons.replace(ButtonId::Play, ButtonId::Pause);
     m_progressPanel->setActive(true);
 }
 
@@ -43,8 +42,7 @@ void MainWindow::showPausedState() {
     if (isFullScreen())
         return;
     m_playing = false;
-    button(ButtonId::Play)->show();
-    button(ButtonId::Pause)->hide();
+    m_buttons.replace(ButtonId::Pause, ButtonId::Play);
     m_progressPanel->setAnimating(false);
 }
 

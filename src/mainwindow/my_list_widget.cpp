@@ -96,6 +96,15 @@ void MyListWidget::mousePressEvent(QMouseEvent* event) {
         event->ignore();
 }
 
+// The entry whose clip is open stays marked.
+QItemSelectionModel::SelectionFlags MyListWidget::selectionCommand(const QModelIndex& index,
+                                                                   const QEvent* event) const {
+    const auto command = QListWidget::selectionCommand(index, event);
+    const bool unmarks =
+        !index.isValid() || (command & (QItemSelectionModel::Deselect | QItemSelectionModel::Toggle));
+    return unmarks ? QItemSelectionModel::NoUpdate : command;
+}
+
 bool MyListWidget::isTyping() const {
     return m_lastTyped.isValid() && m_lastTyped.elapsed() < QApplication::keyboardInputInterval();
 }

@@ -35,6 +35,8 @@ public:
 protected:
     // The window's command keys go on to it; typing and moving up and down stay here.
     void keyPressEvent(QKeyEvent* event) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                         const QEvent* event) const override;
     void dragEnterEvent(QDragEnterEvent*) override {}
     void dragMoveEvent(QDragMoveEvent*) override {}
     void dragLeaveEvent(QDragLeaveEvent*) override {}

@@ -114,6 +114,7 @@ void TestMainWindow::folderWithoutClips() {
     QTEST(viewer().answers.warnings, "warnings");
     QCOMPARE(viewer().list()->count(), choose ? 0 : 3);
     QCOMPARE(viewer().player()->clip() == nullptr, choose);
+    QCOMPARE(viewer().child<QLabel>()->text().isEmpty(), choose);
     QVERIFY(viewer().window->button(ButtonId::Stop)->isEnabled());
 }
 

@@ -135,6 +135,8 @@ void TestMainWindowFrames::secondNames_data() {
                                << "shot_2";
     QTest::newRow("dot in the folder only") << "x.y/shot"
                                             << "x.y/shot_2";
+    QTest::newRow("place markers") << "%1/%2 %3.png"
+                                   << "%1/%2 %3_2.png";
 }
 
 void TestMainWindowFrames::secondNames() {

@@ -36,6 +36,7 @@ private Q_SLOTS:
     void commandKeys_data();
     void commandKeys();
     void spaceTogglesPlaying();
+    void heldKeysRepeatStepsOnly();
     void listKeepsTypingAndMoving();
     void keysOfDisabledControlsDoNothing();
     void pressOnDisabledPanelSeeks();
@@ -185,6 +186,32 @@ void TestMainWindowInput::spaceTogglesPlaying() {
     viewer().key(Qt::Key_Space);
     QVERIFY(!viewer().window->isPlaying());
     QVERIFY(!viewer().panel()->isEnabled());
+    // Play hands it on to the button that takes its place.
+    viewer().window->button(ButtonId::Play)->setFocus();
+    for (const bool playing : {true, false, true}) {
+        viewer().key(Qt::Key_Space);
+        QCOMPARE(viewer().window->isPlaying(), playing);
+        QVERIFY(viewer().panel()->isEnabled());
+    }
+}
+
+void TestMainWindowInput::heldKeysRepeatStepsOnly() {
+    const auto hold = [this](int key) {
+        QKeyEvent repeat(QEvent::KeyPress, key, Qt::NoModifier, QString(), true);
+        QCoreApplication::sendEvent(viewer().window.get(), &repeat);
+    };
+    QSignalSpy stepped(viewer().window->button(ButtonId::FrameForward), &QAbstractButton::clicked);
+    for (const int key : {Qt::Key_Space, Qt::Key_M, Qt::Key_F})
+        hold(key);
+    QVERIFY(viewer().window->isPlaying());
+    QVERIFY(viewer().child<WidgetVolume>()->isEnabled());
+    QVERIFY(!viewer().window->isFullScreen());
+    hold(Qt::Key_Right);
+    QCOMPARE(stepped.count(), 1);
+    viewer().key(Qt::Key_F);
+    QTRY_VERIFY(viewer().window->isFullScreen());
+    hold(Qt::Key_F);
+    QVERIFY(viewer().window->isFullScreen());
 }
 
 void TestMainWindowInput::listKeepsTypingAndMoving() {
@@ -193,6 +220,10 @@ void TestMainWindowInput::listKeepsTypingAndMoving() {
     QCOMPARE(viewer().list()->currentRow(), 1);
     viewer().key(Qt::Key_Up);
     QCOMPARE(viewer().list()->currentRow(), 0);
+    viewer().mainView()->setFocus(); // as full screen and zooming do
+    viewer().key(Qt::Key_Down);
+    QCOMPARE(viewer().list()->currentRow(), 1);
+    QCOMPARE(viewer().window->focusWidget(), viewer().list());
     QSignalSpy zoomed(viewer().window->button(ButtonId::OriginalSize), &QAbstractButton::clicked);
     QTest::keyClicks(viewer().list(), QStringLiteral("REC_3"));
     QCOMPARE(viewer().list()->currentRow(), 2);

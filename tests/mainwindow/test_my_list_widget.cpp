@@ -36,6 +36,7 @@ private Q_SLOTS:
     void pressAwayFromPointer_data();
     void pressAwayFromPointer();
     void takesNoDrop();
+    void currentEntryStaysMarked();
 
 private:
     QPoint centreOf(int row) const { return m_list->visualItemRect(m_list->item(row)).center(); }
@@ -105,6 +106,20 @@ void TestMyListWidget::takesNoDrop() {
     QDropEvent drop({50, 50}, Qt::CopyAction, &data, Qt::LeftButton, {});
     QCoreApplication::sendEvent(m_list->viewport(), &drop);
     QCOMPARE(m_list->count(), 3);
+}
+
+void TestMyListWidget::currentEntryStaysMarked() {
+    const auto click = [this](QPoint place, Qt::KeyboardModifiers modifiers) {
+        QCursor::setPos(m_list->viewport()->mapToGlobal(place));
+        QTest::mouseClick(m_list->viewport(), Qt::LeftButton, modifiers, place);
+    };
+    click(centreOf(1), Qt::NoModifier);
+    click(centreOf(1), Qt::ControlModifier);
+    QVERIFY(m_list->item(1)->isSelected());
+    click(QPoint(50, 300), Qt::NoModifier);
+    QVERIFY(m_list->item(1)->isSelected());
+    click(centreOf(2), Qt::NoModifier);
+    QCOMPARE(m_list->selectedItems(), QList{m_list->item(2)});
 }
 
 QTEST_MAIN(TestMyListWidget)
