@@ -103,7 +103,8 @@ void MainWindow::makeWidgets() {
     m_progressPanel->setKilometres(storedUnitIsKilometres());
     m_volume = new WidgetVolume(this);
     m_volume->setGeometry(layout::kVolume);
-    m_volume->setAttribute(
+    // A drag across it while it is off doesn't move the window.
+    m_volume->setAttribute(Qt::WA_NoMousePropagation);
     connect(m_progressPanel, &WidgetProgressA::clicked, this, &MainWindow::OnSlotsProgress);
 
     m_clipList = new MyListWidget(this);

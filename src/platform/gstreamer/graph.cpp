@@ -29,6 +29,10 @@ Graph::Graph() : m_pipeline(GST_ELEMENT(gst_object_ref_sink(gst_pipeline_new(nul
 // The threads end before anything that they call goes.
 Graph::~Graph() {
     gst_bus_set_sync_handler(m_bus.get(), nullptr, nullptr, nullptr);
+    for (const auto& filter : m_filters) {
+        if (auto* splitter = dynamic_cast<Splitter*>(filter.get()))
+            splitter->letGo();
+    }
     gst_element_set_state(m_pipeline.get(), GST_STATE_NULL);
     for (const auto& filter : m_filters)
         asFilter(filter).leavePipeline();

@@ -7,6 +7,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <utility>
+
 namespace ql240::gstreamer {
 
 namespace {
@@ -66,15 +68,17 @@ Splitter::Splitter(Container container) : m_container(container) {
 
 // The demuxer's thread must have ended before its streams go.
 Splitter::~Splitter() {
+    letGo();
     leavePipeline();
 }
 
 // Both on the demuxer's thread.
 void Splitter::padAdded(GstElement*, GstPad* pad, gpointer self) {
-    const gulong probe =
-        gst_pad_add_probe(pad, GST_PAD_PROBE_TYPE_BLOCK_DOWNSTREAM, holdBack, nullptr, nullptr);
     auto* splitter = static_cast<Splitter*>(self);
     const std::scoped_lock lock(splitter->m_mutex);
+    const gulong probe = splitter->m_holds ? gst_pad_add_probe(pad, GST_PAD_PROBE_TYPE_BLOCK_DOWNSTREAM,
+                                                               holdBack, nullptr, nullptr)
+                                           : 0;
     splitter->m_streams.push_back({share(pad), probe});
 }
 
@@ -114,9 +118,16 @@ void Splitter::makeOutputPins() {
 }
 
 void Splitter::beforeFirstRun(int) {
+    letGo();
+}
+
+void Splitter::letGo() {
     const std::scoped_lock lock(m_mutex);
-    for (const auto& stream : m_streams)
-        gst_pad_remove_probe(stream.pad.get(), stream.blockProbe);
+    m_holds = false;
+    for (auto& stream : m_streams) {
+        if (stream.blockProbe)
+            gst_pad_remove_probe(stream.pad.get(), std::exchange(stream.blockProbe, 0));
+    }
 }
 
 std::int64_t Splitter::durationNs() const {

@@ -29,6 +29,9 @@ public:
 
     Status inputJoined(Pin& input) override;
     void beforeFirstRun(int videoStreams) override;
+    // Holds no stream back any more, nor one that is still to come. Before the pipeline ends, too: whoever
+    // stops the demuxer's thread waits for it, and it would wait at a pad that it adds meanwhile.
+    void letGo();
 
     // Clip duration in ns as the container tells it; 0 if it doesn't.
     std::int64_t durationNs() const;
@@ -45,7 +48,7 @@ private:
 
     struct Stream {
         PadHandle pad;
-        gulong blockProbe;
+        gulong blockProbe; // 0: none
     };
 
     Container m_container;
@@ -53,6 +56,7 @@ private:
     // Filled by the demuxer's thread until it has no more pads.
     mutable std::mutex m_mutex;
     std::vector<Stream> m_streams;
+    bool m_holds = true;
 };
 
 } // namespace ql240::gstreamer
