@@ -40,6 +40,7 @@ private Q_SLOTS:
     void listKeepsTypingAndMoving();
     void keysOfDisabledControlsDoNothing();
     void pressOnDisabledPanelSeeks();
+    void dragAcrossMutedVolumeMovesNothing();
     void languageChange();
     void drop_data();
     void drop();
@@ -249,6 +250,18 @@ void TestMainWindowInput::pressOnDisabledPanelSeeks() {
     const QPoint place = layout::kProgressPanel.topLeft() + QPoint(316, 15);
     viewer().mouse(Qt::LeftButton, place);
     QTRY_COMPARE_WITH_TIMEOUT(viewer().player()->positionMs(), 5000, kBoundMs);
+}
+
+void TestMainWindowInput::dragAcrossMutedVolumeMovesNothing() {
+    viewer().click(ButtonId::Volume);
+    QWindow* window = viewer().window->windowHandle();
+    const QPoint before = viewer().window->pos();
+    const QPoint place = layout::kVolume.center();
+    QTest::mousePress(window, Qt::LeftButton, {}, place);
+    for (const int way : {15, 30})
+        QTest::mouseMove(window, place - QPoint(way, 0));
+    QTest::mouseRelease(window, Qt::LeftButton, {}, place - QPoint(30, 0));
+    QCOMPARE(viewer().window->pos(), before);
 }
 
 void TestMainWindowInput::languageChange() {
