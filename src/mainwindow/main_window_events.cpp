@@ -142,10 +142,12 @@ bool MainWindow::focusNextPrevChild(bool next) {
 
 // The key that has entered full screen doesn't leave it while it is held.
 void MainWindow::keyPressEvent(QKeyEvent* event) {
-    if (isFullScreen() && !event->isAutoRepeat())
-        leaveFullScreen();
-    else if (!isFullScreen() && !runCommandKey(*event) && !handToList(event))
+    if (isFullScreen()) {
+        if (!event->isAutoRepeat())
+            leaveFullScreen();
+    } else if (!runCommandKey(*event) && !handToList(event)) {
         QMainWindow::keyPressEvent(event);
+    }
 }
 
 // Moving in the list and typing a name are the list's, whatever has the focus.

@@ -19,8 +19,9 @@ namespace {
 
 constexpr char kGlIntegration[] = "QT_XCB_GL_INTEGRATION";
 constexpr char kSwitches[] = "QTWEBENGINE_CHROMIUM_FLAGS";
-// The map moves by a script text a move, hardly ever the same one twice: kept for a second use, they fill the memory.
-// And the page may ask for a collection, since the engine sees too little of what hangs on its scripts' objects.
+// The map moves by a script text a move, hardly ever the same one twice: kept for a second use, they fill the
+// memory. And the page may ask for a collection, since the engine sees too little of what hangs on its
+// scripts' objects.
 constexpr char kScriptSwitches[] = " --js-flags=--no-compilation-cache,--expose-gc";
 
 // A kernel switch that is absent takes the value that lets namespaces be made.

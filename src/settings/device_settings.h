@@ -1,6 +1,6 @@
 // The camera's settings on one card: a short-lived value made from the card's settings folder, changed, and
-// saved. Reading and saving block on the card (BackgroundJobs keeps that off the interface thread); an object belongs to one thread at a
-// time.
+// saved. Reading and saving block on the card (BackgroundJobs keeps that off the interface thread); an object
+// belongs to one thread at a time.
 #pragma once
 
 #include <QByteArray>

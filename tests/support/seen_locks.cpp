@@ -1,6 +1,6 @@
-// Shows GLib's locks to the thread sanitizer: they are made of futexes, which it doesn't know, so whatever GStreamer
-// hands from thread to thread under them looked like a race. Linked into the tests of the tsan preset only, in front
-// of GLib's own functions, which still do the locking.
+// Shows GLib's locks to the thread sanitizer: they are made of futexes, which it doesn't know, so whatever
+// GStreamer hands from thread to thread under them looked like a race. Linked into the tests of the tsan
+// preset only, in front of GLib's own functions, which still do the locking.
 #include <dlfcn.h>
 #include <glib.h>
 #include <sanitizer/tsan_interface.h>
