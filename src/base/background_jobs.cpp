@@ -6,6 +6,22 @@
 #include <vector>
 
 namespace ql240 {
+namespace {
+
+JobRunner* g_runner = nullptr;
+
+void runJob(std::function<void()> job) {
+    if (g_runner)
+        g_runner->run(std::move(job));
+    else
+        std::thread(std::move(job)).detach();
+}
+
+} // namespace
+
+void setJobRunner(JobRunner* runner) {
+    g_runner = runner;
+}
 
 // Shared with the threads, which may outlive the object that started them.
 struct BackgroundJobs::Mailbox {
@@ -26,14 +42,14 @@ BackgroundJobs::~BackgroundJobs() {
 
 void BackgroundJobs::start(std::function<void()> work, std::function<void()> then) {
     ++m_running;
-    std::thread([mailbox = m_mailbox, work = std::move(work), then = std::move(then)]() mutable {
+    runJob([mailbox = m_mailbox, work = std::move(work), then = std::move(then)]() mutable {
         work();
         const std::lock_guard lock(mailbox->mutex);
         mailbox->ends.push_back(std::move(then));
         mailbox->arrived.notify_one();
         if (mailbox->owner)
             QMetaObject::invokeMethod(mailbox->owner, &BackgroundJobs::deliver, Qt::QueuedConnection);
-    }).detach();
+    });
 }
 
 void BackgroundJobs::forget() {
@@ -57,14 +73,19 @@ void BackgroundJobs::deliver() {
         end();
 }
 
+bool BackgroundJobs::awaitEnd(QDeadlineTimer until) {
+    const auto hasEnds = [mailbox = m_mailbox.get()] { return !mailbox->ends.empty(); };
+    if (g_runner)
+        return g_runner->wait(until, hasEnds);
+    std::unique_lock lock(m_mailbox->mutex);
+    return m_mailbox->arrived.wait_until(lock, until.deadline<std::chrono::steady_clock>(), hasEnds);
+}
+
 bool BackgroundJobs::wait(std::chrono::milliseconds limit) {
-    const auto until = std::chrono::steady_clock::now() + limit;
+    const QDeadlineTimer until(limit, Qt::PreciseTimer);
     while (m_running > 0) {
-        {
-            std::unique_lock lock(m_mailbox->mutex);
-            if (!m_mailbox->arrived.wait_until(lock, until, [this] { return !m_mailbox->ends.empty(); }))
-                return false;
-        }
+        if (!awaitEnd(until))
+            return false;
         deliver();
     }
     return true;

@@ -3,12 +3,26 @@
 // of the object that asked. Used by one thread; owned by whoever asks.
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QObject>
 #include <chrono>
 #include <functional>
 #include <memory>
 
 namespace ql240 {
+
+// What runs the jobs. Without one they run on threads, a thread each.
+class JobRunner {
+public:
+    virtual ~JobRunner() = default;
+    // Calls `job` once, at some later time, on any thread.
+    virtual void run(std::function<void()> job) = 0;
+    // Returns when `isDone` holds, or false when the time is up. Called on the thread that waits for jobs.
+    virtual bool wait(QDeadlineTimer until, const std::function<bool()>& isDone) = 0;
+};
+
+// Lets `runner` run all jobs from now on; null for threads again. For tests that decide when a job ends.
+void setJobRunner(JobRunner* runner);
 
 // Runs functions on threads and brings their ends back. Destroyed, it waits for none of them.
 class BackgroundJobs : public QObject {
@@ -29,6 +43,7 @@ private:
     struct Mailbox;
 
     void deliver();
+    bool awaitEnd(QDeadlineTimer until);
 
     std::shared_ptr<Mailbox> m_mailbox;
     int m_running = 0;

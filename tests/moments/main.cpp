@@ -1,0 +1,172 @@
+// Plays random runs on the viewer's real windows and says which of them found something wrong, shortened to
+// the few steps that it takes:
+//
+//     moments [--seeds COUNT] [--from SEED] [--steps COUNT]      all seeds, in processes of their own
+//     moments --worker --from SEED --seeds COUNT [--keep 3,5,8]  here, the steps named or all of them
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTextStream>
+
+#include "base/language.h"
+#include "moments/run.h"
+#include "moments/virtual_time.h"
+#include "widgets/fonts.h"
+
+using namespace ql240;
+using namespace ql240::moments;
+
+namespace {
+
+struct Order {
+    quint32 from = 1;
+    int seeds = 200;
+    int steps = 60;
+    std::optional<std::vector<int>> keep;
+};
+
+QTextStream& out() {
+    static QTextStream stream(stdout);
+    return stream;
+}
+
+std::vector<Step> wantedSteps(const Order& order, quint32 seed) {
+    const std::vector<Step> all = stepsOf(seed, order.steps);
+    if (!order.keep)
+        return all;
+    std::vector<Step> kept;
+    for (const int index : *order.keep)
+        kept.push_back(all[static_cast<std::size_t>(index)]);
+    return kept;
+}
+
+// One line a seed, before it and after it: a process that dies has said which one it was.
+int work(const Order& order) {
+    startVirtualTime();
+    installFontSubstitutes();
+    int failed = 0;
+    for (int i = 0; i < order.seeds; ++i) {
+        const quint32 seed = order.from + static_cast<quint32>(i);
+        out() << "seed " << seed << Qt::endl;
+        setCurrentLanguage(QStringLiteral("en"));
+        QTemporaryDir home;
+        qputenv("XDG_CONFIG_HOME", QFile::encodeName(home.path()));
+        const QString failure = Run(seed, wantedSteps(order, seed)).play();
+        out() << (failure.isEmpty() ? QStringLiteral("well") : QStringLiteral("wrong ") + failure)
+              << Qt::endl;
+        failed += !failure.isEmpty();
+    }
+    return failed == 0 ? 0 : 1;
+}
+
+// What a worker says of one seed: nothing where all is well.
+QString tryWorker(const Order& order, quint32 seed, const std::vector<int>& keep) {
+    QStringList kept;
+    for (const int index : keep)
+        kept << QString::number(index);
+    QProcess worker;
+    worker.start(QCoreApplication::applicationFilePath(),
+                 {QStringLiteral("--worker"), QStringLiteral("--from"), QString::number(seed),
+                  QStringLiteral("--seeds"), QStringLiteral("1"), QStringLiteral("--steps"),
+                  QString::number(order.steps), QStringLiteral("--keep"), kept.join(QLatin1Char(','))});
+    worker.waitForFinished(-1);
+    const QString said = QString::fromUtf8(worker.readAllStandardOutput());
+    if (worker.exitStatus() == QProcess::NormalExit && worker.exitCode() == 0)
+        return {};
+    const auto wrong = said.indexOf(QLatin1String("wrong "));
+    return wrong >= 0 ? said.mid(wrong + 6).trimmed()
+                      : QString::fromUtf8(worker.readAllStandardError()).trimmed();
+}
+
+// Leaves out ever smaller stretches of the steps as long as something stays wrong.
+void shorten(const Order& order, quint32 seed) {
+    std::vector<int> kept;
+    for (int i = 0; i < order.steps; ++i)
+        kept.push_back(i);
+    QString said = tryWorker(order, seed, kept);
+    for (std::size_t length = kept.size() / 2; length > 0; length /= 2) {
+        for (std::size_t at = 0; at + length <= kept.size();) {
+            std::vector<int> fewer = kept;
+            fewer.erase(fewer.begin() + static_cast<std::ptrdiff_t>(at),
+                        fewer.begin() + static_cast<std::ptrdiff_t>(at + length));
+            const QString shorter = fewer.empty() ? QString() : tryWorker(order, seed, fewer);
+            if (shorter.isEmpty()) {
+                at += length;
+            } else {
+                kept = fewer;
+                said = shorter;
+            }
+        }
+    }
+    const std::vector<Step> all = stepsOf(seed, order.steps);
+    out() << "seed " << seed << ": " << said << "\n  shortened to";
+    for (const int index : kept) {
+        const Step& step = all[static_cast<std::size_t>(index)];
+        out() << " [" << index << "] " << nameOf(step) << ", " << step.delayMs << " ms;";
+    }
+    out() << Qt::endl;
+}
+
+// A worker does many seeds; where it dies, the next one goes on behind the seed that it died in.
+int manage(const Order& order) {
+    std::vector<quint32> wrong;
+    const quint32 end = order.from + static_cast<quint32>(order.seeds);
+    for (quint32 at = order.from; at < end;) {
+        QProcess worker;
+        worker.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        worker.start(QCoreApplication::applicationFilePath(),
+                     {QStringLiteral("--worker"), QStringLiteral("--from"), QString::number(at),
+                      QStringLiteral("--seeds"), QString::number(end - at), QStringLiteral("--steps"),
+                      QString::number(order.steps)});
+        worker.waitForFinished(-1);
+        const QStringList lines =
+            QString::fromUtf8(worker.readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        bool open = false;
+        for (const QString& line : lines) {
+            open = line.startsWith(QLatin1String("seed "));
+            if (open)
+                at = line.mid(5).toUInt() + 1;
+            else if (line.startsWith(QLatin1String("wrong ")))
+                wrong.push_back(at - 1);
+        }
+        if (open)
+            wrong.push_back(at - 1);
+        if (lines.isEmpty())
+            return 1;
+    }
+    constexpr std::size_t kShortened = 5; // the rest is likely to be the same
+    for (std::size_t i = 0; i < std::min(kShortened, wrong.size()); ++i)
+        shorten(order, wrong[i]);
+    for (const quint32 seed : wrong)
+        out() << "seed " << seed << " failed" << Qt::endl;
+    out() << order.seeds - static_cast<int>(wrong.size()) << " passed, " << wrong.size() << " failed"
+          << Qt::endl;
+    return wrong.empty() ? 0 : 1;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    // Qt's own event loop over poll, which virtual time stands behind; and the same order in every hash.
+    qputenv("QT_NO_GLIB", "1");
+    qputenv("QT_HASH_SEED", "0");
+    qputenv("QT_LOGGING_RULES", "qt.qpa.*=false");
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    QCommandLineParser parser;
+    parser.addOptions({{QStringLiteral("worker"), QString()},
+                       {QStringLiteral("from"), QString(), QStringLiteral("seed"), QStringLiteral("1")},
+                       {QStringLiteral("seeds"), QString(), QStringLiteral("count"), QStringLiteral("200")},
+                       {QStringLiteral("steps"), QString(), QStringLiteral("count"), QStringLiteral("60")},
+                       {QStringLiteral("keep"), QString(), QStringLiteral("indices")}});
+    parser.process(application);
+    const auto number = [&](const char* name) { return parser.value(QLatin1String(name)).toInt(); };
+    Order order{static_cast<quint32>(number("from")), number("seeds"), number("steps"), {}};
+    if (parser.isSet(QStringLiteral("keep"))) {
+        order.keep.emplace();
+        for (const QString& index : parser.value(QStringLiteral("keep")).split(QLatin1Char(',')))
+            order.keep->push_back(index.toInt());
+    }
+    return parser.isSet(QStringLiteral("worker")) ? work(order) : manage(order);
+}

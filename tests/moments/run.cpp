@@ -1,0 +1,141 @@
+#include "moments/run.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QEventLoop>
+#include <QTimer>
+
+#include "moments/actions.h"
+#include "moments/virtual_time.h"
+#include "settings/config_window.h"
+
+namespace ql240::moments {
+namespace {
+
+constexpr int kQuietAtEndMs = 12000;
+constexpr int kTriesToEnd = 300;
+
+const ConfigWindow* settingsDialog() {
+    for (const QWidget* each : QApplication::topLevelWidgets()) {
+        const auto* dialog = qobject_cast<const ConfigWindow*>(each);
+        if (dialog && dialog->isVisible())
+            return dialog;
+    }
+    return nullptr;
+}
+
+int totalWeight() {
+    int total = 0;
+    for (const Action& action : actions())
+        total += action.weight;
+    return total;
+}
+
+int pickAction(Luck& luck) {
+    int at = luck.below(totalWeight());
+    int picked = 0;
+    while (at >= actions()[static_cast<std::size_t>(picked)].weight)
+        at -= actions()[static_cast<std::size_t>(picked++)].weight;
+    return picked;
+}
+
+} // namespace
+
+std::vector<Step> stepsOf(quint32 seed, int count) {
+    constexpr int kDelays[] = {0, 0, 5, 30, 90, 130, 450, 450, 700, 2600, 9000};
+    Luck luck;
+    luck.reseed(seed ^ 0x5EED);
+    std::vector<Step> steps;
+    for (int i = 0; i < count; ++i) {
+        const int action = pickAction(luck);
+        const int delay = kDelays[luck.below(static_cast<int>(std::size(kDelays)))];
+        steps.push_back({action, delay, static_cast<quint32>(luck.below(1 << 30))});
+    }
+    return steps;
+}
+
+const char* nameOf(const Step& step) {
+    return actions()[static_cast<std::size_t>(step.action)].name;
+}
+
+Run::Run(quint32 seed, std::vector<Step> steps)
+    : m_world(std::make_unique<World>(seed)),
+      m_steps(std::move(steps)),
+      m_cards(std::make_unique<CardWatch>(*m_world)),
+      m_viewer(std::make_unique<ViewerWatch>(*m_world)) {
+    setIdleHook([this] {
+        m_cards->look(settingsDialog());
+        m_world->jobs.turnEnds();
+    });
+    m_world->jobs.onStart([this] { m_cards->look(settingsDialog()); });
+}
+
+QWidget* Run::front() const {
+    QWidget* modal = QApplication::activeModalWidget();
+    return modal ? modal : m_world->window.get();
+}
+
+QString Run::play() {
+    QTimer::singleShot(0, this, &Run::next);
+    QEventLoop loop;
+    QObject::connect(this, &QObject::objectNameChanged, &loop, &QEventLoop::quit);
+    loop.exec();
+    setIdleHook({});
+    m_cards->check();
+    m_world->window.reset();
+    m_viewer.reset();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    if (m_world->media.liveObjects != 0)
+        m_world->fail(QStringLiteral("%1 objects of the pipeline are left").arg(m_world->media.liveObjects));
+    if (*m_world->inhibitor.holds != 0)
+        m_world->fail(QStringLiteral("the desktop is still kept awake"));
+    for (const QWidget* widget : QApplication::topLevelWidgets())
+        m_world->fail(QStringLiteral("a %1 is left").arg(QLatin1String(widget->metaObject()->className())));
+    return m_world->failure();
+}
+
+// The next step is arranged before this one is played: this one may open a dialog that runs a loop of its
+// own.
+void Run::next() {
+    check(m_next == 0 ? 0 : m_steps[m_next - 1].delayMs);
+    if (m_next >= m_steps.size() || !m_world->failure().isEmpty())
+        return finish();
+    const Step step = m_steps[m_next++];
+    const Action& action = actions()[static_cast<std::size_t>(step.action)];
+    luck().reseed(step.luck);
+    m_viewer->before(action.name, action.navigates);
+    QTimer::singleShot(step.delayMs, Qt::PreciseTimer, this, &Run::next);
+    action.perform(*this);
+}
+
+void Run::check(int quietMs) {
+    m_cards->look(settingsDialog());
+    m_cards->check();
+    m_viewer->check(quietMs);
+}
+
+// Closes what is open and lets everything come to rest: again and again, since what comes to an end late may
+// open something.
+void Run::finish() {
+    constexpr int kApartMs = 50;
+    if (++m_triesToEnd > kTriesToEnd)
+        qFatal("a window doesn't close");
+    if (QWidget* popup = QApplication::activePopupWidget()) {
+        popup->close();
+        return QTimer::singleShot(kApartMs, this, &Run::finish);
+    }
+    if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
+        QTimer::singleShot(kApartMs, this, &Run::finish);
+        return dialog->reject();
+    }
+    if (m_rested)
+        return setObjectName(QStringLiteral("ended"));
+    m_rested = true;
+    m_world->window->OnSlotspause();
+    QTimer::singleShot(kQuietAtEndMs, this, [this] {
+        check(0);
+        finish();
+    });
+}
+
+} // namespace ql240::moments

@@ -1,0 +1,58 @@
+// One run: actions played one after another on the world's windows, and what must hold between them. An
+// action brings its own luck, so that leaving some out doesn't change the others. Main thread.
+#pragma once
+
+#include <QObject>
+
+#include <memory>
+#include <vector>
+
+#include "moments/card_watch.h"
+#include "moments/hands.h"
+#include "moments/viewer_watch.h"
+#include "moments/world.h"
+
+namespace ql240::moments {
+
+struct Step {
+    int action = 0; // of the table of actions
+    int delayMs = 0;
+    quint32 luck = 0;
+};
+
+// The steps of a seed.
+std::vector<Step> stepsOf(quint32 seed, int count);
+const char* nameOf(const Step& step);
+
+class Run : public QObject {
+public:
+    Run(quint32 seed, std::vector<Step> steps);
+
+    // Plays everything; the first thing found wrong, empty for nothing.
+    QString play();
+
+    // --- For the actions ---
+    World& world() { return *m_world; }
+    Hands& hands() { return m_hands; }
+    CardWatch& cards() { return *m_cards; }
+    ViewerWatch& viewer() { return *m_viewer; }
+    Luck& luck() { return m_world->luck; }
+    // The window that the user has before them: the innermost modal one, else the main window.
+    QWidget* front() const;
+
+private:
+    void next();
+    void finish();
+    void check(int quietMs);
+
+    std::unique_ptr<World> m_world;
+    std::vector<Step> m_steps;
+    std::size_t m_next = 0;
+    int m_triesToEnd = 0;
+    bool m_rested = false;
+    Hands m_hands;
+    std::unique_ptr<CardWatch> m_cards;
+    std::unique_ptr<ViewerWatch> m_viewer;
+};
+
+} // namespace ql240::moments

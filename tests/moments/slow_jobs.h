@@ -1,0 +1,35 @@
+// Background jobs that end when the run says: at once, later, or never. Main thread.
+#pragma once
+
+#include "base/background_jobs.h"
+
+namespace ql240::moments {
+
+class SlowJobs : public JobRunner {
+public:
+    // `latencyMs` is asked for each job; negative: it never ends.
+    explicit SlowJobs(std::function<int()> latencyMs) : m_latencyMs(std::move(latencyMs)) {
+        setJobRunner(this);
+    }
+    ~SlowJobs() override { setJobRunner(nullptr); }
+    Q_DISABLE_COPY_MOVE(SlowJobs)
+
+    void run(std::function<void()> job) override;
+    bool wait(QDeadlineTimer until, const std::function<bool()>& isDone) override;
+
+    // Called before each job is started.
+    void onStart(std::function<void()> hook) { m_started = std::move(hook); }
+    // The longest that the thread has waited for jobs between two turns of the event loop, since the last
+    // call of this.
+    qint64 takeLongestWaitMs() { return std::exchange(m_longestMs, 0); }
+    // The event loop is about to wait.
+    void turnEnds() { m_inTurnMs = 0; }
+
+private:
+    std::function<int()> m_latencyMs;
+    std::function<void()> m_started = [] {};
+    qint64 m_inTurnMs = 0;
+    qint64 m_longestMs = 0;
+};
+
+} // namespace ql240::moments

@@ -1,0 +1,57 @@
+#include "moments/timed_media.h"
+
+#include <algorithm>
+
+#include "moments/virtual_time.h"
+
+namespace ql240::moments {
+namespace {
+
+constexpr int kTickMs = 33;
+constexpr std::int64_t kUnitsPerMs = 10000;
+
+} // namespace
+
+TimedMedia::TimedMedia(std::function<int(const QString&)> indexOfClip)
+    : m_indexOfClip(std::move(indexOfClip)), m_lastMs(nowMs()) {
+    clip.sizes = {QSize(64, 36), QSize(64, 36)};
+    QObject::connect(&m_tick, &QTimer::timeout, &m_tick, [this] { goOn(); });
+    m_tick.setTimerType(Qt::PreciseTimer);
+    m_tick.start(kTickMs);
+}
+
+// What has been asked since the last tick: another clip, a frame of another position.
+void TimedMedia::readLog() {
+    const QStringList calls = takeLog();
+    for (const QString& call : calls) {
+        if (call.startsWith(QLatin1String("load ")))
+            m_path = call.mid(5);
+        if (call.startsWith(QLatin1String("seek ")) || call == QLatin1String("pause"))
+            m_frameDueMs = nowMs() + m_seekMs;
+    }
+}
+
+void TimedMedia::goOn() {
+    readLog();
+    const qint64 passedMs = nowMs() - std::exchange(m_lastMs, nowMs());
+    if (!isOpen())
+        return;
+    if (isRunning()) {
+        transport.position = std::min<std::int64_t>(transport.position + passedMs * kUnitsPerMs, transport.duration);
+        deliverFrame();
+    } else if (m_frameDueMs && *m_frameDueMs <= nowMs()) {
+        m_frameDueMs.reset();
+        deliverFrame();
+    }
+}
+
+void TimedMedia::deliverFrame() {
+    const QSize size = clip.sizes[0];
+    const std::uint8_t grey = greyOf(m_indexOfClip(m_path));
+    std::vector<std::uint8_t> frame(static_cast<std::size_t>(2 * size.width() * size.height()), 128);
+    for (std::size_t i = 0; i < frame.size(); i += 2)
+        frame[i] = grey;
+    deliver(0, std::move(frame));
+}
+
+} // namespace ql240::moments

@@ -1,0 +1,39 @@
+// A media pipeline on the run's own clock: a running clip goes on with time and delivers frames, a seek's
+// frame comes later. A frame of a clip is one grey: that of the clip's index. Interface thread.
+#pragma once
+
+#include <QTimer>
+
+#include <optional>
+
+#include "support/fake_media.h"
+
+namespace ql240::moments {
+
+class TimedMedia : public FakeMedia {
+public:
+    explicit TimedMedia(std::function<int(const QString& path)> indexOfClip);
+
+    // The file that was loaded last.
+    const QString& path() const { return m_path; }
+    bool isOpen() const { return liveObjects > 0; }
+    bool isRunning() const { return isOpen() && transport.state == GraphState::Running; }
+    // How long a frame takes after a seek.
+    void setSeekMs(int ms) { m_seekMs = ms; }
+
+    static constexpr std::uint8_t greyOf(int clip) { return static_cast<std::uint8_t>(40 + 16 * clip); }
+
+private:
+    void readLog();
+    void goOn();
+    void deliverFrame();
+
+    std::function<int(const QString&)> m_indexOfClip;
+    QTimer m_tick;
+    QString m_path;
+    qint64 m_lastMs = 0;
+    int m_seekMs = 0;
+    std::optional<qint64> m_frameDueMs;
+};
+
+} // namespace ql240::moments

@@ -1,0 +1,217 @@
+#include "moments/viewer_watch.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QTimer>
+
+#include "library/clip.h"
+#include "mainwindow/my_list_widget.h"
+#include "moments/hands.h"
+#include "moments/world.h"
+#include "playback/video_view.h"
+#include "sensors/widget_progress.h"
+
+namespace ql240::moments {
+namespace {
+
+using layout::ButtonId;
+
+// From here on a viewer that was left alone must agree with itself: a few of its ticks of 100 ms.
+constexpr int kMomentMs = 400;
+// A tick, and the step of the made sensor data.
+constexpr int kBehindMs = 150;
+constexpr int kSampleMs = 300 + kBehindMs;
+// Nothing but opening a clip may hold the thread for longer than the first.
+constexpr int kLongestWaitMs = 100;
+constexpr int kLongestOpeningMs = 300;
+
+QString pathOf(const void* clip) {
+    return clip ? static_cast<const Clip*>(clip)->file().absoluteFilePath() : QString();
+}
+
+} // namespace
+
+ViewerWatch::ViewerWatch(World& world) : m_world(world), m_last(look()) {
+    m_world.onWarn = [this] { warned(m_world.warnings.takeLast()); };
+}
+
+ViewerWatch::Sight ViewerWatch::look() const {
+    const MainWindow* window = m_world.window.get();
+    const auto* list = window->findChild<MyListWidget*>();
+    const auto* panel = window->findChild<WidgetProgressA*>();
+    const Player* player = m_world.mainView()->player();
+    const PanelState shown = panel->state();
+    return {.row = list->currentRow(),
+            .rows = list->count(),
+            .clip = player->clip(),
+            .playing = window->isPlaying(),
+            .modal = QApplication::activeModalWidget() != nullptr,
+            .fullScreen = window->isFullScreen(),
+            .reading = window->isReadingFolder(),
+            .positionMs = player->positionMs(),
+            .durationMs = player->durationMs(),
+            .value = shown.progressValue,
+            .maximum = shown.progressMaximum,
+            .speed = shown.speedKmh,
+            .mapPlace = lastPlace(),
+            .ticks = window->findChild<QTimer*>(QStringLiteral("updateTimer"))->isActive()};
+}
+
+QString ViewerWatch::lastPlace() const {
+    for (auto script = m_world.pages.scripts.crbegin(); script != m_world.pages.scripts.crend(); ++script) {
+        if (script->startsWith(QLatin1String("go(")))
+            return *script;
+    }
+    return {};
+}
+
+void ViewerWatch::beforeMove() {
+    m_pictureBefore = m_world.pictureRect();
+    m_windowBefore = m_world.window->pos();
+}
+
+// A move without a button moves nothing; one with it moves the picture to where the pointer has come from the
+// press, or the window, or neither.
+void ViewerWatch::afterMove(const Hands& hands, QPoint global) {
+    const QRect picture = m_world.pictureRect();
+    const bool pans = picture != m_pictureBefore;
+    const bool drags = m_world.window->pos() != m_windowBefore;
+    if ((pans || drags) && !hands.held())
+        m_world.fail(QStringLiteral("a move without a button moved the %1")
+                         .arg(pans ? QLatin1String("picture") : QLatin1String("window")));
+    if (pans && picture.topLeft() != global - hands.pressedAt())
+        m_world.fail(QStringLiteral("a drag by (%1, %2) put the picture at (%3, %4)")
+                         .arg(global.x() - hands.pressedAt().x())
+                         .arg(global.y() - hands.pressedAt().y())
+                         .arg(picture.x())
+                         .arg(picture.y()));
+}
+
+void ViewerWatch::warned(const QString& text) {
+    const auto* list = m_world.window->findChild<MyListWidget*>();
+    const Clip* clip = MyListWidget::clipOf(list->currentItem());
+    m_warnedSince = true;
+    bool expected = true;
+    if (text == QLatin1String("Failed to open clip file"))
+        expected = list->currentItem() && (!clip || m_world.mediaTrouble || !m_world.opens(pathOf(clip)));
+    else if (text == QLatin1String("Please select proper folder"))
+        expected = list->count() == 0;
+    if (!expected)
+        m_world.fail(QStringLiteral("“%1” for no reason").arg(text));
+    if (m_world.mainView()->player()->clip() && expected && text.startsWith(QLatin1String("Failed")))
+        m_world.fail(QStringLiteral("“%1” while a clip is open").arg(text));
+}
+
+void ViewerWatch::before(const char* action, bool navigates) {
+    m_action = QLatin1String(action);
+    m_navigated |= navigates;
+    m_stopped |= m_action == QLatin1String("stop");
+}
+
+void ViewerWatch::check(int quietMs) {
+    const Sight now = look();
+    checkButtons(now);
+    checkChoice(now);
+    checkWaits(now);
+    if (now.clip != m_last.clip || now.row != m_last.row) {
+        m_wasFullScreen = m_stopped = false;
+    }
+    m_wasFullScreen |= now.fullScreen || m_last.fullScreen;
+    if (now.playing)
+        m_stopped = false;
+    const bool settled = quietMs >= kMomentMs && !now.modal && !now.reading && !m_world.mediaTrouble;
+    if (settled && !m_wasFullScreen) {
+        checkOneClip(now);
+        checkOneTime(now);
+        checkAwake(now);
+    }
+    if (settled && m_isQuiet && !now.playing)
+        checkStillness(now);
+    m_isQuiet = settled && !m_wasFullScreen;
+    m_quiet = m_last = now;
+    m_navigated = false;
+    m_warnedSince = false;
+}
+
+void ViewerWatch::checkButtons(const Sight& now) {
+    const bool play = m_world.window->button(ButtonId::Play)->isVisibleTo(m_world.window.get());
+    const bool pause = m_world.window->button(ButtonId::Pause)->isVisibleTo(m_world.window.get());
+    if (play && pause)
+        m_world.fail(QStringLiteral("play and pause are both there"));
+    if (!play && !pause && !now.fullScreen && !m_last.fullScreen)
+        m_world.fail(QStringLiteral("neither play nor pause is there"));
+}
+
+// Only the user, the end of a clip and a folder that has been read choose another clip.
+void ViewerWatch::checkChoice(const Sight& now) {
+    const bool chosen = now.row != m_last.row || (now.clip && m_last.clip && now.clip != m_last.clip);
+    const bool ended = m_last.playing || m_last.ticks || m_world.media.isRunning();
+    if (chosen && !m_navigated && !ended && !m_last.reading)
+        m_world.fail(
+            QStringLiteral("row %1 became %2 after “%3”").arg(m_last.row).arg(now.row).arg(m_action));
+    if (now.modal && m_last.modal && m_last.reading && now.row != m_last.row)
+        m_world.fail(QStringLiteral("a folder's first clip was opened behind a dialog"));
+}
+
+void ViewerWatch::checkWaits(const Sight& now) {
+    const qint64 waited = m_world.longestWaitMs();
+    const bool opened = now.clip != m_last.clip || now.row != m_last.row || m_navigated || m_warnedSince;
+    if (waited > (opened || m_last.playing ? kLongestOpeningMs : kLongestWaitMs))
+        m_world.fail(QStringLiteral("the window stood still for %1 ms").arg(waited));
+}
+
+void ViewerWatch::checkOneClip(const Sight& now) {
+    const auto* list = m_world.window->findChild<MyListWidget*>();
+    const Clip* chosen = MyListWidget::clipOf(list->currentItem());
+    if (now.clip && now.clip != chosen)
+        m_world.fail(QStringLiteral("%1 is open, not what the list marks").arg(pathOf(now.clip)));
+    if (!now.clip && chosen && m_world.opens(pathOf(chosen)))
+        m_world.fail(QStringLiteral("%1 is marked, and nothing is open").arg(pathOf(chosen)));
+    if (now.clip && m_world.media.path() != pathOf(now.clip))
+        m_world.fail(QStringLiteral("the picture is of %1").arg(m_world.media.path()));
+    if (now.clip && now.playing != m_world.media.isRunning())
+        m_world.fail(QStringLiteral("shown as %1, and it isn't").arg(now.playing ? "playing" : "paused"));
+}
+
+void ViewerWatch::checkOneTime(const Sight& now) {
+    if (!now.clip || m_stopped)
+        return;
+    if (now.maximum != now.durationMs)
+        m_world.fail(QStringLiteral("the strip ends at %1 of %2").arg(now.maximum).arg(now.durationMs));
+    const qint64 behind = std::abs(now.positionMs - now.value);
+    if (behind > (now.playing ? kBehindMs : 0))
+        m_world.fail(QStringLiteral("the strip is at %1, the clip at %2").arg(now.value).arg(now.positionMs));
+    // The speed of some time shortly before: of this clip, and of no other.
+    const QString path = pathOf(now.clip);
+    bool fits = false;
+    for (qint64 ms = now.positionMs; !fits && ms >= now.positionMs - kSampleMs; ms -= 50)
+        fits = now.speed == m_world.speedAt(path, std::max<qint64>(0, ms));
+    if (!fits)
+        m_world.fail(QStringLiteral("a speed of %1 at %2 of clip %3")
+                         .arg(now.speed)
+                         .arg(now.positionMs)
+                         .arg(m_world.indexOfClip(path)));
+    const QString latitude = QStringLiteral("go(%1.").arg(10 + m_world.indexOfClip(path));
+    if (!now.mapPlace.isEmpty() && m_world.mapIsLoaded() && !now.mapPlace.startsWith(latitude))
+        m_world.fail(
+            QStringLiteral("the map is at %1 in clip %2").arg(now.mapPlace).arg(m_world.indexOfClip(path)));
+}
+
+// Paused and left alone.
+void ViewerWatch::checkStillness(const Sight& now) {
+    const bool alone = m_action == QLatin1String("wait") || m_action == QLatin1String("card in or out");
+    if (!alone || m_quiet.playing || m_quiet.clip != now.clip)
+        return;
+    if (now.positionMs != m_quiet.positionMs || now.value != m_quiet.value || now.speed != m_quiet.speed)
+        m_world.fail(
+            QStringLiteral("paused, it went on from %1 to %2").arg(m_quiet.positionMs).arg(now.positionMs));
+}
+
+void ViewerWatch::checkAwake(const Sight& now) {
+    const bool held = *m_world.inhibitor.holds > 0;
+    if (held != (now.playing && now.clip))
+        m_world.fail(held ? QStringLiteral("the screen is kept awake for nothing")
+                          : QStringLiteral("the screen saver may come while a clip plays"));
+}
+
+} // namespace ql240::moments

@@ -1,0 +1,114 @@
+// One run's world: cards in a reader, folders of clips, a desktop that answers when it likes, and the
+// viewer's real window among them. All luck comes from the run's seed. Main thread; owned by the run.
+#pragma once
+
+#include <QTemporaryDir>
+
+#include <map>
+#include <memory>
+#include <random>
+#include <set>
+
+#include "mainwindow/main_window.h"
+#include "moments/slow_jobs.h"
+#include "moments/timed_media.h"
+#include "platform/folder_dialogs.h"
+#include "platform/wave_out.h"
+#include "support/fake_drives.h"
+#include "support/fake_inhibitor.h"
+#include "support/fake_sensor_library.h"
+#include "support/fake_web_pages.h"
+#include "support/fake_window_dialogs.h"
+
+namespace ql240 {
+class ConfigWindow;
+class MapView;
+class VideoView;
+} // namespace ql240
+
+namespace ql240::moments {
+
+class Luck {
+public:
+    void reseed(quint32 seed) { m_engine.seed(seed); }
+    int below(int limit) { return static_cast<int>(m_engine() % static_cast<quint32>(limit)); }
+    bool chance(int percent) { return below(100) < percent; }
+
+private:
+    std::mt19937 m_engine;
+};
+
+// How fast whatever is asked off the interface thread answers.
+enum class Reader { Healthy, Slow, Dead };
+
+struct CardSlot {
+    QString drive;
+    QByteArray label;
+    bool isCamera = false; // has a version file
+    bool inserted = false;
+};
+
+class World : public FolderDialogs {
+public:
+    explicit World(quint32 seed);
+    ~World() override;
+    Q_DISABLE_COPY_MOVE(World)
+
+    // The first thing found wrong; what comes later may follow from it.
+    void fail(const QString& what);
+    const QString& failure() const { return m_failure; }
+
+    std::optional<QString> browseForFolder(QWidget* owner, const FolderCallback& callback) override;
+
+    // --- What the run changes ---
+    void setInserted(CardSlot& card, bool inserted);
+    void loseClip();
+    void setMediaTrouble(bool on);
+
+    // --- What is there ---
+    int indexOfClip(const QString& path) const;
+    bool opens(const QString& path) const;
+    // A value that only this clip's sensor data has at this time, as a speed; 0 for clips without data.
+    int speedAt(const QString& path, qint64 ms) const;
+    VideoView* mainView() const;
+    // Whether the map's page shows what it was last sent.
+    bool mapIsLoaded() const { return pages.view && pages.view->isVisible(); }
+    // The longest wait for a job since the last call of this.
+    qint64 longestWaitMs() { return jobs.takeLongestWaitMs(); }
+    QRect pictureRect() const { return media.windows[0].rect; }
+
+    QTemporaryDir root;
+    Luck luck;
+    Reader reader = Reader::Healthy;
+    std::vector<QString> folders; // with clips, one clip, none, gone
+    std::vector<QString> clips;   // paths, by index
+    std::set<QString> broken;
+    std::vector<CardSlot> cards;
+    bool mediaTrouble = false;
+
+    SlowJobs jobs;
+    FakeDrives drives;
+    TimedMedia media;
+    FakeSensorLibrary sensors;
+    FakeWebPages pages;
+    FakeUrlOpener urls;
+    FakeInhibitor inhibitor;
+    OutputVolume volume;
+    QStringList warnings; // since they were last looked at
+    std::function<void()> onWarn = [] {};
+    QString dropFolder() {
+        return folders[static_cast<std::size_t>(luck.below(static_cast<int>(folders.size())))];
+    }
+    std::unique_ptr<MainWindow> window;
+
+private:
+    int latencyMs();
+    void makeFolders();
+    void makeCards();
+    QString makeFolder(const QString& name, int clipCount);
+    void fillHost();
+
+    QString m_failure;
+};
+
+} // namespace ql240::moments
