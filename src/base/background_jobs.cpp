@@ -1,5 +1,10 @@
 #include "base/background_jobs.h"
 
+#include <QAbstractEventDispatcher>
+#include <QElapsedTimer>
+#include <QPointer>
+
+#include <algorithm>
 #include <condition_variable>
 #include <mutex>
 #include <thread>
@@ -16,6 +21,38 @@ void runJob(std::function<void()> job) {
     else
         std::thread(std::move(job)).detach();
 }
+
+// What is left of the time that the thread may stand still before its event loop turns again.
+class Standstill : public QObject {
+public:
+    static Standstill& ofThread() {
+        static Standstill left;
+        return left;
+    }
+    QDeadlineTimer until(std::chrono::milliseconds limit) {
+        listen();
+        m_began.start();
+        return QDeadlineTimer(std::min(limit, m_left), Qt::PreciseTimer);
+    }
+    void end() { m_left -= std::min(m_left, std::chrono::milliseconds(m_began.elapsed())); }
+
+private:
+    // The event loop comes and goes with the application.
+    void listen() {
+        auto* loop = QAbstractEventDispatcher::instance();
+        if (!loop || loop == m_loop)
+            return;
+        m_loop = loop;
+        m_left = kLongestStandstill;
+        const auto renew = [this] { m_left = kLongestStandstill; };
+        connect(loop, &QAbstractEventDispatcher::aboutToBlock, this, renew);
+        connect(loop, &QAbstractEventDispatcher::awake, this, renew);
+    }
+
+    QPointer<QAbstractEventDispatcher> m_loop;
+    std::chrono::milliseconds m_left = kLongestStandstill;
+    QElapsedTimer m_began;
+};
 
 } // namespace
 
@@ -82,10 +119,14 @@ bool BackgroundJobs::awaitEnd(QDeadlineTimer until) {
 }
 
 bool BackgroundJobs::wait(std::chrono::milliseconds limit) {
-    const QDeadlineTimer until(limit, Qt::PreciseTimer);
     while (m_running > 0) {
-        if (!awaitEnd(until))
+        Standstill& standstill = Standstill::ofThread();
+        const QDeadlineTimer until = standstill.until(limit);
+        const bool ended = awaitEnd(until);
+        standstill.end();
+        if (!ended)
             return false;
+        limit = std::chrono::milliseconds(until.remainingTime());
         deliver();
     }
     return true;

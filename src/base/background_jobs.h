@@ -11,6 +11,9 @@
 
 namespace ql240 {
 
+// How long waiting for jobs may keep the interface from answering.
+inline constexpr std::chrono::milliseconds kLongestStandstill{100};
+
 // What runs the jobs. Without one they run on threads, a thread each.
 class JobRunner {
 public:
@@ -36,7 +39,8 @@ public:
     // From now on no `then` of the jobs started so far is called.
     void forget();
     bool isIdle() const { return m_running == 0; }
-    // Blocks until all jobs have ended and their `then` was called; false if the time ran out before.
+    // Blocks until all jobs have ended and their `then` was called; false if the time ran out before. All waits
+    // between two turns of the event loop share kLongestStandstill, whoever waits.
     bool wait(std::chrono::milliseconds limit);
 
 private:

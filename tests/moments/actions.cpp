@@ -6,6 +6,7 @@
 #include <QDialog>
 #include <QDropEvent>
 #include <QMimeData>
+#include <QPointer>
 #include <QUrl>
 
 #include "mainwindow/main_window_layout.h"
@@ -103,6 +104,14 @@ void rightClickPicture(Run& run) {
 
 // --- Keys, for the window in front ---
 
+std::optional<RowValues> valuesOf(const QWidget* window) {
+    if (const auto* settings = qobject_cast<const ConfigWindow*>(window))
+        return settings->values();
+    if (const auto* page = qobject_cast<const SettingsPage*>(window))
+        return page->values();
+    return std::nullopt;
+}
+
 void typeKey(Run& run) {
     constexpr int kKeys[] = {Qt::Key_Space,    Qt::Key_Left,  Qt::Key_Right, Qt::Key_PageUp, Qt::Key_PageDown,
                              Qt::Key_Plus,     Qt::Key_Minus, Qt::Key_0,     Qt::Key_M,      Qt::Key_S,
@@ -113,7 +122,20 @@ void typeKey(Run& run) {
     QWidget* front = run.front();
     if (qobject_cast<ConfigWindow*>(front) && (key == Qt::Key_Return || key == Qt::Key_Space))
         run.cards().confirmed(); // OK may have the focus
+    const auto before = valuesOf(front);
+    const QPointer<QWidget> kept(front);
+    const auto played = run.played();
     run.hands().type(front, key, {}, run.luck().chance(20) ? run.luck().below(8) : 0);
+    // What the key has changed, unless it opened something in which more was done.
+    if (!before || !kept || run.played() != played)
+        return;
+    const RowValues after = *valuesOf(kept);
+    for (const SettingKey& each : kSettingKeys) {
+        if (after.*each.value != (*before).*each.value)
+            run.cards().chose(each.value, after.*each.value);
+    }
+    if (after.setsClock != before->setsClock)
+        run.cards().chose(&RowValues::setsClock, after.setsClock);
 }
 
 void openFolderByKey(Run& run) {
@@ -216,13 +238,6 @@ void useDialog(Run& run) {
         run.luck().chance(60) ? dialog->accept() : dialog->reject();
 }
 
-void openSettings(Run& run) {
-    if (run.front() != run.world().window.get())
-        return;
-    run.cards().opened();
-    clickButton(run, ButtonId::Setting);
-}
-
 // --- The world ---
 
 void changeReader(Run& run) {
@@ -256,40 +271,42 @@ void mapAnswers(Run& run) {
 
 void nothing(Run&) {}
 
+using enum Theme;
+
 constexpr Action kActions[] = {
-    {"play", 10, click<ButtonId::Play>},
-    {"pause", 10, click<ButtonId::Pause>},
-    {"stop", 4, click<ButtonId::Stop>},
-    {"previous file", 3, click<ButtonId::PreviousFile>, true},
-    {"next file", 5, click<ButtonId::NextFile>, true},
-    {"step back", 6, click<ButtonId::FrameBack>},
-    {"step forward", 6, click<ButtonId::FrameForward>},
-    {"zoom in", 8, click<ButtonId::ZoomIn>},
-    {"zoom out", 2, click<ButtonId::ZoomOut>},
-    {"original size", 2, click<ButtonId::OriginalSize>},
-    {"pan", 6, click<ButtonId::Pan>},
-    {"sound", 2, click<ButtonId::Volume>},
-    {"snapshot", 3, click<ButtonId::Snapshot>},
-    {"print", 1, click<ButtonId::Print>},
-    {"open file", 4, click<ButtonId::OpenFile>},
-    {"open folder", 4, click<ButtonId::OpenFolder>, true},
-    {"open folder by key", 2, openFolderByKey, true},
-    {"settings", 8, openSettings},
-    {"click an entry", 6, clickEntry, true},
-    {"drag the strip", 6, dragStrip},
-    {"drag slowly", 8, dragSlowly},
-    {"move the pointer", 5, movePointer},
-    {"right click", 3, rightClickPicture},
-    {"type", 14, typeKey, true},
-    {"drop", 8, drop, true},
-    {"activate or minimise", 2, changeActivity},
-    {"answer the dialog", 40, useDialog, true},
-    {"reader changes", 6, changeReader},
-    {"card in or out", 4, moveCard},
-    {"clip lost", 1, loseClip},
-    {"media trouble", 1, changeMedia},
-    {"map answers", 5, mapAnswers},
-    {"wait", 14, nothing},
+    {"play", 10, Transport, click<ButtonId::Play>},
+    {"pause", 10, Transport, click<ButtonId::Pause>},
+    {"stop", 4, Transport, click<ButtonId::Stop>},
+    {"previous file", 3, Transport, click<ButtonId::PreviousFile>, true},
+    {"next file", 5, Transport, click<ButtonId::NextFile>, true},
+    {"step back", 6, Transport, click<ButtonId::FrameBack>},
+    {"step forward", 6, Transport, click<ButtonId::FrameForward>},
+    {"zoom in", 8, Picture, click<ButtonId::ZoomIn>},
+    {"zoom out", 2, Picture, click<ButtonId::ZoomOut>},
+    {"original size", 2, Any, click<ButtonId::OriginalSize>},
+    {"pan", 6, Picture, click<ButtonId::Pan>},
+    {"sound", 2, Any, click<ButtonId::Volume>},
+    {"snapshot", 3, Any, click<ButtonId::Snapshot>},
+    {"print", 1, Any, click<ButtonId::Print>},
+    {"open file", 4, Folder, click<ButtonId::OpenFile>},
+    {"open folder", 4, Folder, click<ButtonId::OpenFolder>, true},
+    {"open folder by key", 2, Folder, openFolderByKey, true},
+    {"settings", 8, Card, click<ButtonId::Setting>},
+    {"click an entry", 6, Folder, clickEntry, true},
+    {"drag the strip", 6, Transport, dragStrip},
+    {"drag slowly", 8, Picture, dragSlowly},
+    {"move the pointer", 5, Picture, movePointer},
+    {"right click", 3, Any, rightClickPicture},
+    {"type", 14, Any, typeKey, true},
+    {"drop", 8, Folder, drop, true},
+    {"activate or minimise", 2, Any, changeActivity},
+    {"answer the dialog", 40, Card, useDialog, true},
+    {"reader changes", 6, Card, changeReader},
+    {"card in or out", 4, Card, moveCard},
+    {"clip lost", 1, Folder, loseClip},
+    {"media trouble", 1, Any, changeMedia},
+    {"map answers", 5, Any, mapAnswers},
+    {"wait", 14, Any, nothing},
 };
 
 } // namespace

@@ -7,9 +7,14 @@ namespace ql240::moments {
 
 class Run;
 
+// A run leans towards one of these.
+enum class Theme { Any, Picture, Card, Folder, Transport };
+inline constexpr int kThemes = 5;
+
 struct Action {
     const char* name;
     int weight;
+    Theme theme;
     void (*perform)(Run&);
     bool navigates = false; // may choose another clip
 };

@@ -5,6 +5,7 @@
 #include <QDirIterator>
 #include <QFile>
 #include <algorithm>
+#include <utility>
 
 #include "moments/world.h"
 #include "settings/config_window.h"
@@ -59,8 +60,11 @@ bool CardWatch::Dialog::maySave(const QString& path, const QByteArray& before, c
 CardWatch::CardWatch(World& world) : m_world(world), m_files(readAll()) {}
 
 void CardWatch::look(const ConfigWindow* dialog) {
-    if (!dialog || m_dialogs.empty())
+    const bool isNew = dialog != std::exchange(m_open, dialog);
+    if (!dialog)
         return;
+    if (isNew)
+        m_dialogs.emplace_back();
     m_dialogs.back().folder = dialog->settingFolder();
     m_dialogs.back().shown = dialog->values();
 }

@@ -23,9 +23,8 @@ class CardWatch {
 public:
     explicit CardWatch(World& world);
 
-    // The dialog as it is now; null where none is open.
+    // The settings dialog as it is now; null where none is open.
     void look(const ConfigWindow* dialog);
-    void opened() { m_dialogs.emplace_back(); }
     void confirmed() { m_dialogs.back().confirmed = true; }
     void chose(int RowValues::*value, int choice);
 
@@ -53,6 +52,7 @@ private:
 
     World& m_world;
     Files m_files;
+    const ConfigWindow* m_open = nullptr; // to be told apart from the one before, not to be used
     std::vector<Dialog> m_dialogs;
 };
 

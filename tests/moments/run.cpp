@@ -1,9 +1,12 @@
 #include "moments/run.h"
 
+#include <QAbstractEventDispatcher>
 #include <QApplication>
 #include <QDialog>
 #include <QEventLoop>
 #include <QTimer>
+#include <algorithm>
+#include <string_view>
 
 #include "moments/actions.h"
 #include "moments/virtual_time.h"
@@ -24,19 +27,28 @@ const ConfigWindow* settingsDialog() {
     return nullptr;
 }
 
-int totalWeight() {
-    int total = 0;
-    for (const Action& action : actions())
-        total += action.weight;
-    return total;
+int weightOf(const Action& action, Theme theme) {
+    constexpr int kLeaning = 8;
+    return action.theme == theme && theme != Theme::Any ? action.weight * kLeaning : action.weight;
 }
 
-int pickAction(Luck& luck) {
-    int at = luck.below(totalWeight());
-    int picked = 0;
-    while (at >= actions()[static_cast<std::size_t>(picked)].weight)
-        at -= actions()[static_cast<std::size_t>(picked++)].weight;
-    return picked;
+int pickAction(Luck& luck, Theme theme) {
+    int total = 0;
+    for (const Action& action : actions())
+        total += weightOf(action, theme);
+    int at = luck.below(total);
+    std::size_t picked = 0;
+    while (at >= weightOf(actions()[picked], theme))
+        at -= weightOf(actions()[picked++], theme);
+    return static_cast<int>(picked);
+}
+
+// Most runs begin with a folder that has clips.
+int firstAction(Luck& luck, Theme theme) {
+    const auto isDrop = [](const Action& action) { return action.name == std::string_view("drop"); };
+    if (luck.chance(25))
+        return pickAction(luck, theme);
+    return static_cast<int>(std::ranges::find_if(actions(), isDrop) - actions().begin());
 }
 
 } // namespace
@@ -45,9 +57,10 @@ std::vector<Step> stepsOf(quint32 seed, int count) {
     constexpr int kDelays[] = {0, 0, 5, 30, 90, 130, 450, 450, 700, 2600, 9000};
     Luck luck;
     luck.reseed(seed ^ 0x5EED);
+    const auto theme = static_cast<Theme>(luck.below(kThemes));
     std::vector<Step> steps;
     for (int i = 0; i < count; ++i) {
-        const int action = pickAction(luck);
+        const int action = i == 0 ? firstAction(luck, theme) : pickAction(luck, theme);
         const int delay = kDelays[luck.below(static_cast<int>(std::size(kDelays)))];
         steps.push_back({action, delay, static_cast<quint32>(luck.below(1 << 30))});
     }
@@ -65,8 +78,10 @@ Run::Run(quint32 seed, std::vector<Step> steps)
       m_viewer(std::make_unique<ViewerWatch>(*m_world)) {
     setIdleHook([this] {
         m_cards->look(settingsDialog());
-        m_world->jobs.turnEnds();
+        m_viewer->observe();
     });
+    connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::awake, this,
+            [this] { m_world->jobs.turnBegins(); });
     m_world->jobs.onStart([this] { m_cards->look(settingsDialog()); });
 }
 

@@ -37,6 +37,8 @@ public:
     CardWatch& cards() { return *m_cards; }
     ViewerWatch& viewer() { return *m_viewer; }
     Luck& luck() { return m_world->luck; }
+    // How many steps have begun.
+    std::size_t played() const { return m_next; }
     // The window that the user has before them: the innermost modal one, else the main window.
     QWidget* front() const;
 

@@ -22,8 +22,7 @@ public:
     // The longest that the thread has waited for jobs between two turns of the event loop, since the last
     // call of this.
     qint64 takeLongestWaitMs() { return std::exchange(m_longestMs, 0); }
-    // The event loop is about to wait.
-    void turnEnds() { m_inTurnMs = 0; }
+    void turnBegins() { m_inTurnMs = 0; }
 
 private:
     std::function<int()> m_latencyMs;

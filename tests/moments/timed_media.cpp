@@ -37,7 +37,8 @@ void TimedMedia::goOn() {
     if (!isOpen())
         return;
     if (isRunning()) {
-        transport.position = std::min<std::int64_t>(transport.position + passedMs * kUnitsPerMs, transport.duration);
+        transport.position =
+            std::min<std::int64_t>(transport.position + passedMs * kUnitsPerMs, transport.duration);
         deliverFrame();
     } else if (m_frameDueMs && *m_frameDueMs <= nowMs()) {
         m_frameDueMs.reset();

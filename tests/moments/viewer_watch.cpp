@@ -3,10 +3,12 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QTimer>
+#include <utility>
 
 #include "library/clip.h"
 #include "mainwindow/my_list_widget.h"
 #include "moments/hands.h"
+#include "moments/virtual_time.h"
 #include "moments/world.h"
 #include "playback/video_view.h"
 #include "sensors/widget_progress.h"
@@ -21,9 +23,6 @@ constexpr int kMomentMs = 400;
 // A tick, and the step of the made sensor data.
 constexpr int kBehindMs = 150;
 constexpr int kSampleMs = 300 + kBehindMs;
-// Nothing but opening a clip may hold the thread for longer than the first.
-constexpr int kLongestWaitMs = 100;
-constexpr int kLongestOpeningMs = 300;
 
 QString pathOf(const void* clip) {
     return clip ? static_cast<const Clip*>(clip)->file().absoluteFilePath() : QString();
@@ -31,18 +30,21 @@ QString pathOf(const void* clip) {
 
 } // namespace
 
-ViewerWatch::ViewerWatch(World& world) : m_world(world), m_last(look()) {
+ViewerWatch::ViewerWatch(World& world)
+    : m_world(world),
+      m_list(world.window->findChild<MyListWidget*>()),
+      m_panel(world.window->findChild<WidgetProgressA*>()),
+      m_ticks(world.window->findChild<QTimer*>(QStringLiteral("updateTimer"))),
+      m_last(look()) {
     m_world.onWarn = [this] { warned(m_world.warnings.takeLast()); };
 }
 
 ViewerWatch::Sight ViewerWatch::look() const {
     const MainWindow* window = m_world.window.get();
-    const auto* list = window->findChild<MyListWidget*>();
-    const auto* panel = window->findChild<WidgetProgressA*>();
-    const Player* player = m_world.mainView()->player();
-    const PanelState shown = panel->state();
-    return {.row = list->currentRow(),
-            .rows = list->count(),
+    const Player* player = m_world.player();
+    const PanelState shown = m_panel->state();
+    return {.row = m_list->currentRow(),
+            .rows = m_list->count(),
             .clip = player->clip(),
             .playing = window->isPlaying(),
             .modal = QApplication::activeModalWidget() != nullptr,
@@ -54,7 +56,7 @@ ViewerWatch::Sight ViewerWatch::look() const {
             .maximum = shown.progressMaximum,
             .speed = shown.speedKmh,
             .mapPlace = lastPlace(),
-            .ticks = window->findChild<QTimer*>(QStringLiteral("updateTimer"))->isActive()};
+            .ticks = m_ticks->isActive()};
 }
 
 QString ViewerWatch::lastPlace() const {
@@ -88,17 +90,15 @@ void ViewerWatch::afterMove(const Hands& hands, QPoint global) {
 }
 
 void ViewerWatch::warned(const QString& text) {
-    const auto* list = m_world.window->findChild<MyListWidget*>();
-    const Clip* clip = MyListWidget::clipOf(list->currentItem());
-    m_warnedSince = true;
+    const Clip* clip = MyListWidget::clipOf(m_list->currentItem());
     bool expected = true;
     if (text == QLatin1String("Failed to open clip file"))
-        expected = list->currentItem() && (!clip || m_world.mediaTrouble || !m_world.opens(pathOf(clip)));
+        expected = m_list->currentItem() && (!clip || m_world.mediaTrouble || !m_world.opens(pathOf(clip)));
     else if (text == QLatin1String("Please select proper folder"))
-        expected = list->count() == 0;
+        expected = m_list->count() == 0;
     if (!expected)
         m_world.fail(QStringLiteral("“%1” for no reason").arg(text));
-    if (m_world.mainView()->player()->clip() && expected && text.startsWith(QLatin1String("Failed")))
+    if (m_world.player()->clip() && expected && text.startsWith(QLatin1String("Failed")))
         m_world.fail(QStringLiteral("“%1” while a clip is open").arg(text));
 }
 
@@ -108,18 +108,27 @@ void ViewerWatch::before(const char* action, bool navigates) {
     m_stopped |= m_action == QLatin1String("stop");
 }
 
+void ViewerWatch::observe() {
+    Sight now = look();
+    if (!now.isLike(m_seen))
+        m_seenMs = nowMs();
+    m_played |= now.playing || m_world.media.isRunning();
+    m_seen = std::move(now);
+}
+
 void ViewerWatch::check(int quietMs) {
     const Sight now = look();
     checkButtons(now);
     checkChoice(now);
-    checkWaits(now);
+    checkWaits();
     if (now.clip != m_last.clip || now.row != m_last.row) {
         m_wasFullScreen = m_stopped = false;
     }
     m_wasFullScreen |= now.fullScreen || m_last.fullScreen;
     if (now.playing)
         m_stopped = false;
-    const bool settled = quietMs >= kMomentMs && !now.modal && !now.reading && !m_world.mediaTrouble;
+    const bool settled = quietMs >= kMomentMs && nowMs() - m_seenMs >= kMomentMs && !now.modal &&
+                         !now.reading && !m_world.mediaTrouble;
     if (settled && !m_wasFullScreen) {
         checkOneClip(now);
         checkOneTime(now);
@@ -130,7 +139,6 @@ void ViewerWatch::check(int quietMs) {
     m_isQuiet = settled && !m_wasFullScreen;
     m_quiet = m_last = now;
     m_navigated = false;
-    m_warnedSince = false;
 }
 
 void ViewerWatch::checkButtons(const Sight& now) {
@@ -145,7 +153,7 @@ void ViewerWatch::checkButtons(const Sight& now) {
 // Only the user, the end of a clip and a folder that has been read choose another clip.
 void ViewerWatch::checkChoice(const Sight& now) {
     const bool chosen = now.row != m_last.row || (now.clip && m_last.clip && now.clip != m_last.clip);
-    const bool ended = m_last.playing || m_last.ticks || m_world.media.isRunning();
+    const bool ended = std::exchange(m_played, false) || m_last.playing || m_last.ticks;
     if (chosen && !m_navigated && !ended && !m_last.reading)
         m_world.fail(
             QStringLiteral("row %1 became %2 after “%3”").arg(m_last.row).arg(now.row).arg(m_action));
@@ -153,16 +161,14 @@ void ViewerWatch::checkChoice(const Sight& now) {
         m_world.fail(QStringLiteral("a folder's first clip was opened behind a dialog"));
 }
 
-void ViewerWatch::checkWaits(const Sight& now) {
+void ViewerWatch::checkWaits() {
     const qint64 waited = m_world.longestWaitMs();
-    const bool opened = now.clip != m_last.clip || now.row != m_last.row || m_navigated || m_warnedSince;
-    if (waited > (opened || m_last.playing ? kLongestOpeningMs : kLongestWaitMs))
+    if (waited > kLongestStandstill.count())
         m_world.fail(QStringLiteral("the window stood still for %1 ms").arg(waited));
 }
 
 void ViewerWatch::checkOneClip(const Sight& now) {
-    const auto* list = m_world.window->findChild<MyListWidget*>();
-    const Clip* chosen = MyListWidget::clipOf(list->currentItem());
+    const Clip* chosen = MyListWidget::clipOf(m_list->currentItem());
     if (now.clip && now.clip != chosen)
         m_world.fail(QStringLiteral("%1 is open, not what the list marks").arg(pathOf(now.clip)));
     if (!now.clip && chosen && m_world.opens(pathOf(chosen)))
@@ -181,6 +187,9 @@ void ViewerWatch::checkOneTime(const Sight& now) {
     const qint64 behind = std::abs(now.positionMs - now.value);
     if (behind > (now.playing ? kBehindMs : 0))
         m_world.fail(QStringLiteral("the strip is at %1, the clip at %2").arg(now.value).arg(now.positionMs));
+    const bool neverTicked = !now.playing && now.positionMs < kBehindMs;
+    if (neverTicked)
+        return;
     // The speed of some time shortly before: of this clip, and of no other.
     const QString path = pathOf(now.clip);
     bool fits = false;

@@ -6,6 +6,13 @@
 #include <QRect>
 #include <QString>
 
+class QTimer;
+
+namespace ql240 {
+class MyListWidget;
+class WidgetProgressA;
+} // namespace ql240
+
 namespace ql240::moments {
 
 class Hands;
@@ -22,6 +29,8 @@ public:
     // Before an action is played. `quietMs`: how long nothing has been done.
     void before(const char* action, bool navigates);
     void check(int quietMs);
+    // Notes when something that shows has changed by itself; called in every turn of the event loop.
+    void observe();
     // A message is about to be shown.
     void warned(const QString& text);
 
@@ -42,11 +51,17 @@ private:
         int speed = 0;
         QString mapPlace;
         bool ticks = false;
+
+        // Whether it shows the same thing, at whatever time of the clip.
+        bool isLike(const Sight& other) const {
+            return row == other.row && rows == other.rows && clip == other.clip && playing == other.playing &&
+                   modal == other.modal && fullScreen == other.fullScreen && reading == other.reading;
+        }
     };
     Sight look() const;
     void checkButtons(const Sight& now);
     void checkChoice(const Sight& now);
-    void checkWaits(const Sight& now);
+    void checkWaits();
     void checkOneClip(const Sight& now);
     void checkOneTime(const Sight& now);
     void checkStillness(const Sight& now);
@@ -54,13 +69,19 @@ private:
     QString lastPlace() const;
 
     World& m_world;
+    const MyListWidget* m_list;
+    const WidgetProgressA* m_panel;
+    const QTimer* m_ticks;
     Sight m_last;
-    Sight m_quiet; // at the last check of a viewer that had been left alone
+    Sight m_seen;
+    qint64 m_seenMs = 0; // since when
+    Sight m_quiet;       // at the last check of a viewer that had been left alone
     bool m_isQuiet = false;
     bool m_navigated = false;
-    bool m_warnedSince = false;
+    bool m_played = false; // since the last check
     // The product's exceptions: full screen changes nothing of what is shown as playing; a stop leaves strip,
-    // speed and map where they were until something plays, steps or seeks.
+    // speed and map where they were until something plays, steps or seeks. So do the end of the only clip and
+    // a pause ahead of a clip's first tick, both at its beginning.
     bool m_wasFullScreen = false;
     bool m_stopped = false;
     QString m_action;

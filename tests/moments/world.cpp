@@ -69,6 +69,7 @@ World::World(quint32 seed)
     makeCards();
     fillHost();
     window = std::make_unique<MainWindow>(nullptr, Qt::FramelessWindowHint);
+    m_mainView = window->findChildren<VideoView*>().first(); // made first of the two
     window->setDialogs(std::make_unique<Dialogs>(*this));
     window->move(50, 50);
     window->show();
@@ -196,10 +197,6 @@ bool World::opens(const QString& path) const {
 int World::speedAt(const QString& path, qint64 ms) const {
     constexpr int kStepMs = 300;
     return 1 + 22 * indexOfClip(path) + static_cast<int>(ms / kStepMs);
-}
-
-VideoView* World::mainView() const {
-    return window->findChildren<VideoView*>().first();
 }
 
 std::optional<QString> World::browseForFolder(QWidget* owner, const FolderCallback& callback) {

@@ -14,6 +14,7 @@
 #include "moments/timed_media.h"
 #include "platform/folder_dialogs.h"
 #include "platform/wave_out.h"
+#include "playback/video_view.h"
 #include "support/fake_drives.h"
 #include "support/fake_inhibitor.h"
 #include "support/fake_sensor_library.h"
@@ -22,8 +23,6 @@
 
 namespace ql240 {
 class ConfigWindow;
-class MapView;
-class VideoView;
 } // namespace ql240
 
 namespace ql240::moments {
@@ -70,7 +69,7 @@ public:
     bool opens(const QString& path) const;
     // A value that only this clip's sensor data has at this time, as a speed; 0 for clips without data.
     int speedAt(const QString& path, qint64 ms) const;
-    VideoView* mainView() const;
+    const Player* player() const { return m_mainView->player(); }
     // Whether the map's page shows what it was last sent.
     bool mapIsLoaded() const { return pages.view && pages.view->isVisible(); }
     // The longest wait for a job since the last call of this.
@@ -109,6 +108,7 @@ private:
     void fillHost();
 
     QString m_failure;
+    VideoView* m_mainView = nullptr;
 };
 
 } // namespace ql240::moments
