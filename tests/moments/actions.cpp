@@ -118,7 +118,7 @@ void typeKey(Run& run) {
                              Qt::Key_F,        Qt::Key_Up,    Qt::Key_Down,  Qt::Key_Tab,    Qt::Key_Return,
                              Qt::Key_Escape,   Qt::Key_Home,  Qt::Key_End,   Qt::Key_R,      Qt::Key_E,
                              Qt::Key_Backspace};
-    const int key = kKeys[run.luck().below(static_cast<int>(std::size(kKeys)))];
+    const int key = run.luck().oneOf(kKeys);
     QWidget* front = run.front();
     if (qobject_cast<ConfigWindow*>(front) && (key == Qt::Key_Return || key == Qt::Key_Space))
         run.cards().confirmed(); // OK may have the focus
@@ -148,9 +148,7 @@ void drop(Run& run) {
     World& world = run.world();
     QMimeData data;
     const bool folder = run.luck().chance(60);
-    const QString path =
-        folder ? world.dropFolder()
-               : world.clips[static_cast<std::size_t>(run.luck().below(int(world.clips.size())))];
+    const QString path = folder ? world.someFolder() : world.someClip();
     data.setUrls({QUrl::fromLocalFile(path)});
     if (run.front() != world.window.get())
         return;
@@ -178,11 +176,10 @@ void changeActivity(Run& run) {
 // --- Dialogs in front ---
 
 void clickRow(Run& run, QWidget* window, std::span<const OptionRow> rows) {
-    const OptionRow& row = rows[static_cast<std::size_t>(run.luck().below(static_cast<int>(rows.size())))];
+    const OptionRow& row = run.luck().oneOf(rows);
     if (row.kind == RowKind::ShownOnly || row.choices.empty())
         return;
-    const Choice& choice =
-        row.choices[static_cast<std::size_t>(run.luck().below(static_cast<int>(row.choices.size())))];
+    const Choice& choice = run.luck().oneOf(row.choices);
     run.cards().chose(row.value, choice.value);
     run.hands().click(window, choice.hit.center());
 }
@@ -200,8 +197,7 @@ void useConfigWindow(Run& run, ConfigWindow* dialog) {
         case 3:
         case 4: {
             const auto& buttons = config::kPageButtons;
-            return clickIn(run, dialog,
-                           buttons[static_cast<std::size_t>(run.luck().below(int(buttons.size())))].place);
+            return clickIn(run, dialog, run.luck().oneOf(buttons).place);
         }
         case 5: {
             // The drives are the first list; the wheel and the arrow keys choose among them.
@@ -243,11 +239,11 @@ void useDialog(Run& run) {
 void changeReader(Run& run) {
     constexpr Reader kReaders[] = {Reader::Healthy, Reader::Healthy, Reader::Slow, Reader::Slow,
                                    Reader::Dead};
-    run.world().reader = kReaders[run.luck().below(5)];
+    run.world().reader = run.luck().oneOf(kReaders);
 }
 
 void moveCard(Run& run) {
-    CardSlot& card = run.world().cards[static_cast<std::size_t>(run.luck().below(3))];
+    CardSlot& card = run.luck().oneOf(run.world().cards);
     run.world().setInserted(card, !card.inserted);
 }
 

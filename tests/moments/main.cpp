@@ -1,8 +1,10 @@
 // Plays random runs on the viewer's real windows and says which of them found something wrong, shortened to
 // the few steps that it takes:
 //
-//     moments [--seeds COUNT] [--from SEED] [--steps COUNT]      all seeds, in processes of their own
-//     moments --worker --from SEED --seeds COUNT [--keep 3,5,8]  here, the steps named or all of them
+//     random_moments [--pipeline] [--seeds COUNT] [--from SEED]   in processes of their own
+//     random_moments --worker [--keep 3,5,8] …                    here, the steps named or all of them
+//
+// Over fakes a seed always goes the same way; on the pipeline it is tried again to be shortened.
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QProcess>
@@ -10,6 +12,7 @@
 #include <QTextStream>
 
 #include "base/language.h"
+#include "moments/pipeline_run.h"
 #include "moments/run.h"
 #include "moments/virtual_time.h"
 #include "widgets/fonts.h"
@@ -20,6 +23,7 @@ using namespace ql240::moments;
 namespace {
 
 struct Order {
+    bool pipeline = false;
     quint32 from = 1;
     int seeds = 200;
     int steps = 60;
@@ -31,8 +35,21 @@ QTextStream& out() {
     return stream;
 }
 
+Plan planOf(const Order& order) {
+    return order.pipeline ? pipelinePlan() : fakesPlan();
+}
+
+QStringList workerCall(const Order& order, quint32 from, quint32 seeds) {
+    QStringList call{QStringLiteral("--worker"),  QStringLiteral("--from"), QString::number(from),
+                     QStringLiteral("--seeds"),   QString::number(seeds),   QStringLiteral("--steps"),
+                     QString::number(order.steps)};
+    if (order.pipeline)
+        call << QStringLiteral("--pipeline");
+    return call;
+}
+
 std::vector<Step> wantedSteps(const Order& order, quint32 seed) {
-    const std::vector<Step> all = stepsOf(seed, order.steps);
+    const std::vector<Step> all = planOf(order).steps(seed, order.steps);
     if (!order.keep)
         return all;
     std::vector<Step> kept;
@@ -43,7 +60,8 @@ std::vector<Step> wantedSteps(const Order& order, quint32 seed) {
 
 // One line a seed, before it and after it: a process that dies has said which one it was.
 int work(const Order& order) {
-    startVirtualTime();
+    if (!order.pipeline)
+        startVirtualTime();
     installFontSubstitutes();
     int failed = 0;
     for (int i = 0; i < order.seeds; ++i) {
@@ -52,7 +70,7 @@ int work(const Order& order) {
         setCurrentLanguage(QStringLiteral("en"));
         QTemporaryDir home;
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(home.path()));
-        const QString failure = Run(seed, wantedSteps(order, seed)).play();
+        const QString failure = planOf(order).play(seed, wantedSteps(order, seed));
         out() << (failure.isEmpty() ? QStringLiteral("well") : QStringLiteral("wrong ") + failure)
               << Qt::endl;
         failed += !failure.isEmpty();
@@ -67,9 +85,7 @@ QString tryWorker(const Order& order, quint32 seed, const std::vector<int>& keep
         kept << QString::number(index);
     QProcess worker;
     worker.start(QCoreApplication::applicationFilePath(),
-                 {QStringLiteral("--worker"), QStringLiteral("--from"), QString::number(seed),
-                  QStringLiteral("--seeds"), QStringLiteral("1"), QStringLiteral("--steps"),
-                  QString::number(order.steps), QStringLiteral("--keep"), kept.join(QLatin1Char(','))});
+                 workerCall(order, seed, 1) << QStringLiteral("--keep") << kept.join(QLatin1Char(',')));
     worker.waitForFinished(-1);
     const QString said = QString::fromUtf8(worker.readAllStandardOutput());
     if (worker.exitStatus() == QProcess::NormalExit && worker.exitCode() == 0)
@@ -99,11 +115,11 @@ void shorten(const Order& order, quint32 seed) {
             }
         }
     }
-    const std::vector<Step> all = stepsOf(seed, order.steps);
+    const std::vector<Step> all = planOf(order).steps(seed, order.steps);
     out() << "seed " << seed << ": " << said << "\n  shortened to";
     for (const int index : kept) {
         const Step& step = all[static_cast<std::size_t>(index)];
-        out() << " [" << index << "] " << nameOf(step) << ", " << step.delayMs << " ms;";
+        out() << " [" << index << "] " << planOf(order).nameOf(step) << ", " << step.delayMs << " ms;";
     }
     out() << Qt::endl;
 }
@@ -115,10 +131,7 @@ int manage(const Order& order) {
     for (quint32 at = order.from; at < end;) {
         QProcess worker;
         worker.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        worker.start(QCoreApplication::applicationFilePath(),
-                     {QStringLiteral("--worker"), QStringLiteral("--from"), QString::number(at),
-                      QStringLiteral("--seeds"), QString::number(end - at), QStringLiteral("--steps"),
-                      QString::number(order.steps)});
+        worker.start(QCoreApplication::applicationFilePath(), workerCall(order, at, end - at));
         worker.waitForFinished(-1);
         const QStringList lines =
             QString::fromUtf8(worker.readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
@@ -151,18 +164,24 @@ int main(int argc, char** argv) {
     // Qt's own event loop over poll, which virtual time stands behind; and the same order in every hash.
     qputenv("QT_NO_GLIB", "1");
     qputenv("QT_HASH_SEED", "0");
+    qputenv("ALSOFT_LOGLEVEL", "0");
     qputenv("QT_LOGGING_RULES", "qt.qpa.*=false");
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     QCommandLineParser parser;
     parser.addOptions({{QStringLiteral("worker"), QString()},
+                       {QStringLiteral("pipeline"), QString()},
                        {QStringLiteral("from"), QString(), QStringLiteral("seed"), QStringLiteral("1")},
                        {QStringLiteral("seeds"), QString(), QStringLiteral("count"), QStringLiteral("200")},
                        {QStringLiteral("steps"), QString(), QStringLiteral("count"), QStringLiteral("60")},
                        {QStringLiteral("keep"), QString(), QStringLiteral("indices")}});
     parser.process(application);
     const auto number = [&](const char* name) { return parser.value(QLatin1String(name)).toInt(); };
-    Order order{static_cast<quint32>(number("from")), number("seeds"), number("steps"), {}};
+    Order order{parser.isSet(QStringLiteral("pipeline")),
+                static_cast<quint32>(number("from")),
+                number("seeds"),
+                number("steps"),
+                {}};
     if (parser.isSet(QStringLiteral("keep"))) {
         order.keep.emplace();
         for (const QString& index : parser.value(QStringLiteral("keep")).split(QLatin1Char(',')))

@@ -33,14 +33,7 @@ int weightOf(const Action& action, Theme theme) {
 }
 
 int pickAction(Luck& luck, Theme theme) {
-    int total = 0;
-    for (const Action& action : actions())
-        total += weightOf(action, theme);
-    int at = luck.below(total);
-    std::size_t picked = 0;
-    while (at >= weightOf(actions()[picked], theme))
-        at -= weightOf(actions()[picked++], theme);
-    return static_cast<int>(picked);
+    return luck.pick(actions(), [theme](const Action& action) { return weightOf(action, theme); });
 }
 
 // Most runs begin with a folder that has clips.
@@ -51,8 +44,6 @@ int firstAction(Luck& luck, Theme theme) {
     return static_cast<int>(std::ranges::find_if(actions(), isDrop) - actions().begin());
 }
 
-} // namespace
-
 std::vector<Step> stepsOf(quint32 seed, int count) {
     constexpr int kDelays[] = {0, 0, 5, 30, 90, 130, 450, 450, 700, 2600, 9000};
     Luck luck;
@@ -61,7 +52,7 @@ std::vector<Step> stepsOf(quint32 seed, int count) {
     std::vector<Step> steps;
     for (int i = 0; i < count; ++i) {
         const int action = i == 0 ? firstAction(luck, theme) : pickAction(luck, theme);
-        const int delay = kDelays[luck.below(static_cast<int>(std::size(kDelays)))];
+        const int delay = luck.oneOf(kDelays);
         steps.push_back({action, delay, static_cast<quint32>(luck.below(1 << 30))});
     }
     return steps;
@@ -69,6 +60,16 @@ std::vector<Step> stepsOf(quint32 seed, int count) {
 
 const char* nameOf(const Step& step) {
     return actions()[static_cast<std::size_t>(step.action)].name;
+}
+
+QString playRun(quint32 seed, const std::vector<Step>& steps) {
+    return Run(seed, steps).play();
+}
+
+} // namespace
+
+Plan fakesPlan() {
+    return {stepsOf, nameOf, playRun};
 }
 
 Run::Run(quint32 seed, std::vector<Step> steps)

@@ -9,20 +9,13 @@
 
 #include "moments/card_watch.h"
 #include "moments/hands.h"
+#include "moments/steps.h"
 #include "moments/viewer_watch.h"
 #include "moments/world.h"
 
 namespace ql240::moments {
 
-struct Step {
-    int action = 0; // of the table of actions
-    int delayMs = 0;
-    quint32 luck = 0;
-};
-
-// The steps of a seed.
-std::vector<Step> stepsOf(quint32 seed, int count);
-const char* nameOf(const Step& step);
+Plan fakesPlan();
 
 class Run : public QObject {
 public:

@@ -41,8 +41,7 @@ struct Dialogs : WindowDialogs {
         askUser(parent, title);
     }
     QString askOpenFile(QWidget* parent, const QString& caption, const QString&) override {
-        const QString chosen =
-            world.clips[static_cast<std::size_t>(world.luck.below(int(world.clips.size())))];
+        const QString chosen = world.someClip();
         return askUser(parent, caption) ? chosen : QString();
     }
     QString askSaveFile(QWidget* parent, const QString& caption, const QString& name,
@@ -114,7 +113,7 @@ QString World::makeFolder(const QString& name, int clipCount) {
     for (int i = 0; i < clipCount; ++i) {
         const char* kinds[] = {"REC", "EVS", "XYZ"};
         const auto clip = QStringLiteral("%1/%2_2013_04_05_12_%3_00.%4")
-                              .arg(folder, QLatin1String(kinds[luck.below(3)]))
+                              .arg(folder, QLatin1String(luck.oneOf(kinds)))
                               .arg(30 + i)
                               .arg(luck.chance(70) ? QLatin1String("mp4") : QLatin1String("avi"));
         write(clip, "clip");
@@ -136,7 +135,7 @@ void World::makeFolders() {
 
 // Values that no default is, so that a default on a card came from somewhere else.
 void World::makeCards() {
-    for (int i = 0; i < 3; ++i) {
+    for (std::size_t i = 0; i < cards.size(); ++i) {
         CardSlot card{root.filePath(QStringLiteral("drive%1").arg(i)), i == 0 ? "STICK" : "CAMERA", i > 0,
                       false};
         QDir().mkpath(card.drive);
@@ -150,7 +149,7 @@ void World::makeCards() {
             }
         }
         QDir().rename(card.drive, card.drive + QStringLiteral(".away"));
-        cards.push_back(card);
+        cards[i] = card;
     }
     for (CardSlot& card : cards)
         setInserted(card, luck.chance(60));
@@ -173,7 +172,7 @@ void World::setInserted(CardSlot& card, bool inserted) {
 }
 
 void World::loseClip() {
-    QFile::remove(clips[static_cast<std::size_t>(luck.below(static_cast<int>(clips.size())))]);
+    QFile::remove(someClip());
 }
 
 void World::setMediaTrouble(bool on) {
@@ -205,7 +204,7 @@ std::optional<QString> World::browseForFolder(QWidget* owner, const FolderCallba
         void enableOk(bool enabled) override { ok = enabled; }
         bool ok = false;
     } dialog;
-    const QString chosen = dropFolder();
+    const QString chosen = someFolder();
     callback(dialog, FolderMessage::Initialised, {});
     callback(dialog, FolderMessage::SelectionChanged, chosen);
     const bool accepted = askUser(owner, QStringLiteral("folder"));
@@ -218,7 +217,7 @@ int World::latencyMs() {
         case Reader::Healthy:
             return luck.below(8);
         case Reader::Slow:
-            return kSlow[luck.below(static_cast<int>(std::size(kSlow)))];
+            return luck.oneOf(kSlow);
         case Reader::Dead:
             return luck.chance(70) ? -1 : 30000;
     }

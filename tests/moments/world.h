@@ -4,13 +4,13 @@
 
 #include <QTemporaryDir>
 
-#include <map>
+#include <array>
 #include <memory>
-#include <random>
 #include <set>
 
 #include "mainwindow/main_window.h"
 #include "moments/slow_jobs.h"
+#include "moments/steps.h"
 #include "moments/timed_media.h"
 #include "platform/folder_dialogs.h"
 #include "platform/wave_out.h"
@@ -26,16 +26,6 @@ class ConfigWindow;
 } // namespace ql240
 
 namespace ql240::moments {
-
-class Luck {
-public:
-    void reseed(quint32 seed) { m_engine.seed(seed); }
-    int below(int limit) { return static_cast<int>(m_engine() % static_cast<quint32>(limit)); }
-    bool chance(int percent) { return below(100) < percent; }
-
-private:
-    std::mt19937 m_engine;
-};
 
 // How fast whatever is asked off the interface thread answers.
 enum class Reader { Healthy, Slow, Dead };
@@ -58,6 +48,9 @@ public:
     const QString& failure() const { return m_failure; }
 
     std::optional<QString> browseForFolder(QWidget* owner, const FolderCallback& callback) override;
+
+    QString someFolder() { return luck.oneOf(folders); }
+    QString someClip() { return luck.oneOf(clips); }
 
     // --- What the run changes ---
     void setInserted(CardSlot& card, bool inserted);
@@ -82,7 +75,7 @@ public:
     std::vector<QString> folders; // with clips, one clip, none, gone
     std::vector<QString> clips;   // paths, by index
     std::set<QString> broken;
-    std::vector<CardSlot> cards;
+    std::array<CardSlot, 3> cards;
     bool mediaTrouble = false;
 
     SlowJobs jobs;

@@ -1,0 +1,243 @@
+#include "moments/pipeline_run.h"
+
+#include <algorithm>
+#include <functional>
+
+#include "mainwindow/viewer.h"
+#include "moments/hands.h"
+#include "support/frame_code.h"
+
+namespace ql240::moments {
+namespace {
+
+using layout::ButtonId;
+
+constexpr int kClipMs = 6000;
+// How long a paused picture may take to be that of its position, also where other programs are busy. Less
+// than the pipeline's own patience with a seek that never ends.
+constexpr int kMomentMs = 2500;
+
+std::vector<TestClipSpec> clipKinds() {
+    TestClipSpec plain = Viewer::shortClip(kClipMs * 30 / 1000);
+    TestClipSpec two = plain;
+    two.videoStreams = 2;
+    two.secondSize = QSize(160, 90);
+    TestClipSpec reordered = plain;
+    reordered.bFrames = 2;
+    TestClipSpec avi = aviTestClip();
+    avi.size = plain.size;
+    avi.frames = kClipMs * avi.rate / 1000;
+    return {plain, avi, two, reordered};
+}
+
+class PipelineRun {
+public:
+    explicit PipelineRun(quint32 seed);
+
+    QString play(const std::vector<Step>& steps);
+
+    void press(ButtonId id) { hands.click(window(), window()->button(id)->geometry().center()); }
+    void key(int key, int repeats = 0) { hands.type(window(), key, {}, repeats); }
+    void seekTo(int ms);
+    void choose(int row) { viewer.list()->setCurrentRow(row); }
+    int clips() const { return static_cast<int>(m_kinds.size()); }
+
+    Luck luck;
+    Hands hands;
+
+private:
+    MainWindow* window() const { return viewer.window.get(); }
+    int shownFrame() const;
+    bool showsPosition() const;
+    void check(bool navigated);
+    void checkPaused();
+    void checkPlaying();
+    void fail(const QString& what);
+    const TestClipSpec& kind() const {
+        return m_kinds[static_cast<std::size_t>(viewer.list()->currentRow())];
+    }
+
+    Viewer viewer;
+    std::vector<TestClipSpec> m_kinds;
+    QString m_failure;
+    bool m_wasPlaying = true; // since the last seek or step
+    int m_row = 0;
+    qint64 m_positionMs = 0;
+    QElapsedTimer m_since;
+};
+
+struct PipelineAction {
+    const char* name;
+    int weight;
+    void (*perform)(PipelineRun&);
+    bool navigates = false;
+    bool moves = false; // to a frame of its own
+};
+
+constexpr PipelineAction kActions[] = {
+    {"play or pause", 20, [](PipelineRun& run) { run.key(Qt::Key_Space); }},
+    {"pause", 10, [](PipelineRun& run) { run.press(ButtonId::Pause); }},
+    {"stop", 4, [](PipelineRun& run) { run.press(ButtonId::Stop); }, false, true},
+    {"step", 10, [](PipelineRun& run) { run.key(run.luck.chance(50) ? Qt::Key_Left : Qt::Key_Right); }, false,
+     true},
+    {"hold right", 8, [](PipelineRun& run) { run.key(Qt::Key_Right, run.luck.below(70)); }, false, true},
+    {"hold left", 5, [](PipelineRun& run) { run.key(Qt::Key_Left, run.luck.below(30)); }, false, true},
+    {"seek", 14, [](PipelineRun& run) { run.seekTo(run.luck.below(kClipMs)); }, false, true},
+    {"seek to the end", 6, [](PipelineRun& run) { run.seekTo(kClipMs - run.luck.below(200)); }, false, true},
+    {"seek there and back", 6,
+     [](PipelineRun& run) {
+         run.seekTo(kClipMs - run.luck.below(60));
+         run.seekTo(run.luck.below(kClipMs / 2));
+     },
+     false, true},
+    {"zoom in and fit", 2,
+     [](PipelineRun& run) {
+         run.key(Qt::Key_Plus);
+         run.key(Qt::Key_0);
+     }},
+    {"next", 3, [](PipelineRun& run) { run.key(Qt::Key_PageDown); }, true},
+    {"previous", 2, [](PipelineRun& run) { run.key(Qt::Key_PageUp); }, true},
+    {"choose", 3, [](PipelineRun& run) { run.choose(run.luck.below(run.clips())); }, true},
+    {"sound", 2, [](PipelineRun& run) { run.key(Qt::Key_M); }},
+    {"wait", 8, [](PipelineRun&) {}},
+};
+
+PipelineRun::PipelineRun(quint32 seed) : m_kinds(clipKinds()) {
+    luck.reseed(seed);
+    std::shuffle(m_kinds.begin(), m_kinds.end(), std::mt19937(seed));
+    for (std::size_t i = 0; i < m_kinds.size(); ++i) {
+        const char* suffix = m_kinds[i].container == TestClipSpec::Container::Avi ? "avi" : "mp4";
+        viewer.addClip(QStringLiteral("drive/REC_2013_04_05_12_0%1_00.%2").arg(i).arg(QLatin1String(suffix)),
+                       m_kinds[i]);
+    }
+    viewer.show();
+    viewer.openFolder(viewer.path(QStringLiteral("drive")));
+    m_since.start();
+}
+
+void PipelineRun::fail(const QString& what) {
+    if (m_failure.isEmpty())
+        m_failure = what;
+}
+
+void PipelineRun::seekTo(int ms) {
+    hands.click(window(), Viewer::onStrip(ms, kClipMs));
+}
+
+// Where the picture stands on the screen; -1 for none.
+int PipelineRun::shownFrame() const {
+    VideoView* view = viewer.mainView();
+    return readFrameNumber(view->grab(fittedRect(view->size(), viewer.player()->videoSize(0))).toImage());
+}
+
+// After a seek or a step the very frame. Where playing was paused, a machine that is too slow may have left
+// frames out, and the frame that comes next may show already. A position is cut to whole milliseconds, so
+// that it may lie just before the frame that it means.
+bool PipelineRun::showsPosition() const {
+    constexpr int kLeftOut = 5;
+    const auto times = testClipFrameTimes(kind());
+    const auto frameAt = [&](qint64 ms) {
+        const auto after = std::upper_bound(times.begin(), times.end(), std::chrono::milliseconds(ms));
+        return std::max(0, static_cast<int>(after - times.begin()) - 1);
+    };
+    const int shown = shownFrame();
+    const qint64 ms = viewer.player()->positionMs();
+    if (m_wasPlaying)
+        return shown >= frameAt(ms) - kLeftOut && shown <= frameAt(ms) + 1;
+    return shown == frameAt(ms) || shown == frameAt(ms + 1);
+}
+
+void PipelineRun::checkPaused() {
+    const bool ended = viewer.player()->positionMs() >= viewer.player()->durationMs();
+    if (!ended && !QTest::qWaitFor([this] { return showsPosition(); }, kMomentMs))
+        return fail(QStringLiteral("paused at %1 of clip %2, frame %3 is shown")
+                        .arg(viewer.player()->positionMs())
+                        .arg(viewer.list()->currentRow())
+                        .arg(shownFrame()));
+    const qint64 before = viewer.player()->positionMs();
+    QTest::qWait(30);
+    if (viewer.player()->positionMs() != before)
+        fail(QStringLiteral("paused at %1, it went on").arg(before));
+}
+
+// It goes on, or it has ended and something else plays.
+void PipelineRun::checkPlaying() {
+    const auto* clip = viewer.player()->clip();
+    const qint64 before = viewer.player()->positionMs();
+    const auto goesOn = [&] {
+        return viewer.player()->clip() != clip || viewer.player()->positionMs() != before;
+    };
+    if (!QTest::qWaitFor(goesOn, kMomentMs))
+        fail(QStringLiteral("playing, it stands at %1 of clip %2")
+                 .arg(before)
+                 .arg(viewer.list()->currentRow()));
+}
+
+void PipelineRun::check(bool navigated) {
+    const int row = viewer.list()->currentRow();
+    // A clip may have ended that was near enough to its end.
+    const qint64 reached = m_positionMs + m_since.elapsed() + 100;
+    if (row != m_row && !navigated && reached < kClipMs)
+        fail(QStringLiteral("clip %1 was left at %2 by itself").arg(m_row).arg(m_positionMs));
+    m_wasPlaying |= window()->isPlaying();
+    if (window()->isPlaying())
+        checkPlaying();
+    else
+        checkPaused();
+    m_row = viewer.list()->currentRow();
+    m_positionMs = viewer.player()->positionMs();
+    m_since.start();
+}
+
+QString PipelineRun::play(const std::vector<Step>& steps) {
+    bool navigated = true;
+    for (const Step& step : steps) {
+        check(navigated);
+        if (!m_failure.isEmpty())
+            return m_failure;
+        const PipelineAction& action = kActions[step.action];
+        luck.reseed(step.luck);
+        // Where a seek goes, the clip may end soon after it.
+        m_positionMs = std::max<qint64>(m_positionMs, viewer.player()->positionMs());
+        action.perform(*this);
+        navigated = action.navigates;
+        if (action.moves && !window()->isPlaying())
+            m_wasPlaying = false;
+        m_positionMs = std::max<qint64>(viewer.player()->positionMs(), navigated ? 0 : m_positionMs);
+        if (QLatin1String(action.name) == QLatin1String("seek there and back"))
+            m_positionMs = viewer.player()->positionMs();
+        m_since.start();
+        QTest::qWait(step.delayMs);
+    }
+    check(navigated);
+    return m_failure;
+}
+
+std::vector<Step> stepsOf(quint32 seed, int count) {
+    constexpr int kDelays[] = {0, 0, 5, 30, 100, 250};
+    Luck luck;
+    luck.reseed(seed ^ 0xC11B);
+    std::vector<Step> steps;
+    for (int i = 0; i < count; ++i) {
+        const int action = luck.pick(kActions, [](const PipelineAction& each) { return each.weight; });
+        const int delay = luck.oneOf(kDelays);
+        steps.push_back({action, delay, static_cast<quint32>(luck.below(1 << 30))});
+    }
+    return steps;
+}
+
+const char* nameOf(const Step& step) {
+    return kActions[step.action].name;
+}
+
+QString play(quint32 seed, const std::vector<Step>& steps) {
+    return PipelineRun(seed).play(steps);
+}
+
+} // namespace
+
+Plan pipelinePlan() {
+    return {stepsOf, nameOf, play};
+}
+
+} // namespace ql240::moments
