@@ -47,7 +47,7 @@ ViewerWatch::Sight ViewerWatch::look() const {
             .rows = m_list->count(),
             .clip = player->clip(),
             .playing = window->isPlaying(),
-            .modal = QApplication::activeModalWidget() != nullptr,
+            .modal = QApplication::activeModalWidget(),
             .fullScreen = window->isFullScreen(),
             .reading = window->isReadingFolder(),
             .positionMs = player->positionMs(),
@@ -112,11 +112,15 @@ void ViewerWatch::observe() {
     Sight now = look();
     if (!now.isLike(m_seen))
         m_seenMs = nowMs();
+    // What a folder holds is shown when the dialog that is open has been closed.
+    if (now.modal && now.modal == m_seen.modal && m_seen.reading && now.row != m_seen.row)
+        m_world.fail(QStringLiteral("a folder's first clip was opened behind a dialog"));
     m_played |= now.playing || m_world.media.isRunning();
     m_seen = std::move(now);
 }
 
 void ViewerWatch::check(int quietMs) {
+    observe();
     const Sight now = look();
     checkButtons(now);
     checkChoice(now);
@@ -157,8 +161,6 @@ void ViewerWatch::checkChoice(const Sight& now) {
     if (chosen && !m_navigated && !ended && !m_last.reading)
         m_world.fail(
             QStringLiteral("row %1 became %2 after “%3”").arg(m_last.row).arg(now.row).arg(m_action));
-    if (now.modal && m_last.modal && m_last.reading && now.row != m_last.row)
-        m_world.fail(QStringLiteral("a folder's first clip was opened behind a dialog"));
 }
 
 void ViewerWatch::checkWaits() {

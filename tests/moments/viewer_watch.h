@@ -41,7 +41,7 @@ private:
         int rows = 0;
         const void* clip = nullptr;
         bool playing = false;
-        bool modal = false;
+        const void* modal = nullptr;
         bool fullScreen = false;
         bool reading = false;
         qint64 positionMs = 0;
