@@ -13,6 +13,7 @@
 #include <cstdio>
 
 #include "base/preferences.h"
+#include "platform/host.h"
 #include "platform/modules.h"
 #include "platform/web_engine_setup.h"
 #include "sensors/map_view.h"
@@ -134,7 +135,8 @@ int main(int argc, char** argv) {
     qputenv("XDG_CACHE_HOME", QFile::encodeName(home.path()));
     prepareWebEngine();
     QApplication application(argc, argv);
-    setModuleFolder(moduleFolderOf(QCoreApplication::applicationDirPath()));
+    MapModule module(moduleFolderOf(QCoreApplication::applicationDirPath()));
+    host().webPages = &module;
     TileServer server(QColor(0xf2efe9));
     for (const bool streets : {true, false}) {
         storeTileUrl(streets ? server.address() : QString());
@@ -155,6 +157,5 @@ int main(int argc, char** argv) {
                       : "map: memory of all processes without tiles, MB (PSS)",
               memoryMegabytes(), "-");
     }
-    releaseModules();
     return server.requests.isEmpty() ? 1 : 0;
 }

@@ -3,8 +3,6 @@
 #include <QCoreApplication>
 
 #include "platform/host.h"
-#include "platform/media_platform.h"
-#include "platform/modules.h"
 
 namespace ql240 {
 
@@ -20,7 +18,7 @@ LinuxHost::LinuxHost() : m_runningWindows(LocalRunningWindows::userFolder()) {
 }
 
 LinuxHost::~LinuxHost() {
-    m_volume.setListener({});
+    leaveApplication();
     host() = {};
 }
 
@@ -34,11 +32,20 @@ bool LinuxHost::initialise() {
 }
 
 void LinuxHost::enterApplication() {
-    setModuleFolder(moduleFolderOf(QCoreApplication::applicationDirPath()));
-    setMediaLoadedHandler([this](MediaPlatform& media) {
-        m_volume.setListener(
-            [&media](std::uint16_t left, std::uint16_t right) { media.setOutputVolume(left, right); });
-    });
+    const QString folder = moduleFolderOf(QCoreApplication::applicationDirPath());
+    m_media = std::make_unique<MediaModule>(folder);
+    m_webPages = std::make_unique<MapModule>(folder);
+    host().media = m_media.get();
+    host().webPages = m_webPages.get();
+    m_volume.setListener([this](auto left, auto right) { m_media->setOutputVolume(left, right); });
+}
+
+void LinuxHost::leaveApplication() {
+    m_volume.setListener({});
+    host().media = nullptr;
+    host().webPages = nullptr;
+    m_media.reset();
+    m_webPages.reset();
 }
 
 } // namespace ql240

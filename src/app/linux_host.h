@@ -2,11 +2,14 @@
 // object, one in a process. Interface thread only.
 #pragma once
 
+#include <memory>
+
 #include "platform/linux/desktop_inhibitor.h"
 #include "platform/linux/desktop_url_opener.h"
 #include "platform/linux/local_running_windows.h"
 #include "platform/linux/system_folder_dialogs.h"
 #include "platform/linux/udisks_drives.h"
+#include "platform/modules.h"
 #include "platform/sensor_files/sensor_file_library.h"
 #include "platform/wave_out.h"
 
@@ -22,8 +25,9 @@ public:
     // False when there is no display to show a window on.
     bool initialise();
 
-    // What needs the application object: where the modules are.
+    // Completes the table with what needs the application object, and must go before it.
     void enterApplication();
+    void leaveApplication();
 
 private:
     UDisksDrives m_drives;
@@ -33,6 +37,8 @@ private:
     SensorFileLibrary m_sensorLibrary;
     DesktopUrlOpener m_urlOpener;
     OutputVolume m_volume;
+    std::unique_ptr<MediaModule> m_media;
+    std::unique_ptr<MapModule> m_webPages;
 };
 
 } // namespace ql240

@@ -20,7 +20,6 @@
 #include "mainwindow/main_window.h"
 #include "platform/host.h"
 #include "platform/media_platform.h"
-#include "platform/modules.h"
 #include "platform/running_windows.h"
 #include "platform/web_engine_setup.h"
 #include "settings/config_window.h"
@@ -81,10 +80,7 @@ int runViewer(QSplashScreen& splash) {
         return kHandedOver;
     MainWindow window(nullptr, Qt::FramelessWindowHint);
     // Nothing of the media module delays the sight of the window, nor the first clip after it.
-    QObject::connect(&window, &MainWindow::firstPainted, &window, [] {
-        if (MediaPlatform* media = requireMediaPlatform())
-            media->warmUp();
-    });
+    QObject::connect(&window, &MainWindow::firstPainted, &window, [] { host().media->warmUp(); });
     window.setWindowTitle(QCoreApplication::translate("ql240::MainWindow", "QL240 Viewer"));
     window.show();
     QCoreApplication::processEvents();
@@ -134,7 +130,7 @@ int startUp(int argc, char** argv) {
     InstanceWindows instances({viewerTitle(), settingTitle()});
     // The toolkit has taken its own options out.
     const int result = argc == 1 ? runViewer(splash) : runSettings();
-    releaseModules();
+    platform.leaveApplication();
     return result;
 }
 

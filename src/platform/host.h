@@ -1,6 +1,6 @@
 // What the host system gives the program, as one table of interfaces. `app/` fills it once at start-up, tests
-// fill it with fakes; everything else only reads it. Interface thread only. Pointers are not owned; an entry
-// may be null until the module behind it has been asked for.
+// fill it with fakes; everything else only reads it. The program's table is complete before its first window
+// and stays as it is until the last one is gone. Interface thread only. Pointers are not owned.
 #pragma once
 
 namespace ql240 {

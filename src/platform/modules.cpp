@@ -1,94 +1,69 @@
 #include "platform/modules.h"
 
-#include "platform/host.h"
-#include "platform/media_platform.h"
-#include "platform/web_engine_setup.h"
-#include "platform/web_pages.h"
-
 #include <QDir>
 #include <QLibrary>
 
-#include <memory>
-#include <utility>
+#include "platform/web_engine_setup.h"
 
 namespace ql240 {
-
-namespace {
-
-// One module: the file, its factory, and the object that the factory made.
-template <typename Interface>
-struct Module {
-    const char* file;
-    const char* factory;
-    bool tried = false;
-    std::unique_ptr<Interface> made;
-
-    Interface* require(const QString& folder) {
-        if (!tried && !folder.isEmpty()) {
-            tried = true;
-            // The library stays loaded until the process ends: code of it may still be on the stack of other
-            // threads.
-            QLibrary library(folder + QLatin1Char('/') + QLatin1String(file));
-            using Create = Interface* (*)();
-            if (auto create = reinterpret_cast<Create>(library.resolve(factory)))
-                made.reset(create());
-        }
-        return made.get();
-    }
-};
-
-struct Modules {
-    QString folder;
-    std::function<void(MediaPlatform&)> mediaLoaded;
-    Module<MediaPlatform> media{"libql240-media.so", kCreateMediaPlatform, false, nullptr};
-    Module<WebPages> map{"libql240-map.so", kCreateWebPages, false, nullptr};
-};
-
-Modules& modules() {
-    static Modules table;
-    return table;
-}
-
-} // namespace
-
-void setModuleFolder(const QString& path) {
-    modules().folder = path;
-}
 
 QString moduleFolderOf(const QString& programFolder) {
     return QDir::cleanPath(programFolder + QLatin1String("/../lib/ql240"));
 }
 
-void setMediaLoadedHandler(std::function<void(MediaPlatform&)> handler) {
-    modules().mediaLoaded = std::move(handler);
-}
-
-MediaPlatform* requireMediaPlatform() {
-    Host& table = host();
-    if (!table.media) {
-        table.media = modules().media.require(modules().folder);
-        if (table.media && modules().mediaLoaded)
-            modules().mediaLoaded(*table.media);
+template <typename Interface>
+Interface* LazyModule<Interface>::get() {
+    if (!std::exchange(m_tried, true)) {
+        // The library stays loaded until the process ends: code of it may still be on the stack of other
+        // threads.
+        QLibrary library(m_file);
+        using Create = Interface* (*)();
+        if (auto create = reinterpret_cast<Create>(library.resolve(m_factory)))
+            m_made.reset(create());
     }
-    return table.media;
+    return m_made.get();
 }
 
-WebPages* requireWebPages() {
-    Host& table = host();
-    if (!table.webPages && webEngineCanRun()) {
-        provideShareContext();
-        table.webPages = modules().map.require(modules().folder);
+MediaModule::MediaModule(const QString& folder)
+    : m_module(folder + QLatin1String("/libql240-media.so"), kCreateMediaPlatform) {}
+
+MediaPlatform* MediaModule::loaded() {
+    if (!m_loaded) {
+        m_loaded = m_module.get();
+        if (m_loaded && m_volume)
+            m_loaded->setOutputVolume(m_volume->first, m_volume->second);
     }
-    return table.webPages;
+    return m_loaded;
 }
 
-void releaseModules() {
-    if (host().media == modules().media.made.get())
-        host().media = nullptr;
-    modules().media.made.reset();
-    if (host().webPages == modules().map.made.get())
-        host().webPages = nullptr;
-    modules().map.made.reset();
+Status MediaModule::CoCreateInstance(const Guid& classId, IUnknown* outer, ClassContext context,
+                                     const Guid& iid, void** object) {
+    if (MediaPlatform* media = loaded())
+        return media->CoCreateInstance(classId, outer, context, iid, object);
+    *object = nullptr;
+    return kStatusClassNotRegistered;
+}
+
+void MediaModule::warmUp() {
+    if (MediaPlatform* media = loaded())
+        media->warmUp();
+}
+
+void MediaModule::setOutputVolume(std::uint16_t left, std::uint16_t right) {
+    m_volume = {left, right};
+    if (m_loaded)
+        m_loaded->setOutputVolume(left, right);
+}
+
+MapModule::MapModule(const QString& folder)
+    : m_module(folder + QLatin1String("/libql240-map.so"), kCreateWebPages) {}
+
+std::unique_ptr<WebPage> MapModule::createPage(QWidget* parent, WebPageEvents events) {
+    if (!webEngineCanRun())
+        return nullptr;
+    provideShareContext();
+    WebPages* pages = m_module.get();
+    return pages ? pages->createPage(parent, std::move(events)) : nullptr;
 }
 
 } // namespace ql240

@@ -1,33 +1,67 @@
-// The parts of the program that are shared objects of their own because what they link is slow to load: each
-// is loaded when it is first asked for. Interface thread only.
+// Stand-ins for what the program's modules make: shared objects of their own, because what they link is slow
+// to load. A stand-in takes its place in the host table from the start and loads its module when it is first
+// used; that is tried once, and without the module every use fails. Interface thread only; gone before the
+// application object, after everything that came from them.
 #pragma once
 
 #include <QString>
 
-#include <functional>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "platform/media_platform.h"
+#include "platform/web_pages.h"
 
 namespace ql240 {
-
-class MediaPlatform;
-class WebPages;
-
-// Says where the modules are. Until then nothing is loaded, so that tests run against what they put into the
-// host table and nothing else.
-void setModuleFolder(const QString& path);
 
 // The folder of the modules that belong to a program in `programFolder`: in the build tree as installed,
 // lib/ql240 beside the program's own folder.
 QString moduleFolderOf(const QString& programFolder);
 
-// The host table's entries; an empty one is filled from its module first. Null when the module is missing or
-// doesn't load; that is tried once.
-MediaPlatform* requireMediaPlatform();
-WebPages* requireWebPages();
+// What the factory of a module makes when it is first asked for.
+template <typename Interface>
+class LazyModule {
+public:
+    LazyModule(QString file, const char* factory) : m_file(std::move(file)), m_factory(factory) {}
 
-// Called once, when the media module has been loaded.
-void setMediaLoadedHandler(std::function<void(MediaPlatform&)> handler);
+    // Null without the module.
+    Interface* get();
 
-// Deletes what the modules made, before the application object goes. Whatever came from them must be gone.
-void releaseModules();
+private:
+    QString m_file;
+    const char* m_factory;
+    bool m_tried = false;
+    std::unique_ptr<Interface> m_made;
+};
+
+class MediaModule final : public MediaPlatform {
+public:
+    explicit MediaModule(const QString& folder);
+
+    // kStatusClassNotRegistered without the module.
+    Status CoCreateInstance(const Guid& classId, IUnknown* outer, ClassContext context, const Guid& iid,
+                            void** object) override;
+    void warmUp() override;
+    // Loads nothing: until the module is there, the volume is kept for it.
+    void setOutputVolume(std::uint16_t left, std::uint16_t right) override;
+
+private:
+    MediaPlatform* loaded();
+
+    LazyModule<MediaPlatform> m_module;
+    MediaPlatform* m_loaded = nullptr;
+    std::optional<std::pair<std::uint16_t, std::uint16_t>> m_volume;
+};
+
+class MapModule final : public WebPages {
+public:
+    explicit MapModule(const QString& folder);
+
+    std::unique_ptr<WebPage> createPage(QWidget* parent, WebPageEvents events) override;
+
+private:
+    LazyModule<WebPages> m_module;
+};
 
 } // namespace ql240

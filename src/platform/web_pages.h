@@ -46,7 +46,8 @@ class WebPages {
 public:
     virtual ~WebPages() = default;
 
-    // A page whose base colour is transparent. Starts the engine when it is the first.
+    // A page whose base colour is transparent. Starts the engine when it is the first; null where there is
+    // none.
     virtual std::unique_ptr<WebPage> createPage(QWidget* parent, WebPageEvents events) = 0;
 };
 

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "library/clip.h"
+#include "platform/host.h"
 #include "platform/media_platform.h"
-#include "platform/modules.h"
 #include "playback/graph_recipe.h"
 #include "playback/image_adjust.h"
 #include "playback/sample_handler.h"
@@ -32,11 +32,10 @@ bool isMp4Name(const QString& fileName) {
     return fileName.indexOf(QLatin1String(".mp4"), 0, Qt::CaseSensitive) > 0;
 }
 
-ComPtr<IGraphBuilder> newGraph(MediaPlatform* platform) {
+ComPtr<IGraphBuilder> newGraph(MediaPlatform& platform) {
     ComPtr<IGraphBuilder> graph;
-    if (platform)
-        platform->CoCreateInstance(class_id::kFilterGraph, nullptr, ClassContext::InprocServer,
-                                   IGraphBuilder::kIid, graph.putVoid());
+    platform.CoCreateInstance(class_id::kFilterGraph, nullptr, ClassContext::InprocServer,
+                              IGraphBuilder::kIid, graph.putVoid());
     return graph;
 }
 
@@ -67,11 +66,11 @@ bool Player::open(const Clip* clip, const Handlers& handlers, WindowToken host) 
     if (!clip)
         return false;
     m_state = 0;
-    MediaPlatform* platform = requireMediaPlatform();
+    MediaPlatform& platform = *ql240::host().media;
     m_graph = newGraph(platform);
     if (!m_graph)
         return false;
-    GraphRecipe recipe(*platform);
+    GraphRecipe recipe(platform);
     const bool opened = isMp4Name(clip->file().fileName()) ? openMp4(recipe, *clip, handlers)
                                                            : openAvi(recipe, *clip, handlers, host);
     if (opened)

@@ -10,7 +10,6 @@
 
 #include "base/preferences.h"
 #include "platform/host.h"
-#include "platform/modules.h"
 #include "platform/url_opener.h"
 #include "platform/web_pages.h"
 #include "sensors/map_page.h"
@@ -83,14 +82,13 @@ void MapView::loadMapPage() {
 }
 
 void MapView::startEngine() {
-    WebPages* pages = requireWebPages();
-    if (!pages)
-        return;
     WebPageEvents events;
     events.loadFinished = [this](bool ok) { loadFinished(ok); };
     events.renderProcessGone = [this] { pageLost(); };
     events.linkClicked = [this](const QUrl& address) { openLink(address); };
-    m_page = pages->createPage(m_webView, std::move(events));
+    m_page = host().webPages->createPage(m_webView, std::move(events));
+    if (!m_page)
+        return;
     m_page->widget()->setGeometry(QRect(QPoint(), kWebViewRect.size()));
     m_page->widget()->show();
     loadMapPage();

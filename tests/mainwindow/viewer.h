@@ -44,10 +44,11 @@ struct Viewer {
 
     Viewer() {
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(folder.filePath(QStringLiteral("config"))));
-        setModuleFolder(QStringLiteral(QL240_MODULES));
+        static MediaModule media(QStringLiteral(QL240_MODULES)); // made once in a process
         Host& table = host();
         table.drives = &drives;
         table.folderDialogs = &folderDialogs;
+        table.media = &media;
         table.sensorLibrary = &sensors;
         table.urlOpener = &urls;
         table.webPages = &pages;
@@ -55,9 +56,7 @@ struct Viewer {
     }
     ~Viewer() {
         window.reset();
-        MediaPlatform* media = host().media; // made once in a process
         host() = {};
-        host().media = media;
     }
 
     void show() {

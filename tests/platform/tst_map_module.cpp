@@ -87,13 +87,12 @@ private Q_SLOTS:
     void init() {
         m_window = std::make_unique<QWidget>();
         m_window->resize(325, 210);
-        WebPages* pages = requireWebPages();
-        QVERIFY(pages);
         WebPageEvents events;
         events.loadFinished = [this](bool ok) { m_loaded = ok; };
         events.renderProcessGone = [] {};
         events.linkClicked = [this](const QUrl& address) { m_links.append(address); };
-        m_page = pages->createPage(m_window.get(), std::move(events));
+        m_page = host().webPages->createPage(m_window.get(), std::move(events));
+        QVERIFY(m_page);
         m_page->widget()->resize(325, 210);
         m_window->show();
         load(mapPage(kSeoulLatitude, kSeoulLongitude));
@@ -240,11 +239,10 @@ private Q_SLOTS:
 int main(int argc, char** argv) {
     ql240::prepareWebEngine();
     QApplication application(argc, argv);
-    ql240::setModuleFolder(QStringLiteral(QL240_MODULES));
+    ql240::MapModule module(QStringLiteral(QL240_MODULES));
+    ql240::host().webPages = &module;
     ql240::TestMapModule test;
-    const int result = QTest::qExec(&test, argc, argv);
-    ql240::releaseModules();
-    return result;
+    return QTest::qExec(&test, argc, argv);
 }
 
 #include "tst_map_module.moc"

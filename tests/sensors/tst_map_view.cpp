@@ -120,7 +120,7 @@ private Q_SLOTS:
     }
 
     void worksWithoutTheModule() {
-        host().webPages = nullptr;
+        m_pages.missing = true;
         m_window->show();
         QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
         m_map->grab();

@@ -17,6 +17,7 @@ struct FakeWebPages : WebPages {
     QStringList scripts;
     int stops = 0;
     int made = 0;
+    bool missing = false; // no page can be made
 
     struct Page : WebPage {
         explicit Page(FakeWebPages& pages, QWidget* parent) : owner(pages), own(new QWidget(parent)) {
@@ -37,6 +38,8 @@ struct FakeWebPages : WebPages {
     };
 
     std::unique_ptr<WebPage> createPage(QWidget* parent, WebPageEvents pageEvents) override {
+        if (missing)
+            return nullptr;
         events = std::move(pageEvents);
         return std::make_unique<Page>(*this, parent);
     }

@@ -1,0 +1,26 @@
+// A media module for tests: it makes nothing, and every attempt is answered by what it was told so far.
+#include <QtGlobal>
+
+#include "platform/media_platform.h"
+
+namespace {
+
+class ToldMedia final : public ql240::MediaPlatform {
+public:
+    ql240::Status CoCreateInstance(const ql240::Guid&, ql240::IUnknown*, ql240::ClassContext,
+                                   const ql240::Guid&, void** object) override {
+        *object = nullptr;
+        return m_told;
+    }
+    void warmUp() override { m_told += 0x10000; }
+    void setOutputVolume(std::uint16_t left, std::uint16_t right) override { m_told = left * 0x100 + right; }
+
+private:
+    ql240::Status m_told = 0;
+};
+
+} // namespace
+
+extern "C" Q_DECL_EXPORT ql240::MediaPlatform* ql240CreateMediaPlatform() {
+    return new ToldMedia;
+}
