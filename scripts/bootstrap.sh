@@ -5,7 +5,7 @@ set -eu
 
 run="g++ cmake ninja-build pkg-config
     qt6-base-dev qt6-base-dev-tools qt6-svg-dev qt6-webengine-dev qt6-webengine-dev-tools qt6-declarative-dev qt6-wayland
-    libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev libyuv-dev libjs-leaflet
+    libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev libyuv-dev libjs-leaflet libxcb1-dev
     gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-plugins-bad gstreamer1.0-libav
     gstreamer1.0-alsa gstreamer1.0-pulseaudio gstreamer1.0-pipewire
     udisks2 dbus fonts-open-sans fonts-nanum tzdata ca-certificates xdg-utils"

@@ -10,16 +10,17 @@
 namespace ql240 {
 namespace {
 
-void bringToFront(QWidget* window) {
+void bringToFront(QWidget* window, const QByteArray& token) {
     window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
     window->raise();
-    window->activateWindow();
     // A dialog that keeps the window from input must not end up behind it.
     QWidget* modal = QApplication::activeModalWidget();
     if (modal && modal != window) {
+        window->activateWindow();
         modal->raise();
-        modal->activateWindow();
+        window = modal;
     }
+    host().runningWindows->activate(*window->windowHandle(), token);
 }
 
 } // namespace
@@ -44,13 +45,11 @@ bool InstanceWindows::eventFilter(QObject* object, QEvent* event) {
 }
 
 void InstanceWindows::announce(QWidget* window) {
-    auto announced = host().runningWindows->announceWindow(
-        window->windowTitle(), [window](int message, const QByteArray& token) {
-            if (message != kFocusMessage)
-                return;
-            host().runningWindows->useActivationToken(token);
-            bringToFront(window);
-        });
+    const auto handler = [window](int message, const QByteArray& token) {
+        if (message == kFocusMessage)
+            bringToFront(window, token);
+    };
+    auto announced = host().runningWindows->announceWindow(window->windowTitle(), handler);
     if (!announced)
         return;
     m_announced.insert(window, announced);

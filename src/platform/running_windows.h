@@ -6,6 +6,8 @@
 #include <functional>
 #include <memory>
 
+class QWindow;
+
 namespace ql240 {
 
 // The message that hands the focus over: the window that gets it comes to the front and becomes active.
@@ -32,12 +34,12 @@ public:
     // The window with this title; none when no running process announces it.
     virtual std::unique_ptr<RunningWindow> findWindow(const QString& title) = 0;
 
-    // Lets others find a window by `title` for as long as the result lives. Null when that title is taken by
-    // a running process, or cannot be announced at all.
+    // Lets others find a window by `title` for as long as the result lives: at once, or from when whoever has
+    // that title gives it up. Null when it cannot be announced at all.
     virtual std::shared_ptr<void> announceWindow(const QString& title, MessageHandler handler) = 0;
 
-    // Lets the next window that this process activates use a token that came with a message.
-    virtual void useActivationToken(const QByteArray& token) = 0;
+    // Gives the focus to a window of this process, by right of a token that came with a message.
+    virtual void activate(QWindow& window, const QByteArray& token) = 0;
 };
 
 } // namespace ql240

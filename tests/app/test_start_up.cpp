@@ -5,8 +5,12 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <cstdlib>
+
+#include <xcb/xcb.h>
 
 #include "app/instance_windows.h"
+#include "app/linux_host.h"
 #include "platform/host.h"
 #include "platform/linux/local_running_windows.h"
 #include "settings/config_window.h"
@@ -18,6 +22,34 @@ namespace {
 const QString kViewer = QStringLiteral("QL240 Viewer");
 const QString kSetting = QStringLiteral("QL240 Setting");
 constexpr int kBoundMs = 15000;
+
+// What windows ask of the window manager of the X server.
+class ActivationRequests {
+public:
+    ActivationRequests() : m_connection(xcb_connect(nullptr, nullptr)) {
+        const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data;
+        const std::uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+        const auto done =
+            xcb_change_window_attributes_checked(m_connection, screen->root, XCB_CW_EVENT_MASK, &events);
+        std::free(xcb_request_check(m_connection, done));
+    }
+    ~ActivationRequests() { xcb_disconnect(m_connection); }
+    Q_DISABLE_COPY_MOVE(ActivationRequests)
+
+    bool has(WId window, std::uint32_t time) {
+        while (xcb_generic_event_t* event = xcb_poll_for_event(m_connection)) {
+            const auto* message = reinterpret_cast<const xcb_client_message_event_t*>(event);
+            m_found |= (event->response_type & 0x7f) == XCB_CLIENT_MESSAGE && message->window == window &&
+                       message->data.data32[1] == time;
+            std::free(event);
+        }
+        return m_found;
+    }
+
+private:
+    xcb_connection_t* m_connection;
+    bool m_found = false;
+};
 
 } // namespace
 
@@ -125,6 +157,43 @@ private Q_SLOTS:
         dialog.close();
         QVERIFY(!isRunning(kSetting));
         QVERIFY(isRunning(kViewer));
+    }
+
+    // The tool's dialog has taken the title when the viewer's is opened.
+    void titleGoesToTheDialogThatStaysOpen() {
+        QProcess* tool = start({QStringLiteral("setting")});
+        QTRY_VERIFY_WITH_TIMEOUT(isRunning(kSetting), kBoundMs);
+        InstanceWindows instances({kViewer, kSetting});
+        ConfigWindow dialog;
+        dialog.show();
+        tool->kill();
+        QVERIFY(tool->waitForFinished(kBoundMs));
+        QTRY_VERIFY(isRunning(kSetting));
+        dialog.close();
+        QVERIFY(!isRunning(kSetting));
+    }
+
+    // By its own last input the window would be refused the focus: the user has clicked elsewhere since.
+    void windowComesUpAsOfTheClickThatStartedTheTool() {
+        if (QGuiApplication::platformName() != QLatin1String("xcb"))
+            QSKIP("X11 only");
+        constexpr std::uint32_t clickTime = 4711;
+        InstanceWindows instances({kViewer, kSetting});
+        ConfigWindow dialog;
+        dialog.show();
+        ActivationRequests requests;
+        start({QStringLiteral("setting")},
+              {{QStringLiteral("DESKTOP_STARTUP_ID"), QStringLiteral("launcher-1_TIME%1").arg(clickTime)}});
+        QTRY_VERIFY_WITH_TIMEOUT(requests.has(dialog.winId(), clickTime), kBoundMs);
+    }
+
+    void hostIsCompleteBeforeTheFirstWindow() {
+        LinuxHost platform;
+        platform.enterApplication();
+        const Host& table = host();
+        QVERIFY(table.drives && table.folderDialogs && table.inhibitor && table.runningWindows);
+        QVERIFY(table.sensorLibrary && table.urlOpener && table.waveOut);
+        QVERIFY(table.media && table.webPages);
     }
 
     void noDisplay_data() {

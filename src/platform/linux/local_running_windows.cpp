@@ -3,8 +3,10 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QStandardPaths>
+#include <QWindow>
 
 #include "platform/linux/window_socket.h"
+#include "platform/linux/x11_activation.h"
 
 namespace ql240 {
 namespace {
@@ -40,13 +42,17 @@ std::unique_ptr<RunningWindow> LocalRunningWindows::findWindow(const QString& ti
 
 std::shared_ptr<void> LocalRunningWindows::announceWindow(const QString& title, MessageHandler handler) {
     auto server = std::make_shared<WindowServer>(socketPath(title), std::move(handler));
-    return server->isListening() ? server : nullptr;
+    return server->isPossible() ? server : nullptr;
 }
 
-void LocalRunningWindows::useActivationToken(const QByteArray& token) {
+void LocalRunningWindows::activate(QWindow& window, const QByteArray& token) {
+    const QString platform = QGuiApplication::platformName();
     // The toolkit's Wayland side takes the token of its next activation from here.
-    if (!token.isEmpty() && QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
+    if (!token.isEmpty() && platform.startsWith(QLatin1String("wayland")))
         qputenv(kTokenVariables[0], token);
+    window.requestActivate();
+    if (const std::uint32_t time = timeOfStartUpId(token); time != 0 && platform == QLatin1String("xcb"))
+        activateOnX11(window, time);
 }
 
 } // namespace ql240

@@ -21,7 +21,7 @@ public:
 
     std::unique_ptr<RunningWindow> findWindow(const QString& title) override;
     std::shared_ptr<void> announceWindow(const QString& title, MessageHandler handler) override;
-    void useActivationToken(const QByteArray& token) override;
+    void activate(QWindow& window, const QByteArray& token) override;
 
 private:
     QByteArray socketPath(const QString& title) const;

@@ -15,6 +15,7 @@ namespace {
 
 constexpr int kAnswerWaitMs = 2000;
 constexpr int kClientLifeMs = 2000;
+constexpr int kRetryMs = 500;
 constexpr qsizetype kLongestLine = 4096;
 constexpr int kWaitingClients = 8;
 
@@ -86,22 +87,37 @@ private:
 
 WindowServer::WindowServer(QByteArray path, RunningWindows::MessageHandler handler)
     : m_path(std::move(path)), m_handler(std::move(handler)) {
-    if (!listenAt())
+    m_retry.setInterval(kRetryMs);
+    connect(&m_retry, &QTimer::timeout, this, &WindowServer::takeTurn);
+    takeTurn();
+}
+
+WindowServer::~WindowServer() {
+    // The lock goes last, so that nobody else's socket is removed.
+    if (m_phase == Phase::Listening)
+        unlink(m_path.constData());
+}
+
+void WindowServer::takeTurn() {
+    m_phase = lockPath();
+    if (m_phase == Phase::Waiting)
+        m_retry.start();
+    else
+        m_retry.stop();
+    if (m_phase != Phase::Listening)
         return;
     m_notifier = std::make_unique<QSocketNotifier>(m_socket.get(), QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, &WindowServer::acceptClient);
 }
 
-WindowServer::~WindowServer() {
-    // The lock goes last, so that nobody else's socket is removed.
-    if (isListening())
-        unlink(m_path.constData());
+WindowServer::Phase WindowServer::lockPath() {
+    m_lock = UniqueFd(open((m_path + ".lock").constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    if (m_lock.isValid() && flock(m_lock.get(), LOCK_EX | LOCK_NB) == 0)
+        return listenAt() ? Phase::Listening : Phase::Impossible;
+    return m_lock.isValid() && errno == EWOULDBLOCK ? Phase::Waiting : Phase::Impossible;
 }
 
 bool WindowServer::listenAt() {
-    m_lock = UniqueFd(open((m_path + ".lock").constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
-    if (!m_lock.isValid() || flock(m_lock.get(), LOCK_EX | LOCK_NB) != 0)
-        return false;
     // Whoever left a socket here is gone: the lock was free.
     unlink(m_path.constData());
     sockaddr_un address;

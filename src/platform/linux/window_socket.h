@@ -4,6 +4,7 @@
 #include <QByteArray>
 #include <QObject>
 #include <QSocketNotifier>
+#include <QTimer>
 #include <memory>
 
 #include "platform/linux/unique_fd.h"
@@ -11,19 +12,25 @@
 
 namespace ql240 {
 
-// The announcing end: listens from construction on, if isListening(), until it is destroyed.
+// The announcing end: listens at `path` until it is destroyed; where another does, it waits for its turn.
 class WindowServer : public QObject {
     Q_OBJECT
 public:
     WindowServer(QByteArray path, RunningWindows::MessageHandler handler);
     ~WindowServer() override;
 
-    bool isListening() const { return m_notifier != nullptr; }
+    bool isPossible() const { return m_phase != Phase::Impossible; }
 
 private:
+    enum class Phase { Waiting, Listening, Impossible };
+
+    void takeTurn();
+    Phase lockPath();
     bool listenAt();
     void acceptClient();
 
+    Phase m_phase = Phase::Waiting;
+    QTimer m_retry;
     QByteArray m_path;
     RunningWindows::MessageHandler m_handler;
     UniqueFd m_lock;
