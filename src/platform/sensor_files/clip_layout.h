@@ -40,7 +40,8 @@ struct ClipLayout {
     ByteRange gpsIndex; // the body of moov/"gps "
     ByteRange gps0;
     ByteRange gsen;
-    quint32 timescale = 0;           // of the whole file
+    quint32 timescale = 0; // of the whole file
+    std::optional<qint64> lengthMs;
     std::optional<qint64> createdAt; // seconds since 1970
 };
 

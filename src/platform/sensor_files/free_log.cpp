@@ -5,6 +5,7 @@
 #include <QtEndian>
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 #include "platform/sensor_files/nmea.h"
 #include "platform/sensor_files/sensor_formats.h"
@@ -17,6 +18,11 @@ constexpr qint64 kMaxLogBytes = qint64(16) * 1024 * 1024; // an hour's log has t
 constexpr qint64 kMaxRecords = 1 << 20;
 constexpr quint32 kEndMark = 0xFFFFFFFF;
 constexpr qint64 kBelievedStartMs = 60000; // how far the log's first line may be from the start told
+// A clock that is set right jumps: what is longer than a tunnel, or back by more than lines out of order are,
+// counts as the second that lies between two lines.
+constexpr qint64 kBelievedStepMs = 60000;
+constexpr qint64 kBelievedBackMs = 1000;
+constexpr qint64 kUsualStepMs = 1000;
 
 void readAccelerations(ByteSource& source, ByteRange table, SensorRecords& records) {
     RangeReader reader(source, table);
@@ -47,7 +53,7 @@ public:
             if (!isNumber || clock < 0) {
                 return;
             }
-            m_timeMs = sinceStart(clock);
+            m_timeMs = timeOf(clock);
             line = line.sliced(close + 1);
         }
         if (m_timeMs && line.startsWith('$')) {
@@ -56,17 +62,19 @@ public:
     }
 
 private:
-    qint64 sinceStart(qint64 clock) {
-        if (!m_zero) {
+    qint64 timeOf(qint64 clock) {
+        const qint64 last = std::exchange(m_clock, clock).value_or(clock);
+        if (!m_timeMs) {
             const bool believed = m_startedAt && std::llabs(clock - *m_startedAt) <= kBelievedStartMs;
-            m_zero = believed ? *m_startedAt : clock;
+            return believed ? clock - *m_startedAt : 0;
         }
-        return clock - *m_zero;
+        const qint64 step = clock - last;
+        return *m_timeMs + (step >= -kBelievedBackMs && step <= kBelievedStepMs ? step : kUsualStepMs);
     }
 
     std::optional<qint64> m_startedAt;
     SensorRecords& m_records;
-    std::optional<qint64> m_zero;
+    std::optional<qint64> m_clock; // of the last line that has one
     std::optional<qint64> m_timeMs;
 };
 

@@ -2,9 +2,10 @@
 // so many pairs of offset and size, big-endian; each block is a "free" box whose body begins "GPS ". The
 // record in it is found by its letters: 'A' or 'V', 'N' or 'S', 'E' or 'W'.
 #include <QtEndian>
+#include <vector>
 
 #include "platform/sensor_files/nmea.h"
-#include "platform/sensor_files/second_clock.h"
+#include "platform/sensor_files/second_records.h"
 #include "platform/sensor_files/sensor_formats.h"
 
 namespace ql240::sensorfiles {
@@ -21,9 +22,9 @@ T field(std::span<const char> bytes, size_t offset) {
     return qFromLittleEndian<T>(bytes.data() + offset);
 }
 
-QDateTime clockBefore(std::span<const char> block, size_t letters) {
+std::optional<qint64> clockBefore(std::span<const char> block, size_t letters) {
     const auto part = [&](size_t i) { return field<qint32>(block, letters - kClockSize + 4 * i); };
-    return utcClock(part(3), part(4), part(5), part(0), part(1), part(2));
+    return clockOf(part(3), part(4), part(5), part(0), part(1), part(2));
 }
 
 bool areLetters(std::span<const char> bytes) {
@@ -34,30 +35,34 @@ bool areLetters(std::span<const char> bytes) {
 // Where the letters stand: behind a clock that is one.
 std::optional<size_t> findLetters(std::span<const char> block) {
     for (size_t i = kHeadSize + kClockSize; i + kPlaceSize <= block.size(); ++i) {
-        if (areLetters(block.subspan(i, 3)) && clockBefore(block, i).isValid()) {
+        if (areLetters(block.subspan(i, 3)) && clockBefore(block, i)) {
             return i;
         }
     }
     return std::nullopt;
 }
 
-void addBlock(std::span<const char> block, SecondClock& clock, SensorRecords& records) {
-    const std::optional<size_t> letters = findLetters(block);
-    const qint64 timeMs = clock.next(letters ? clockBefore(block, *letters) : QDateTime());
-    if (!letters || block[*letters] != 'A') {
-        records.addNoFix(timeMs);
-        return;
-    }
-    const double latitude = fromDegreesAndMinutes(field<float>(block, *letters + 4));
-    const double longitude = fromDegreesAndMinutes(field<float>(block, *letters + 8));
-    records.addFix(timeMs, block[*letters + 1] == 'N' ? latitude : -latitude,
-                   block[*letters + 2] == 'E' ? longitude : -longitude);
-    records.addSpeed(timeMs, static_cast<double>(field<float>(block, *letters + 12)) * kKmhPerKnot);
-}
-
 bool isGpsBlock(std::span<const char> block) {
     return block.size() >= kHeadSize && qFromBigEndian<quint32>(block.data() + 4) == fourCc("free") &&
            qFromBigEndian<quint32>(block.data() + 8) == fourCc("GPS ");
+}
+
+SecondRecord readBlock(std::span<const char> block) {
+    SecondRecord record;
+    record.isRead = isGpsBlock(block);
+    const std::optional<size_t> letters = record.isRead ? findLetters(block) : std::nullopt;
+    if (!letters) {
+        return record;
+    }
+    record.clock = clockBefore(block, *letters);
+    if (block[*letters] == 'A') {
+        const double latitude = fromDegreesAndMinutes(field<float>(block, *letters + 4));
+        const double longitude = fromDegreesAndMinutes(field<float>(block, *letters + 8));
+        record.latitude = block[*letters + 1] == 'N' ? latitude : -latitude;
+        record.longitude = block[*letters + 2] == 'E' ? longitude : -longitude;
+        record.kmh = static_cast<double>(field<float>(block, *letters + 12)) * kKmhPerKnot;
+    }
+    return record;
 }
 
 } // namespace
@@ -66,22 +71,19 @@ void readGpsIndex(ByteSource& source, const ClipLayout& clip, SensorRecords& rec
     RangeReader index(source, clip.gpsIndex);
     index.u32(); // version
     const quint32 count = std::min<quint32>(index.u32().value_or(0), kMaxBlocks);
-    SecondClock clock;
+    std::vector<SecondRecord> seconds;
     std::array<char, kBlockBytes> bytes{};
     for (quint32 i = 0; i < count; ++i) {
         const std::optional<quint32> offset = index.u32();
         const std::optional<quint32> size = index.u32();
         if (!offset || !size) {
-            return;
+            break;
         }
         const std::span<char> wanted = std::span(bytes).first(std::min<size_t>(*size, bytes.size()));
         const std::span<const char> block = wanted.first(source.read(*offset, wanted));
-        if (isGpsBlock(block)) {
-            addBlock(block, clock, records);
-        } else {
-            clock.next({});
-        }
+        seconds.push_back(readBlock(block));
     }
+    addSecondRecords(seconds, clip.lengthMs, records);
 }
 
 } // namespace ql240::sensorfiles

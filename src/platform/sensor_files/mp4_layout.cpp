@@ -156,6 +156,10 @@ void readMovieHeader(ByteSource& source, const Box& box, ClipLayout& clip) {
         const quint64 created = number(full->reader, full->version == 1);
         number(full->reader, full->version == 1);
         clip.timescale = full->reader.u32().value_or(0);
+        const quint64 length = number(full->reader, full->version == 1);
+        if (clip.timescale > 0 && length > 0 && length <= std::numeric_limits<quint32>::max()) {
+            clip.lengthMs = static_cast<qint64>(length) * 1000 / clip.timescale;
+        }
         if (created > quint64(kSecondsFrom1904To1970) && created <= std::numeric_limits<quint32>::max()) {
             clip.createdAt = static_cast<qint64>(created) - kSecondsFrom1904To1970;
         }

@@ -1,9 +1,10 @@
 // Boxes or RIFF chunks "gps0" (32 byte records, one a second, little-endian) and "gsen" (three i8 of 16 a g),
 // as ExifTool documents them. The accelerations carry no times; five a second is the rate found in clips.
 #include <QtEndian>
+#include <vector>
 
 #include "platform/sensor_files/nmea.h"
-#include "platform/sensor_files/second_clock.h"
+#include "platform/sensor_files/second_records.h"
 #include "platform/sensor_files/sensor_formats.h"
 
 namespace ql240::sensorfiles {
@@ -13,23 +14,28 @@ constexpr qint64 kMaxRecords = 1 << 20;
 constexpr qint64 kAccelerationStepMs = 200;
 constexpr double kCountsPerUnit = 128.0 / 16.0;
 
-void readPositions(ByteSource& source, ByteRange table, SensorRecords& records) {
-    RangeReader reader(source, table);
-    SecondClock clock;
+SecondRecord readPosition(std::span<const char> bytes) {
+    const auto part = [&](size_t offset) { return static_cast<quint8>(bytes[offset]); };
+    SecondRecord record;
+    record.clock = clockOf(2000 + part(22), part(23), part(24), part(25), part(26), part(27));
+    const double latitude = fromDegreesAndMinutes(qFromLittleEndian<double>(bytes.data()));
+    const double longitude = fromDegreesAndMinutes(qFromLittleEndian<double>(bytes.data() + 8));
+    if (latitude != 0.0 || longitude != 0.0) {
+        record.latitude = latitude;
+        record.longitude = longitude;
+        record.kmh = qFromLittleEndian<quint16>(bytes.data() + 20);
+    }
+    return record;
+}
+
+void readPositions(ByteSource& source, const ClipLayout& clip, SensorRecords& records) {
+    RangeReader reader(source, clip.gps0);
+    std::vector<SecondRecord> seconds;
     std::array<char, 32> record{};
     for (qint64 i = 0; i < kMaxRecords && reader.read(record); ++i) {
-        const auto part = [&](int offset) { return static_cast<quint8>(record[offset]); };
-        const qint64 timeMs =
-            clock.next(utcClock(2000 + part(22), part(23), part(24), part(25), part(26), part(27)));
-        const double latitude = fromDegreesAndMinutes(qFromLittleEndian<double>(record.data()));
-        const double longitude = fromDegreesAndMinutes(qFromLittleEndian<double>(record.data() + 8));
-        if (latitude == 0.0 && longitude == 0.0) {
-            records.addNoFix(timeMs);
-        } else {
-            records.addFix(timeMs, latitude, longitude);
-            records.addSpeed(timeMs, qFromLittleEndian<quint16>(record.data() + 20));
-        }
+        seconds.push_back(readPosition(record));
     }
+    addSecondRecords(seconds, clip.lengthMs, records);
 }
 
 void readAccelerations(ByteSource& source, ByteRange table, SensorRecords& records) {
@@ -44,7 +50,7 @@ void readAccelerations(ByteSource& source, ByteRange table, SensorRecords& recor
 } // namespace
 
 void readPlainTables(ByteSource& source, const ClipLayout& clip, SensorRecords& records) {
-    readPositions(source, clip.gps0, records);
+    readPositions(source, clip, records);
     readAccelerations(source, clip.gsen, records);
 }
 

@@ -66,6 +66,30 @@ Track countingTrack() {
     return track;
 }
 
+// A second's clock as the record has it; none for a negative second.
+QList<int> clockOf(int second) {
+    if (second < 0)
+        return {0, 0, 0, 0, 0, 0, 0};
+    return {13 + second / 86400, 4, 5, second / 3600 % 24, second / 60 % 60, second % 60, 0};
+}
+
+// Records with these clocks whose speeds count up from 1, in a clip of a minute.
+QByteArray tableClip(const QList<int>& seconds) {
+    QByteArray records;
+    for (qsizetype i = 0; i < seconds.size(); ++i)
+        records += gps0Record(3724.5, 12707.5, int(i) + 1, clockOf(seconds[i]));
+    return mp4({}, {}, box("gps0", records));
+}
+
+QByteArray logClip(const QList<int>& seconds) {
+    QByteArray log;
+    for (qsizetype i = 0; i < seconds.size(); ++i) {
+        log += '[' + QByteArray::number(1365165000000 + seconds[i] * qint64(1000)) + ']' +
+               sentence("GPRMC,123000,A,3724.5,N,12707.5,E," + QByteArray::number((double(i) + 1) / 1.852));
+    }
+    return mp4({}, {}, box("free", box("gps ", log)));
+}
+
 qint32 speedAt(SensorFileLibrary& library, SensorLibrary::Handle handle, qint64 timeMs) {
     qint32 latitude = 0;
     qint32 longitude = 0;
@@ -184,6 +208,32 @@ private Q_SLOTS:
         }
         QCOMPARE(speedAt(library, handle, 1900 + shiftMs), 32);
         QCOMPARE(speedAt(library, handle, 1901 + shiftMs), -1);
+    }
+
+    void clocks_data() {
+        QTest::addColumn<QByteArray>("clip");
+        QTest::addColumn<QList<int>>("times");
+        const QList<int> everySecond{0, 1000, 2000, 3000, 4000};
+        const QList<int> tunnel{0, 1000, 2000, 38000, 39000};
+        QTest::newRow("records missing") << tableClip({0, 1, 2, 38, 39}) << tunnel;
+        QTest::newRow("records without a clock") << tableClip({0, -1, -1, 38, 39}) << tunnel;
+        QTest::newRow("a clock that stands, then is right") << tableClip({0, 1, 1, 38, 39}) << tunnel;
+        QTest::newRow("a clock that stands") << tableClip({7, 7, 7, 7, 7}) << everySecond;
+        QTest::newRow("set by years, set back") << tableClip({0, 86400, 86401, 1, 2}) << everySecond;
+        QTest::newRow("set by more than the clip has") << tableClip({0, 1, 40, 41, 75}) << everySecond;
+        QTest::newRow("two a second") << tableClip({0, 0, 1, 1, 2}) << QList<int>{0, 500, 1000, 1500, 2000};
+        QTest::newRow("log: lines missing") << logClip({0, 1, 2, 38, 39}) << tunnel;
+        QTest::newRow("log: set by years, set back") << logClip({0, 86400, 86401, 1, 2}) << everySecond;
+    }
+    void clocks() {
+        QFETCH(QByteArray, clip);
+        QFETCH(QList<int>, times);
+        SensorFileLibrary library;
+        const SensorLibrary::Handle handle = open(library, clip);
+        for (int i = 0; i < times.size(); ++i) {
+            QCOMPARE(speedAt(library, handle, times[i]), i + 1);
+            QCOMPARE(speedAt(library, handle, times[i] - 1), i == 0 ? -1 : i);
+        }
     }
 
     // A sample isn't there before its time, not even for a part of a millisecond.
