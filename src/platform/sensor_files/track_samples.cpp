@@ -9,7 +9,7 @@ constexpr qsizetype kMaxSampleBytes = qsizetype(64) * 1024;
 constexpr qsizetype kBatchBytes = qsizetype(16) * 1024;
 constexpr size_t kBatchSamples = 256;
 constexpr qint64 kMaxSamples = 1 << 20;
-constexpr qint64 kMaxTicks = qint64(1) << 53;
+constexpr qint64 kMaxTicks = qint64(1) << 52; // twice as many seconds still are ms of 64 bits
 
 qint64 ticksToMsUp(qint64 ticks, quint32 timescale) {
     const qint64 scale = timescale;

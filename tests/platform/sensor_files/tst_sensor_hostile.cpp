@@ -59,14 +59,20 @@ QByteArray fullTable(const char* type, quint32 count, const QByteArray& entries)
     return box(type, bigEndian(0, 4) + bigEndian(count, 4) + entries);
 }
 
+// The header of a movie or a track, which counts so many ticks a second.
+QByteArray header(const char* type, quint32 timescale) {
+    return box(type, QByteArray(12, '\0') + bigEndian(timescale, 4) + QByteArray(8, '\0'));
+}
+
 // A motion record at byte 8 and a motion track whose tables are as given.
-QByteArray clipWithTables(const QByteArray& tables) {
+QByteArray clipWithTables(const QByteArray& tables, quint32 timescale = 1000, const QByteArray& edits = {}) {
     const QByteArray description = fullTable("stsd", 1, box("camm", QByteArray(8, '\0')));
-    const QByteArray mdhd = box("mdhd", QByteArray(12, '\0') + bigEndian(1000, 4) + QByteArray(8, '\0'));
+    const QByteArray mdhd = header("mdhd", timescale);
     const QByteArray hdlr = box("hdlr", QByteArray(8, '\0') + "camm" + QByteArray(12, '\0'));
     const QByteArray stbl = box("stbl", description + tables);
     return box("mdat", motionPlace(1, 1)) +
-           box("moov", box("trak", box("mdia", mdhd + hdlr + box("minf", stbl))));
+           box("moov",
+               header("mvhd", timescale) + box("trak", edits + box("mdia", mdhd + hdlr + box("minf", stbl))));
 }
 
 QByteArray sizes(quint32 size, quint32 count) {
@@ -162,6 +168,14 @@ private Q_SLOTS:
         row("billions of samples", clipWithTables(times + oneChunk + chunks + sizes(28, 0xFFFFFFFF)), true);
         row("billions of empty samples", clipWithTables(times + oneChunk + chunks + sizes(0, 0xFFFFFFFF)));
         row("a sample of 4 GB", clipWithTables(times + oneChunk + chunks + sizes(0xFFFFFFFF, 0xFFFFFFFF)),
+            true);
+        const QByteArray late =
+            fullTable("elst", 1, bigEndian((1ULL << 53) - 1, 8) + QByteArray(8, '\xFF') + bigEndian(0, 4))
+                .replace(8, 1, "\1"); // the version with numbers of 64 bits
+        row("times without end",
+            clipWithTables(
+                fullTable("stts", 1, QByteArray(8, '\xFF')) + oneChunk + chunks + sizes(28, 0xFFFFFFFF), 1,
+                box("edts", late)),
             true);
         row("counts past the tables",
             clipWithTables(fullTable("stts", 0xFFFFFFFF, {}) + fullTable("stsc", 0xFFFFFFFF, {}) +
