@@ -3,6 +3,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QStringList>
+#include <cmath>
 
 namespace ql240 {
 namespace {
@@ -36,6 +37,11 @@ function go(lat, lng) {
 </html>
 )page";
 
+// The page takes no other: one would cost it the whole way.
+bool isOnEarth(const SensorSample& sample) {
+    return std::abs(sample.latitude) <= 90.0 && std::abs(sample.longitude) <= 180.0;
+}
+
 QString pointText(const SensorSample& sample) {
     return QStringLiteral("[%1,%2]").arg(sample.latitude, 0, 'f', 5).arg(sample.longitude, 0, 'f', 5);
 }
@@ -59,7 +65,7 @@ QString trackScript(const SensorTrack& track) {
         points.clear();
     };
     for (const SensorSample& sample : track) {
-        if (!sample.hasPosition()) {
+        if (!sample.hasPosition() || !isOnEarth(sample)) {
             endStretch();
             continue;
         }

@@ -4,6 +4,7 @@
 #include <QFileInfo>
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <limits>
 
 #include "platform/sensor_library.h"
@@ -31,10 +32,11 @@ QByteArray readTail(const QString& path) {
     return file.read(kTailSize);
 }
 
-// A decimal number, 0 for anything else. Qt's own conversion: its result for ties and limits is the
-// product's.
+// A decimal number, 0 for anything else, "nan" and "inf" too. Qt's own conversion: its result for ties and
+// limits is the product's.
 double toNumber(QByteArrayView field) {
-    return field.toByteArray().toDouble();
+    const double value = field.toByteArray().toDouble();
+    return std::isfinite(value) ? value : 0.0;
 }
 qint32 toInteger(QByteArrayView field) {
     return field.toByteArray().toInt();

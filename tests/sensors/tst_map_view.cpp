@@ -4,6 +4,7 @@
 #include <QTest>
 #include <QTimer>
 #include <clocale>
+#include <cmath>
 #include <limits>
 
 #include "base/preferences.h"
@@ -83,6 +84,9 @@ private Q_SLOTS:
         QTest::newRow("a tunnel parts the way")
             << trackScript({sampleAt(1, 2), sampleAt(1, 3), sampleAt(0, 3), sampleAt(1, 4)})
             << "setTrack([[[1.00000,2.00000],[1.00000,3.00000]],[[1.00000,4.00000]]])";
+        QTest::newRow("so does what is no place")
+            << trackScript({sampleAt(1, 2), sampleAt(std::nan(""), 2), sampleAt(1, 3), sampleAt(1, 999)})
+            << "setTrack([[[1.00000,2.00000]],[[1.00000,3.00000]]])";
         QTest::newRow("a stop is one point")
             << trackScript({sampleAt(1, 2), sampleAt(1, 2), sampleAt(1, 2.000001)})
             << "setTrack([[[1.00000,2.00000]]])";
