@@ -35,6 +35,9 @@ constexpr int kLoadLimitMs = 15000;
 constexpr int kFirstReviveMs = 1000;
 constexpr int kLastReviveMs = 60000;
 
+// One that has stood this long doesn't keep failing.
+constexpr int kSteadyMs = 10000;
+
 constexpr char kStreetTiles[] = "https://tile.openstreetmap.org/{z}/{x}/{y}.png";
 
 QString tileAddress() {
@@ -52,6 +55,7 @@ MapView::MapView(QWidget* parent)
       m_backdrop(skinPixmap(skinPath(QStringLiteral("screen")))),
       m_loadWatchdog(new QTimer(this)),
       m_reviveTimer(new QTimer(this)),
+      m_steadyTimer(new QTimer(this)),
       m_reviveDelayMs(kFirstReviveMs),
       m_trackScript(trackScript({})) {
     describePart(this, tr("Map"), QAccessible::Graphic);
@@ -60,8 +64,13 @@ MapView::MapView(QWidget* parent)
     m_loadWatchdog->setSingleShot(true);
     m_loadWatchdog->setInterval(kLoadLimitMs);
     connect(m_loadWatchdog, &QTimer::timeout, this, &MapView::giveUpLoad);
+    m_reviveTimer->setObjectName(QStringLiteral("reviveTimer"));
     m_reviveTimer->setSingleShot(true);
     connect(m_reviveTimer, &QTimer::timeout, this, &MapView::loadMapPage);
+    m_steadyTimer->setObjectName(QStringLiteral("steadyTimer"));
+    m_steadyTimer->setSingleShot(true);
+    m_steadyTimer->setInterval(kSteadyMs);
+    connect(m_steadyTimer, &QTimer::timeout, this, [this] { m_reviveDelayMs = kFirstReviveMs; });
     setFont(uiFont(8));
     loadMapPage();
 }
@@ -73,6 +82,7 @@ void MapView::loadMapPage() {
     m_webView->setAttribute(Qt::WA_OpaquePaintEvent, false);
     if (m_page) {
         m_reviveTimer->stop();
+        m_steadyTimer->stop();
         m_loadWatchdog->start();
         m_loaded = false;
         m_positionPending = false;
@@ -102,6 +112,7 @@ void MapView::loadFinished(bool ok) {
         reviveLater();
         return;
     }
+    m_steadyTimer->start();
     m_trackPending = m_tilesPending = true;
     sendPending();
 }
@@ -119,6 +130,7 @@ void MapView::giveUpLoad() {
 }
 
 void MapView::reviveLater() {
+    m_steadyTimer->stop();
     m_reviveTimer->start(m_reviveDelayMs);
     m_reviveDelayMs = std::min(2 * m_reviveDelayMs, kLastReviveMs);
 }

@@ -62,6 +62,7 @@ private:
     bool m_loaded = false;
     QTimer* m_loadWatchdog;
     QTimer* m_reviveTimer;
+    QTimer* m_steadyTimer;
     int m_reviveDelayMs;
 
     // What the page shown does not know yet.

@@ -242,6 +242,23 @@ private Q_SLOTS:
         QVERIFY(m_pages.view->isVisible());
     }
 
+    // Waits grow from trouble to trouble, until a page has stood for a while.
+    void longWaitsEnd() {
+        showLoaded();
+        QTimer* const revive = m_map->findChild<QTimer*>(QStringLiteral("reviveTimer"));
+        QTimer* const steady = m_map->findChild<QTimer*>(QStringLiteral("steadyTimer"));
+        for (const int waitMs : {1000, 2000, 4000}) {
+            m_pages.events.renderProcessGone();
+            QCOMPARE(revive->interval(), waitMs);
+            QVERIFY(!steady->isActive());
+            m_pages.events.loadFinished(true);
+        }
+        steady->start(1);
+        QTRY_VERIFY(!steady->isActive());
+        m_pages.events.renderProcessGone();
+        QCOMPARE(revive->interval(), 1000);
+    }
+
     void linksGoToTheBrowser() {
         showLoaded();
         m_pages.events.linkClicked(QUrl(QStringLiteral("https://www.openstreetmap.org/copyright")));
