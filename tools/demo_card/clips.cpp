@@ -1,5 +1,7 @@
 #include "demo_card/clips.h"
 
+#include <QtCore/QTimeZone>
+
 namespace ql240 {
 namespace {
 
@@ -13,7 +15,7 @@ constexpr int kMp4SoundRate = 32000;
 constexpr int kAviSoundRate = 16000;
 
 QDateTime seoulTime(int day, int hour, int minute, int second) {
-    return QDateTime(QDate(2013, 4, day), QTime(hour, minute, second), Qt::OffsetFromUTC, 9 * 3600);
+    return QDateTime(QDate(2013, 4, day), QTime(hour, minute, second), QTimeZone(9 * 3600));
 }
 
 QString clipName(const char* prefix, const QDateTime& start, const char* extension) {

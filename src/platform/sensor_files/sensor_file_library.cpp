@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QTimeZone>
 #include <cstdlib>
 #include <cstring>
 
@@ -26,7 +27,7 @@ SensorLibrary::Handle SensorFileLibrary::readClip(QIODevice& device) {
     ByteSource source(device);
     const ClipLayout clip = readClipLayout(source);
     m_records = readSensorRecords(source, clip);
-    m_createdAt = clip.createdAt ? QDateTime::fromSecsSinceEpoch(*clip.createdAt, Qt::UTC) : QDateTime();
+    m_createdAt = clip.createdAt ? QDateTime::fromSecsSinceEpoch(*clip.createdAt, QTimeZone::utc()) : QDateTime();
     return m_records.isEmpty() ? 0 : ++m_last;
 }
 
