@@ -5,6 +5,8 @@
 #include <QQuickWindow>
 #include <QStandardPaths>
 #include <QWebEngineProfile>
+#include <algorithm>
+#include <array>
 
 namespace ql240 {
 
@@ -18,10 +20,25 @@ constexpr char kUserAgent[] = "QL240-Viewer/" QL240_VERSION " (Linux desktop)";
 QtMessageHandler g_forward = nullptr;
 
 // While it starts, the engine tells how it is going to draw, and that it found no graphics driver, which it
-// was told to do without. The program logs nothing.
+// was told to do without. Qt 6.8's asks for one by OpenGL, then by Vulkan. The program logs nothing.
+bool isChatter(const QMessageLogContext& context, const QString& text) {
+    constexpr std::array beginnings{
+        "No suitable graphics backend found",
+        "QXcbIntegration: Cannot create platform",
+        "This plugin does not support createPlatform",
+        "QRhiGles2: Failed to create",
+        "Failed to create Vulkan instance",
+        "Failed to create platform Vulkan instance",
+        "QVulkanInstance: Failed to initialize",
+        "Unable to detect GPU vendor",
+    };
+    return qstrcmp(context.category, "qt.webenginecontext") == 0 ||
+           std::any_of(beginnings.begin(), beginnings.end(),
+                       [&](const char* beginning) { return text.startsWith(QLatin1String(beginning)); });
+}
+
 void dropChatter(QtMsgType type, const QMessageLogContext& context, const QString& text) {
-    if (qstrcmp(context.category, "qt.webenginecontext") != 0 &&
-        !text.startsWith(QLatin1String("No suitable graphics backend found")))
+    if (!isChatter(context, text))
         g_forward(type, context, text);
 }
 
