@@ -12,10 +12,15 @@ case ${1:-} in
     bookworm | trixie) release=$1 ;;
     *) sed -n '2,/^set -eu/{/^set -eu/d;s/^# \{0,1\}//;p}' "$0" >&2; exit 2 ;;
 esac
+if [ -n "${2:-}" ]; then
+    mkdir -p "$2"
+    root=$(cd "$2" && pwd)
+else
+    root=$(mktemp -d)
+    trap 'rm -rf --one-file-system "$root"' EXIT
+fi
 cd "$(dirname "$0")/.."
 mirror=${MIRROR:-$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Label: Debian' 'Component: main' | head -n 1)}
-root=${2:-$(mktemp -d)}
-[ -n "${2:-}" ] || trap 'rm -rf --one-file-system "$root"' EXIT
 
 # Each in a mount space of its own, so that nothing stays mounted.
 [ -x "$root/usr/bin/apt-get" ] || unshare --mount debootstrap --variant=minbase "$release" "$root" "$mirror"
