@@ -193,8 +193,8 @@ const KORVAMAP = (function () {
 
     function moveTo(latitude, longitude, newLevel) {
         const place = L.latLng(parseFloat(latitude), parseFloat(longitude));
-        if (!map)
-            return;
+        if (!map || !(Math.abs(place.lat) <= 90 && Math.abs(place.lng) <= 180))
+            return;     // beyond the earth, a damaged clip's place, there would be no end to the tiles
         if (newLevel && Number(newLevel) !== level) {
             level = Number(newLevel);
             streetZoom = level + levelToZoom;
