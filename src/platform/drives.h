@@ -19,8 +19,9 @@ class Drives {
 public:
     virtual ~Drives() = default;
 
-    // Asked afresh at each call, in the order of the device's name. Answers within 500 ms; empty when the
-    // host's service is absent, slow or gone.
+    // Asked afresh at each call, in the order of the device's name. Takes as long as the host's service does,
+    // which may be for ever: never to be called on the interface thread. Empty when the service is absent or
+    // gone.
     virtual QList<DriveInfo> removableDrives() = 0;
 };
 

@@ -20,7 +20,8 @@ using Interfaces = QMap<QString, QVariantMap>;
 using ManagedObjects = QMap<QDBusObjectPath, Interfaces>;
 using ByteStrings = QList<QByteArray>;
 
-// "key=value,key=value": device, mount (may be repeated), label, type, removable, media-removable.
+// "key=value,key=value": device, mount (may be repeated), label, type, removable, media-removable, media, fits (the
+// media that the drive takes, with spaces between them), optical.
 using DriveText = QMultiMap<QString, QString>;
 
 DriveText parseDrive(const QString& text) {
@@ -47,11 +48,15 @@ ByteStrings mountPoints(const DriveText& drive) {
 
 void addDrive(ManagedObjects& objects, const DriveText& drive, int number) {
     const QString root = QStringLiteral("/org/freedesktop/UDisks2/");
+    const QString yes = QStringLiteral("1");
     const QDBusObjectPath drivePath(root + QStringLiteral("drives/d%1").arg(number));
     const QDBusObjectPath blockPath(root + QStringLiteral("block_devices/b%1").arg(number));
     objects[drivePath][QStringLiteral("org.freedesktop.UDisks2.Drive")] = {
-        {QStringLiteral("Removable"), drive.value(QStringLiteral("removable"), QStringLiteral("1")) == u"1"},
-        {QStringLiteral("MediaRemovable"), drive.value(QStringLiteral("media-removable")) == u"1"}};
+        {QStringLiteral("Removable"), drive.value(QStringLiteral("removable"), yes) == yes},
+        {QStringLiteral("MediaRemovable"), drive.value(QStringLiteral("media-removable"), yes) == yes},
+        {QStringLiteral("Media"), drive.value(QStringLiteral("media"))},
+        {QStringLiteral("MediaCompatibility"), drive.value(QStringLiteral("fits")).split(u' ')},
+        {QStringLiteral("Optical"), drive.value(QStringLiteral("optical")) == yes}};
     const QString device =
         drive.value(QStringLiteral("device"), QStringLiteral("/dev/sd%1").arg(QChar(u'b' + number)));
     objects[blockPath][QStringLiteral("org.freedesktop.UDisks2.Block")] = {

@@ -4,32 +4,28 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
-#include <QDeadlineTimer>
 #include <QFile>
 #include <QMap>
 #include <QVariantMap>
 #include <algorithm>
 #include <atomic>
-#include <chrono>
+#include <limits>
 #include <vector>
 
 namespace ql240 {
 namespace {
 
-using namespace std::chrono_literals;
-
-constexpr auto kAnswerLimit = 500ms;
+constexpr int kNoLimit = std::numeric_limits<int>::max(); // for the bus library, any less is a time in ms
 
 using Interfaces = QMap<QString, QVariantMap>;
 using ManagedObjects = QMap<QString, Interfaces>;
 
 // A connection of its own for each question: the shared one of the process would outlive a restarted bus. It
-// is opened as to a peer and says hello itself, since that part of joining a bus otherwise blocks for 25 s on
-// a bus that accepts and then keeps silent.
+// is opened as to a peer and says hello itself, since that part of joining a bus otherwise gives up after 25
+// s on a bus that accepts and then keeps silent.
 class BusConnection {
 public:
-    explicit BusConnection(QDeadlineTimer limit)
-        : m_limit(limit), m_name(uniqueName()), m_bus(QDBusConnection::connectToPeer(address(), m_name)) {}
+    BusConnection() : m_name(uniqueName()), m_bus(QDBusConnection::connectToPeer(address(), m_name)) {}
     ~BusConnection() { QDBusConnection::disconnectFromPeer(m_name); }
     Q_DISABLE_COPY_MOVE(BusConnection)
 
@@ -42,10 +38,7 @@ public:
         return ask(hello).type() == QDBusMessage::ReplyMessage;
     }
 
-    QDBusMessage ask(const QDBusMessage& question) {
-        const auto left = int(std::max<qint64>(1, m_limit.remainingTime()));
-        return m_bus.call(question, QDBus::Block, left);
-    }
+    QDBusMessage ask(const QDBusMessage& question) { return m_bus.call(question, QDBus::Block, kNoLimit); }
 
 private:
     static QString address() {
@@ -58,7 +51,6 @@ private:
         return QStringLiteral("ql240-drives-%1").arg(++count);
     }
 
-    QDeadlineTimer m_limit;
     QString m_name;
     QDBusConnection m_bus;
 };
@@ -119,10 +111,18 @@ QString mountPoint(const QVariant& value) {
     return found;
 }
 
+// Whether the drive takes cards or is a stick, which often has its medium down as one that stays in. That the
+// drive itself can be unplugged says little: so can a hard disk at the USB port.
 bool isRemovable(const Interfaces& drive) {
     const QVariantMap properties = drive.value(QStringLiteral("org.freedesktop.UDisks2.Drive"));
-    return properties.value(QStringLiteral("Removable")).toBool() ||
-           properties.value(QStringLiteral("MediaRemovable")).toBool();
+    QStringList media = properties.value(QStringLiteral("MediaCompatibility")).toStringList();
+    media.append(properties.value(QStringLiteral("Media")).toString());
+    const bool optical = properties.value(QStringLiteral("Optical")).toBool() ||
+                         std::any_of(media.cbegin(), media.cend(), [](const QString& medium) {
+                             return medium.startsWith(QLatin1String("optical"));
+                         });
+    return !optical && (properties.value(QStringLiteral("MediaRemovable")).toBool() ||
+                        media.contains(QLatin1String("thumb")));
 }
 
 struct Volume {
@@ -156,7 +156,7 @@ QList<DriveInfo> removableVolumes(const ManagedObjects& objects) {
 } // namespace
 
 QList<DriveInfo> UDisksDrives::removableDrives() {
-    BusConnection bus{QDeadlineTimer(kAnswerLimit)};
+    BusConnection bus;
     if (!bus.join())
         return {};
     const auto question = QDBusMessage::createMethodCall(
