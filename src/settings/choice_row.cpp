@@ -58,15 +58,17 @@ void ChoiceRow::step(int by) {
 
 void ChoiceRow::keyPressEvent(QKeyEvent* event) {
     const bool ticks = m_row.kind == RowKind::TickBox;
+    if (ticks && event->key() != Qt::Key_Space)
+        return QWidget::keyPressEvent(event);
     switch (event->key()) {
         case Qt::Key_Space:
             return choose(ticks ? 0 : qMax(0, chosenIndex()));
         case Qt::Key_Left:
         case Qt::Key_Up:
-            return ticks ? QWidget::keyPressEvent(event) : step(-1);
+            return step(-1);
         case Qt::Key_Right:
         case Qt::Key_Down:
-            return ticks ? QWidget::keyPressEvent(event) : step(1);
+            return step(1);
         case Qt::Key_Home:
             return choose(0);
         case Qt::Key_End:

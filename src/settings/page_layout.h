@@ -15,6 +15,7 @@ struct PageLayout {
     QRect ok, cancel, close, titleBox;
     std::span<const OptionRow> rows = {};
     std::span<const PageLabel> labels = {};
+    bool enterCancels = false; // where confirming by habit would do harm
 };
 
 inline constexpr int kLineHeight = 24;
@@ -231,6 +232,7 @@ constexpr PageLayout warning() {
     PageLayout layout = tall(u"경고", "memory_warning_bg", {});
     layout.close = {509, 13, 21, 19};
     layout.titleBox = {55, 10, 100, 24};
+    layout.enterCancels = true;
     return layout;
 }
 

@@ -36,6 +36,8 @@ void SettingsPage::addButtons() {
     connect(ok, &QToolButton::clicked, this, &SettingsPage::OnSlotsOK);
     ImageButton* cancel = addTextButton(this, "cancel", m_layout.cancel, uiText(24));
     connect(cancel, &QToolButton::clicked, this, &SettingsPage::OnSlotsCancel);
+    if (m_layout.enterCancels)
+        cancel->setFocus();
     ImageButton* close = addCloseButton(this, m_layout.close);
     connect(close, &QToolButton::clicked, this, &SettingsPage::OnSlotsCancel);
 }
@@ -43,6 +45,11 @@ void SettingsPage::addButtons() {
 void SettingsPage::setValues(const RowValues& values) {
     m_values = values;
     refresh();
+}
+
+void SettingsPage::handBack(RowValues& values) const {
+    for (const OptionRow& row : m_layout.rows)
+        values.*row.value = m_values.*row.value;
 }
 
 void SettingsPage::refresh() {
@@ -97,7 +104,7 @@ void SettingsPage::keyPressEvent(QKeyEvent* event) {
     else if (!isEnter(event))
         QDialog::keyPressEvent(event);
     else if (!clickFocusedButton(this))
-        OnSlotsOK();
+        return m_layout.enterCancels ? OnSlotsCancel() : OnSlotsOK();
 }
 
 void SettingsPage::closeEvent(QCloseEvent* event) {

@@ -17,6 +17,8 @@ public:
     bool isConfirmed() const { return m_confirmed; }
     const RowValues& values() const { return m_values; }
     void setValues(const RowValues& values);
+    // Sets what this page edits, and nothing else.
+    void handBack(RowValues& values) const;
 
 public Q_SLOTS:
     void OnSlotsOK();

@@ -94,6 +94,10 @@ private Q_SLOTS:
         QCOMPARE(window.values().setsClock, 1);
         QTest::keyClick(clock, Qt::Key_Space);
         QCOMPARE(window.values().setsClock, 0);
+        for (const Qt::Key key : {Qt::Key_Home, Qt::Key_End, Qt::Key_Left, Qt::Key_Right}) {
+            QTest::keyClick(clock, key);
+            QCOMPARE(window.values().setsClock, 0);
+        }
         QCOMPARE(rowOf(window, &RowValues::tempoffvalue)->focusPolicy(), Qt::NoFocus);
     }
 
@@ -146,6 +150,23 @@ private Q_SLOTS:
         QTest::keyClick(window.focusWidget(), Qt::Key_Space);
         QVERIFY(answer.seen());
         QCOMPARE(window.values().brightvalue, 5);
+    }
+
+    // Whoever presses Enter at once hasn't read the warning.
+    void enterRefusesFormatting() {
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+            WindowBtn7 warning(nullptr);
+            showActive(warning);
+            QCOMPARE(nameOf(warning.focusWidget()), uiText(24));
+            QTest::keyClick(&warning, key);
+            QVERIFY(!warning.isVisible());
+            QVERIFY(!warning.isConfirmed());
+            warning.setFocus();
+            warning.OnSlotsApply();
+            warning.show();
+            QTest::keyClick(&warning, key);
+            QVERIFY(!warning.isConfirmed());
+        }
     }
 
     void screenReaderTree() {
