@@ -4,6 +4,7 @@
 #include <chrono>
 #include <memory>
 
+#include "platform/host.h"
 #include "settings/card.h"
 #include "settings/device_settings.h"
 
@@ -27,8 +28,8 @@ qint32 lookUp(const Table& table, int value) {
 
 } // namespace
 
-std::optional<CardAdjustment> readCardAdjustment() {
-    const QString folder = firstSettingFolder();
+std::optional<CardAdjustment> readCardAdjustment(Drives* drives) {
+    const QString folder = firstSettingFolder(drives);
     if (folder.isEmpty())
         return std::nullopt;
     DeviceSettings card(folder);
@@ -49,7 +50,7 @@ qint32 contrastOf(int contrastvalue) {
 void PictureAdjustment::loadPictureAdjustment() {
     auto read = std::make_shared<std::optional<CardAdjustment>>();
     m_jobs.forget();
-    m_jobs.start([read] { *read = readCardAdjustment(); },
+    m_jobs.start([read, drives = host().drives] { *read = readCardAdjustment(drives); },
                  [this, read] {
                      if (*read)
                          apply(**read);

@@ -23,7 +23,7 @@ struct CardAdjustment {
 
 // From the first removable drive with a settings folder; nothing when there is none. Blocks on the card: any
 // thread but the interface's.
-std::optional<CardAdjustment> readCardAdjustment();
+std::optional<CardAdjustment> readCardAdjustment(Drives* drives);
 
 // What the frames are adjusted by: brightness is added, contrast is in percent. A value that no card should
 // hold leaves the picture as it was recorded.

@@ -24,9 +24,9 @@ bool isInStrip(QPoint place) {
 }
 
 // The last drive whose version file opens decides. May block; any thread.
-std::optional<QString> lastVersionText() {
+std::optional<QString> lastVersionText(Drives* drives) {
     std::optional<QString> last;
-    for (const DriveInfo& drive : listRemovableDrives()) {
+    for (const DriveInfo& drive : listRemovableDrives(drives)) {
         if (std::optional<QString> text = openVersionText(updateFolder(drive.drive))) {
             last = std::move(text);
         }
@@ -242,7 +242,7 @@ void WidgetProgressA::loadCardModel() {
         return;
     }
     const auto version = std::make_shared<std::optional<QString>>();
-    m_cardJobs.start([version] { *version = lastVersionText(); },
+    m_cardJobs.start([version, drives = host().drives] { *version = lastVersionText(drives); },
                      [this, version] {
                          if (*version) {
                              setModelFromVersion(**version);

@@ -5,7 +5,6 @@
 #include <QFile>
 #include <QTextStream>
 
-#include "platform/host.h"
 #include "settings/card_files.h"
 
 namespace ql240 {
@@ -37,15 +36,14 @@ QByteArray readStart(CardFile& file, qsizetype limit) {
 
 } // namespace
 
-QList<DriveInfo> listRemovableDrives() {
-    Drives* drives = host().drives;
+QList<DriveInfo> listRemovableDrives(Drives* drives) {
     return drives ? drives->removableDrives() : QList<DriveInfo>();
 }
 
-QString findCardDrive() {
+QString findCardDrive(Drives* drives) {
     QString card;
-    const QList<DriveInfo> drives = listRemovableDrives();
-    for (const DriveInfo& info : drives) {
+    const QList<DriveInfo> list = listRemovableDrives(drives);
+    for (const DriveInfo& info : list) {
         if (openVersionFile(updateFolder(info.drive)).isOpen())
             card = info.drive;
     }
@@ -60,9 +58,9 @@ QString updateFolder(const QString& drive) {
     return cardFolderPath(drive, "update");
 }
 
-QString firstSettingFolder() {
-    const QList<DriveInfo> drives = listRemovableDrives();
-    for (const DriveInfo& info : drives) {
+QString firstSettingFolder(Drives* drives) {
+    const QList<DriveInfo> list = listRemovableDrives(drives);
+    for (const DriveInfo& info : list) {
         const QString folder = settingFolder(info.drive);
         if (QFile::exists(folder))
             return folder;

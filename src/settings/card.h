@@ -1,7 +1,8 @@
 // The camera's card among the removable drives, and its version file. Nothing is cached: drives come and go.
 // A drive is named by its mount point without trailing slash. Names on the card are found without regard to
 // case, so that a copy on a case-sensitive file system serves as well. Everything here may block on a dying
-// card reader; BackgroundJobs runs it on threads of their own. Any thread.
+// card reader; BackgroundJobs runs it on threads of their own. Any thread; `drives` are the host's, taken on
+// the interface thread, and null where the host has none to give.
 #pragma once
 
 #include <QList>
@@ -12,10 +13,10 @@
 
 namespace ql240 {
 
-QList<DriveInfo> listRemovableDrives();
+QList<DriveInfo> listRemovableDrives(Drives* drives);
 
 // The last removable drive whose version file opens; empty when there is none.
-QString findCardDrive();
+QString findCardDrive(Drives* drives);
 
 // The drive's "setting" and "update" folder, in the spelling found on the drive; where none exists, as it
 // would be made.
@@ -24,7 +25,7 @@ QString updateFolder(const QString& drive);
 
 // The settings folder of the first removable drive that has one; empty when none has. Where the picture
 // adjustment comes from, which does not ask for a version file.
-QString firstSettingFolder();
+QString firstSettingFolder(Drives* drives);
 
 // The lines of "version.txt" in the update folder, joined by "\n" with none after the last. `openVersionText`
 // is nothing when the file does not open, `readVersionText` is empty then. Past its first MiB the file is not

@@ -1,5 +1,8 @@
-// Reading a card off the interface thread, since a dying reader may hold a read for minutes.
+// Reading and saving a card off the interface thread, since a dying reader may hold either for minutes. The
+// card is touched only while one of these runs, so that it can be unmounted at any other time.
 #pragma once
+
+#include <sys/types.h>
 
 #include <optional>
 
@@ -8,15 +11,31 @@
 
 namespace ql240 {
 
+// Tells the file system under a folder from any other that may come to lie under it.
+struct FileSystemId {
+    dev_t device = 0;
+    ino_t folder = 0;
+    quint64 number = 0;
+    quint32 serial = 0; // of a FAT volume: two cards in one reader differ by nothing else
+
+    bool operator==(const FileSystemId&) const = default;
+};
+
 // What the settings dialog shows of one drive.
 struct CardContents {
     QString drive;
     QString settingFolder;
     QString updateFolder;
-    std::optional<QString> versionText; // nothing if there is no version file: then this is no card
+    std::optional<FileSystemId> fileSystem; // nothing if the drive could not be opened
+    std::optional<QString> versionText;     // nothing if there is no version file: then this is no card
     SettingValues values;
 };
 
 CardContents readCard(const QString& drive);
+
+// Writes `values`, and the camera's clock if there is a text for it, to the card that was read. False, and
+// nothing is written, if another file system lies under the drive's folder by now: that of another card, or
+// of the machine itself.
+bool saveCard(const CardContents& read, const SettingValues& values, const std::optional<QString>& clockText);
 
 } // namespace ql240

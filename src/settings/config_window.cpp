@@ -1,18 +1,18 @@
 #include "settings/config_window.h"
 
+#include <QApplication>
 #include <QComboBox>
-#include <QEventLoop>
-#include <QFile>
-#include <QFileDialog>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QMessageBox>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPixmapCache>
+#include <QWindow>
+#include <algorithm>
+#include <utility>
 
 #include "base/preferences.h"
-#include "settings/card.h"
+#include "platform/host.h"
 #include "settings/config_layout.h"
 #include "settings/dialog_parts.h"
 #include "settings/flat_fields.h"
@@ -33,11 +33,10 @@ constexpr std::array kShockPresets = {ShockPreset{1, 6, 5}, ShockPreset{2, 8, 7}
 
 } // namespace
 
-ConfigWindow::ConfigWindow(QWidget* parent) : QDialog(parent, Qt::FramelessWindowHint) {
+ConfigWindow::ConfigWindow(QWidget* parent)
+    : QDialog(parent, Qt::FramelessWindowHint), m_card(host().drives) {
     // The drives are asked while the widgets are made.
-    m_deadline.setSingleShot(true);
-    connect(&m_deadline, &QTimer::timeout, this, &ConfigWindow::pickCard);
-    readDrives();
+    m_card.look();
     // Before anything else: new window flags make every child take on its style again.
     m_helper.watchWindow(this);
     // The helper's flags alone would make a dialog with a parent a part of it.
@@ -67,12 +66,18 @@ ConfigWindow::ConfigWindow(QWidget* parent) : QDialog(parent, Qt::FramelessWindo
     m_rows.first()->setFocus();
 
     connect(m_drives, &QComboBox::currentIndexChanged, this, &ConfigWindow::loadData);
-    m_reader.wait(kPatience);
+    // The entry in view may be chosen as well, so that it no longer only stands in.
+    connect(m_drives, &QComboBox::activated, this, [this](int index) {
+        if (m_card.standsIn())
+            loadData(index);
+    });
+    connect(&m_card, &DialogCard::listed, this, &ConfigWindow::fillDrives);
+    connect(&m_card, &DialogCard::loaded, this, &ConfigWindow::showContents);
+    connect(&m_card, &DialogCard::phaseChanged, this, &ConfigWindow::refresh);
+    m_card.waitBriefly();
     setWindowTitle(tr("QL240 Setting"));
     QString unit;
     m_values.viewerSpeedUnit = readSpeedUnit(unit) && unit != QLatin1String("km") ? 2 : 1;
-
-    applySetClock();
     refresh();
 }
 
@@ -83,12 +88,9 @@ void ConfigWindow::setViewerSpeedUnit(qint32 unit) {
 
 // --- Values ---
 
-// While a drive is being read, or can't be, nothing that would be saved to it can be changed.
 bool ConfigWindow::isOperable(const OptionRow& row) const {
-    if (m_waiting)
-        return false;
     const bool onCard = row.value != &RowValues::viewerSpeedUnit;
-    return !onCard || m_drives->count() == 0 || !m_settingFolder.isEmpty();
+    return onCard ? m_card.isEditable() : !m_card.isAwaited();
 }
 
 void ConfigWindow::choose(const OptionRow& row, int value) {
@@ -98,8 +100,6 @@ void ConfigWindow::choose(const OptionRow& row, int value) {
         m_values.*row.value = value;
     if (row.value == &RowValues::sensitivityvalue)
         applyShockPreset();
-    if (row.value == &RowValues::setsClock)
-        applySetClock();
     refresh();
 }
 
@@ -130,9 +130,47 @@ void ConfigWindow::deriveShockPreset() {
 }
 
 void ConfigWindow::refresh() {
+    // A widget that is disabled hands the focus on, to Cancel in the end, which the second of two presses of
+    // a key would mean then.
+    if (QWidget* focused = focusWidget(); focused && isLocked(focused)) {
+        m_lostFocus = focused;
+        focused->clearFocus();
+    }
+    lockWidgets();
     for (ChoiceRow* row : std::as_const(m_rows))
         row->refresh();
+    if (m_lostFocus && !focusWidget() && !isLocked(m_lostFocus))
+        std::exchange(m_lostFocus, nullptr)->setFocus();
     update();
+}
+
+bool ConfigWindow::isLocked(const QWidget* widget) const {
+    if (m_card.isAwaited())
+        return widget != m_cancel && widget != m_close;
+    const auto* row = qobject_cast<const ChoiceRow*>(widget);
+    const bool opensPage =
+        std::find(m_pageButtons.begin(), m_pageButtons.end(), widget) != m_pageButtons.end();
+    return (row && !isOperable(row->row())) || (opensPage && !m_card.isEditable());
+}
+
+void ConfigWindow::lockWidgets() {
+    const bool awaited = m_card.isAwaited();
+    for (QWidget* widget : std::initializer_list<QWidget*>{m_drives, m_firmware, m_micom, m_languages, m_ok})
+        widget->setEnabled(!awaited);
+    lockPageButtons();
+    applySetClock();
+    if (awaited)
+        setCursor(Qt::BusyCursor);
+    else if (testAttribute(Qt::WA_SetCursor))
+        unsetCursor();
+}
+
+// A car has one battery system, and a page for each.
+void ConfigWindow::lockPageButtons() {
+    for (size_t i = 0; i < m_pageButtons.size(); ++i) {
+        const bool otherCar = (i == 4 && m_battery == u"24V") || (i == 5 && m_battery == u"12V");
+        m_pageButtons[i]->setEnabled(m_card.isEditable() && !otherCar);
+    }
 }
 
 // --- Events ---
@@ -193,6 +231,23 @@ void ConfigWindow::keyPressEvent(QKeyEvent* event) {
         OnSlotsOK();
 }
 
+// Without a parent the dialog would fall behind the window that opened it, which can't be reached meanwhile.
+// Window managers keep dialogs over their window only if they know them as such.
+void ConfigWindow::showEvent(QShowEvent* event) {
+    const QWidget* opener = QApplication::activeWindow();
+    if (isModal() && !parentWidget() && opener && opener != this) {
+        windowHandle()->setFlags(windowHandle()->flags() | Qt::Dialog);
+        windowHandle()->setTransientParent(opener->windowHandle());
+    }
+    QDialog::showEvent(event);
+}
+
+// A pointer that left has lost its busy look.
+void ConfigWindow::enterEvent(QEnterEvent* event) {
+    lockWidgets();
+    QDialog::enterEvent(event);
+}
+
 void ConfigWindow::changeEvent(QEvent* event) {
     if (event->type() == QEvent::LanguageChange)
         event->accept();
@@ -203,10 +258,7 @@ void ConfigWindow::changeEvent(QEvent* event) {
 // --- Commands ---
 
 void ConfigWindow::OnSlotsOK() {
-    if (m_waiting)
-        return;
-    Onapply();
-    if (!m_gaveUp)
+    if (!m_card.isAwaited() && apply())
         accept();
 }
 
@@ -219,10 +271,7 @@ void ConfigWindow::OnSlotsExit() {
 }
 
 void ConfigWindow::reject() {
-    if (m_waiting) {
-        m_gaveUp = true;
-        m_waiting->quit();
-    }
+    m_card.leave();
     QDialog::reject();
 }
 
@@ -240,68 +289,47 @@ void ConfigWindow::OnSlotsGmt() {
     m_zoneBias = window.selectedBias();
 }
 
-void ConfigWindow::OnSlotsEditor() {
-    const QString card = findCardDrive();
-    if (card.isEmpty()) {
-        auto* box = new QMessageBox(QMessageBox::NoIcon, QStringLiteral("QL240 Notification"),
-                                    QStringLiteral("No Disk "), QMessageBox::Ok);
-        box->setAttribute(Qt::WA_DeleteOnClose);
-        box->setModal(false);
-        box->show();
-        return;
-    }
-    const QString file = QFileDialog::getOpenFileName(this, QStringLiteral("QL240 Screen Saver, Load File"),
-                                                      QString(), QStringLiteral("QL240 Image Files(*.bin)"));
-    if (!file.isEmpty())
-        QFile::copy(file, card + QStringLiteral("/IMAGE/screensaver.bin"));
-}
-
-void ConfigWindow::runPage(SettingsPage& page) {
+bool ConfigWindow::runPage(SettingsPage&& page) {
+    if (!m_card.isEditable())
+        return false;
     page.setValues(m_values);
     page.exec();
     if (page.isConfirmed())
-        m_values = page.values();
+        page.handBack(m_values);
     refresh();
+    return page.isConfirmed();
 }
 
 void ConfigWindow::OnSlotsBtn0() {
-    WindowBtn0 page(this);
-    runPage(page);
+    runPage(WindowBtn0(this));
 }
 
 void ConfigWindow::OnSlotsBtn1() {
-    WindowBtn1 page(this);
-    runPage(page);
+    runPage(WindowBtn1(this));
 }
 
 void ConfigWindow::OnSlotsBtn2() {
     applyShockPreset();
-    WindowBtn2 page(this);
-    runPage(page);
-    deriveShockPreset();
+    if (runPage(WindowBtn2(this)))
+        deriveShockPreset();
     refresh();
 }
 
 void ConfigWindow::OnSlotsBtn3() {
-    WindowBtn3 page(this);
-    runPage(page);
-    if (m_values.timeoffvalue == 0)
+    if (runPage(WindowBtn3(this)) && m_values.timeoffvalue == 0)
         m_values.timeoffvalue = 1;
 }
 
 void ConfigWindow::OnSlotsBtn4() {
-    WindowBtn4 page(this);
-    runPage(page);
+    runPage(WindowBtn4(this));
 }
 
 void ConfigWindow::OnSlotsBtn5() {
-    WindowBtn5 page(this);
-    runPage(page);
+    runPage(WindowBtn5(this));
 }
 
 void ConfigWindow::OnSlotsBtn6() {
-    WindowBtn6 page(this);
-    runPage(page);
+    runPage(WindowBtn6(this));
 }
 
 } // namespace ql240

@@ -1,23 +1,19 @@
 // The settings dialog: the camera's configuration on its card, and the viewer's language and speed unit. Runs
 // modally from the main window or as the only window of the program. Interface thread only; what touches the
-// card runs on threads of its own, and the dialog stays usable whatever the card reader does.
+// card is DialogCard's, and the dialog stays usable whatever the card reader does.
 #pragma once
 
 #include <QDialog>
 #include <QPixmap>
-#include <QTimer>
+#include <QPointer>
 #include <array>
-#include <chrono>
-#include <optional>
-#include <vector>
 
 #include "base/background_jobs.h"
-#include "settings/card_jobs.h"
 #include "settings/choice_row.h"
+#include "settings/dialog_card.h"
 #include "widgets/window_helper.h"
 
 class QComboBox;
-class QEventLoop;
 class QLabel;
 
 namespace ql240 {
@@ -38,8 +34,9 @@ public:
     void setViewerSpeedUnit(qint32 unit);
 
     const RowValues& values() const { return m_values; }
+    const DialogCard& card() const { return m_card; }
     // The folder that OK writes to; empty while no drive has been read.
-    const QString& settingFolder() const { return m_settingFolder; }
+    QString settingFolder() const { return m_card.settingFolder(); }
 
 public Q_SLOTS:
     void OnSlotsOK();
@@ -47,6 +44,7 @@ public Q_SLOTS:
     void OnSlotsExit();
     void OnSlotsGetTime();
     void OnSlotsGmt();
+    // Copies a screen saver to the card, if there is one.
     void OnSlotsEditor();
     void OnSlotsBtn0();
     void OnSlotsBtn1();
@@ -57,8 +55,8 @@ public Q_SLOTS:
     void OnSlotsBtn6();
     // Loads the drive of that entry of the drive list.
     void loadData(int index);
-    // Saves to the card and applies the viewer's preferences; returns when the card has been written or the
-    // user gave up waiting for it.
+    // Saves to the card and applies the viewer's preferences; returns when the card has been found, read and
+    // written, or the user gave up waiting for that.
     void Onapply();
     // Shows firmware and micom version, and lets the car's battery system decide which cut-off page opens.
     void applyVersion(const QString& versionText);
@@ -69,11 +67,10 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
 
 private:
-    // What a card may keep the interface waiting before the dialog goes on without it.
-    static constexpr std::chrono::milliseconds kPatience{80};
-
     const RowValues& rowValues() const override { return m_values; }
     bool isOperable(const OptionRow& row) const override;
     void choose(const OptionRow& row, int value) override;
@@ -86,40 +83,33 @@ private:
     void addLanguageList();
     void nameForScreenReaders();
 
-    // config_window_card.cpp: loading, of all drives at first, to find the card among them, and of one when
-    // it is chosen; and saving.
-    void readDrives();
-    void readContents(const QStringList& drives);
-    void keepContents(int index, const CardContents& contents);
-    void pickCard();
-    void showContents(const CardContents& contents);
-    void showNoAnswer();
+    // config_window_card.cpp: what the card has to say, and what it is told.
+    void fillDrives();
+    void showDrive();
+    void showContents();
     // False if the user gave up waiting.
-    bool saveToCard();
-    bool waitForWriter();
+    bool apply();
     void applyPreferences();
     void retranslate();
+    void loadScreenSaver(const QString& card);
 
     QPixmap page() const;
     void pickPartition(int value);
     void applyShockPreset();
     void deriveShockPreset();
     void applySetClock();
-    void runPage(SettingsPage& page);
+    bool runPage(SettingsPage&& page);
+    // Shows the values, and lets be touched what may be.
     void refresh();
+    bool isLocked(const QWidget* widget) const;
+    void lockWidgets();
+    void lockPageButtons();
 
     RowValues m_values;
-    QString m_drive; // the drive text whose folders these are
-    QString m_settingFolder;
-    QString m_updateFolder;
+    QString m_battery; // of the car, as the card's version file has it
     QString m_zoneCode;
     int m_zoneBias = 0;
-    // The drives being read, and what has come of them; empty once one was picked.
-    QStringList m_asked;
-    std::vector<std::optional<CardContents>> m_contents;
-    // Runs while a slow card is being written.
-    QEventLoop* m_waiting = nullptr;
-    bool m_gaveUp = false;
+    DialogCard m_card;
 
     QPixmap m_dstMark;
     MarkImages m_marks;
@@ -139,9 +129,8 @@ private:
     ImageButton* m_close = nullptr;
     std::array<ImageButton*, 7> m_pageButtons = {};
     QList<ChoiceRow*> m_rows;
-    BackgroundJobs m_reader;
-    BackgroundJobs m_writer;
-    QTimer m_deadline;
+    QPointer<QWidget> m_lostFocus; // what had the focus when it was locked
+    BackgroundJobs m_copies;
     FlHlp m_helper;
 };
 

@@ -60,8 +60,8 @@ void ConfigWindow::addClock() {
 void ConfigWindow::applySetClock() {
     const bool sets = m_values.setsClock != 0;
     m_clock->setColours(sets ? Qt::black : kFaintText, sets ? Qt::white : kFaintGround);
-    m_clock->setEnabled(sets);
-    m_getTime->setEnabled(sets);
+    m_clock->setEnabled(sets && !m_card.isAwaited());
+    m_getTime->setEnabled(sets && !m_card.isAwaited());
 }
 
 void ConfigWindow::addPageButtons() {

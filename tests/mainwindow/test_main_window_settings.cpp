@@ -98,7 +98,7 @@ void TestMainWindowSettings::pictureAdjustment() {
     viewer().drives.drives = {{viewer().path(QStringLiteral("nocard")), {}, {}}, {card.drive(), {}, {}}};
     card.put(QStringLiteral("setting/setbrightvalue.dat"), bright);
     card.put(QStringLiteral("setting/setcontrastvalue.dat"), contrast);
-    const auto read = readCardAdjustment();
+    const auto read = readCardAdjustment(host().drives);
     QVERIFY(read && read->ownFiles);
     const QList<int> numbers{brightnessOf(read->ownFiles->brightvalue),
                              contrastOf(read->ownFiles->contrastvalue)};

@@ -1,7 +1,6 @@
 // Which drive is the card, which folder the picture adjustment comes from, and the version text.
 #include <QTest>
 
-#include "platform/host.h"
 #include "settings/card.h"
 #include "support/fake_drives.h"
 #include "support/made_card.h"
@@ -12,9 +11,6 @@ class TestCard : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { host().drives = &m_drives; }
-    void cleanup() { host().drives = nullptr; }
-
     // The last drive with a version file is the card; the first with a settings folder adjusts the picture.
     void rules() {
         const MadeCard stick, first, second, empty;
@@ -27,9 +23,9 @@ private Q_SLOTS:
         for (const MadeCard* card : {&stick, &first, &second, &empty})
             m_drives.drives.append({card->drive(), "LABEL", "vfat"});
 
-        QCOMPARE(listRemovableDrives().size(), 4);
-        QCOMPARE(findCardDrive(), second.drive());
-        QCOMPARE(firstSettingFolder(), stick.path("Setting"));
+        QCOMPARE(listRemovableDrives(&m_drives).size(), 4);
+        QCOMPARE(findCardDrive(&m_drives), second.drive());
+        QCOMPARE(firstSettingFolder(&m_drives), stick.path("Setting"));
         QCOMPARE(settingFolder(second.drive()), second.path("setting"));
         QCOMPARE(updateFolder(first.drive()), first.path("UPDATE"));
         QCOMPARE(openVersionText(updateFolder(first.drive())), std::optional<QString>(QString()));
@@ -39,10 +35,9 @@ private Q_SLOTS:
 
     void withoutDrives() {
         m_drives.drives.clear();
-        QCOMPARE(findCardDrive(), QString());
-        QCOMPARE(firstSettingFolder(), QString());
-        host().drives = nullptr;
-        QVERIFY(listRemovableDrives().isEmpty());
+        QCOMPARE(findCardDrive(&m_drives), QString());
+        QCOMPARE(firstSettingFolder(&m_drives), QString());
+        QVERIFY(listRemovableDrives(nullptr).isEmpty());
     }
 
     void versionText_data() {

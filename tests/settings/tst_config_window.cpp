@@ -4,6 +4,7 @@
 #include <QMessageBox>
 #include <QSignalSpy>
 #include <QToolButton>
+#include <QWindow>
 
 #include "settings/config_layout.h"
 #include "settings/config_window.h"
@@ -41,7 +42,15 @@ QToolButton* buttonAt(const ConfigWindow& window, QPoint place) {
     return qobject_cast<QToolButton*>(window.childAt(place));
 }
 
+void openPage(ConfigWindow& window, int number) {
+    const QByteArray slot = "OnSlotsBtn" + QByteArray::number(number);
+    QMetaObject::invokeMethod(&window, slot.constData());
+}
+
+constexpr QPoint kVga(170, 65);
 constexpr QPoint kTick(143, 265);
+constexpr QPoint kPictureButton(460, 80);
+constexpr QPoint kOkButton(490, 700);
 
 } // namespace
 
@@ -51,44 +60,8 @@ class TestConfigWindow : public QObject {
 private Q_SLOTS:
     void init() { m_fixture.emplace(); }
 
-    void hitBoxes_data() {
-        QTest::addColumn<int>("index");
-        for (int i = 0; i < int(config::kRows.size()); ++i) {
-            if (config::kRows[i].kind == RowKind::Choices)
-                QTest::addRow("row %d", i) << i;
-        }
-    }
-    // A box holds its mark; its four corners choose, the points beside them don't. The chosen one is marked.
-    void hitBoxes() {
-        QFETCH(int, index);
-        const OptionRow& row = config::kRows[index];
-        ConfigWindow window;
-        const auto valueAfter = [&](QPoint point) {
-            const ModalAnswer answer(confirm);
-            click(window, point);
-            return window.values().*row.value;
-        };
-        const auto markOf = [&](const Choice& choice) { return window.grab(choice.mark).toImage(); };
-        for (const Choice& choice : row.choices) {
-            const QRect& hit = choice.hit;
-            QVERIFY(hit.contains(choice.mark.center()));
-            const Choice& other = &choice == &row.choices.front() ? row.choices.back() : row.choices.front();
-            for (const QPoint inside : {hit.topLeft(), hit.topRight(), hit.bottomLeft(), hit.bottomRight()}) {
-                QCOMPARE(valueAfter(other.hit.center()), other.value);
-                QCOMPARE(valueAfter(inside), choice.value);
-            }
-            QVERIFY(markOf(choice) != markOf(other));
-            const QImage marked = markOf(choice);
-            QCOMPARE(valueAfter(other.hit.center()), other.value);
-            QVERIFY(markOf(choice) != marked);
-            for (const QPoint outside : {hit.topLeft() - QPoint(1, 0), hit.topLeft() - QPoint(0, 1),
-                                         hit.bottomRight() + QPoint(1, 0), hit.bottomRight() + QPoint(0, 1)})
-                QCOMPARE(valueAfter(outside), other.value);
-        }
-    }
-
     void withoutDrives() {
-        ConfigWindow window;
+        ReadyWindow window;
         QCOMPARE(window.windowTitle(), QStringLiteral("QL240 Setting"));
         QCOMPARE(window.size(), QSize(554, 730));
         QCOMPARE(driveList(window)->count(), 0);
@@ -121,8 +94,7 @@ private Q_SLOTS:
             putByte(cards[i], QStringLiteral("motionvalue"), i + 1);
             m_fixture->insert(cards[i], "LABEL " + QByteArray::number(i));
         }
-        const ConfigWindow window;
-        QVERIFY(waitForCard(window));
+        const ReadyWindow window;
         QCOMPARE(driveList(window)->count(), drives.size());
         QCOMPARE(driveList(window)->currentIndex(), picked);
         QCOMPARE(driveList(window)->currentText(),
@@ -142,8 +114,7 @@ private Q_SLOTS:
         putByte(first, QStringLiteral("framevalue"), 2);
         m_fixture->insert(first);
         m_fixture->insert(second);
-        ConfigWindow window;
-        QVERIFY(waitForCard(window));
+        ReadyWindow window;
         click(window, {170, 65});
         click(window, kTick);
         driveList(window)->setCurrentIndex(0);
@@ -178,8 +149,7 @@ private Q_SLOTS:
         QFETCH(QByteArray, shown);
         const MadeCard& card = m_fixture->camera();
         card.put(QStringLiteral("setting/setting.dat"), onCard);
-        const ConfigWindow window;
-        QVERIFY(waitForCard(window));
+        const ReadyWindow window;
         const QByteArrayList words = shown.split(' ');
         for (int i = 0; i + 1 < words.size(); i += 2)
             QCOMPARE(window.values().*valueOf(words[i]), words[i + 1].toInt());
@@ -201,8 +171,7 @@ private Q_SLOTS:
     void batterySystem() {
         QFETCH(QByteArray, version);
         m_fixture->camera(version);
-        const ConfigWindow window;
-        QVERIFY(waitForCard(window));
+        const ReadyWindow window;
         QTEST(buttonAt(window, {350, 490})->isEnabled(), "button12");
         QTEST(buttonAt(window, {480, 490})->isEnabled(), "button24");
     }
@@ -210,8 +179,7 @@ private Q_SLOTS:
     void shockPreset() {
         const MadeCard& card = m_fixture->camera();
         putByte(card, QStringLiteral("sensitivityvalue1"), 7);
-        ConfigWindow window;
-        QVERIFY(waitForCard(window));
+        ReadyWindow window;
         QCOMPARE(window.values().sensitivityvalue, 0);
         click(window, {170, 375});
         QCOMPARE(window.values().sensitivityvalue1, 6);
@@ -236,8 +204,7 @@ private Q_SLOTS:
         QFETCH(bool, confirmed);
         const MadeCard& card = m_fixture->camera();
         putByte(card, QStringLiteral("partitionvalue"), 2);
-        ConfigWindow window;
-        QVERIFY(waitForCard(window));
+        ReadyWindow window;
         const ModalAnswer answer([&](QWidget* modal) {
             QVERIFY(qobject_cast<WindowBtn7*>(modal));
             click(*modal, confirmed ? QPoint(500, 235) : QPoint(430, 235));
@@ -248,8 +215,95 @@ private Q_SLOTS:
         QTEST(window.values().partitionvalue, "value");
     }
 
-    void tickBoxAlone() {
+    // Until the drives are known there is nothing to edit, and what the card holds stays.
+    void lateDrives() {
+        const MadeCard& card = m_fixture->camera();
+        putByte(card, QStringLiteral("brightvalue"), 2);
+        putByte(card, QStringLiteral("framevalue"), 1);
+        m_fixture->holdDrives();
         ConfigWindow window;
+        click(window, kVga);
+        click(window, kTick);
+        QVERIFY(window.values() == RowValues());
+        QVERIFY(!buttonAt(window, kPictureButton)->isEnabled());
+        for (int page = 0; page < 7; ++page) {
+            const ModalAnswer answer(confirm);
+            openPage(window, page);
+            QVERIFY(!answer.seen());
+        }
+        m_fixture->answer();
+        QVERIFY(waitForCard(window));
+        QVERIFY(buttonAt(window, kPictureButton)->isEnabled());
+        window.OnSlotsOK();
+        QCOMPARE(byteOf(card, QStringLiteral("brightvalue")), 2);
+        QCOMPARE(byteOf(card, QStringLiteral("framevalue")), 1);
+    }
+
+    void okWaitsForTheDrives_data() {
+        QTest::addColumn<bool>("left");
+        QTest::newRow("they come") << false;
+        QTest::newRow("the user gives up") << true;
+    }
+    void okWaitsForTheDrives() {
+        QFETCH(bool, left);
+        const MadeCard& card = m_fixture->camera();
+        putByte(card, QStringLiteral("framevalue"), 1);
+        m_fixture->holdDrives();
+        ConfigWindow window;
+        window.show();
+        bool locked = false;
+        QTimer::singleShot(0, &window, [&] {
+            locked = window.isVisible() && !window.childAt(kOkButton)->isEnabled();
+            QTest::keyClick(&window, Qt::Key_Return); // OK, again
+            if (left)
+                click(*window.childAt(430, 700), {5, 5});
+            m_fixture->answer();
+        });
+        window.OnSlotsOK();
+        QVERIFY(locked);
+        QCOMPARE(window.result(), int(left ? QDialog::Rejected : QDialog::Accepted));
+        QVERIFY(waitForCard(window));
+        QCOMPARE(card.files(QStringLiteral("setting")).size(), left ? 1 : 26);
+        QCOMPARE(byteOf(card, QStringLiteral("framevalue")), 1);
+        QString unit;
+        QCOMPARE(readSpeedUnit(unit), !left);
+    }
+
+    // A page that is confirmed after another drive was read changes nothing but what it shows.
+    void pagesHandBackTheirOwn() {
+        const MadeCard first, second;
+        for (const MadeCard* card : {&first, &second})
+            m_fixture->insert(*card);
+        putByte(first, QStringLiteral("framevalue"), 1);
+        putByte(second, QStringLiteral("framevalue"), 2);
+        ReadyWindow window;
+        const ModalAnswer answer([&](QWidget* modal) {
+            driveList(window)->setCurrentIndex(1);
+            QTRY_COMPARE(window.values().framevalue, 2);
+            confirm(modal);
+        });
+        window.OnSlotsBtn0();
+        QVERIFY(answer.seen());
+        QCOMPARE(window.values().framevalue, 2);
+    }
+
+    // The window manager keeps the dialog over the window that opened it, which isn't its parent.
+    void staysOverItsOpener() {
+        QWidget opener;
+        opener.show();
+        QApplication::setActiveWindow(&opener);
+        QVERIFY(QTest::qWaitForWindowActive(&opener));
+        ConfigWindow window;
+        const ModalAnswer answer([&](QWidget* modal) {
+            QCOMPARE(modal->windowHandle()->transientParent(), opener.windowHandle());
+            QVERIFY(!modal->parent());
+        });
+        window.exec();
+        QVERIFY(answer.seen());
+    }
+
+    void tickBoxAlone() {
+        ReadyWindow window;
         QVERIFY(!clockField(window)->isEnabled());
         click(window, {133, 256});
         QCOMPARE(window.values().setsClock, 1);
@@ -269,8 +323,7 @@ private Q_SLOTS:
                  "hourvalue:9\nautoparkingvalue:0\nencodingvalue:1\nreversalvalue:1\n");
         RowValues saved;
         {
-            ConfigWindow window;
-            QVERIFY(waitForCard(window));
+            ReadyWindow window;
             for (const OptionRow& row : config::kRows) {
                 for (const Choice& choice : row.choices) {
                     const ModalAnswer answer(confirm);
@@ -288,8 +341,7 @@ private Q_SLOTS:
         QCOMPARE(byteOf(card, QStringLiteral("sharpnessvalue")), 4);
         QCOMPARE(byteOf(card, QStringLiteral("resolutionvalue")), 2);
         QCOMPARE(byteOf(card, QStringLiteral("encodingvalue")), -1);
-        const ConfigWindow again;
-        QVERIFY(waitForCard(again));
+        const ReadyWindow again;
         QVERIFY(again.values() == saved);
         QVERIFY(!(again.values() == RowValues()));
     }
@@ -297,8 +349,7 @@ private Q_SLOTS:
     void makesTheFolder() {
         const MadeCard stick;
         m_fixture->insert(stick);
-        ConfigWindow window;
-        QVERIFY(waitForCard(window));
+        ReadyWindow window;
         click(window, {170, 200}); // the speaker off
         window.OnSlotsOK();
         QCOMPARE(stick.files(QStringLiteral("setting")).size(), 26);
@@ -310,8 +361,7 @@ private Q_SLOTS:
         const auto card = std::make_unique<MadeCard>();
         makeCamera(*card);
         m_fixture->insert(*card);
-        ConfigWindow window;
-        QVERIFY(waitForCard(window));
+        ReadyWindow window;
         const QString drive = card->drive();
         QVERIFY(QDir(drive).removeRecursively());
         window.OnSlotsOK();
@@ -322,8 +372,7 @@ private Q_SLOTS:
     void clockIsWrittenWhenTicked() {
         const MadeCard& card = m_fixture->camera();
         card.put(QStringLiteral("setting/settime.dat"), "2012-07-31-18-05-09");
-        ConfigWindow window;
-        QVERIFY(waitForCard(window));
+        ReadyWindow window;
         const QDateTime time(QDate(2031, 2, 3), QTime(4, 5, 6));
         clockField(window)->setDateTime(time);
         window.Onapply();
@@ -340,8 +389,7 @@ private Q_SLOTS:
     void closingKeepsTheCard() {
         const MadeCard& card = m_fixture->camera();
         for (const char* way : {"OnSlotsCancel", "OnSlotsExit", "Escape"}) {
-            ConfigWindow window;
-            QVERIFY(waitForCard(window));
+            ReadyWindow window;
             QSignalSpy rejected(&window, &QDialog::rejected);
             window.show();
             click(window, {170, 65});
@@ -401,7 +449,7 @@ private Q_SLOTS:
 
     // The time-zone button can't be pressed, the screen-saver button can't be seen.
     void outOfReach() {
-        ConfigWindow window;
+        ReadyWindow window;
         window.show();
         const QToolButton* zone = buttonAt(window, {200, 330});
         QVERIFY(zone && !zone->isEnabled());
@@ -414,11 +462,14 @@ private Q_SLOTS:
         ConfigWindow window;
         window.OnSlotsEditor();
         QMessageBox* box = nullptr;
-        for (QWidget* widget : QApplication::topLevelWidgets()) {
-            if (auto* found = qobject_cast<QMessageBox*>(widget); found && found->isVisible())
-                box = found;
-        }
-        QVERIFY(box);
+        const auto isThere = [&] {
+            for (QWidget* widget : QApplication::topLevelWidgets()) {
+                if (auto* found = qobject_cast<QMessageBox*>(widget); found && found->isVisible())
+                    box = found;
+            }
+            return box != nullptr;
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(isThere(), 10000);
         QCOMPARE(box->windowTitle(), QStringLiteral("QL240 Notification"));
         QCOMPARE(box->text(), QStringLiteral("No Disk "));
         QVERIFY(!box->parent() && !box->isModal());

@@ -50,7 +50,7 @@ private Q_SLOTS:
     void init() { m_fixture.emplace(); }
 
     void tabOrder() {
-        ConfigWindow window;
+        ReadyWindow window;
         showActive(window);
         QCOMPARE(nameOf(window.focusWidget()), QStringLiteral("Resolution"));
         QStringList names;
@@ -83,7 +83,7 @@ private Q_SLOTS:
     }
     void keys() {
         QFETCH(QList<int>, keys);
-        ConfigWindow window;
+        ReadyWindow window;
         ChoiceRow* row = rowOf(window, &RowValues::speakervalue);
         for (const int key : keys)
             QTest::keyClick(row, Qt::Key(key));
@@ -117,7 +117,7 @@ private Q_SLOTS:
     void enterAndEscape() {
         QFETCH(QString, focus);
         QFETCH(int, key);
-        ConfigWindow window;
+        ReadyWindow window;
         showActive(window);
         QSignalSpy finished(&window, &QDialog::finished);
         for (auto* widget : window.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
@@ -131,7 +131,7 @@ private Q_SLOTS:
 
     // From the dialog to a page, a choice there, and back, by keys only; the focus can be seen.
     void pageByKeyboard() {
-        ConfigWindow window;
+        ReadyWindow window;
         showActive(window);
         QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
         QCOMPARE(nameOf(window.focusWidget()), QStringLiteral("영상 조절"));
@@ -170,7 +170,7 @@ private Q_SLOTS:
     }
 
     void screenReaderTree() {
-        ConfigWindow window;
+        ReadyWindow window;
         window.show();
         for (auto* row : window.findChildren<ChoiceRow*>()) {
             QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(row);

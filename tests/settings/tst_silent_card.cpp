@@ -1,5 +1,7 @@
-// The settings dialog and a card reader that stops answering: the dialog opens at once, stays usable, and
-// writes nothing that it could not read.
+// The settings dialog and a card reader that stops answering, or whose card is gone: the dialog opens at
+// once, stays usable, and writes nothing that it could not read.
+#include <sys/mount.h>
+
 #include <QComboBox>
 #include <QElapsedTimer>
 #include <QSignalSpy>
@@ -96,6 +98,61 @@ private Q_SLOTS:
         window.OnSlotsOK();
         QCOMPARE(byteOf(camera, QStringLiteral("resolutionvalue")), 1);
         QCOMPARE(byteOf(camera, QStringLiteral("framevalue")), 1);
+    }
+
+    // While one drive may still turn out to be the card, the other is only looked at, unless it is chosen.
+    void standInIsLocked() {
+        const MadeCard stick;
+        putByte(stick, QStringLiteral("framevalue"), 1);
+        m_fixture->takeOut();
+        m_fixture->insert(stick, "STICK");
+        m_fixture->insert(*m_card, "SILENT");
+        m_reader->fallSilent();
+        ConfigWindow window;
+        window.show();
+        QTRY_VERIFY_WITH_TIMEOUT(driveList(window)->toolTip().contains(u"SILENT"), kGivesUpMs);
+        QCOMPARE(driveList(window)->currentIndex(), 0);
+        QCOMPARE(window.values().framevalue, 1);
+        click(window, kVga);
+        QCOMPARE(window.values().resolutionvalue, 3);
+        window.Onapply();
+        QCOMPARE(stick.files(QStringLiteral("setting")).size(), 1);
+
+        Q_EMIT driveList(window)->activated(0); // the entry that the list had
+        QVERIFY(waitForCard(window));
+        click(window, kVga);
+        QCOMPARE(window.values().resolutionvalue, 1);
+        window.Onapply();
+        QCOMPARE(byteOf(stick, QStringLiteral("resolutionvalue")), 1);
+        m_reader->end();
+        QVERIFY(waitForCard(window));
+        QCOMPARE(driveList(window)->currentIndex(), 0);
+    }
+
+    // The card is gone, and what lies under its folder now is the machine's own disk, or another card.
+    void otherFileSystemIsLeftAlone_data() {
+        QTest::addColumn<bool>("another");
+        QTest::newRow("the mount point stays") << false;
+        QTest::newRow("another card in its place") << true;
+    }
+    void otherFileSystemIsLeftAlone() {
+        QFETCH(bool, another);
+        m_reader->end();
+        const QByteArray folder = QFile::encodeName(m_card->drive());
+        const auto mountCard = [&] { return ::mount("card", folder.constData(), "tmpfs", 0, "size=256k"); };
+        QCOMPARE(mountCard(), 0);
+        makeCamera(*m_card);
+        ConfigWindow window;
+        const bool read = waitForCard(window);
+        click(window, kVga);
+        QVERIFY2(::umount2(folder.constData(), 0) == 0, "the card can't be unmounted while it is shown");
+        QVERIFY(read && window.values().resolutionvalue == 1);
+        QVERIFY(!another || mountCard() == 0);
+        window.OnSlotsOK();
+        const bool untouched = QDir(m_card->drive()).isEmpty();
+        ::umount2(folder.constData(), 0);
+        QCOMPARE(window.result(), int(QDialog::Accepted));
+        QVERIFY(untouched);
     }
 
     // A reader that needs longer than the limit to wake up is shown once it answers, here by an error.

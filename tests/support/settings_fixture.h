@@ -4,7 +4,9 @@
 
 #include <QApplication>
 #include <QMouseEvent>
+#include <QSemaphore>
 #include <QTest>
+#include <memory>
 
 #include "base/language.h"
 #include "base/preferences.h"
@@ -36,6 +38,14 @@ public:
         m_drives.drives.append({card.drive(), label, "vfat"});
     }
 
+    void takeOut() { m_drives.drives.clear(); }
+
+    // From now on the drives are told only once `answer` was called, a call for each question.
+    void holdDrives() {
+        m_drives.before = [answers = m_answers] { answers->acquire(); };
+    }
+    void answer() { m_answers->release(); }
+
     // The card of a camera, in the reader.
     const MadeCard& camera(const QByteArray& version = "QL240 1.02 1.00") {
         makeCamera(m_card, version);
@@ -45,6 +55,7 @@ public:
 
 private:
     FakeDrives m_drives;
+    std::shared_ptr<QSemaphore> m_answers = std::make_shared<QSemaphore>();
     MadeCard m_card;
 };
 
@@ -62,6 +73,15 @@ inline int byteOf(const MadeCard& card, const QString& key) {
 inline bool waitForCard(const ConfigWindow& window) {
     return QTest::qWaitFor([&] { return !window.settingFolder().isEmpty(); }, 10000);
 }
+
+// A dialog that knows what there is: the values of a drive, or that there is none.
+class ReadyWindow : public ConfigWindow {
+public:
+    ReadyWindow() {
+        if (!QTest::qWaitFor([this] { return card().isEditable(); }, 10000))
+            qFatal("the dialog has nothing to show");
+    }
+};
 
 inline void click(QWidget& window, QPoint point) {
     QTest::mouseClick(&window, Qt::LeftButton, Qt::NoModifier, point);

@@ -1,0 +1,229 @@
+#include "settings/dialog_card.h"
+
+#include <QEventLoop>
+#include <algorithm>
+#include <atomic>
+#include <mutex>
+#include <numeric>
+#include <utility>
+
+#include "settings/card.h"
+
+namespace ql240 {
+namespace {
+
+using Phase = DialogCard::Phase;
+
+constexpr std::chrono::milliseconds kBlink(80);
+constexpr std::chrono::seconds kReadLimit(2); // when a drive counts as one that doesn't answer
+constexpr int kLeft = 1;
+
+bool mayFollow(Phase from, Phase to) {
+    switch (to) {
+        case Phase::Looking:
+            return false;
+        case Phase::NoDrive:
+            return from == Phase::Looking;
+        case Phase::Reading:
+            return from != Phase::NoDrive && from != Phase::Saving;
+        case Phase::NoAnswer:
+            return from == Phase::Reading;
+        case Phase::Shown:
+            return from == Phase::Reading || from == Phase::NoAnswer || from == Phase::Saving;
+        case Phase::Saving:
+            return from == Phase::Shown;
+    }
+    return false;
+}
+
+// A save that nobody waits for any more goes on, and a later one of the same drive must come out on top.
+struct Saves {
+    std::mutex busy;
+    std::atomic<int> newest = 0;
+};
+
+std::shared_ptr<Saves> savesOf(const QString& drive) {
+    static std::map<QString, std::shared_ptr<Saves>> all;
+    std::shared_ptr<Saves>& saves = all[drive];
+    if (!saves)
+        saves = std::make_shared<Saves>();
+    return saves;
+}
+
+} // namespace
+
+DialogCard::DialogCard(Drives* drives, CardAccess access) : m_drives(drives), m_access(std::move(access)) {
+    m_patience.setSingleShot(true);
+    connect(&m_patience, &QTimer::timeout, this, &DialogCard::losePatience);
+}
+
+const CardContents* DialogCard::contents() const {
+    const auto found = m_answers.find(m_current);
+    return found != m_answers.end() && found->second ? &*found->second : nullptr;
+}
+
+QList<int> DialogCard::unanswered() const {
+    QList<int> indices;
+    for (const auto& [index, answer] : m_answers) {
+        if (!answer)
+            indices.append(index);
+    }
+    return indices;
+}
+
+QString DialogCard::settingFolder() const {
+    const bool known = m_phase == Phase::Shown || m_phase == Phase::Saving;
+    return known ? contents()->settingFolder : QString();
+}
+
+// Everything that answers passes here: what was asked in an earlier phase no longer counts.
+void DialogCard::ask(BackgroundJobs& jobs, std::function<void()> work, std::function<void()> then) {
+    jobs.start(std::move(work), [this, question = m_question, then = std::move(then)] {
+        if (question == m_question)
+            then();
+    });
+}
+
+void DialogCard::enter(Phase next) {
+    Q_ASSERT(mayFollow(m_phase, next));
+    m_phase = next;
+    if (next != Phase::NoAnswer)
+        ++m_question;
+    if (m_loop && (next == Phase::Shown || next == Phase::NoDrive))
+        m_loop->quit();
+}
+
+void DialogCard::look() {
+    const auto drives = std::make_shared<QList<DriveInfo>>();
+    ask(
+        m_reading, [drives, asked = m_drives] { *drives = listRemovableDrives(asked); },
+        [this, drives] { keepDrives(*drives); });
+}
+
+void DialogCard::keepDrives(const QList<DriveInfo>& drives) {
+    m_list = drives;
+    m_current = drives.isEmpty() ? -1 : 0;
+    Q_EMIT listed();
+    if (drives.isEmpty()) {
+        enter(Phase::NoDrive);
+        Q_EMIT phaseChanged();
+        return;
+    }
+    QList<int> all(drives.size());
+    std::iota(all.begin(), all.end(), 0);
+    read(all);
+}
+
+// Each drive has a thread of its own: one that doesn't answer must not hide another.
+void DialogCard::read(const QList<int>& indices) {
+    enter(Phase::Reading);
+    m_answers.clear();
+    m_patience.start(kReadLimit);
+    for (const int index : indices) {
+        m_answers[index] = std::nullopt;
+        const auto contents = std::make_shared<CardContents>();
+        ask(
+            m_reading,
+            [contents, reader = m_access.read, drive = m_list.at(index).drive] { *contents = reader(drive); },
+            [this, contents, index] { keepContents(index, *contents); });
+    }
+}
+
+void DialogCard::pick(int index) {
+    if (m_loop || m_phase == Phase::Looking || !mayFollow(m_phase, Phase::Reading) || index < 0 ||
+        index >= m_list.size())
+        return;
+    m_current = index;
+    read({index});
+    waitBriefly();
+    if (m_phase == Phase::Reading)
+        Q_EMIT phaseChanged();
+}
+
+bool DialogCard::waitBriefly() {
+    return m_reading.wait(kBlink);
+}
+
+void DialogCard::keepContents(int index, const CardContents& contents) {
+    m_answers[index] = contents;
+    const std::optional<int> card = decided();
+    if (!card && m_phase != Phase::NoAnswer)
+        return;
+    m_current = card.value_or(likely());
+    if (card) {
+        m_patience.stop();
+        enter(Phase::Shown);
+    }
+    Q_EMIT loaded();
+    Q_EMIT phaseChanged();
+}
+
+void DialogCard::losePatience() {
+    m_current = likely();
+    enter(Phase::NoAnswer);
+    Q_EMIT loaded();
+    Q_EMIT phaseChanged();
+}
+
+// The last drive with a version file is the card, the first drive if none has one. Nothing while a drive that
+// could still change this hasn't answered.
+std::optional<int> DialogCard::decided() const {
+    for (auto answer = m_answers.rbegin(); answer != m_answers.rend(); ++answer) {
+        if (!answer->second)
+            return std::nullopt;
+        if (answer->second->versionText)
+            return answer->first;
+    }
+    return m_answers.begin()->first;
+}
+
+// As far as is known by now.
+int DialogCard::likely() const {
+    const auto card = std::find_if(m_answers.rbegin(), m_answers.rend(), [](const auto& answer) {
+        return answer.second && answer.second->versionText;
+    });
+    return card == m_answers.rend() ? m_answers.begin()->first : card->first;
+}
+
+bool DialogCard::settle() {
+    return (m_phase != Phase::Looking && m_phase != Phase::Reading) || await();
+}
+
+bool DialogCard::save(const SettingValues& values, const std::optional<QString>& clockText) {
+    if (m_phase != Phase::Shown)
+        return m_phase != Phase::Saving;
+    enter(Phase::Saving);
+    const auto saves = savesOf(contents()->drive);
+    ask(
+        m_writing,
+        [saves, number = ++saves->newest, saver = m_access.save, read = *contents(), values, clockText] {
+            const std::lock_guard turn(saves->busy);
+            if (saves->newest == number)
+                saver(read, values, clockText);
+        },
+        [this] {
+            enter(Phase::Shown);
+            Q_EMIT phaseChanged();
+        });
+    m_writing.wait(kBlink);
+    return m_phase == Phase::Shown || await();
+}
+
+bool DialogCard::await() {
+    if (m_loop)
+        return false;
+    QEventLoop loop;
+    m_loop = &loop;
+    Q_EMIT phaseChanged();
+    const bool left = loop.exec() == kLeft;
+    m_loop = nullptr;
+    Q_EMIT phaseChanged();
+    return !left && (m_phase == Phase::Shown || m_phase == Phase::NoDrive);
+}
+
+void DialogCard::leave() {
+    if (QEventLoop* loop = std::exchange(m_loop, nullptr))
+        loop->exit(kLeft);
+}
+
+} // namespace ql240
