@@ -97,14 +97,6 @@ private Q_SLOTS:
         QVERIFY(card.isEditable());
     }
 
-    void withoutDrives() {
-        DialogCard card(nullptr);
-        QVERIFY(lookFor(card, Phase::NoDrive));
-        QVERIFY(card.isEditable() && card.settle() && card.save({}, std::nullopt));
-        card.pick(0);
-        QCOMPARE(card.phase(), Phase::NoDrive);
-    }
-
     // What answered so far is shown, and locked; the card takes its place when it comes.
     void lateCard() {
         HeldDrives held(QStringLiteral("sc"));
@@ -144,29 +136,24 @@ private Q_SLOTS:
         QCOMPARE(card.contents()->values.framevalue, 2);
     }
 
-    void okWaitsForTheDrive_data() {
-        QTest::addColumn<bool>("left");
-        QTest::newRow("it answers") << false;
-        QTest::newRow("the user gives up") << true;
-    }
     void okWaitsForTheDrive() {
-        QFETCH(bool, left);
-        HeldDrives held(QStringLiteral("cc"));
-        DialogCard card(&held.list, held.access());
-        QVERIFY(lookFor(card, Phase::Reading));
-        bool locked = false;
-        QTimer::singleShot(0, &card, [&] {
-            card.pick(0);
-            locked =
-                card.isAwaited() && !card.isEditable() && card.unanswered().size() == 2 && !card.settle();
-            if (left)
-                card.leave();
-            held.answer(1);
-        });
-        QCOMPARE(card.settle(), !left);
-        QVERIFY(locked && !card.isAwaited());
-        QVERIFY(lookFor(card, Phase::Shown));
-        QCOMPARE(card.current(), 1);
+        for (const bool left : {false, true}) {
+            HeldDrives held(QStringLiteral("cc"));
+            DialogCard card(&held.list, held.access());
+            QVERIFY(lookFor(card, Phase::Reading));
+            bool locked = false;
+            QTimer::singleShot(0, &card, [&] {
+                card.pick(0);
+                locked = card.isAwaited() && !card.isEditable() && card.standsIn() && !card.settle();
+                if (left)
+                    card.leave();
+                held.answer(1);
+            });
+            QCOMPARE(card.settle(), !left);
+            QVERIFY(locked && !card.isAwaited());
+            QVERIFY(lookFor(card, Phase::Shown));
+            QCOMPARE(card.current(), 1);
+        }
     }
 
     // A save that was left goes on; the next one, of another dialog, comes after it.

@@ -50,43 +50,31 @@ private Q_SLOTS:
     void init() { m_fixture.emplace(); }
 
     // Where a value's mark is painted, and which value a click sets.
-    void marksAndClicks_data() {
-        QTest::addColumn<int>("number");
-        QTest::addColumn<int>("row");
-        QTest::addColumn<int>("value");
-        QTest::addColumn<QPoint>("mark"); // its top left corner
-        QTest::addColumn<QPoint>("click");
-        QTest::addColumn<int>("clicked");
-
-        const auto add = [](const char* name, int number, int row, int value, QPoint mark, QPoint at,
-                            int clicked) {
-            QTest::newRow(name) << number << row << value << mark << at << clicked;
-        };
-        add("brightness, malformed", 0, 0, 0, {462, 111}, {160, 109}, 1);
-        add("contrast, between two marks", 0, 1, 4, {312, 194}, {344, 201}, 4);
-        add("overwrite on", 1, 2, 1, {294, 179}, {380, 174}, 0);
-        add("shock while parked", 2, 1, 10, {490, 191}, {64, 198}, 1);
-        add("timer, malformed", 3, 0, 0, {101, 83}, {472, 104}, 8);
-        add("12 V", 4, 0, 121, {381, 84}, {58, 70}, 0);
-        add("24 V, beside the mark", 5, 0, 246, {491, 84}, {487, 91}, 246);
-        add("LED, malformed", 6, 0, 9, {145, 68}, {121, 140}, 2);
-    }
     void marksAndClicks() {
-        QFETCH(int, number);
-        QFETCH(int, row);
-        QFETCH(int, value);
-        QFETCH(QPoint, mark);
-        QFETCH(QPoint, click);
-        const auto page = kMakers[number]();
-        const QImage background(skinPath(QLatin1String(pages::kPages[number].background)));
-        QCOMPARE(page->size(), background.size());
-        int RowValues::*edited = pages::kPages[number].rows[row].value;
-        RowValues values;
-        values.*edited = value;
-        page->setValues(values);
-        QVERIFY(shownMark(*page, mark) == expectedMark(background, mark));
-        ql240::click(*page, click);
-        QTEST(page->values().*edited, "clicked");
+        struct Row {
+            const char* name;
+            int number, index, value;
+            QPoint mark, click; // the mark's top left corner
+            int clicked;
+        };
+        for (const Row& row : {Row{"brightness, malformed", 0, 0, 0, {462, 111}, {160, 109}, 1},
+                               Row{"contrast, between two marks", 0, 1, 4, {312, 194}, {344, 201}, 4},
+                               Row{"overwrite on", 1, 2, 1, {294, 179}, {380, 174}, 0},
+                               Row{"shock while parked", 2, 1, 10, {490, 191}, {64, 198}, 1},
+                               Row{"timer, malformed", 3, 0, 0, {101, 83}, {472, 104}, 8},
+                               Row{"12 V", 4, 0, 121, {381, 84}, {58, 70}, 0},
+                               Row{"24 V, beside the mark", 5, 0, 246, {491, 84}, {487, 91}, 246},
+                               Row{"LED, malformed", 6, 0, 9, {145, 68}, {121, 140}, 2}}) {
+            const auto page = kMakers[row.number]();
+            const QImage background(skinPath(QLatin1String(pages::kPages[row.number].background)));
+            int RowValues::*edited = pages::kPages[row.number].rows[row.index].value;
+            RowValues values;
+            values.*edited = row.value;
+            page->setValues(values);
+            QVERIFY2(shownMark(*page, row.mark) == expectedMark(background, row.mark), row.name);
+            click(*page, row.click);
+            QVERIFY2(page->values().*edited == row.clicked, row.name);
+        }
     }
 
     // On a screen of one and a half device pixels a pixel every second line of a picture would be lost or
@@ -109,65 +97,52 @@ private Q_SLOTS:
         }
     }
 
-    void frames_data() {
-        QTest::addColumn<int>("number");
-        for (int number = 0; number < int(kMakers.size()); ++number)
-            QTest::addRow("page %d", number) << number;
-    }
-    void frames() {
-        QFETCH(int, number);
-        const auto page = kMakers[number]();
-        const pages::PageLayout& layout = pages::kPages[number];
-        const auto press = [&](QRect place) {
+    // OK confirms; every other way out takes back what was confirmed before.
+    void waysOut() {
+        for (const auto& make : kMakers) {
+            const auto page = make();
             page->show();
-            auto* button = qobject_cast<QToolButton*>(page->childAt(place.center()));
-            QVERIFY(button);
-            QCOMPARE(button->geometry(), place);
-            click(*button, {3, 3});
-            QVERIFY(!page->isVisible());
-        };
-        press(layout.ok);
-        QVERIFY(page->isConfirmed());
-        press(layout.cancel);
-        QVERIFY(!page->isConfirmed());
-        for (const auto& leave : {std::function([&] { press(layout.close); }),
-                                  std::function([&] { QTest::keyClick(page.get(), Qt::Key_Escape); }),
-                                  std::function([&] { page->close(); })}) {
-            page->OnSlotsApply();
-            page->show();
-            QVERIFY(page->isConfirmed());
-            leave();
-            QVERIFY(!page->isVisible());
-            QVERIFY(!page->isConfirmed());
+            click(*page->childAt(page->width() - 60, page->height() - 25), {3, 3});
+            QVERIFY(!page->isVisible() && page->isConfirmed());
+            for (const QPoint place :
+                 {QPoint(page->width() - 125, page->height() - 25), QPoint(page->width() - 35, 20)}) {
+                page->OnSlotsApply();
+                page->show();
+                click(*page->childAt(place), {3, 3});
+                QVERIFY(!page->isVisible() && !page->isConfirmed());
+            }
         }
+        WindowBtn6 page(nullptr);
+        page.OnSlotsApply();
+        page.show();
+        QTest::keyClick(&page, Qt::Key_Escape);
+        QVERIFY(!page.isVisible() && !page.isConfirmed());
+        page.OnSlotsApply();
+        page.show();
+        page.close();
+        QVERIFY(!page.isConfirmed());
     }
 
-    void dialogTakesValues_data() {
-        QTest::addColumn<int>("number");
-        QTest::addColumn<bool>("confirmed");
-        for (int number = 0; number < 7; ++number) {
-            QTest::addRow("page %d confirmed", number) << number << true;
-            QTest::addRow("page %d left", number) << number << false;
-        }
-    }
     void dialogTakesValues() {
-        QFETCH(int, number);
-        QFETCH(bool, confirmed);
-        const OptionRow& row = pages::kPages[number].rows.front();
-        ReadyWindow window;
-        const int before = window.values().*row.value;
-        const Choice& chosen = row.choices[row.choices[1].value == before ? 0 : 1];
-        const ModalAnswer answer([&](QWidget* modal) {
-            QCOMPARE(QString::fromLatin1(modal->metaObject()->className()),
-                     QStringLiteral("ql240::WindowBtn%1").arg(number));
-            QCOMPARE(static_cast<SettingsPage*>(modal)->values().*row.value, before);
-            click(*modal, chosen.hit.center());
-            if (confirmed)
-                static_cast<SettingsPage*>(modal)->OnSlotsOK();
-        });
-        QMetaObject::invokeMethod(&window, QStringLiteral("OnSlotsBtn%1").arg(number).toLatin1().constData());
-        QVERIFY(answer.seen());
-        QCOMPARE(window.values().*row.value, confirmed ? chosen.value : before);
+        for (int number = 0; number < 7; ++number) {
+            const OptionRow& row = pages::kPages[number].rows.front();
+            ReadyWindow window;
+            const int before = window.values().*row.value;
+            const Choice& chosen = row.choices[row.choices[1].value == before ? 0 : 1];
+            for (const bool confirmed : {false, true}) {
+                const ModalAnswer answer([&](QWidget* modal) {
+                    QCOMPARE(QString::fromLatin1(modal->metaObject()->className()),
+                             QStringLiteral("ql240::WindowBtn%1").arg(number));
+                    QCOMPARE(static_cast<SettingsPage*>(modal)->values().*row.value, before);
+                    click(*modal, chosen.hit.center());
+                    if (confirmed)
+                        static_cast<SettingsPage*>(modal)->OnSlotsOK();
+                });
+                openPage(window, number);
+                QVERIFY(answer.seen());
+                QCOMPARE(window.values().*row.value, confirmed ? chosen.value : before);
+            }
+        }
     }
 
     void detailedShock() {
@@ -185,6 +160,9 @@ private Q_SLOTS:
         QCOMPARE(window.values().sensitivityvalue, 0);
         chooseOnPage({305, 117}, {257, 198});
         QCOMPARE(window.values().sensitivityvalue, 1);
+        click(window, {270, 375});
+        QCOMPARE(window.values().sensitivityvalue1, 8);
+        QCOMPARE(window.values().sensitivityvalue2, 7);
     }
 
     void timerIsNeverZero() {

@@ -83,6 +83,11 @@ public:
     }
 };
 
+inline void openPage(ConfigWindow& window, int number) {
+    const QByteArray slot = "OnSlotsBtn" + QByteArray::number(number);
+    QMetaObject::invokeMethod(&window, slot.constData());
+}
+
 inline void click(QWidget& window, QPoint point) {
     QTest::mouseClick(&window, Qt::LeftButton, Qt::NoModifier, point);
 }
