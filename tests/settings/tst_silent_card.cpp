@@ -16,8 +16,8 @@ namespace {
 
 bool g_ownMounts = false;
 
-// How long the dialog may keep the interface waiting, with room for a busy machine.
-constexpr qint64 kSoonMs = 600;
+// Whoever waits for a silent reader waits for ever, so there is room for a busy machine.
+constexpr qint64 kSoonMs = 5000;
 constexpr int kGivesUpMs = 10000;
 constexpr QPoint kVga(170, 65);
 
