@@ -20,8 +20,8 @@ using Interfaces = QMap<QString, QVariantMap>;
 using ManagedObjects = QMap<QDBusObjectPath, Interfaces>;
 using ByteStrings = QList<QByteArray>;
 
-// "key=value,key=value": device, mount (may be repeated), label, type, removable, media-removable, media, fits (the
-// media that the drive takes, with spaces between them), optical.
+// "key=value,key=value": device, mount (may be repeated), label, type, removable, media-removable, media,
+// fits (the media that the drive takes, with spaces between them), optical.
 using DriveText = QMultiMap<QString, QString>;
 
 DriveText parseDrive(const QString& text) {
