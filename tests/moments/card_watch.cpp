@@ -1,6 +1,8 @@
 #include "moments/card_watch.h"
 
+#include <sys/inotify.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <QDirIterator>
 #include <QFile>
@@ -57,7 +59,35 @@ bool CardWatch::Dialog::maySave(const QString& path, const QByteArray& before, c
            chosen.contains({QLatin1String(key->name), value});
 }
 
-CardWatch::CardWatch(World& world) : m_world(world), m_files(readAll()) {}
+CardWatch::CardWatch(World& world) : m_world(world), m_notes(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
+    listen();
+    m_files = readAll();
+}
+
+CardWatch::~CardWatch() {
+    ::close(m_notes);
+}
+
+// Again after each change, for the folders that it brought.
+void CardWatch::listen() {
+    constexpr auto kChanges = IN_CREATE | IN_DELETE | IN_MODIFY | IN_MOVE | IN_ATTRIB;
+    const auto add = [this](const QString& folder) {
+        if (::inotify_add_watch(m_notes, QFile::encodeName(folder).constData(), kChanges) < 0)
+            qFatal("cannot watch %s", qPrintable(folder));
+    };
+    add(m_world.root.path());
+    QDirIterator all(m_world.root.path(), QDir::Dirs | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
+    while (all.hasNext())
+        add(all.next());
+}
+
+bool CardWatch::isTouched() const {
+    char notes[4096];
+    bool touched = false;
+    while (::read(m_notes, notes, sizeof notes) > 0)
+        touched = true;
+    return touched;
+}
 
 void CardWatch::look(const ConfigWindow* dialog) {
     const bool isNew = dialog != std::exchange(m_open, dialog);
@@ -115,6 +145,9 @@ bool CardWatch::mayChange(const QString& path, const QByteArray& before, const Q
 }
 
 void CardWatch::check() {
+    if (!isTouched())
+        return;
+    listen();
     Files now = readAll();
     for (const auto& [path, file] : now) {
         const auto before = m_files.find(path);

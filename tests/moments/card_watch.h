@@ -22,6 +22,8 @@ class World;
 class CardWatch {
 public:
     explicit CardWatch(World& world);
+    ~CardWatch();
+    Q_DISABLE_COPY_MOVE(CardWatch)
 
     // The settings dialog as it is now; null where none is open.
     void look(const ConfigWindow* dialog);
@@ -47,10 +49,13 @@ private:
         bool maySave(const QString& path, const QByteArray& before, const QByteArray& now) const;
     };
 
+    void listen();
+    bool isTouched() const;
     Files readAll() const;
     bool mayChange(const QString& path, const QByteArray& before, const QByteArray& now) const;
 
     World& m_world;
+    int m_notes; // of changes below the world's folder
     Files m_files;
     const ConfigWindow* m_open = nullptr; // to be told apart from the one before, not to be used
     std::vector<Dialog> m_dialogs;
