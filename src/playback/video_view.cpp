@@ -137,20 +137,21 @@ bool VideoView::panTo(const QPoint& position) {
 // Outside the zoom-window mode a press is the window's, which is dragged by it.
 void VideoView::mousePressEvent(QMouseEvent* event) {
     event->setAccepted(m_zoomWinMode);
-    if (m_zoomWinMode)
-        m_pressPoint = m_lastPoint = event->position().toPoint();
+    if (!m_zoomWinMode)
+        return;
+    m_drag.begin(event->button());
+    m_pressPoint = m_lastPoint = event->position().toPoint();
 }
 
+// Small moves are taken too: passed on, they would come back from the window in its own coordinates.
 void VideoView::mouseMoveEvent(QMouseEvent* event) {
     event->setAccepted(m_zoomWinMode);
-    if (!m_zoomWinMode)
+    if (!m_zoomWinMode || !m_drag.goesOn(event->buttons()))
         return;
     const QPoint position = event->position().toPoint();
     const QPoint moved = position - m_lastPoint;
-    if (std::abs(moved.x()) < kDragThreshold && std::abs(moved.y()) < kDragThreshold) {
-        event->ignore();
+    if (std::abs(moved.x()) < kDragThreshold && std::abs(moved.y()) < kDragThreshold)
         return;
-    }
     if (panTo(position - m_pressPoint))
         m_lastPoint = position;
 }

@@ -11,6 +11,7 @@
 
 #include "playback/player.h"
 #include "playback/sample_handler.h"
+#include "widgets/mouse_drag.h"
 
 namespace ql240 {
 
@@ -79,6 +80,7 @@ private:
     Player* m_secondPlayer = nullptr;
     std::array<std::unique_ptr<SampleHandler>, Player::kStreams> m_handlers;
     bool m_zoomWinMode = false;
+    MouseDrag m_drag;
     QPoint m_pressPoint;
     QPoint m_lastPoint;
     bool m_selected = false;

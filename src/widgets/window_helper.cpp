@@ -5,6 +5,9 @@
 #include <QMouseEvent>
 #include <QWidget>
 #include <QWindow>
+#include <utility>
+
+#include "widgets/mouse_drag.h"
 
 namespace ql240 {
 namespace {
@@ -38,7 +41,7 @@ Qt::CursorShape resizeCursor(const EdgeFlags& edges) {
 
 struct FlHlp::Record {
     QWidget* window = nullptr;
-    bool dragging = false;
+    MouseDrag drag;
     QPoint dragOffset;
     EdgeFlags edges;
     bool cursorChanged = false;
@@ -117,7 +120,7 @@ bool FlHlp::eventFilter(QObject* object, QEvent* event) {
             leave(*record);
             break;
         case QEvent::HoverMove:
-            if (!record->dragging)
+            if (!record->drag.isUnderWay())
                 showResizeCursor(*record, record->window->mapToGlobal(
                                               static_cast<QHoverEvent*>(event)->position().toPoint()));
             break;
@@ -132,27 +135,28 @@ void FlHlp::press(Record& record, const QMouseEvent& event) {
         return;
     const QPoint point = event.globalPosition().toPoint();
     const QRect frame = record.window->frameGeometry();
-    record.dragging = true;
+    record.drag.begin(event.button());
     record.edges = edgesAt(point, frame);
     record.dragOffset = point - frame.topLeft();
 }
 
 void FlHlp::drag(Record& record, const QMouseEvent& event) {
     const QPoint point = event.globalPosition().toPoint();
-    if (!record.dragging) {
+    if (!record.drag.goesOn(event.buttons())) {
         showResizeCursor(record, point);
         return;
     }
     QWindow* handle = record.window->windowHandle();
     if (m_resizable && record.edges.any) {
-        record.dragging = !(handle && handle->startSystemResize(resizeEdges(record.edges)));
+        if (handle && handle->startSystemResize(resizeEdges(record.edges)))
+            record.drag.end();
         return;
     }
     if (!m_movable || record.window->isFullScreen())
         return;
     if (compositorMoves() && handle && handle->startSystemMove()) {
         // The compositor keeps the release to itself.
-        record.dragging = false;
+        record.drag.end();
         return;
     }
     record.window->move(point - record.dragOffset);
@@ -161,15 +165,13 @@ void FlHlp::drag(Record& record, const QMouseEvent& event) {
 void FlHlp::release(Record& record, const QMouseEvent& event) {
     if (event.button() != Qt::LeftButton)
         return;
-    record.dragging = false;
+    record.drag.end();
     record.edges = {};
 }
 
 void FlHlp::leave(Record& record) {
-    if (record.dragging)
-        return;
-    record.window->unsetCursor();
-    record.cursorChanged = false;
+    if (!record.drag.isUnderWay())
+        takeCursorBack(record);
 }
 
 void FlHlp::showResizeCursor(Record& record, QPoint point) {
@@ -179,10 +181,15 @@ void FlHlp::showResizeCursor(Record& record, QPoint point) {
     if (edges.any) {
         record.window->setCursor(resizeCursor(edges));
         record.cursorChanged = true;
-    } else if (record.cursorChanged) {
-        record.window->unsetCursor();
-        record.cursorChanged = false;
+    } else {
+        takeCursorBack(record);
     }
+}
+
+// Any other cursor is the window's own.
+void FlHlp::takeCursorBack(Record& record) {
+    if (std::exchange(record.cursorChanged, false))
+        record.window->unsetCursor();
 }
 
 } // namespace ql240

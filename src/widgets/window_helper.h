@@ -52,6 +52,7 @@ private:
     void release(Record& record, const QMouseEvent& event);
     void leave(Record& record);
     void showResizeCursor(Record& record, QPoint point);
+    void takeCursorBack(Record& record);
     void giveBack(Record& record);
 
     QHash<QObject*, std::shared_ptr<Record>> m_windows;

@@ -58,8 +58,9 @@ private:
         return numbers.join(QLatin1Char(' '));
     }
 
-    static bool mouse(VideoView& view, QEvent::Type type, const QPoint& at) {
-        QMouseEvent event(type, at, at, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    static bool mouse(VideoView& view, QEvent::Type type, const QPoint& at,
+                      Qt::MouseButtons held = Qt::LeftButton) {
+        QMouseEvent event(type, at, at, Qt::LeftButton, held, Qt::NoModifier);
         if (type == QEvent::MouseButtonPress)
             view.mousePressEvent(&event);
         else
@@ -240,15 +241,19 @@ private Q_SLOTS:
         m_view->zoomStep(1);
         m_media.takeLog();
         press({100, 100});
-        QVERIFY(!move({102, 98}));
+        QVERIFY(move({102, 98})); // the view's own, though nothing comes of it
         QCOMPARE(takePlace(), "");
         QVERIFY(move({103, 100}));
         QCOMPARE(takePlace(), "0:3 0:0");
-        QVERIFY(!move({101, 102}));
+        QVERIFY(move({101, 102}));
         QVERIFY(move({103, 97}));
         QCOMPARE(takePlace(), "0:3 0:-3");
         QVERIFY(move({190, 97})); // refused: counts from where it was
-        QVERIFY(!move({105, 97}));
+        QVERIFY(move({105, 97}));
+        QCOMPARE(takePlace(), "");
+        // Its release got lost: the drag has ended with the button.
+        mouse(*m_view, QEvent::MouseMove, {120, 97}, Qt::NoButton);
+        move({110, 97});
         QCOMPARE(takePlace(), "");
         m_second->setZoomWinMode(true);
         m_second->zoomStep(1);
