@@ -12,4 +12,8 @@ QString clipDateText(const QString& fileName) {
     return text.left(10);
 }
 
+QDateTime clipStart(const QString& fileName) {
+    return QDateTime::fromString(fileName.mid(4, 19), QStringLiteral("yyyy_MM_dd_hh_mm_ss"));
+}
+
 } // namespace ql240

@@ -27,6 +27,8 @@ private Q_SLOTS:
     void names() {
         QFETCH(QString, name);
         QFETCH(QString, date);
+        const bool stamped = name.contains(QStringLiteral("_2013_"));
+        QCOMPARE(clipStart(name), stamped ? QDateTime({2013, 4, 5}, {12, 30}) : QDateTime());
         QTEST(int(Clip(QFileInfo(QStringLiteral("/EVS_card/") + name)).category()), "category");
         QCOMPARE(clipDateText(name), date);
     }
