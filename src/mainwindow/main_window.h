@@ -27,6 +27,7 @@ class VideoView;
 class WidgetProgressA;
 class WidgetVolume;
 class WindowDialogs;
+struct Command;
 
 class MainWindow : public QMainWindow {
     Q_OBJECT
@@ -129,6 +130,7 @@ private:
     WidgetProgressA* m_progressPanel = nullptr;
     Player* m_currentPlayer = nullptr;
     VideoView* m_mainView = nullptr;
+    void run(const Command& command);
     VideoView* m_subView = nullptr;
     MyListWidget* m_clipList = nullptr;
     QRect m_normalGeometry;

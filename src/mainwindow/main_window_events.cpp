@@ -11,6 +11,7 @@
 
 #include "base/preferences.h"
 #include "library/clip_folder.h"
+#include "mainwindow/commands.h"
 #include "mainwindow/main_window.h"
 #include "mainwindow/my_list_widget.h"
 #include "playback/video_view.h"
@@ -21,29 +22,6 @@ namespace ql240 {
 using layout::ButtonId;
 
 namespace {
-
-struct CommandKey {
-    int key;
-    Qt::KeyboardModifiers modifiers;
-    ButtonId id;
-    bool repeats = false; // while the key is held
-};
-
-// Space is not among them: it presses whichever of play and pause is shown.
-constexpr CommandKey kCommandKeys[] = {
-    {Qt::Key_Left, Qt::NoModifier, ButtonId::FrameBack, true},
-    {Qt::Key_Right, Qt::NoModifier, ButtonId::FrameForward, true},
-    {Qt::Key_PageUp, Qt::NoModifier, ButtonId::PreviousFile, true},
-    {Qt::Key_PageDown, Qt::NoModifier, ButtonId::NextFile, true},
-    {Qt::Key_Plus, Qt::NoModifier, ButtonId::ZoomIn, true},
-    {Qt::Key_Equal, Qt::NoModifier, ButtonId::ZoomIn, true},
-    {Qt::Key_Minus, Qt::NoModifier, ButtonId::ZoomOut, true},
-    {Qt::Key_0, Qt::NoModifier, ButtonId::OriginalSize},
-    {Qt::Key_M, Qt::NoModifier, ButtonId::Volume},
-    {Qt::Key_S, Qt::NoModifier, ButtonId::Snapshot},
-    {Qt::Key_P, Qt::ControlModifier, ButtonId::Print},
-    {Qt::Key_O, Qt::ControlModifier, ButtonId::OpenFolder},
-};
 
 // The bounds include one pixel beyond the right and the bottom edge.
 bool holds(const QRect& rect, QPoint point) {
@@ -162,26 +140,19 @@ bool MainWindow::handToList(QKeyEvent* event) {
 }
 
 bool MainWindow::runCommandKey(const QKeyEvent& event) {
-    const Qt::KeyboardModifiers modifiers = event.modifiers() & ~(Qt::KeypadModifier | Qt::ShiftModifier);
-    const bool held = event.isAutoRepeat();
-    if (event.key() == Qt::Key_F && modifiers == Qt::NoModifier) {
-        if (!held)
-            enterFullScreen();
-        return true;
-    }
-    if (event.key() == Qt::Key_Space && modifiers == Qt::NoModifier) {
-        if (!held)
-            button(m_playing ? ButtonId::Pause : ButtonId::Play)->click();
-        return true;
-    }
-    for (const CommandKey& command : kCommandKeys) {
-        if (event.key() != command.key || modifiers != command.modifiers)
-            continue;
-        if (!held || command.repeats)
-            button(command.id)->click();
-        return true;
-    }
-    return false;
+    const Command* command = commandOf(event);
+    if (command && (!event.isAutoRepeat() || command->repeats))
+        run(*command);
+    return command;
+}
+
+void MainWindow::run(const Command& command) {
+    if (command.button)
+        button(*command.button)->click();
+    else if (command.id == CommandId::PlayOrPause)
+        button(m_playing ? ButtonId::Pause : ButtonId::Play)->click();
+    else if (command.id == CommandId::FullScreen)
+        enterFullScreen();
 }
 
 void MainWindow::paintEvent(QPaintEvent*) {

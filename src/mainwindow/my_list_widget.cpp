@@ -5,9 +5,10 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <algorithm>
+#include <QScopedValueRollback>
 
 #include "library/clip.h"
+#include "mainwindow/commands.h"
 
 namespace ql240 {
 namespace {
@@ -65,7 +66,10 @@ MyListWidget::MyListWidget(QWidget* owner) : QListWidget(owner), m_owner(owner) 
 void MyListWidget::appendClip(const Clip* clip) {
     auto* item = new QListWidgetItem(clip->file().fileName());
     item->setData(kClipRole, QVariant::fromValue(reinterpret_cast<quintptr>(clip)));
-    insertItem(count(), item);
+    int row = count();
+    while (row > 0 && !clipOf(this->item(row - 1)))
+        --row;
+    insertItem(row, item);
 }
 
 void MyListWidget::appendName(const QString& fileName) {
@@ -96,6 +100,15 @@ void MyListWidget::mousePressEvent(QMouseEvent* event) {
         event->ignore();
 }
 
+void MyListWidget::focusInEvent(QFocusEvent* event) {
+    const QScopedValueRollback taking(m_takingFocus, true);
+    QListWidget::focusInEvent(event);
+}
+
+QModelIndex MyListWidget::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
+    return m_takingFocus ? QModelIndex() : QListWidget::moveCursor(action, modifiers);
+}
+
 // The entry whose clip is open stays marked.
 QItemSelectionModel::SelectionFlags MyListWidget::selectionCommand(const QModelIndex& index,
                                                                    const QEvent* event) const {
@@ -110,15 +123,7 @@ bool MyListWidget::isTyping() const {
 }
 
 void MyListWidget::keyPressEvent(QKeyEvent* event) {
-    static constexpr int kCommands[] = {Qt::Key_Space, Qt::Key_Left, Qt::Key_Right, Qt::Key_PageUp,
-                                        Qt::Key_PageDown};
-    // These may also stand within a name that is being typed.
-    static constexpr int kCommandsUnlessTyping[] = {Qt::Key_Plus, Qt::Key_Equal, Qt::Key_Minus, Qt::Key_0,
-                                                    Qt::Key_M,    Qt::Key_S,     Qt::Key_F};
-    const auto isOneOf = [key = event->key()](const auto& keys) {
-        return std::ranges::find(keys, key) != std::end(keys);
-    };
-    if (isOneOf(kCommands) || (isOneOf(kCommandsUnlessTyping) && !isTyping())) {
+    if (passesList(*event, isTyping())) {
         event->ignore();
         return;
     }

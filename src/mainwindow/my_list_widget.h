@@ -19,7 +19,8 @@ public:
     // `owner` is the parent and the window that gets the mouse events that the list posts.
     explicit MyListWidget(QWidget* owner);
 
-    // Appends an entry named after the clip's file, or one with a name only.
+    // Appends an entry named after the clip's file, or one with a name only. Clips go ahead of names that
+    // were added while the folder was being read.
     void appendClip(const Clip* clip);
     void appendName(const QString& fileName);
 
@@ -33,6 +34,9 @@ public:
     void mousePressEvent(QMouseEvent* event) override;
 
 protected:
+    // Chooses nothing, as Qt would.
+    void focusInEvent(QFocusEvent* event) override;
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     // The window's command keys go on to it; typing and moving up and down stay here.
     void keyPressEvent(QKeyEvent* event) override;
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
@@ -48,6 +52,7 @@ private:
 
     QWidget* m_owner;
     bool m_busy = false;
+    bool m_takingFocus = false;
     QElapsedTimer m_lastTyped;
 };
 
