@@ -4,7 +4,9 @@
 #include <QRect>
 #include <QWidget>
 #include <chrono>
+#include <utility>
 
+#include "mainwindow/questions.h"
 #include "mainwindow/wait_note.h"
 
 namespace ql240 {
@@ -17,33 +19,59 @@ constexpr auto kPatience = 50ms;
 
 } // namespace
 
+FolderReader::FolderReader(const Questions& questions) : m_questions(questions) {
+    connect(&questions, &Questions::closed, this, [this] {
+        if (m_phase == Phase::Held && !m_questions.isOpen())
+            handOver();
+    });
+}
+
 void FolderReader::showWaitIn(QWidget* window, const QRect& place) {
     m_window = window;
     m_note = new WaitNote(window);
     m_note->setGeometry(place);
-    QObject::connect(m_note, &WaitNote::cancelled, &m_jobs, [this] { stop(); });
+    connect(m_note, &WaitNote::cancelled, this, &FolderReader::stop);
 }
 
 void FolderReader::read(const QString& path, const Then& then) {
     stop();
-    const auto listing = std::make_shared<FolderListing>();
+    const int number = ++m_number;
+    m_phase = Phase::Reading;
+    m_then = then;
+    m_listing = std::make_shared<FolderListing>();
     m_unwanted = std::make_shared<std::atomic<bool>>(false);
-    m_jobs.start([path, listing, unwanted = m_unwanted] { *listing = listFolder(path, unwanted.get()); },
-                 [this, listing, then] {
-                     stop(); // what shows of the wait goes before anybody is asked anything
-                     then(*listing);
-                 });
-    if (m_jobs.wait(kPatience))
-        return;
+    m_jobs.start(
+        [path, listing = m_listing, unwanted = m_unwanted] { *listing = listFolder(path, unwanted.get()); },
+        [this] { arrive(); });
+    m_jobs.wait(kPatience);
+    // What was handed over may have begun another reading.
+    if (number == m_number && m_phase != Phase::Idle)
+        showWait(path);
+}
+
+void FolderReader::showWait(const QString& path) {
     m_window->setCursor(Qt::BusyCursor);
     m_note->begin(QCoreApplication::translate("ql240::MainWindow", "Reading %1").arg(path));
 }
 
+void FolderReader::arrive() {
+    m_phase = Phase::Held;
+    if (!m_questions.isOpen())
+        handOver();
+}
+
+void FolderReader::handOver() {
+    const auto listing = m_listing;
+    const auto then = std::exchange(m_then, {});
+    stop(); // what shows of the wait goes before anybody is asked anything
+    then(*listing);
+}
+
 void FolderReader::stop() {
-    if (!m_unwanted)
+    if (m_phase == Phase::Idle)
         return;
+    m_phase = Phase::Idle;
     m_unwanted->store(true);
-    m_unwanted.reset();
     m_jobs.forget();
     m_note->end();
     m_window->unsetCursor();

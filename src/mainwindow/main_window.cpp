@@ -9,7 +9,8 @@
 #include "base/preferences.h"
 #include "library/clip_folder.h"
 #include "mainwindow/my_list_widget.h"
-#include "mainwindow/window_dialogs.h"
+#include "mainwindow/stay_awake.h"
+#include "platform/host.h"
 #include "playback/video_view.h"
 #include "playback/widget_volume.h"
 #include "sensors/map_view.h"
@@ -50,10 +51,12 @@ bool storedUnitIsKilometres() {
 
 MainWindow::MainWindow(QWidget* parent, Qt::WindowFlags flags)
     : QMainWindow(parent, flags),
+      m_fullScreen(*this),
       m_background(skinPixmap(skinPath(QStringLiteral("main_viewer_bg")))),
       m_windowHelper(std::make_unique<FlHlp>()),
-      m_adjustment([this] { adjustPicture(); }),
-      m_dialogs(std::make_unique<WindowDialogs>()) {
+      m_questions(this),
+      m_folderReader(m_questions),
+      m_adjustment([this] { adjustPicture(); }) {
     setAutoFillBackground(true);
     QPalette colours = palette();
     colours.setColor(backgroundRole(), kBackgroundColour);
@@ -74,6 +77,7 @@ MainWindow::MainWindow(QWidget* parent, Qt::WindowFlags flags)
     showPausedState();
     setControlsEnabled(false);
     OnZoomWinMode(false);
+    new StayAwake(m_session);
     m_adjustment.loadPictureAdjustment();
     for (QWidget* widget : QApplication::allWidgets())
         widget->setContextMenuPolicy(Qt::NoContextMenu);
@@ -87,7 +91,7 @@ MainWindow::~MainWindow() {
 }
 
 void MainWindow::setDialogs(std::unique_ptr<WindowDialogs> dialogs) {
-    m_dialogs = std::move(dialogs);
+    m_questions.setDialogs(std::move(dialogs));
 }
 
 void MainWindow::makeWidgets() {
@@ -110,6 +114,9 @@ void MainWindow::makeWidgets() {
     m_clipList = new MyListWidget(this);
     m_clipList->setGeometry(layout::kClipList);
     connect(m_clipList, &QListWidget::currentItemChanged, this, &MainWindow::OnSlotsselectFile);
+    connect(&m_session, &ClipSession::opened, m_mapView,
+            [this] { m_mapView->setTrack(m_progressPanel->sensorTrack()); });
+    connect(&m_session, &ClipSession::closed, m_mapView, [this] { m_mapView->setTrack({}); });
 
     m_folderReader.showWaitIn(this, layout::kWaitNote);
 
@@ -154,7 +161,6 @@ void MainWindow::makeViews() {
 }
 
 void MainWindow::setNormalLayout() {
-    m_fullScreenLayout = false;
     m_mainView->setGeometry(layout::kMainView);
     m_subView->setGeometry(layout::kSubView);
     m_mainView->show();
@@ -165,7 +171,6 @@ void MainWindow::setNormalLayout() {
 }
 
 void MainWindow::setFullScreenLayout() {
-    m_fullScreenLayout = true;
     setPanelsVisible(false);
     m_mainView->setGeometry(rect().marginsRemoved(layout::kFullScreenMargins));
     m_mainView->show();

@@ -7,9 +7,12 @@
 #include <QPixmap>
 #include <memory>
 
+#include "library/clip_session.h"
 #include "mainwindow/folder_reader.h"
+#include "mainwindow/full_screen.h"
 #include "mainwindow/main_window_buttons.h"
 #include "mainwindow/picture_adjustment.h"
+#include "mainwindow/questions.h"
 
 class QLabel;
 class QListWidgetItem;
@@ -26,7 +29,6 @@ class Player;
 class VideoView;
 class WidgetProgressA;
 class WidgetVolume;
-class WindowDialogs;
 struct Command;
 
 class MainWindow : public QMainWindow {
@@ -44,7 +46,9 @@ public:
     bool isReadingFolder() const { return m_folderReader.isReading(); }
 
     QAbstractButton* button(layout::ButtonId id) const { return m_buttons.at(id); }
+    // As the buttons show it; full screen leaves that as it was.
     bool isPlaying() const { return m_playing; }
+    const ClipSession& session() const { return m_session; }
     const PictureAdjustment& pictureAdjustment() const { return m_adjustment; }
 
 public Q_SLOTS:
@@ -119,24 +123,26 @@ private:
     void releaseFolder();
     void adjustPicture();
     void stepFrame(bool forward);
-    void keepAwake(bool playing);
+    // What the commands, the tick, seeks and steps have come to; `playing` as they left it.
+    void feedSession(bool playing);
     VideoView* zoomTarget() const;
     VideoView* bigView() const;
     bool pausedSnap(QImage* images);
     bool runCommandKey(const QKeyEvent& event);
+    void run(const Command& command);
     bool handToList(QKeyEvent* event);
     bool handToPanel(const QMouseEvent& event);
 
     WidgetProgressA* m_progressPanel = nullptr;
     Player* m_currentPlayer = nullptr;
     VideoView* m_mainView = nullptr;
-    void run(const Command& command);
     VideoView* m_subView = nullptr;
     MyListWidget* m_clipList = nullptr;
-    QRect m_normalGeometry;
+    FullScreen m_fullScreen;
     bool m_zoomWinMode = false;
     QPixmap m_background;
     std::unique_ptr<FlHlp> m_windowHelper;
+    Questions m_questions;
     FolderReader m_folderReader;
     std::unique_ptr<ClipFolder> m_folder;
     QLabel* m_folderLabel = nullptr;
@@ -146,10 +152,7 @@ private:
     WidgetVolume* m_volume = nullptr;
     QTimer* m_updateTimer = nullptr;
     PictureAdjustment m_adjustment;
-
-    std::unique_ptr<WindowDialogs> m_dialogs;
-    std::shared_ptr<void> m_awake; // while a clip plays
-    bool m_fullScreenLayout = false;
+    ClipSession m_session;
     bool m_painted = false;
 };
 

@@ -9,7 +9,6 @@
 #include "library/folder_browser.h"
 #include "mainwindow/main_window.h"
 #include "mainwindow/my_list_widget.h"
-#include "mainwindow/window_dialogs.h"
 #include "playback/video_view.h"
 #include "sensors/map_view.h"
 #include "sensors/widget_progress.h"
@@ -18,9 +17,12 @@
 namespace ql240 {
 
 void MainWindow::OnSlotsfolder_open() {
-    FolderBrowser browser(this);
-    if (browser.exec() && !browser.path().isEmpty())
-        openFolder(browser.path());
+    const QString path = m_questions.ask([this](WindowDialogs&) {
+        FolderBrowser browser(this);
+        return browser.exec() ? browser.path() : QString();
+    });
+    if (!path.isEmpty())
+        openFolder(path);
 }
 
 void MainWindow::openFolder(const QString& path, const QString& clipName) {
@@ -46,8 +48,7 @@ void MainWindow::showListing(const FolderListing& listing, const QString& clipNa
         setControlsEnabled(true);
     } else {
         folder.reset();
-        showFolderPath({});
-        m_dialogs->warn(this, tr("QL240 Viewer"), tr("Please select proper folder"));
+        m_questions.warn(tr("QL240 Viewer"), tr("Please select proper folder"));
     }
 }
 
@@ -60,7 +61,8 @@ void MainWindow::showFolder(std::unique_ptr<ClipFolder> folder, const QString& c
         m_clipList->appendClip(clip);
     }
     m_clipList->setCurrentRow(row);
-    showFolderPath(m_folder->path());
+    if (m_folder) // opening the clip may have asked the user something
+        showFolderPath(m_folder->path());
 }
 
 void MainWindow::showFolderPath(const QString& path) {
@@ -73,11 +75,14 @@ void MainWindow::showFolderPath(const QString& path) {
 
 void MainWindow::releaseFolder() {
     m_folder.reset();
+    showFolderPath({});
     releaseRetiredClips(m_mainView->player()->clip());
 }
 
 void MainWindow::OnSlotsfile_open() {
-    const QString path = m_dialogs->askOpenFile(this, tr("Open QL240"), tr("QL240 Data Files (*.mp4)"));
+    const QString path = m_questions.ask([this](WindowDialogs& dialogs) {
+        return dialogs.askOpenFile(this, tr("Open QL240"), tr("QL240 Data Files (*.mp4)"));
+    });
     if (!path.isEmpty())
         m_clipList->appendName(QFileInfo(path).fileName());
 }
@@ -87,7 +92,6 @@ void MainWindow::OnSlotsselectFile(QListWidgetItem* current, QListWidgetItem*) {
     if (current) {
         current->setSelected(true); // ahead of a message about its clip
         m_progressPanel->clearSensorData();
-        m_mapView->setTrack({});
         loadClip(MyListWidget::clipOf(current));
     }
     OnSlotsplay();
@@ -96,6 +100,7 @@ void MainWindow::OnSlotsselectFile(QListWidgetItem* current, QListWidgetItem*) {
 void MainWindow::closeCurrent() {
     OnSlotsstop();
     m_mainView->closeClip();
+    m_session.close();
     m_progressPanel->setRange(0, 0);
     m_progressPanel->setValue(0);
     m_progressPanel->resetIndicators();
@@ -106,10 +111,12 @@ void MainWindow::loadClip(Clip* clip) {
     if (m_adjustment.settingsChanged())
         m_adjustment.loadPictureAdjustment();
     m_adjustment.await();
-    if (showClipInView(clip))
+    if (showClipInView(clip)) {
         updateClipInformation(clip);
-    else
-        m_dialogs->warn(this, tr("QL240 Viewer"), tr("Failed to open clip file"));
+        m_session.open(*clip);
+    } else {
+        m_questions.warn(tr("QL240 Viewer"), tr("Failed to open clip file"));
+    }
 }
 
 bool MainWindow::showClipInView(Clip* clip) {
@@ -148,7 +155,6 @@ void MainWindow::updateClipInformation(const Clip* clip) {
         m_progressPanel->loadSensorData(m_currentPlayer->durationMs());
     else
         m_progressPanel->clearSensorData();
-    m_mapView->setTrack(m_progressPanel->sensorTrack());
 }
 
 void MainWindow::OnSlotssetting() {
@@ -156,7 +162,7 @@ void MainWindow::OnSlotssetting() {
     ConfigWindow dialog;
     dialog.setViewerSpeedUnit(
         static_cast<qint32>(m_progressPanel->kilometres() ? SpeedUnit::Kmh : SpeedUnit::Mph));
-    if (!dialog.exec())
+    if (!m_questions.ask([&dialog](WindowDialogs&) { return dialog.exec(); }))
         return;
     m_adjustment.setSettingsChanged();
     const bool kilometres = dialog.viewerSpeedUnit() == static_cast<qint32>(SpeedUnit::Kmh);

@@ -47,31 +47,20 @@ QString droppedPath(const QMimeData& data) {
 } // namespace
 
 void MainWindow::enterFullScreen() {
-    m_normalGeometry = geometry();
-    // A fixed size would keep the window system from filling the screen.
-    setMinimumSize(0, 0);
-    setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
     m_mainView->setFocus();
-    m_fullScreenLayout = true;
-    showFullScreen();
+    m_fullScreen.enter();
     setFullScreenLayout();
 }
 
 void MainWindow::leaveFullScreen() {
-    m_fullScreenLayout = false;
-    if (m_normalGeometry.isEmpty())
-        m_normalGeometry = QRect(pos(), layout::kWindow);
-    setWindowState(windowState() & ~Qt::WindowFullScreen);
-    resize(m_normalGeometry.size());
-    setFixedSize(m_normalGeometry.size());
-    move(m_normalGeometry.topLeft());
+    m_fullScreen.leave();
     setNormalLayout();
 }
 
 // The window system tells the size of the full screen in its own time.
 void MainWindow::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);
-    if (m_fullScreenLayout && isFullScreen())
+    if (m_fullScreen.isWanted() && isFullScreen())
         setFullScreenLayout();
 }
 
@@ -172,11 +161,14 @@ void MainWindow::changeEvent(QEvent* event) {
         return;
     }
     QMainWindow::changeEvent(event);
-    if (event->type() != QEvent::WindowStateChange || isMinimized() || m_fullScreenLayout == isFullScreen())
+    if (event->type() != QEvent::WindowStateChange || isMinimized() || m_fullScreen.agrees())
         return;
     // The window manager's own key has left full screen; or a compositor has granted it only after it was
-    // left again.
-    QTimer::singleShot(0, this, &MainWindow::leaveFullScreen);
+    // left again. By the time of the answer the user may have entered it anew.
+    QTimer::singleShot(0, this, [this] {
+        if (!m_fullScreen.agrees() && !isMinimized())
+            leaveFullScreen();
+    });
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {

@@ -5,7 +5,6 @@
 
 #include "mainwindow/frame_output.h"
 #include "mainwindow/main_window.h"
-#include "mainwindow/window_dialogs.h"
 #include "platform/host.h"
 #include "platform/url_opener.h"
 #include "playback/video_view.h"
@@ -17,9 +16,9 @@ constexpr char kMakerAddress[] = "https://ql240.example/";
 constexpr int kExtensionLength = 4;
 
 // The painter's origin is the corner of the printable area, so the page begins there.
-void printFrames(QPrinter& printer, const FramePair& frames) {
+void printFrames(QPrinter& printer, const FramePair& frames, int streams) {
     const QRect page(QPoint(0, 0), printer.pageRect(QPrinter::DevicePixel).toRect().size());
-    const auto places = printPlaces(page, frames, Player::videoStreamCount);
+    const auto places = printPlaces(page, frames, streams);
     QPainter painter(&printer);
     for (std::size_t i = 0; i < frames.size(); ++i) {
         if (!places[i].isEmpty())
@@ -31,7 +30,7 @@ void printFrames(QPrinter& printer, const FramePair& frames) {
 
 bool MainWindow::getSnap(QImage* images) {
     if (!m_currentPlayer) {
-        m_dialogs->warn(this, tr("QL240 Viewer"), tr("Play first"));
+        m_questions.warn(tr("QL240 Viewer"), tr("Play first"));
         return false;
     }
     for (int i = 0; i < Player::videoStreamCount; ++i)
@@ -48,11 +47,12 @@ void MainWindow::OnSlotssnapshot() {
     FramePair frames;
     if (!pausedSnap(frames.data()))
         return;
-    const QString path =
-        m_dialogs->askSaveFile(this, tr("QL240 Save File"), snapshotName(QDateTime::currentDateTime()),
-                               tr("Image Files (*.png *.jpg)"));
+    const QString path = m_questions.ask([this](WindowDialogs& dialogs) {
+        return dialogs.askSaveFile(this, tr("QL240 Save File"), snapshotName(QDateTime::currentDateTime()),
+                                   tr("Image Files (*.png *.jpg)"));
+    });
     if (path.size() <= kExtensionLength) {
-        m_dialogs->warn(this, tr("QL240"), tr("Save File Cancelled"));
+        m_questions.warn(tr("QL240"), tr("Save File Cancelled"));
         return;
     }
     frames[0].save(path);
@@ -64,9 +64,10 @@ void MainWindow::OnSlotsprint() {
     FramePair frames;
     if (!pausedSnap(frames.data()))
         return;
+    const int streams = Player::videoStreamCount; // of these frames, whatever is opened meanwhile
     QPrinter printer(QPrinter::ScreenResolution);
-    if (m_dialogs->askPrinter(this, printer))
-        printFrames(printer, frames);
+    if (m_questions.ask([&](WindowDialogs& dialogs) { return dialogs.askPrinter(this, printer); }))
+        printFrames(printer, frames, streams);
 }
 
 void MainWindow::OnSlotsLink() {

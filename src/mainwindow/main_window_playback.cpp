@@ -3,8 +3,6 @@
 
 #include "mainwindow/main_window.h"
 #include "mainwindow/my_list_widget.h"
-#include "platform/host.h"
-#include "platform/inhibitor.h"
 #include "playback/video_view.h"
 #include "playback/widget_volume.h"
 #include "sensors/map_view.h"
@@ -47,12 +45,9 @@ void MainWindow::showPausedState() {
 }
 
 // Goes by the clip, not by the state shown, which full screen leaves as it was.
-void MainWindow::keepAwake(bool playing) {
-    Inhibitor* inhibitor = host().inhibitor;
-    if (!playing || !inhibitor)
-        m_awake.reset();
-    else if (!m_awake)
-        m_awake = inhibitor->keepAwake(tr("A clip is playing"));
+void MainWindow::feedSession(bool playing) {
+    const Player& player = *m_mainView->player();
+    m_session.find(player.clip(), playing, player.positionMs());
 }
 
 void MainWindow::OnSlotsplay() {
@@ -63,41 +58,41 @@ void MainWindow::OnSlotsplay() {
     }
     m_subView->player()->play();
     m_mainView->player()->play();
-    keepAwake(m_mainView->player()->clip());
+    feedSession(true);
     showPlayingState();
     m_updateTimer->start(kUpdateIntervalMs);
 }
 
 void MainWindow::OnSlotspause() {
-    keepAwake(false);
     m_mainView->player()->pause();
+    feedSession(false);
     showPausedState();
 }
 
 void MainWindow::OnSlotsstop() {
-    keepAwake(false);
     m_mainView->zoomStep(0);
     m_subView->zoomStep(0);
     OnZoomWinMode(false);
     backToStart(*m_mainView->player());
+    feedSession(false);
     showPausedState();
     m_progressPanel->setActive(false);
 }
 
 void MainWindow::OnSlotsstopF() {
-    keepAwake(false);
     backToStart(*m_mainView->player());
+    feedSession(false);
     showPausedState();
 }
 
 void MainWindow::stepFrame(bool forward) {
     Player& player = *m_mainView->player();
-    keepAwake(false);
     player.pause();
     if (forward)
         player.stepForward();
     else
         player.stepBack();
+    feedSession(false);
     showPausedState();
     OnTimeoutRefreshMapB();
     m_progressPanel->setValue(static_cast<qint32>(player.positionMs()));
@@ -128,6 +123,7 @@ void MainWindow::OnSlotsnext_file() {
 void MainWindow::OnSlotsProgress(int ms) {
     m_progressPanel->setValue(ms);
     m_mainView->player()->seek(ms);
+    feedSession(m_session.isPlaying());
     OnTimeoutRefreshMapB();
 }
 
@@ -142,7 +138,10 @@ void MainWindow::OnTimeoutUpdate() {
     const auto position = static_cast<qint32>(m_currentPlayer->positionMs());
     m_progressPanel->setRange(0, duration);
     m_progressPanel->setValue(position);
-    if (position != duration)
+    feedSession(m_session.isPlaying());
+    // What a question has paused stays where it is under it.
+    const bool ended = position == duration && !(m_questions.isOpen() && !m_session.isPlaying());
+    if (!ended)
         return;
     if (m_clipList->count() == 1) {
         OnSlotsstopF();

@@ -139,8 +139,6 @@ void TestMainWindowDesktop::focusIsSeen() {
 void TestMainWindowDesktop::awakeWhilePlaying_data() {
     QTest::addColumn<Action>("action");
     QTest::newRow("pause") << Action([](Viewer& v) { v.click(ButtonId::Pause); });
-    QTest::newRow("stop") << Action([](Viewer& v) { v.click(ButtonId::Stop); });
-    QTest::newRow("step") << Action([](Viewer& v) { v.click(ButtonId::FrameForward); });
     QTest::newRow("folder without clips") << Action([](Viewer& v) { v.openFolder(v.path("none")); });
     QTest::newRow("end of the only clip") << Action([](Viewer& v) { v.openFolder(v.path("one")); });
     QTest::newRow("its end in full screen") << Action([](Viewer& v) {

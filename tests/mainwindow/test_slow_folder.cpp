@@ -86,6 +86,9 @@ void TestSlowFolder::openSlowFolder() {
     viewer().window->openFolder(slowPath());
     QVERIFY2(time.elapsed() < kSoonMs, qPrintable(QString::number(time.elapsed())));
     QVERIFY(viewer().window->isReadingFolder());
+    QEvent leave(QEvent::Leave); // the pointer goes, and comes back
+    QCoreApplication::sendEvent(viewer().window.get(), &leave);
+    QCOMPARE(viewer().window->cursor().shape(), Qt::BusyCursor);
     QTRY_VERIFY_WITH_TIMEOUT(note()->isVisible(), kBoundMs);
     QVERIFY(note()->accessibleName().contains(slowPath()));
 }
@@ -107,9 +110,11 @@ void TestSlowFolder::waitCanBeLeft_data() {
 
 void TestSlowFolder::waitCanBeLeft() {
     QFETCH(Leave, leave);
+    viewer().openFolder(viewer().path(QStringLiteral("card")));
     openSlowFolder();
     leave(viewer(), note());
     QVERIFY(!viewer().window->isReadingFolder());
+    QCOMPARE(viewer().child<QLabel>()->text().isEmpty(), viewer().list()->count() == 0);
     QVERIFY(!note()->isVisible());
     // What arrives afterwards is nobody's any more.
     m_reader->end();

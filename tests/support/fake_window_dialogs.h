@@ -24,6 +24,7 @@ struct Answers {
     QString saveFile;
     QStringList asked; // captions, proposed names and filters of the file dialogs
     std::function<bool(QPrinter&)> print = [](QPrinter&) { return false; };
+    std::function<void()> meanwhile = [] {}; // runs within every question but the printer's
 };
 
 struct FakeWindowDialogs : WindowDialogs {
@@ -31,14 +32,17 @@ struct FakeWindowDialogs : WindowDialogs {
 
     void warn(QWidget*, const QString& title, const QString& text) override {
         answers.warnings << title + QStringLiteral(": ") + text;
+        answers.meanwhile();
     }
     QString askOpenFile(QWidget*, const QString& caption, const QString& filter) override {
         answers.asked << caption << filter;
+        answers.meanwhile();
         return answers.openFile;
     }
     QString askSaveFile(QWidget*, const QString& caption, const QString& name,
                         const QString& filter) override {
         answers.asked << caption << name << filter;
+        answers.meanwhile();
         return answers.saveFile;
     }
     bool askPrinter(QWidget*, QPrinter& printer) override { return answers.print(printer); }

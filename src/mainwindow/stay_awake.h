@@ -1,0 +1,22 @@
+// Keeps the desktop awake while the session's clip plays, whatever the window shows. Belongs to the session;
+// interface thread only.
+#pragma once
+
+#include <memory>
+
+#include "library/clip_session.h"
+
+namespace ql240 {
+
+class StayAwake : public QObject {
+    Q_OBJECT
+public:
+    explicit StayAwake(ClipSession& session);
+
+private:
+    void follow(ClipSession::Phase phase);
+
+    std::shared_ptr<void> m_hold;
+};
+
+} // namespace ql240

@@ -1,0 +1,212 @@
+// The main window when things come late, twice or in another order than usual, over a pipeline that plays
+// what the test says.
+#include <QFile>
+#include <QPrinter>
+#include <QRegularExpression>
+
+#include "base/background_jobs.h"
+#include "mainwindow/viewer.h"
+#include "support/fake_media.h"
+#include "support/pdf_page.h"
+
+namespace ql240 {
+
+using layout::ButtonId;
+
+namespace {
+
+constexpr QPoint kOnVideo(300, 200);
+constexpr QPoint kOnGround(300, 10);
+
+// Ends jobs when the test says so.
+struct LateJobs : JobRunner {
+    std::vector<std::function<void()>> jobs;
+
+    LateJobs() { setJobRunner(this); }
+    ~LateJobs() override { setJobRunner(nullptr); }
+    void run(std::function<void()> job) override { jobs.push_back(std::move(job)); }
+    bool wait(QDeadlineTimer, const std::function<bool()>& isDone) override { return isDone(); }
+    void end() {
+        for (const auto& job : std::exchange(jobs, {}))
+            job();
+        QCoreApplication::processEvents();
+    }
+};
+
+} // namespace
+
+class TestMainWindowOrder : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void sessionFollows();
+    void slowPanDrag();
+    void listingUnderAQuestion();
+    void endUnderTheSaveDialog();
+    void anotherClipUnderThePrintDialog();
+    void fullScreenLeftAndEnteredAgain();
+
+private:
+    Viewer& viewer() { return *m_viewer; }
+    void move(QPoint place, Qt::MouseButtons held);
+    void keepFrames();
+    QStringList takePlaces();
+
+    FakeMedia m_media;
+    std::unique_ptr<Viewer> m_viewer;
+};
+
+void TestMainWindowOrder::init() {
+    m_media = FakeMedia();
+    m_viewer = std::make_unique<Viewer>();
+    host().media = &m_media;
+    QVERIFY(QDir(viewer().folder.path()).mkpath(QStringLiteral("card")));
+    for (const char* name : {"card/REC_1.mp4", "card/REC_2.mp4"}) {
+        QFile file(viewer().path(QLatin1String(name)));
+        QVERIFY(file.open(QFile::WriteOnly) && file.write("x") == 1);
+    }
+    m_media.clip = FakeClip::twoStreams();
+    viewer().show();
+    viewer().openFolder(viewer().path(QStringLiteral("card")));
+}
+
+void TestMainWindowOrder::cleanup() {
+    m_viewer.reset();
+    host().media = nullptr;
+    QCOMPARE(m_media.liveObjects, 0);
+}
+
+// As the window system sends it: to whatever is under the pointer or holds the button.
+void TestMainWindowOrder::move(QPoint place, Qt::MouseButtons held) {
+    QWidget* target = viewer().window.get();
+    if (held || layout::kMainView.contains(place))
+        target = viewer().mainView();
+    const QPoint global = viewer().window->mapToGlobal(place);
+    QMouseEvent event(QEvent::MouseMove, target->mapFromGlobal(global), global, Qt::NoButton, held, {});
+    QCoreApplication::sendEvent(target, &event);
+}
+
+// Where the picture was put since the last look.
+QStringList TestMainWindowOrder::takePlaces() {
+    return m_media.takeLog().filter(QRegularExpression(QStringLiteral("window 0 (left|top)")));
+}
+
+void TestMainWindowOrder::keepFrames() {
+    for (const int stream : {0, 1}) {
+        const QSize size = m_media.clip.sizes[std::size_t(stream)];
+        m_media.deliver(stream,
+                        std::vector<std::uint8_t>(std::size_t(size.width() * size.height() * 2), 128));
+    }
+}
+
+// What commands, tick, steps and seeks come to, also where the buttons don't show it.
+void TestMainWindowOrder::sessionFollows() {
+    const ClipSession& session = viewer().window->session();
+    QVERIFY(session.isPlaying());
+    m_media.setPositionMs(500);
+    viewer().window->OnTimeoutUpdate();
+    QCOMPARE(session.positionMs(), 500);
+    viewer().click(ButtonId::FrameForward);
+    QCOMPARE(session.phase(), ClipSession::Phase::Paused);
+    QCOMPARE(session.positionMs(), 566);
+    Q_EMIT viewer().panel()->clicked(2000);
+    QCOMPARE(session.positionMs(), 2000);
+    QCOMPARE(session.phase(), ClipSession::Phase::Paused);
+    viewer().click(ButtonId::Play);
+    viewer().key(Qt::Key_F);
+    viewer().window->OnSlotspause();
+    QVERIFY(viewer().window->isPlaying() && !session.isPlaying());
+    viewer().key(Qt::Key_F);
+    viewer().click(ButtonId::Stop);
+    QCOMPARE(session.positionMs(), 0);
+    viewer().click(ButtonId::NextFile);
+    QCOMPARE(session.clip(), viewer().player()->clip());
+    QVERIFY(session.clip() && session.isPlaying());
+    m_media.answers[QStringLiteral("load")] = kStatusFail;
+    viewer().click(ButtonId::NextFile);
+    QCOMPARE(session.phase(), ClipSession::Phase::Closed);
+}
+
+// One pixel a move: the picture follows in steps of three, never jumps, and stands once the button is up.
+void TestMainWindowOrder::slowPanDrag() {
+    viewer().click(ButtonId::ZoomIn);
+    viewer().click(ButtonId::Pan);
+    m_media.takeLog();
+    QTest::mousePress(viewer().window->windowHandle(), Qt::LeftButton, {}, kOnVideo);
+    for (int way = 1; way <= 7; ++way)
+        move(kOnVideo + QPoint(way, 0), Qt::LeftButton);
+    QCOMPARE(takePlaces(),
+             QStringList({"window 0 left 3", "window 0 top 0", "window 0 left 6", "window 0 top 0"}));
+    QTest::mouseRelease(viewer().window->windowHandle(), Qt::LeftButton, {}, kOnVideo + QPoint(7, 0));
+    for (const QPoint& place : {kOnVideo + QPoint(10, 0), kOnGround, kOnGround + QPoint(0, 9)})
+        move(place, Qt::NoButton);
+    QCOMPARE(takePlaces(), QStringList());
+}
+
+// A folder answers while the user is adding a file: nothing plays behind the dialog, and the file is not
+// taken for the folder's first clip.
+void TestMainWindowOrder::listingUnderAQuestion() {
+    LateJobs late;
+    viewer().window->openFolder(viewer().path(QStringLiteral("card")));
+    viewer().answers.openFile = QStringLiteral("/elsewhere/EVS_0.mp4");
+    viewer().answers.meanwhile = [this, &late] {
+        late.end();
+        QCOMPARE(viewer().list()->count(), 0);
+        QCOMPARE(viewer().player()->clip(), nullptr);
+    };
+    viewer().click(ButtonId::OpenFile);
+    QTRY_COMPARE(viewer().list()->count(), 3);
+    QCOMPARE(viewer().list()->currentRow(), 0);
+    QCOMPARE(viewer().player()->clip()->file().fileName(), QStringLiteral("REC_1.mp4"));
+    QCOMPARE(viewer().list()->item(2)->text(), QStringLiteral("EVS_0.mp4"));
+    QCOMPARE(viewer().answers.warnings, QStringList());
+}
+
+// The clip has just come to its end, which the tick finds only after the snapshot has paused it.
+void TestMainWindowOrder::endUnderTheSaveDialog() {
+    keepFrames();
+    m_media.playToEnd();
+    viewer().answers.meanwhile = [this] { viewer().window->OnTimeoutUpdate(); };
+    viewer().click(ButtonId::Snapshot);
+    QCOMPARE(viewer().answers.asked.size(), 3);
+    QCOMPARE(viewer().list()->currentRow(), 0);
+    QVERIFY(!viewer().window->isPlaying());
+}
+
+// What is printed are the frames of the clip that was asked for.
+void TestMainWindowOrder::anotherClipUnderThePrintDialog() {
+    keepFrames();
+    const QString pdf = viewer().path(QStringLiteral("page.pdf"));
+    viewer().answers.print = [&](QPrinter& printer) {
+        printer.setOutputFormat(QPrinter::PdfFormat);
+        printer.setOutputFileName(pdf);
+        m_media.clip = {};
+        viewer().list()->setCurrentRow(1); // has one stream
+        return true;
+    };
+    viewer().click(ButtonId::Print);
+    QCOMPARE(imagePlaces(pdf).size(), 2);
+}
+
+// The window manager takes full screen away; before the window has followed, the user asks for it again.
+void TestMainWindowOrder::fullScreenLeftAndEnteredAgain() {
+    MainWindow& window = *viewer().window;
+    const QRect before = window.geometry();
+    viewer().key(Qt::Key_F);
+    QVERIFY(window.isFullScreen());
+    window.setWindowState(Qt::WindowNoState);
+    viewer().key(Qt::Key_F);
+    QCoreApplication::processEvents();
+    QVERIFY(window.isFullScreen());
+    QVERIFY(!viewer().list()->isVisible());
+    viewer().key(Qt::Key_F);
+    QTRY_COMPARE(window.geometry(), before);
+}
+
+} // namespace ql240
+
+QTEST_MAIN(ql240::TestMainWindowOrder)
+#include "test_main_window_order.moc"
