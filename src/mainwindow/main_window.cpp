@@ -8,6 +8,7 @@
 
 #include "base/preferences.h"
 #include "library/clip_folder.h"
+#include "mainwindow/card_model.h"
 #include "mainwindow/my_list_widget.h"
 #include "mainwindow/stay_awake.h"
 #include "platform/host.h"
@@ -101,7 +102,7 @@ void MainWindow::makeWidgets() {
     m_updateTimer->setObjectName(QStringLiteral("updateTimer"));
     connect(m_updateTimer, &QTimer::timeout, this, &MainWindow::OnTimeoutUpdate);
 
-    m_progressPanel = new WidgetProgressA(this);
+    m_progressPanel = new WidgetProgressA(this, cardModelLook(host().drives));
     m_progressPanel->setGeometry(layout::kProgressPanel);
     m_progressPanel->setActive(false);
     m_progressPanel->setKilometres(storedUnitIsKilometres());

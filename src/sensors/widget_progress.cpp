@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "platform/host.h"
-#include "settings/card.h"
 #include "widgets/fonts.h"
 
 namespace ql240 {
@@ -23,25 +22,15 @@ bool isInStrip(QPoint place) {
     return place.y() <= panel::kStripBottom;
 }
 
-// The last drive whose version file opens decides. May block; any thread.
-std::optional<QString> lastVersionText(Drives* drives) {
-    std::optional<QString> last;
-    for (const DriveInfo& drive : listRemovableDrives(drives)) {
-        if (std::optional<QString> text = openVersionText(updateFolder(drive.drive))) {
-            last = std::move(text);
-        }
-    }
-    return last;
-}
-
 } // namespace
 
-WidgetProgressA::WidgetProgressA(QWidget* parent)
+WidgetProgressA::WidgetProgressA(QWidget* parent, CardLook cardLook)
     : QWidget(parent),
       m_timeText(progressText(0, 0)),
       m_modelText(QStringLiteral("unknown")),
       m_images(loadPanelImages()),
-      m_repaintTimer(this) {
+      m_repaintTimer(this),
+      m_cardLook(std::move(cardLook)) {
     resize(panel::kSize);
     setFont(uiFont(panel::kFontPoints));
     describeGauge(this, this);
@@ -180,24 +169,29 @@ PanelState WidgetProgressA::state() const {
 
 void WidgetProgressA::mousePressEvent(QMouseEvent* event) {
     const bool left = event->button() == Qt::LeftButton;
+    // It went down before, and nobody has seen it go up.
+    if (left && m_drag == Drag::Held) {
+        m_drag = Drag::None;
+    }
     if (left && !isInStrip(placeOf(event))) {
         QWidget::mousePressEvent(event);
         return;
     }
     const bool taken = left && panel::seekArea(rect()).contains(placeOf(event));
     if (taken) {
-        m_dragging = true;
+        m_drag = Drag::Held;
         update();
     }
     event->setAccepted(taken);
 }
 
 void WidgetProgressA::mouseMoveEvent(QMouseEvent* event) {
-    if (m_dragging && !isInStrip(placeOf(event))) {
+    const bool dragging = m_drag != Drag::None;
+    if (dragging && !isInStrip(placeOf(event))) {
         QWidget::mouseMoveEvent(event);
         return;
     }
-    const bool taken = m_dragging && panel::seekArea(rect()).contains(placeOf(event));
+    const bool taken = dragging && panel::seekArea(rect()).contains(placeOf(event));
     if (taken) {
         update();
     }
@@ -205,15 +199,16 @@ void WidgetProgressA::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void WidgetProgressA::mouseReleaseEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton || !m_dragging) {
+    if (event->button() != Qt::LeftButton || m_drag == Drag::None) {
         event->ignore();
         return;
     }
     if (!isInStrip(placeOf(event))) {
+        m_drag = Drag::LetGoBelow;
         QWidget::mouseReleaseEvent(event);
         return;
     }
-    m_dragging = false;
+    m_drag = Drag::None;
     if (!panel::seekArea(rect()).contains(placeOf(event))) {
         event->ignore();
         return;
@@ -238,11 +233,11 @@ void WidgetProgressA::paintEvent(QPaintEvent*) {
 // A healthy card answers before this returns, a dying reader whenever it does.
 void WidgetProgressA::loadCardModel() {
     m_modelWanted = !m_cardJobs.isIdle();
-    if (m_modelWanted) {
+    if (m_modelWanted || !m_cardLook) {
         return;
     }
     const auto version = std::make_shared<std::optional<QString>>();
-    m_cardJobs.start([version, drives = host().drives] { *version = lastVersionText(drives); },
+    m_cardJobs.start([version, look = m_cardLook] { *version = look(); },
                      [this, version] {
                          if (*version) {
                              setModelFromVersion(**version);

@@ -5,10 +5,11 @@
 
 #include <QTimer>
 #include <QWidget>
+#include <functional>
+#include <optional>
 
 #include "base/background_jobs.h"
 #include "sensors/panel_painting.h"
-#include "settings/card_jobs.h"
 #include "widgets/accessible_parts.h"
 
 namespace ql240 {
@@ -17,7 +18,12 @@ class WidgetProgressA : public QWidget, private AccessibleGauge {
     Q_OBJECT
 
 public:
-    explicit WidgetProgressA(QWidget* parent = nullptr);
+    // The text of the card's version file, nothing where no card has one. Runs on a thread of its own, since
+    // a dying card reader may hold it up.
+    using CardLook = std::function<std::optional<QString>()>;
+
+    // Without a look at the card the model stays unknown.
+    explicit WidgetProgressA(QWidget* parent = nullptr, CardLook cardLook = {});
 
     // Ignored when minimum > maximum. A change lets the next setValue through whatever its value.
     void setRange(qint32 minimum, qint32 maximum);
@@ -60,6 +66,9 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    // On the strip. Let go below it, the button leaves the drag on.
+    enum class Drag { None, Held, LetGoBelow };
+
     int gaugeMaximum() const override { return m_maximum; }
     int gaugeValue() const override { return m_value; }
     QString gaugeText() const override { return m_timeText; }
@@ -86,7 +95,7 @@ private:
     QString m_dateText;
     QString m_clipPath;
     bool m_textForced = false;
-    bool m_dragging = false;
+    Drag m_drag = Drag::None;
     SensorTrack m_track;
     PanelImages m_images;
     QTimer m_repaintTimer;
@@ -94,7 +103,8 @@ private:
     bool m_hasFix = false;
     qint32 m_speed = 0;
 
-    // One look at the drives at a time; another one that was asked for meanwhile follows it.
+    // One look at the card at a time; another one that was asked for meanwhile follows it.
+    CardLook m_cardLook;
     BackgroundJobs m_cardJobs;
     bool m_modelWanted = false;
 

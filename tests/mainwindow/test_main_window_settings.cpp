@@ -2,6 +2,7 @@
 
 #include "base/language.h"
 #include "base/preferences.h"
+#include "mainwindow/card_model.h"
 #include "mainwindow/picture_adjustment.h"
 #include "mainwindow/viewer.h"
 #include "settings/config_window.h"
@@ -23,6 +24,8 @@ private Q_SLOTS:
     void settingsAcceptedThenCancelled();
     void pictureAdjustment_data();
     void pictureAdjustment();
+    void cardModel_data();
+    void cardModel();
     void slowCard();
     void unitAtStart_data();
     void unitAtStart();
@@ -103,6 +106,27 @@ void TestMainWindowSettings::pictureAdjustment() {
     const QList<int> numbers{brightnessOf(read->ownFiles->brightvalue),
                              contrastOf(read->ownFiles->contrastvalue)};
     QTEST(numbers, "adjustment");
+}
+
+void TestMainWindowSettings::cardModel_data() {
+    QTest::addColumn<QByteArrayList>("versions");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("no version file") << QByteArrayList() << "none";
+    QTest::newRow("last file decides") << QByteArrayList{"AAAAAAAA", "BBBBBBBB"} << "BBBBBBBB";
+    QTest::newRow("lines are joined") << QByteArrayList{"QL\r\n24\r\n"} << "QL\n24";
+    QTest::newRow("empty file") << QByteArrayList{""} << "";
+}
+
+void TestMainWindowSettings::cardModel() {
+    QFETCH(QByteArrayList, versions);
+    const MadeCard cards[3]; // the last is a stick without a version
+    for (int i = 0; i < 3; ++i) {
+        if (i < versions.size())
+            cards[i].put(QStringLiteral("update/version.txt"), versions[i]);
+        viewer().drives.drives << DriveInfo{cards[i].drive(), {}, {}};
+    }
+    QTEST(cardModelLook(&viewer().drives)().value_or(QStringLiteral("none")), "text");
+    QVERIFY(!cardModelLook(nullptr)());
 }
 
 // A dying card reader holds up neither the window nor the first clip; its answer counts when it comes.

@@ -6,10 +6,8 @@
 
 #include "platform/host.h"
 #include "sensors/widget_progress.h"
-#include "support/fake_drives.h"
 #include "support/fake_sensor_library.h"
 #include "support/golden.h"
-#include "support/made_card.h"
 #include "widgets/fonts.h"
 #include "widgets/skin.h"
 
@@ -49,17 +47,12 @@ class TestPanelPictures : public QObject {
     Q_OBJECT
 
 private:
-    FakeDrives m_drives;
     FakeSensorLibrary m_library;
-    MadeCard m_card;
 
 private Q_SLOTS:
     void initTestCase() {
         installFontSubstitutes();
         m_library.answer = drive;
-        m_card.put(QStringLiteral("update/version.txt"), "QL240 1.02 1.00 12V");
-        m_drives.drives = {{m_card.drive(), {}, {}}};
-        host().drives = &m_drives;
         host().sensorLibrary = &m_library;
     }
 
@@ -77,7 +70,7 @@ private Q_SLOTS:
         QFETCH(bool, kilometres);
         QFETCH(int, timeMs);
         Window window;
-        WidgetProgressA panel(&window);
+        WidgetProgressA panel(&window, [] { return QStringLiteral("QL240 1.02 1.00 12V"); });
         panel.move(kPanelPlace);
         panel.setClipPath(QStringLiteral("/card/REC_2013_04_05_12_30_00.mp4"));
         panel.setDateText(QStringLiteral("2013.04.05"));
