@@ -234,6 +234,12 @@ void useDialog(Run& run) {
         run.luck().chance(60) ? dialog->accept() : dialog->reject();
 }
 
+// By the window manager.
+void closeDialog(Run& run) {
+    if (run.front() != run.world().window.get())
+        run.front()->close();
+}
+
 // --- The world ---
 
 void changeReader(Run& run) {
@@ -297,6 +303,7 @@ constexpr Action kActions[] = {
     {"drop", 8, Folder, drop, true},
     {"activate or minimise", 2, Any, changeActivity},
     {"answer the dialog", 40, Card, useDialog, true},
+    {"close the dialog", 3, Card, closeDialog},
     {"reader changes", 6, Card, changeReader},
     {"card in or out", 4, Card, moveCard},
     {"clip lost", 1, Folder, loseClip},

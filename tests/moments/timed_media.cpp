@@ -12,8 +12,7 @@ constexpr std::int64_t kUnitsPerMs = 10000;
 
 } // namespace
 
-TimedMedia::TimedMedia(std::function<int(const QString&)> indexOfClip)
-    : m_indexOfClip(std::move(indexOfClip)), m_lastMs(nowMs()) {
+TimedMedia::TimedMedia() : m_lastMs(nowMs()) {
     clip.sizes = {QSize(64, 36), QSize(64, 36)};
     QObject::connect(&m_tick, &QTimer::timeout, &m_tick, [this] { goOn(); });
     m_tick.setTimerType(Qt::PreciseTimer);
@@ -47,12 +46,9 @@ void TimedMedia::goOn() {
 }
 
 void TimedMedia::deliverFrame() {
+    constexpr std::uint8_t kGrey = 128;
     const QSize size = clip.sizes[0];
-    const std::uint8_t grey = greyOf(m_indexOfClip(m_path));
-    std::vector<std::uint8_t> frame(static_cast<std::size_t>(2 * size.width() * size.height()), 128);
-    for (std::size_t i = 0; i < frame.size(); i += 2)
-        frame[i] = grey;
-    deliver(0, std::move(frame));
+    deliver(0, std::vector<std::uint8_t>(static_cast<std::size_t>(2 * size.width() * size.height()), kGrey));
 }
 
 } // namespace ql240::moments

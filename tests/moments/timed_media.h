@@ -12,7 +12,7 @@ namespace ql240::moments {
 
 class TimedMedia : public FakeMedia {
 public:
-    explicit TimedMedia(std::function<int(const QString& path)> indexOfClip);
+    TimedMedia();
 
     // The file that was loaded last.
     const QString& path() const { return m_path; }
@@ -21,14 +21,11 @@ public:
     // How long a frame takes after a seek.
     void setSeekMs(int ms) { m_seekMs = ms; }
 
-    static constexpr std::uint8_t greyOf(int clip) { return static_cast<std::uint8_t>(40 + 16 * clip); }
-
 private:
     void readLog();
     void goOn();
     void deliverFrame();
 
-    std::function<int(const QString&)> m_indexOfClip;
     QTimer m_tick;
     QString m_path;
     qint64 m_lastMs = 0;

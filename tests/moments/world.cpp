@@ -59,8 +59,7 @@ struct Dialogs : WindowDialogs {
 
 } // namespace
 
-World::World(quint32 seed)
-    : jobs([this] { return latencyMs(); }), media([this](const QString& path) { return indexOfClip(path); }) {
+World::World(quint32 seed) : jobs([this] { return latencyMs(); }) {
     luck.reseed(seed);
     media.clip.durationMs = kClipMs;
     media.setSeekMs(luck.below(3) * 40);
