@@ -118,6 +118,12 @@ private Q_SLOTS:
         TestClipSpec mute;
         mute.sound = false;
         QTest::newRow("no sound.mp4") << makeTestClip(mute) << false;
+        TestClipSpec odd = aviTestClip();
+        odd.soundCodec = QStringLiteral("wmav2");
+        QTest::newRow("unknown sound.avi") << makeTestClip(odd) << true;
+        odd.videoStreams = 2;
+        odd.sound = false;
+        QTest::newRow("second video as sound.avi") << makeTestClip(odd) << true;
         for (const QString& name : {QStringLiteral("folder.mp4"), QStringLiteral("folder.avi")}) {
             QDir(m_folder.path()).mkdir(name);
             QTest::newRow(qPrintable(name)) << m_folder.filePath(name) << false;
@@ -145,6 +151,7 @@ private Q_SLOTS:
         player.rewind();
         player.pause();
         player.play();
+        m_media.setOutputVolume(0x8000, 0x8000);
         QTRY_COMPARE_WITH_TIMEOUT(player.positionMs(), player.durationMs(), kPatienceMs);
         player.seek(500);
         player.stepBack();

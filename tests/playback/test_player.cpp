@@ -189,6 +189,19 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(std::abs(open.framesOff(times)) <= 1, kPatienceMs);
     }
 
+    // Far past what the sound's queue holds.
+    void everyStepOfALongWayShowsItsFrame() {
+        const auto spec = with([](auto& s) { s.frames = 150; });
+        OpenClip open(makeTestClip(spec));
+        const auto times = testClipFrameTimes(spec);
+        open.player().seek(100);
+        for (std::int64_t position = 1000000; position < 48000000;) {
+            QTRY_COMPARE_WITH_TIMEOUT(open.grabbed(), frameAt(times, position * 100ns), kPatienceMs);
+            QVERIFY(open.player().stepForward());
+            position += Player::kStep;
+        }
+    }
+
     void playsToTheEndAtTheRightSpeed_data() { clips(); }
     void playsToTheEndAtTheRightSpeed() {
         QFETCH(TestClipSpec, spec);

@@ -105,15 +105,19 @@ QString soundArguments(const TestClipSpec& spec) {
     if (!spec.sound)
         return QStringLiteral("-an");
     const bool avi = spec.container == TestClipSpec::Container::Avi;
-    return QLatin1String("-map 1:a -ac 1 ") + QLatin1String(avi ? "-c:a pcm_s16le" : "-c:a aac -b:a 64k");
+    const char* const usual = avi ? "pcm_s16le" : "aac -b:a 64k";
+    return QLatin1String("-map 1:a -ac 1 -c:a ") +
+           (spec.soundCodec.isEmpty() ? QLatin1String(usual) : spec.soundCodec);
 }
 
 QStringList ffmpegArguments(const TestClipSpec& spec) {
     QStringList arguments = inputArguments(spec) + QStringList{"-filter_complex", filterGraph(spec)};
     for (int stream = 0; stream < spec.videoStreams; ++stream)
         arguments += {"-map", QStringLiteral("[v%1]").arg(stream)};
+    // Newer versions leave the last frame without a duration, and so without a place in the clip.
     if (spec.variableRate)
-        arguments += words(QStringLiteral("-fps_mode passthrough -enc_time_base 1:90000"));
+        arguments +=
+            words(QStringLiteral("-fps_mode passthrough -enc_time_base 1:90000 -bsf:v setts=duration=3000"));
     arguments += codecArguments(spec) + words(soundArguments(spec));
     arguments +=
         words(QStringLiteral("-map_metadata -1 -fflags +bitexact -flags:v +bitexact -flags:a +bitexact"));

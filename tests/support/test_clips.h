@@ -32,6 +32,7 @@ struct TestClipSpec {
     bool faststart = true;     // MP4: index before the media
     bool fullRange = false;    // Motion-JPEG is always full range
     bool sound = true;         // MP4: AAC; AVI: 16-bit PCM
+    QString soundCodec;        // in place of that
     int toneHz = 440;
     QByteArray trailer; // put behind the finished file as it is
 };

@@ -3,22 +3,17 @@
 #include <algorithm>
 
 #include "platform/gstreamer/codec_table.h"
-#include "platform/gstreamer/sound_output.h"
 
 namespace ql240::gstreamer {
 
 namespace {
 
 constexpr GstClockTime kQueueTime = 3 * GST_SECOND;
+// As far ahead of its time the sound is handed on: more than servers and devices keep in store.
+constexpr GstClockTime kLead = 300 * GST_MSECOND;
 
-struct Outputs {
-    double volume = 1.0;
-    std::vector<GstElement*> elements;
-};
-
-Outputs& outputs() {
-    static Outputs all;
-    return all;
+void limitQueue(GstElement* queue, GstClockTime time) {
+    g_object_set(queue, "max-size-time", time, "max-size-bytes", 0U, "max-size-buffers", 0U, nullptr);
 }
 
 } // namespace
@@ -29,51 +24,129 @@ AudioDecoder::AudioDecoder() {
 }
 
 Status AudioDecoder::prepareInput(Pin& input, const Pin& upstream) {
-    bool known = false;
-    std::vector<const char*> factories = decoderChain(upstream.caps().get(), &known);
-    if (!known)
+    auto factories = decoderChain(StreamKind::Sound, upstream.caps().get());
+    if (!factories)
         return kStatusTypeNotAccepted;
-    factories.insert(factories.begin(), "queue");
-    factories.push_back("audioconvert");
-    const auto chain = addChain(factories);
+    factories->insert(factories->begin(), "queue");
+    factories->push_back("audioconvert");
+    const auto chain = addChain(*factories);
     if (chain.empty())
         return kStatusClassNotRegistered;
-    g_object_set(chain.front(), "max-size-time", kQueueTime, "max-size-bytes", 0U, "max-size-buffers", 0U,
-                 nullptr);
+    limitQueue(chain.front(), kQueueTime);
     input.setPad(staticPad(chain.front(), "sink"));
     outputPin()->setPad(staticPad(chain.back(), "src"));
     return kStatusOk;
 }
 
 AudioRenderer::AudioRenderer() {
-    ElementHandle output = openSoundOutput();
-    if (!output)
-        return;
-    const auto chain = addChain({"audioresample", "volume"}, std::move(output));
+    const auto chain = addChain({"queue", "fakesink"});
     if (chain.empty())
         return;
-    m_volume = chain[1];
-    outputs().elements.push_back(m_volume);
-    g_object_set(m_volume, "volume", outputs().volume, nullptr);
-    addPin(u"Audio Input pin (rendered)", PinDirection::Input).setPad(staticPad(chain.front(), "sink"));
+    limitQueue(chain.front(), kLead);
+    m_sink = share(chain.back());
+    g_object_set(m_sink.get(), "sync", TRUE, "enable-last-sample", FALSE, "signal-handoffs", TRUE, nullptr);
+    g_signal_connect(m_sink.get(), "handoff", G_CALLBACK(isDue), this);
+    Pin& input = addPin(u"Audio Input pin (rendered)", PinDirection::Input);
+    input.setPad(staticPad(chain.front(), "sink"));
+    const auto all = static_cast<GstPadProbeType>(
+        GST_PAD_PROBE_TYPE_BUFFER | GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM | GST_PAD_PROBE_TYPE_EVENT_FLUSH);
+    gst_pad_add_probe(input.pad(), all, arrived, this, nullptr);
 }
 
+// The streaming threads must have ended before what they call goes.
 AudioRenderer::~AudioRenderer() {
-    auto& elements = outputs().elements;
-    elements.erase(std::remove(elements.begin(), elements.end(), m_volume), elements.end());
+    leavePipeline();
 }
 
-bool AudioRenderer::contains(GstObject* object) const {
-    return std::any_of(elements().begin(), elements().end(), [object](const ElementHandle& element) {
-        return gst_object_has_as_ancestor(object, GST_OBJECT(element.get())) ||
-               object == GST_OBJECT(element.get());
+// Streaming thread of the decoder; a flush comes on that of who seeks.
+GstPadProbeReturn AudioRenderer::arrived(GstPad*, GstPadProbeInfo* info, gpointer self) {
+    auto* renderer = static_cast<AudioRenderer*>(self);
+    const std::scoped_lock lock(renderer->m_mutex);
+    if (GST_PAD_PROBE_INFO_TYPE(info) & GST_PAD_PROBE_TYPE_BUFFER)
+        renderer->soundArrived(GST_PAD_PROBE_INFO_BUFFER(info));
+    else
+        renderer->eventArrived(GST_PAD_PROBE_INFO_EVENT(info));
+    return GST_PAD_PROBE_OK;
+}
+
+void AudioRenderer::eventArrived(GstEvent* event) {
+    switch (GST_EVENT_TYPE(event)) {
+        case GST_EVENT_CAPS: {
+            GstCaps* caps = nullptr;
+            gst_event_parse_caps(event, &caps);
+            m_caps = share(caps);
+            break;
+        }
+        case GST_EVENT_SEGMENT:
+            gst_event_copy_segment(event, &m_segment);
+            break;
+        case GST_EVENT_FLUSH_STOP:
+            m_ahead.clear();
+            m_baseTime.reset();
+            m_output.flush();
+            break;
+        default:
+            break;
+    }
+}
+
+// At another speed than its own the sound isn't heard.
+void AudioRenderer::soundArrived(GstBuffer* sound) {
+    if (!m_caps || m_segment.format != GST_FORMAT_TIME || m_segment.rate != 1.0)
+        return;
+    const GstClockTime begin =
+        gst_segment_to_running_time(&m_segment, GST_FORMAT_TIME, GST_BUFFER_PTS(sound));
+    if (!GST_CLOCK_TIME_IS_VALID(begin))
+        return;
+    m_ahead.push_back({SampleHandle(gst_sample_new(sound, m_caps.get(), nullptr, nullptr)), begin});
+    if (m_baseTime)
+        play(m_ahead.back());
+}
+
+void AudioRenderer::play(const Piece& piece) {
+    BufferHandle sound(gst_buffer_copy(gst_sample_get_buffer(piece.sample.get())));
+    GST_BUFFER_PTS(sound.get()) = *m_baseTime + piece.runningTime;
+    m_output.play(
+        SampleHandle(gst_sample_new(sound.get(), gst_sample_get_caps(piece.sample.get()), nullptr, nullptr)));
+}
+
+// Streaming thread of the sink.
+void AudioRenderer::isDue(GstElement* sink, GstBuffer* sound, GstPad*, gpointer self) {
+    auto* renderer = static_cast<AudioRenderer*>(self);
+    const std::scoped_lock lock(renderer->m_mutex);
+    auto& ahead = renderer->m_ahead;
+    const auto due = std::find_if(ahead.begin(), ahead.end(), [sound](const Piece& piece) {
+        return gst_sample_get_buffer(piece.sample.get()) == sound;
     });
+    if (due != ahead.end())
+        ahead.erase(ahead.begin(), due);
+    renderer->playFrom(gst_element_get_base_time(sink));
 }
 
-void AudioRenderer::setVolume(double volume) {
-    outputs().volume = volume;
-    for (GstElement* element : outputs().elements)
-        g_object_set(element, "volume", volume, nullptr);
+// What is ahead is handed on at once, everything after it as it arrives.
+void AudioRenderer::playFrom(GstClockTime baseTime) {
+    if (m_baseTime == baseTime)
+        return;
+    if (m_baseTime)
+        m_output.flush();
+    m_baseTime = baseTime;
+    for (const Piece& piece : m_ahead)
+        play(piece);
+}
+
+void AudioRenderer::stateChanged(GstMessage* message) {
+    if (!m_sink || GST_MESSAGE_SRC(message) != GST_OBJECT(m_sink.get()))
+        return;
+    GstState before = GST_STATE_NULL;
+    GstState now = GST_STATE_NULL;
+    gst_message_parse_state_changed(message, &before, &now, nullptr);
+    const std::scoped_lock lock(m_mutex);
+    if (before == GST_STATE_PAUSED && now == GST_STATE_PLAYING) {
+        playFrom(gst_element_get_base_time(m_sink.get()));
+    } else if (before == GST_STATE_PLAYING && now == GST_STATE_PAUSED) {
+        m_baseTime.reset();
+        m_output.flush();
+    }
 }
 
 } // namespace ql240::gstreamer

@@ -1,7 +1,9 @@
 #include "platform/gstreamer/codec_table.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
+#include <span>
 
 namespace ql240::gstreamer {
 
@@ -16,11 +18,14 @@ struct Codec {
 };
 
 // Software decoders by name: a hardware one may outrank them without being faster on clips of this size.
-constexpr Codec kCodecs[] = {
+constexpr Codec kPictureCodecs[] = {
     {"video/x-h264", kAnyVersion, {"h264parse", "avdec_h264"}},
     {"video/x-h265", kAnyVersion, {"h265parse", "avdec_h265"}},
     {"image/jpeg", kAnyVersion, {"jpegdec", nullptr}},
     {"video/mpeg", 4, {"mpeg4videoparse", "avdec_mpeg4"}},
+};
+
+constexpr Codec kSoundCodecs[] = {
     {"audio/mpeg", 4, {"aacparse", "avdec_aac"}},
     {"audio/mpeg", 2, {"aacparse", "avdec_aac"}},
     {"audio/mpeg", 1, {"mpegaudioparse", "avdec_mp3"}},
@@ -41,20 +46,17 @@ bool matches(const Codec& codec, const GstStructure* stream) {
 
 } // namespace
 
-std::vector<const char*> decoderChain(const GstCaps* caps, bool* known) {
-    const GstStructure* stream = caps ? gst_caps_get_structure(caps, 0) : nullptr;
-    *known = false;
-    std::vector<const char*> chain;
-    for (const Codec& codec : kCodecs) {
-        if (!stream || !matches(codec, stream))
-            continue;
-        *known = true;
-        for (const char* factory : codec.factories) {
-            if (factory)
-                chain.push_back(factory);
-        }
-        break;
-    }
+std::optional<std::vector<const char*>> decoderChain(StreamKind kind, const GstCaps* caps) {
+    if (!caps)
+        return std::nullopt;
+    const GstStructure* stream = gst_caps_get_structure(caps, 0);
+    const auto codecs = kind == StreamKind::Pictures ? std::span<const Codec>(kPictureCodecs) : kSoundCodecs;
+    const auto codec = std::find_if(codecs.begin(), codecs.end(),
+                                    [stream](const Codec& known) { return matches(known, stream); });
+    if (codec == codecs.end())
+        return std::nullopt;
+    std::vector<const char*> chain(codec->factories.begin(), codec->factories.end());
+    chain.erase(std::remove(chain.begin(), chain.end(), nullptr), chain.end());
     return chain;
 }
 

@@ -1,14 +1,17 @@
 // Which elements decode a stream. Interface thread.
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include <gst/gst.h>
 
 namespace ql240::gstreamer {
 
-// The factories of parser and decoder, in order, for a stream of `caps`. Raw sound needs none. Empty with
-// *known false if nothing here decodes it.
-std::vector<const char*> decoderChain(const GstCaps* caps, bool* known);
+enum class StreamKind { Pictures, Sound };
+
+// The factories of parser and decoder, in order, for a stream of `caps`; raw sound needs none. Nothing if
+// what flows there is of another kind, or if nothing here decodes it.
+std::optional<std::vector<const char*>> decoderChain(StreamKind kind, const GstCaps* caps);
 
 } // namespace ql240::gstreamer

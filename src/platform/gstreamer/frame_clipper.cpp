@@ -9,6 +9,9 @@ namespace {
 
 // Decoding on that far is quicker than a seek.
 constexpr GstClockTime kShortWay = 500 * GST_MSECOND;
+// What the pictures have moved on since the last seek waits as sound in a queue, which holds 3 s and then
+// stops the splitter; what the decoder keeps back has to fit in, too.
+constexpr GstClockTime kFarthest = 2 * GST_SECOND;
 // How long the last frame is shown.
 constexpr GstClockTime kLastFrame = GST_SECOND;
 
@@ -88,7 +91,12 @@ void FrameClipper::restore(GstPadProbeInfo* info) {
     const GstSegment* segment = nullptr;
     m_hasSegment = isTimeSegment(original.get(), &segment);
     m_segment = *segment;
-    m_cut = std::max(m_segment.start, static_cast<GstClockTime>(m_cutAt.exchange(0)));
+    m_sought = m_segment.start;
+    if (m_segment.start < m_segment.stop) // behind the end of a stream the start stays there
+        m_shift = static_cast<std::int64_t>(m_segment.start) - static_cast<std::int64_t>(m_segment.time);
+    m_cut = m_sought;
+    if (const std::int64_t cutAt = m_cutAt.exchange(0); cutAt > 0)
+        m_cut = std::max(m_cut, stampOf(static_cast<GstClockTime>(cutAt)));
     // The container's idea of the stream's end leaves out what B-frames delay.
     GstSegment open = *segment;
     open.stop = GST_CLOCK_TIME_NONE;
@@ -104,6 +112,7 @@ void FrameClipper::reset() {
     m_hasSegment = false;
     m_ended = false;
     m_moved = false;
+    m_hasMoved = false;
     m_starvedAtEnd = 0;
 }
 
@@ -136,7 +145,7 @@ void FrameClipper::handleEnd() {
     if (!m_row.isEmpty())
         push(m_row.last(m_segment.start + kLastFrame), lock);
     else if (GST_CLOCK_TIME_IS_VALID(m_segment.stop))
-        m_starvedAtEnd = static_cast<std::int64_t>(m_segment.stop);
+        m_starvedAtEnd = static_cast<std::int64_t>(m_segment.stop) - m_shift;
 }
 
 GstPadProbeReturn FrameClipper::handleFrame(GstPadProbeInfo* info) {
@@ -209,21 +218,25 @@ bool FrameClipper::canMoveTo(GstClockTime ns) {
     if (!m_framePassed || m_ended || !m_shown)
         return false;
     const GstClockTime stamp = stampOf(ns);
-    return m_row.reachesBackTo(stamp) && stamp < m_shown->end + kShortWay;
+    return m_row.reachesBackTo(stamp) && stamp < m_shown->end + kShortWay && stamp < m_sought + kFarthest;
 }
 
-bool FrameClipper::moveTo(GstClockTime ns) {
-    const std::scoped_lock lock(m_mutex);
+std::unique_lock<std::mutex> FrameClipper::beginMove(GstClockTime ns) {
+    std::unique_lock lock(m_mutex);
     if (!m_next || m_shown->holds(stampOf(ns)))
-        return false;
+        return {};
     m_cut = m_segment.start = stampOf(ns);
     m_segment.time = ns;
     m_framePassed = false;
     m_moved = true;
+    m_hasMoved = true;
     // The thread that waits at the sink comes back and waits for the lock.
     gst_pad_send_event(m_next.get(), gst_event_new_flush_start());
+    return lock;
+}
+
+void FrameClipper::finishMove() {
     gst_pad_send_event(m_next.get(), gst_event_new_flush_stop(TRUE));
-    return true;
 }
 
 } // namespace ql240::gstreamer

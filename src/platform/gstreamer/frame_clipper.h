@@ -21,19 +21,23 @@ public:
     ~FrameClipper();
     void attach(GstElement* decoder);
 
-    // For the next segment, shows the last frame before `ns`, though the segment begins earlier. Before the
-    // seek is sent.
+    // For the next segment, shows the last frame before `ns` of the clip, though the segment begins earlier.
+    // Before the seek is sent.
     void cutAt(std::int64_t ns) { m_cutAt = ns; }
 
-    // Where the stream ends, in ns, if the last seek went past that and gave no frame at all; 0 otherwise.
-    // Any thread.
+    // Where in the clip the stream ends, in ns, if the last seek went past that and gave no frame at all; 0
+    // otherwise. Any thread.
     std::int64_t starvedAtEnd() const { return m_starvedAtEnd; }
 
     // Interface thread, while the clip is paused after a seek that has settled. Whether the frame at `ns` can
-    // be had without a seek, soon; then moveTo goes there and says whether another frame is on its way,
-    // behind which the pipeline settles again. The streams don't run in step any more until the next seek.
+    // be had without a seek, soon; then beginMove takes the picture off the screen and returns the clipper's
+    // lock, under which finishMove lets the other one come; the pipeline settles behind that. No lock: the
+    // picture shows `ns` already.
     bool canMoveTo(GstClockTime ns);
-    bool moveTo(GstClockTime ns);
+    std::unique_lock<std::mutex> beginMove(GstClockTime ns);
+    void finishMove();
+    // Since the last seek: the stream isn't in step with the others any more.
+    bool hasMoved() const { return m_hasMoved; }
 
 private:
     static GstPadProbeReturn beforeDecoder(GstPad* pad, GstPadProbeInfo* info, gpointer self);
@@ -61,14 +65,17 @@ private:
     // Streaming thread, and the interface thread for a move; guarded by m_mutex.
     std::mutex m_mutex;
     GstSegment m_segment{};
-    GstClockTime m_cut = 0; // frames that end before are cut
-    FrameRow m_row;         // since the last seek; empty as soon as time goes on
+    std::int64_t m_shift = 0;  // from the clip's time to time stamps
+    GstClockTime m_sought = 0; // where the segment began before any move
+    GstClockTime m_cut = 0;    // frames that end before are cut
+    FrameRow m_row;            // since the last seek; empty as soon as time goes on
     std::optional<FrameRow::Shown> m_shown;
     bool m_hasSegment = false;
     bool m_framePassed = false;
     bool m_ended = false;
     bool m_moved = false; // the frame that waits at the sink comes back, and another one is wanted
 
+    std::atomic<bool> m_hasMoved{false};
     std::atomic<std::int64_t> m_starvedAtEnd{0};
     std::atomic<std::int64_t> m_cutAt{0};
 };

@@ -70,6 +70,8 @@ void FrameSlot::tellWindow() {
 }
 
 void FrameSlot::setTarget(QObject* window, const PictureTarget& target) {
+    // What is converted here is the newest until it is shown.
+    const std::scoped_lock converting(m_convertMutex);
     SampleHandle last;
     {
         const std::scoped_lock lock(m_mutex);
@@ -83,7 +85,6 @@ void FrameSlot::setTarget(QObject* window, const PictureTarget& target) {
             return;
         last.reset(gst_sample_ref(m_last.get()));
     }
-    const std::scoped_lock converting(m_convertMutex);
     if (!m_converter.convert(last.get(), target.size, target.visible, &m_back))
         return;
     const std::scoped_lock lock(m_mutex);

@@ -39,6 +39,7 @@ Graph::~Graph() {
     for (const auto& filter : m_filters)
         asFilter(filter).leavePipeline();
     m_transport.reset();
+    m_streams.reset();
     m_filters.clear();
     // What is free now lies scattered, and the next clip would hardly fit into it. Takes half a millisecond.
     malloc_trim(0);
@@ -47,8 +48,8 @@ Graph::~Graph() {
 Status Graph::AddFilter(IBaseFilter* filter, const char16_t*) {
     if (!filter)
         return kStatusInvalidPointer;
-    asFilter(m_filters.emplace_back(filter)).enterPipeline(m_pipeline.get());
-    return kStatusOk;
+    const bool fits = asFilter(m_filters.emplace_back(filter)).enterPipeline(m_pipeline.get());
+    return fits ? kStatusOk : kStatusFail;
 }
 
 Status Graph::ConnectDirect(IPin* output, IPin* input, const MediaType*) {
@@ -125,30 +126,33 @@ void Graph::start() {
         m_messages.clear();
     }
     gst_bus_set_sync_handler(m_bus.get(), messagePosted, this, nullptr);
-    m_transport->start([&] {
-        for (const auto& filter : m_filters)
-            asFilter(filter).beforeFirstRun(videoStreams);
-    });
+    for (const auto& filter : m_filters)
+        asFilter(filter).beforeFirstRun(videoStreams);
+    m_transport->start([this] { m_splitter->letGo(); });
+}
+
+Splitter* Graph::playedSplitter() const {
+    for (const auto& filter : m_filters) {
+        const auto chain = asFilter(filter).isSink() ? chainOf(asFilter(filter)) : std::vector<Filter*>();
+        if (chain.size() > 1)
+            return dynamic_cast<Splitter*>(chain[chain.size() - 2]);
+    }
+    return nullptr;
 }
 
 Transport* Graph::transport() {
     if (m_transport)
         return m_transport.get();
-    Splitter* splitter = nullptr;
-    for (const auto& filter : m_filters) {
-        if (!asFilter(filter).isSink())
-            continue;
-        const auto chain = chainOf(asFilter(filter));
-        if (chain.size() > 1)
-            splitter = dynamic_cast<Splitter*>(chain[chain.size() - 2]);
-    }
+    m_splitter = playedSplitter();
+    if (!m_splitter)
+        return nullptr;
     std::vector<FrameClipper*> clippers;
     for (const auto& filter : m_filters) {
         if (auto* decoder = dynamic_cast<VideoDecoder*>(filter.get()))
             clippers.push_back(&decoder->clipper());
     }
-    if (splitter)
-        m_transport = std::make_unique<Transport>(m_pipeline.get(), *splitter, std::move(clippers));
+    m_streams = std::make_unique<PipelineStreams>(m_pipeline.get(), *m_splitter, std::move(clippers));
+    m_transport = std::make_unique<Transport>(*m_streams);
     return m_transport.get();
 }
 
@@ -163,7 +167,7 @@ Status Graph::setState(GraphState state) {
     }
     const bool accepted = m_transport->setState(state);
     if (state != GraphState::Stopped)
-        m_transport->sendPending();
+        m_transport->sendWaiting();
     return accepted ? kStatusOk : kStatusFail;
 }
 
@@ -194,8 +198,7 @@ Status Graph::SetPositions(std::int64_t* current, Positioning currentFlags, std:
     drainBus();
     if (!transport())
         return kStatusFail;
-    m_transport->seek(*current);
-    return kStatusOk;
+    return m_transport->seek(*current) ? kStatusOk : kStatusFail;
 }
 
 Status Graph::GetPositions(std::int64_t* current, std::int64_t* stop) {
@@ -232,15 +235,25 @@ Status Graph::GetVideoSize(std::int32_t* width, std::int32_t* height) {
 GstBusSyncReply Graph::messagePosted(GstBus*, GstMessage* message, gpointer self) {
     constexpr auto kWanted = GST_MESSAGE_ASYNC_DONE | GST_MESSAGE_EOS | GST_MESSAGE_ERROR;
     MessageHandle taken(message); // who drops it owns it
+    auto* graph = static_cast<Graph*>(self);
+    if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_STATE_CHANGED)
+        graph->passToSound(message);
     if (!(GST_MESSAGE_TYPE(message) & kWanted))
         return GST_BUS_DROP;
-    auto* graph = static_cast<Graph*>(self);
     {
         const std::scoped_lock lock(graph->m_messagesMutex);
         graph->m_messages.push_back(std::move(taken));
     }
     QCoreApplication::postEvent(graph, new QEvent(static_cast<QEvent::Type>(kBusEvent)));
     return GST_BUS_DROP;
+}
+
+// Any thread; the filters stay the same once the graph has run.
+void Graph::passToSound(GstMessage* message) const {
+    for (const auto& filter : m_filters) {
+        if (auto* sound = dynamic_cast<AudioRenderer*>(filter.get()))
+            sound->stateChanged(message);
+    }
 }
 
 MessageHandle Graph::takeMessage() {
@@ -265,42 +278,11 @@ void Graph::drainBus() {
     if (!m_transport || !m_transport->isStarted())
         return;
     while (const MessageHandle message = takeMessage()) {
-        if (AudioRenderer* sound = failedSound(message.get()))
-            dropSound(*sound);
-        else
-            m_transport->handle(message.get());
-    }
-}
-
-AudioRenderer* Graph::failedSound(GstMessage* message) const {
-    if (GST_MESSAGE_TYPE(message) != GST_MESSAGE_ERROR)
-        return nullptr;
-    for (const auto& filter : m_filters) {
-        auto* sound = dynamic_cast<AudioRenderer*>(filter.get());
-        if (sound && sound->contains(GST_MESSAGE_SRC(message)))
-            return sound;
-    }
-    return nullptr;
-}
-
-// A sound server that dies takes its stream with it, not the picture. All of the stream stops before any of
-// it is unlinked: what a thread pushes into nothing would be an error of the whole clip.
-void Graph::dropSound(AudioRenderer& sound) {
-    const std::int64_t here = m_transport->position();
-    auto chain = chainOf(sound);
-    chain.erase(
-        std::find_if(chain.begin(), chain.end(),
-                     [](Filter* filter) { return filter->isSource() || dynamic_cast<Splitter*>(filter); }),
-        chain.end());
-    for (Filter* filter : chain)
-        filter->stopElements();
-    for (Filter* filter : chain)
-        filter->leavePipeline();
-    m_transport->restartAt(here);
-    // What the streams had to say of it before they were restarted.
-    while (const MessageHandle message = takeMessage()) {
-        if (GST_MESSAGE_TYPE(message.get()) != GST_MESSAGE_ERROR)
-            m_transport->handle(message.get());
+        const std::uint32_t number = gst_message_get_seqnum(message.get());
+        if (GST_MESSAGE_TYPE(message.get()) == GST_MESSAGE_ASYNC_DONE)
+            m_transport->arrived(number);
+        else if (GST_MESSAGE_TYPE(message.get()) & (GST_MESSAGE_EOS | GST_MESSAGE_ERROR))
+            m_transport->ended(number);
     }
 }
 

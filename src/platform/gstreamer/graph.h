@@ -11,12 +11,12 @@
 
 #include "platform/gstreamer/com_object.h"
 #include "platform/gstreamer/gst_filter.h"
+#include "platform/gstreamer/pipeline_streams.h"
 #include "platform/gstreamer/transport.h"
 #include "platform/media_graph.h"
 
 namespace ql240::gstreamer {
 
-class AudioRenderer;
 class Splitter;
 
 class Graph final : public QObject,
@@ -47,6 +47,7 @@ protected:
     bool event(QEvent* event) override;
 
 private:
+    Splitter* playedSplitter() const;
     static GstBusSyncReply messagePosted(GstBus* bus, GstMessage* message, gpointer self);
     Status joinPins(Pin& output, Pin& input);
     Status setState(GraphState state);
@@ -57,12 +58,13 @@ private:
     void dropIdleFilters();
     void drainBus();
     MessageHandle takeMessage();
-    void dropSound(AudioRenderer& sound);
-    AudioRenderer* failedSound(GstMessage* message) const;
+    void passToSound(GstMessage* message) const;
 
     ElementHandle m_pipeline;
     BusHandle m_bus;
     std::vector<ComPtr<IBaseFilter>> m_filters;
+    Splitter* m_splitter = nullptr; // of the streams
+    std::unique_ptr<PipelineStreams> m_streams;
     std::unique_ptr<Transport> m_transport;
 
     std::mutex m_messagesMutex; // guards what the streaming threads have told

@@ -98,17 +98,20 @@ void Filter::placeElement(GstElement* element) {
     gst_element_sync_state_with_parent(element);
 }
 
-void Filter::enterPipeline(GstElement* pipeline) {
+bool Filter::enterPipeline(GstElement* pipeline) {
     m_pipeline = pipeline;
     for (const auto& element : m_elements)
         placeElement(element.get());
-    for (const auto& chain : std::exchange(m_unlinked, {}))
-        linkChain(chain);
+    const auto unlinked = std::exchange(m_unlinked, {});
+    return std::all_of(unlinked.begin(), unlinked.end(), linkChain);
 }
 
-void Filter::linkChain(const std::vector<GstElement*>& chain) {
-    for (std::size_t i = 1; i < chain.size(); ++i)
-        gst_element_link(chain[i - 1], chain[i]);
+bool Filter::linkChain(const std::vector<GstElement*>& chain) {
+    for (std::size_t i = 1; i < chain.size(); ++i) {
+        if (!gst_element_link(chain[i - 1], chain[i]))
+            return false;
+    }
+    return true;
 }
 
 // From the last element to the first: a streaming thread may wait in a later one and hold the locks of the
@@ -131,16 +134,13 @@ void Filter::leavePipeline() {
 }
 
 GstElement* Filter::addElement(const char* factory) {
-    return addElement(makeElement(factory));
-}
-
-GstElement* Filter::addElement(ElementHandle element) {
+    ElementHandle element = makeElement(factory);
     if (element && m_pipeline)
         placeElement(element.get());
     return element ? m_elements.emplace_back(std::move(element)).get() : nullptr;
 }
 
-std::vector<GstElement*> Filter::addChain(const std::vector<const char*>& factories, ElementHandle last) {
+std::vector<GstElement*> Filter::addChain(const std::vector<const char*>& factories) {
     std::vector<GstElement*> chain;
     for (const char* factory : factories) {
         GstElement* element = addElement(factory);
@@ -148,12 +148,10 @@ std::vector<GstElement*> Filter::addChain(const std::vector<const char*>& factor
             return {};
         chain.push_back(element);
     }
-    if (last)
-        chain.push_back(addElement(std::move(last)));
-    if (m_pipeline)
-        linkChain(chain);
-    else
+    if (!m_pipeline)
         m_unlinked.push_back(chain);
+    else if (!linkChain(chain))
+        return {};
     return chain;
 }
 

@@ -50,8 +50,8 @@ public:
 
     Status EnumPins(IEnumPins** pins) override;
 
-    // Puts the filter's elements into the pipeline.
-    void enterPipeline(GstElement* pipeline);
+    // Puts the filter's elements into the pipeline; false if they don't fit together.
+    bool enterPipeline(GstElement* pipeline);
     // Ends what they do; what still flows into them is turned back.
     void stopElements();
     // Takes them out again and lets them go.
@@ -74,16 +74,15 @@ protected:
     Pin& addPin(std::u16string name, PinDirection direction);
     // Makes an element and puts it into the pipeline if the filter is in one; null if its plugin is missing.
     GstElement* addElement(const char* factory);
-    // Makes the elements, linked in order once they are in the pipeline, `last` behind them if there is one.
-    // Empty if a plugin is missing.
-    std::vector<GstElement*> addChain(const std::vector<const char*>& factories, ElementHandle last = {});
+    // Makes the elements, linked in order once they are in the pipeline.
+    // Empty if a plugin is missing, or if one doesn't take what another gives.
+    std::vector<GstElement*> addChain(const std::vector<const char*>& factories);
     const std::vector<ElementHandle>& elements() const { return m_elements; }
     GstElement* pipeline() const { return m_pipeline; }
 
 private:
-    GstElement* addElement(ElementHandle element);
     void placeElement(GstElement* element);
-    void linkChain(const std::vector<GstElement*>& chain);
+    static bool linkChain(const std::vector<GstElement*>& chain);
 
     std::vector<std::unique_ptr<Pin>> m_pins;
     std::vector<ElementHandle> m_elements;

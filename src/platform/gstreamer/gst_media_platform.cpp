@@ -4,6 +4,7 @@
 
 #include "platform/gstreamer/audio_filters.h"
 #include "platform/gstreamer/graph.h"
+#include "platform/gstreamer/sound_output.h"
 #include "platform/gstreamer/source_filters.h"
 #include "platform/gstreamer/video_filters.h"
 
@@ -98,7 +99,7 @@ void GstMediaPlatform::warmUp() {
 }
 
 void GstMediaPlatform::setOutputVolume(std::uint16_t left, std::uint16_t right) {
-    AudioRenderer::setVolume((left + right) / (2.0 * 0xFFFF));
+    SoundOutput::setVolume((left + right) / (2.0 * 0xFFFF));
 }
 
 } // namespace ql240::gstreamer

@@ -1,58 +1,190 @@
 #include "platform/gstreamer/sound_output.h"
 
-#include <chrono>
+#include <atomic>
 #include <condition_variable>
-#include <memory>
+#include <deque>
 #include <mutex>
 #include <thread>
+#include <utility>
+
+#include <gst/app/gstappsrc.h>
 
 namespace ql240::gstreamer {
 
 namespace {
 
-constexpr std::chrono::seconds kPatience(2);
+constexpr std::size_t kMostPieces = 100; // while the server doesn't answer
 
-// Lives as long as the opening goes on or somebody waits for it.
-struct Opening {
-    std::mutex mutex;
-    std::condition_variable changed;
-    bool isEnded = false;
-    bool isAwaited = true;
-};
-
-void open(GstElement* output, Opening& opening) {
-    gst_element_set_state(output, GST_STATE_READY);
-    const std::scoped_lock lock(opening.mutex);
-    opening.isEnded = true;
-    opening.changed.notify_one();
-    if (!opening.isAwaited)
-        gst_element_set_state(output, GST_STATE_NULL);
-}
-
-ElementHandle silence() {
-    ElementHandle output = makeElement("fakesink");
-    if (output)
-        g_object_set(output.get(), "sync", TRUE, nullptr);
-    return output;
-}
+std::atomic<double> outputVolume{1.0};
 
 } // namespace
 
-ElementHandle openSoundOutput() {
-    static std::weak_ptr<Opening> unanswered;
-    if (!unanswered.expired())
-        return silence();
-    ElementHandle output = makeElement("autoaudiosink");
-    if (!output)
-        return nullptr;
-    const auto opening = std::make_shared<Opening>();
-    std::thread([opening, element = share(output.get())] { open(element.get(), *opening); }).detach();
-    std::unique_lock lock(opening->mutex);
-    if (opening->changed.wait_for(lock, kPatience, [&opening] { return opening->isEnded; }))
-        return output;
-    opening->isAwaited = false;
-    unanswered = opening;
-    return silence();
+// One output: what is asked of it, by any thread, and the pipeline that does it, which only the sound thread
+// touches.
+class SoundOutput::Line : public std::enable_shared_from_this<Line> {
+public:
+    template <typename Change>
+    void ask(Change&& change) {
+        const std::scoped_lock lock(m_mutex);
+        change(m_asked);
+        if (!std::exchange(m_isQueued, true))
+            queue(shared_from_this());
+    }
+
+    struct Asked {
+        std::deque<SampleHandle> pieces;
+        bool flush = false;
+        bool close = false;
+    };
+
+private:
+    static void queue(std::shared_ptr<Line> line);
+    void serve();
+    void open();
+    void close();
+    void flush() const;
+    static GstBusSyncReply messagePosted(GstBus* bus, GstMessage* message, gpointer self);
+
+    std::mutex m_mutex;
+    Asked m_asked;
+    bool m_isQueued = false;
+
+    std::atomic<bool> m_hasFailed{false};
+
+    // Sound thread.
+    bool m_isOpen = false;
+    ElementHandle m_pipeline;
+    ElementHandle m_source;
+    ElementHandle m_volume;
+};
+
+// The sound thread runs until the process ends.
+void SoundOutput::Line::queue(std::shared_ptr<Line> line) {
+    struct Queue {
+        std::mutex mutex;
+        std::condition_variable changed;
+        std::deque<std::shared_ptr<Line>> lines;
+    };
+    static Queue* const waiting = [] {
+        auto* made = new Queue;
+        std::thread([made] {
+            for (;;) {
+                std::unique_lock lock(made->mutex);
+                made->changed.wait(lock, [made] { return !made->lines.empty(); });
+                const auto next = std::move(made->lines.front());
+                made->lines.pop_front();
+                lock.unlock();
+                next->serve();
+            }
+        }).detach();
+        return made;
+    }();
+    const std::scoped_lock lock(waiting->mutex);
+    waiting->lines.push_back(std::move(line));
+    waiting->changed.notify_one();
+}
+
+void SoundOutput::Line::serve() {
+    Asked asked;
+    {
+        const std::scoped_lock lock(m_mutex);
+        asked = std::exchange(m_asked, {});
+        m_isQueued = false;
+    }
+    if (asked.close || m_hasFailed) {
+        close();
+        return;
+    }
+    if (!std::exchange(m_isOpen, true))
+        open();
+    if (!m_source)
+        return;
+    if (asked.flush)
+        flush();
+    g_object_set(m_volume.get(), "volume", outputVolume.load(), nullptr);
+    for (const SampleHandle& piece : asked.pieces)
+        gst_app_src_push_sample(GST_APP_SRC(m_source.get()), piece.get());
+}
+
+// Time there is the system clock's itself.
+void SoundOutput::Line::open() {
+    ElementHandle source = makeElement("appsrc");
+    ElementHandle volume = makeElement("volume");
+    ElementHandle convert = makeElement("audioconvert");
+    ElementHandle resample = makeElement("audioresample");
+    ElementHandle sink = makeElement("autoaudiosink");
+    if (!source || !volume || !convert || !resample || !sink)
+        return;
+    g_object_set(source.get(), "format", GST_FORMAT_TIME, "max-bytes", guint64{0}, nullptr);
+    m_pipeline.reset(GST_ELEMENT(gst_object_ref_sink(gst_pipeline_new(nullptr))));
+    const BusHandle bus(gst_element_get_bus(m_pipeline.get()));
+    gst_bus_set_sync_handler(bus.get(), messagePosted, this, nullptr);
+    gst_bin_add_many(GST_BIN(m_pipeline.get()), source.get(), volume.get(), convert.get(), resample.get(),
+                     sink.get(), nullptr);
+    gst_element_link_many(source.get(), volume.get(), convert.get(), resample.get(), sink.get(), nullptr);
+    GstClock* clock = gst_system_clock_obtain();
+    gst_pipeline_use_clock(GST_PIPELINE(m_pipeline.get()), clock);
+    gst_object_unref(clock);
+    gst_element_set_start_time(m_pipeline.get(), GST_CLOCK_TIME_NONE);
+    gst_element_set_base_time(m_pipeline.get(), 0);
+    gst_element_set_state(m_pipeline.get(), GST_STATE_PLAYING);
+    m_source = std::move(source);
+    m_volume = std::move(volume);
+}
+
+void SoundOutput::Line::close() {
+    if (!m_pipeline)
+        return;
+    gst_element_set_state(m_pipeline.get(), GST_STATE_NULL);
+    const BusHandle bus(gst_element_get_bus(m_pipeline.get()));
+    gst_bus_set_sync_handler(bus.get(), nullptr, nullptr, nullptr);
+    m_source.reset();
+    m_volume.reset();
+    m_pipeline.reset();
+}
+
+void SoundOutput::Line::flush() const {
+    gst_element_send_event(m_source.get(), gst_event_new_flush_start());
+    gst_element_send_event(m_source.get(), gst_event_new_flush_stop(FALSE));
+}
+
+// Streaming thread of the output. A server that dies takes only the sound with it.
+GstBusSyncReply SoundOutput::Line::messagePosted(GstBus*, GstMessage* message, gpointer self) {
+    auto* line = static_cast<Line*>(self);
+    if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR && !line->m_hasFailed.exchange(true))
+        line->ask([](Asked&) {});
+    gst_message_unref(message);
+    return GST_BUS_DROP;
+}
+
+SoundOutput::SoundOutput() : m_line(std::make_shared<Line>()) {
+    m_line->ask([](Line::Asked&) {});
+}
+
+SoundOutput::~SoundOutput() {
+    m_line->ask([](Line::Asked& asked) {
+        asked = {};
+        asked.close = true;
+    });
+}
+
+void SoundOutput::play(SampleHandle piece) {
+    m_line->ask([&piece](Line::Asked& asked) {
+        asked.pieces.push_back(std::move(piece));
+        if (asked.pieces.size() > kMostPieces)
+            asked.pieces.pop_front();
+    });
+}
+
+void SoundOutput::flush() {
+    m_line->ask([](Line::Asked& asked) {
+        asked.flush = true;
+        asked.pieces.clear();
+    });
+}
+
+void SoundOutput::setVolume(double volume) {
+    outputVolume = volume;
 }
 
 } // namespace ql240::gstreamer

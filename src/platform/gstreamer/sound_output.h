@@ -1,12 +1,33 @@
+// A clip's sound beside the clip's pipeline: an output of its own, driven by a thread that may wait for the
+// sound server as long as that likes. Nothing here ever waits for it; while it doesn't answer, the clip plays
+// in silence. Without a server or device nothing is heard. Any thread.
 #pragma once
+
+#include <memory>
 
 #include "platform/gstreamer/gst_handles.h"
 
 namespace ql240::gstreamer {
 
-// An element that plays on the desktop's sound server or device, already opened, or keeps time in silence
-// where there is none. A server that takes the connection and doesn't answer costs two seconds once; until it
-// answers, every further output is silent. Null if the plugin is missing. Interface thread.
-ElementHandle openSoundOutput();
+class SoundOutput {
+public:
+    // Begins to open it.
+    SoundOutput();
+    ~SoundOutput();
+    SoundOutput(const SoundOutput&) = delete;
+    SoundOutput& operator=(const SoundOutput&) = delete;
+
+    // Raw sound with its caps, whose time stamp says when it is to be heard, as the system clock counts.
+    void play(SampleHandle piece);
+    // Silence at once: what is still to be heard is forgotten.
+    void flush();
+
+    // The volume of every output of the process, 0 to 1.
+    static void setVolume(double volume);
+
+private:
+    class Line;
+    std::shared_ptr<Line> m_line;
+};
 
 } // namespace ql240::gstreamer

@@ -117,10 +117,6 @@ void Splitter::makeOutputPins() {
     }
 }
 
-void Splitter::beforeFirstRun(int) {
-    letGo();
-}
-
 void Splitter::letGo() {
     const std::scoped_lock lock(m_mutex);
     m_holds = false;

@@ -28,7 +28,6 @@ public:
     ~Splitter() override;
 
     Status inputJoined(Pin& input) override;
-    void beforeFirstRun(int videoStreams) override;
     // Holds no stream back any more, nor one that is still to come. Before the pipeline ends, too: whoever
     // stops the demuxer's thread waits for it, and it would wait at a pad that it adds meanwhile.
     void letGo();

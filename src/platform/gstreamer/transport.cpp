@@ -1,60 +1,60 @@
 #include "platform/gstreamer/transport.h"
 
 #include <algorithm>
-
-#include "platform/gstreamer/frame_clipper.h"
-#include "platform/gstreamer/source_filters.h"
+#include <utility>
 
 namespace ql240::gstreamer {
 
 namespace {
 
-constexpr std::int64_t kNsPerUnit = 100;
-constexpr GstClockTime kMoment = 200 * GST_MSECOND;
-constexpr qint64 kPatienceMs = 3000; // a preroll that never comes doesn't hold later seeks for ever
+using Answer = Streams::Answer;
+using namespace std::chrono_literals;
 
-std::int64_t toUnits(std::int64_t ns) {
-    return (ns + kNsPerUnit / 2) / kNsPerUnit;
+// What never comes doesn't hold later seeks for ever. A move takes some 10 ms; what keeps it may be its way.
+constexpr std::chrono::milliseconds kPatience = 3s;
+constexpr std::chrono::milliseconds kPatienceWithMoves = 1s;
+
+bool isOlder(std::uint32_t number, std::uint32_t than) {
+    return static_cast<std::int32_t>(number - than) < 0;
 }
 
 } // namespace
 
-Transport::Transport(GstElement* pipeline, const Splitter& splitter, std::vector<FrameClipper*> clippers)
-    : m_pipeline(pipeline),
-      m_splitter(splitter),
-      m_clippers(std::move(clippers)),
-      m_duration(toUnits(splitter.durationNs())) {}
+Transport::Transport(Streams& streams) : m_streams(streams), m_duration(streams.duration()) {
+    m_patience.setSingleShot(true);
+    QObject::connect(&m_patience, &QTimer::timeout, &m_patience, [this] { giveUp(); });
+}
 
 std::int64_t Transport::clamped(std::int64_t target) const {
     return std::clamp(target, std::int64_t{0}, std::max(std::int64_t{0}, m_duration - 1));
 }
 
 bool Transport::start(const std::function<void()>& release) {
-    // A target set before the first run goes straight to the demuxer, which waits at its pads.
-    if (m_pending && *m_pending > 0 && !sendSeek(*m_pending))
-        return false;
-    if (m_pending)
-        m_held = *m_pending;
-    m_pending.reset();
-    m_started = true;
+    // A target set before the first run is sought while the streams are held back.
+    std::optional<Streams::Sent> sought;
+    m_current = std::exchange(m_waiting, std::nullopt);
+    if (m_current && *m_current > 0)
+        sought = m_streams.seek(*m_current, m_rate);
+    if (sought && sought->answer == Answer::Refused)
+        m_current.reset();
+    m_phase = Phase::Settled;
     m_state = GraphState::Paused;
     const bool accepted = applyState();
+    if (accepted && sought && m_current)
+        await(Phase::Seeking, *m_current, sought->number);
     release();
     return accepted;
 }
 
 bool Transport::applyState() {
-    // The way to playing goes on for a moment after the preroll; a state asked for within it can leave the
-    // pipeline between the two for ever.
-    if (!m_inFlight)
-        gst_element_get_state(m_pipeline, nullptr, nullptr, kMoment);
-    const GstState wanted = m_state == GraphState::Running ? GST_STATE_PLAYING : GST_STATE_PAUSED;
-    switch (gst_element_set_state(m_pipeline, wanted)) {
-        case GST_STATE_CHANGE_ASYNC:
-            m_inFlight = true;
-            m_inFlightSince.start();
+    switch (m_streams.setRunning(m_state == GraphState::Running, !isInFlight())) {
+        case Answer::Awaited:
+            if (m_phase == Phase::Settled)
+                m_phase = Phase::Changing;
+            if (isInFlight())
+                m_patience.start(kPatience);
             return true;
-        case GST_STATE_CHANGE_FAILURE:
+        case Answer::Refused:
             end();
             return false;
         default:
@@ -66,76 +66,107 @@ bool Transport::setState(GraphState state) {
     if (m_state == state && state != GraphState::Stopped)
         return true;
     const std::int64_t here = position();
-    if (m_state == GraphState::Running && !m_inFlight) { // time has gone on since the last seek
+    if (m_state == GraphState::Running && !isInFlight()) { // time has gone on since the last seek
         m_last = here;
-        m_held.reset();
+        m_current.reset();
     }
     m_state = state;
     if (state == GraphState::Stopped) {
-        m_pending = 0;
-        m_ended = false;
-    } else if (state == GraphState::Running && m_apart) {
-        m_pending = here;
-        sendPending();
+        m_waiting = 0;
+        if (m_phase == Phase::Ended)
+            m_phase = Phase::Settled;
+    } else if (state == GraphState::Running && isPlayingElsewhere()) {
+        m_waiting = here;
+        sendWaiting();
     }
     return applyState();
 }
 
-void Transport::seek(std::int64_t target) {
-    target = clamped(target);
-    m_ended = false;
-    const bool shown = !m_inFlight && m_held == target && m_state != GraphState::Running;
-    if (shown)
-        m_pending.reset();
-    else
-        m_pending = target;
-    sendPending();
+// Whether the streams, let go from here, would play from another point than the picture's.
+bool Transport::isPlayingElsewhere() const {
+    if (m_phase == Phase::Fetching || m_phase == Phase::Moving)
+        return true;
+    return m_phase == Phase::Settled && m_current && !m_streams.areInStepAt(*m_current);
 }
 
-void Transport::sendPending() {
-    if (!m_started || !m_pending || (m_inFlight && m_inFlightSince.elapsed() < kPatienceMs))
-        return;
-    const std::int64_t target = *m_pending;
-    m_pending.reset();
-    const bool settled = m_state != GraphState::Running && !m_inFlight && m_held;
-    if (settled && (m_held == target || moveStreams(target)))
-        return;
-    if (!sendSeek(target)) {
-        m_last = position();
-        return;
-    }
-    await(target);
+bool Transport::seek(std::int64_t target) {
+    const bool wasOver = m_phase == Phase::Ended;
+    if (wasOver)
+        m_phase = Phase::Settled;
+    m_waiting = clamped(target);
+    const bool accepted = sendWaiting();
+    if (wasOver && !accepted)
+        m_phase = Phase::Ended;
+    return accepted;
 }
 
-void Transport::await(std::int64_t target) {
-    m_target = target;
-    m_held.reset();
-    m_inFlight = true;
-    m_inFlightSince.start();
-}
-
-// A short way, or one back to a frame just seen, each video stream goes by itself.
-bool Transport::moveStreams(std::int64_t target) {
-    const auto ns = static_cast<GstClockTime>(target * kNsPerUnit);
-    if (!std::all_of(m_clippers.begin(), m_clippers.end(),
-                     [ns](FrameClipper* clipper) { return clipper->canMoveTo(ns); }))
-        return false;
-    m_apart = true;
-    bool moves = false;
-    for (FrameClipper* clipper : m_clippers)
-        moves |= clipper->moveTo(ns);
-    if (moves)
-        await(target);
-    else
-        m_held = target;
-    return true;
+bool Transport::sendWaiting() {
+    if (m_phase != Phase::Settled || !m_waiting)
+        return true;
+    const std::int64_t target = *std::exchange(m_waiting, std::nullopt);
+    if (m_state != GraphState::Running && m_current && (m_current == target || move(target)))
+        return true;
+    return sendSeek(target);
 }
 
 bool Transport::sendSeek(std::int64_t target) {
-    const auto flags = static_cast<GstSeekFlags>(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_ACCURATE);
-    m_apart = false;
-    return m_splitter.sendSeek(gst_event_new_seek(m_rate, GST_FORMAT_TIME, flags, GST_SEEK_TYPE_SET,
-                                                  target * kNsPerUnit, GST_SEEK_TYPE_NONE, -1));
+    const std::int64_t here = position();
+    const auto [answer, number] = m_streams.seek(target, m_rate);
+    if (answer == Answer::Refused)
+        m_last = here;
+    else
+        await(Phase::Seeking, target, number);
+    return answer != Answer::Refused;
+}
+
+bool Transport::move(std::int64_t target) {
+    const auto [answer, number] = m_streams.move(target);
+    if (answer == Answer::Awaited)
+        await(Phase::Moving, target, number);
+    else if (answer == Answer::Done)
+        m_current = target;
+    return answer != Answer::Refused;
+}
+
+void Transport::await(Phase phase, std::int64_t target, std::uint32_t number) {
+    m_phase = phase;
+    m_current = target;
+    m_number = number;
+    m_patience.start(phase == Phase::Moving ? kPatienceWithMoves : kPatience);
+}
+
+void Transport::arrived(std::uint32_t number) {
+    if (!isInFlight() || isOlder(number, m_number))
+        return;
+    if (m_phase == Phase::Seeking && !m_waiting && fetchLastPictures())
+        return;
+    settle();
+}
+
+// A picture stream that ends before the clip does keeps its last picture on screen: that comes from there,
+// the position stays the target.
+bool Transport::fetchLastPictures() {
+    if (m_state == GraphState::Running || !m_current)
+        return false;
+    const auto [answer, number] = m_streams.fetchLastPictures(*m_current, m_rate);
+    if (answer == Answer::Awaited)
+        await(Phase::Fetching, *m_current, number);
+    return answer == Answer::Awaited;
+}
+
+void Transport::settle() {
+    m_patience.stop();
+    m_phase = Phase::Settled;
+    sendWaiting();
+}
+
+// What a move doesn't bring, a seek does.
+void Transport::giveUp() {
+    if (m_phase == Phase::Moving && !m_waiting)
+        m_waiting = m_current;
+    if (m_waiting)
+        m_current.reset();
+    settle();
 }
 
 bool Transport::setRate(double rate) {
@@ -145,88 +176,41 @@ bool Transport::setRate(double rate) {
         return true;
     const std::int64_t here = position();
     m_rate = rate;
-    m_held.reset();
-    seek(here);
-    return true;
-}
-
-void Transport::restartAt(std::int64_t position) {
-    m_ended = false;
-    m_inFlight = false;
-    m_held.reset();
-    m_pending = clamped(position);
-    // On the way up again the pipeline picks another clock: the one it had may have gone with the stream.
-    gst_element_set_state(m_pipeline, GST_STATE_PAUSED);
-    sendPending();
-    applyState();
+    m_current.reset();
+    return seek(here);
 }
 
 std::int64_t Transport::position() const {
-    if (m_ended)
+    if (m_phase == Phase::Ended)
         return m_duration;
-    if (m_pending)
-        return *m_pending;
-    if (m_target)
-        return *m_target;
-    if (!m_started)
+    if (m_waiting)
+        return *m_waiting;
+    if (!isStarted())
         return 0;
-    if (m_held && m_state != GraphState::Running)
-        return *m_held;
-    gint64 ns = 0;
+    if (m_current && (m_state != GraphState::Running || isUnderWay()))
+        return *m_current;
     // A pause doesn't turn time back, though the picture that it holds may have begun before it.
-    const std::int64_t earliest = m_held.value_or(m_state == GraphState::Running ? 0 : m_last);
-    if (!m_inFlight && gst_element_query_position(m_pipeline, GST_FORMAT_TIME, &ns))
-        m_last = std::clamp(toUnits(ns), earliest, m_duration);
-    else if (m_held)
-        m_last = *m_held;
+    const std::int64_t earliest = m_current.value_or(m_state == GraphState::Running ? 0 : m_last);
+    const auto told = isInFlight() ? std::nullopt : m_streams.position();
+    if (told)
+        m_last = std::clamp(*told, earliest, m_duration);
+    else if (m_current)
+        m_last = *m_current;
     return m_last;
 }
 
-// A video stream that ends before the clip does keeps its last frame on screen: the picture comes from there,
-// the position stays the target.
-bool Transport::seekToLastFrame() {
-    std::int64_t end = 0;
-    for (const FrameClipper* clipper : m_clippers)
-        end = std::max(end, clipper->starvedAtEnd() / kNsPerUnit);
-    if (std::exchange(m_seeksLastFrame, false) || !m_target || m_state == GraphState::Running || end <= 0)
-        return false;
-    for (FrameClipper* clipper : m_clippers)
-        clipper->cutAt(*m_target * kNsPerUnit);
-    m_seeksLastFrame = sendSeek(end - 1);
-    return m_seeksLastFrame;
+void Transport::ended(std::uint32_t number) {
+    if (!isOlder(number, m_number))
+        end();
 }
 
-void Transport::settle() {
-    if (!m_pending && seekToLastFrame())
-        return;
-    m_inFlight = false;
-    if (m_target)
-        m_held = std::exchange(m_target, std::nullopt);
-    sendPending();
-}
-
-// The end of the stream, or an error after a good open: the clip is over.
+// The end of the streams, or an error after a good open: the clip is over.
 void Transport::end() {
-    m_inFlight = false;
-    m_target.reset();
-    m_held.reset();
-    m_ended = !m_pending;
+    m_patience.stop();
+    m_current.reset();
     m_last = m_duration;
-    sendPending();
-}
-
-void Transport::handle(GstMessage* message) {
-    switch (GST_MESSAGE_TYPE(message)) {
-        case GST_MESSAGE_ASYNC_DONE:
-            settle();
-            break;
-        case GST_MESSAGE_EOS:
-        case GST_MESSAGE_ERROR:
-            end();
-            break;
-        default:
-            break;
-    }
+    m_phase = m_waiting ? Phase::Settled : Phase::Ended;
+    sendWaiting();
 }
 
 } // namespace ql240::gstreamer

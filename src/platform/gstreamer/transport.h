@@ -1,74 +1,80 @@
-// The state machine of a running pipeline: state changes, seeks and what the bus tells, boiled down to a
+// The state machine of a running clip: state changes, seeks and what the streams answer, boiled down to a
 // position that can be asked for at any time. One seek is in flight at most; a newer target replaces the one
 // that waits. Interface thread; times in units of 100 ns.
 #pragma once
 
-#include <QElapsedTimer>
+#include <QTimer>
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <optional>
-#include <vector>
 
-#include "platform/gstreamer/gst_handles.h"
+#include "platform/gstreamer/streams.h"
 #include "platform/media_graph.h"
 
 namespace ql240::gstreamer {
 
-class FrameClipper;
-class Splitter;
-
 class Transport {
 public:
-    Transport(GstElement* pipeline, const Splitter& splitter, std::vector<FrameClipper*> clippers);
+    explicit Transport(Streams& streams);
 
-    // Starts the pipeline, which so far only holds its streams back: `release` lets them go.
+    // Starts the streams, which so far are only held back: `release` lets them go.
     bool start(const std::function<void()>& release);
-    bool isStarted() const { return m_started; }
+    bool isStarted() const { return m_phase != Phase::Unstarted; }
 
     bool setState(GraphState state);
     GraphState state() const { return m_state; }
-    bool isSettled() const { return !m_inFlight; }
+    bool isSettled() const { return !isInFlight(); }
 
-    void seek(std::int64_t target);
+    // False if the streams refuse; what has to wait is accepted.
+    bool seek(std::int64_t target);
     bool setRate(double rate);
     std::int64_t position() const;
     std::int64_t duration() const { return m_duration; }
 
-    // Gets the streams going again after one of them has been taken out.
-    void restartAt(std::int64_t position);
+    // What was awaited has come; the clip has ended, or an error ended it. What was said before the last
+    // question was asked (`number` is older) counts for nothing.
+    void arrived(std::uint32_t number);
+    void ended(std::uint32_t number);
 
-    void handle(GstMessage* message);
-    // Sends what waits, if nothing is in flight.
-    void sendPending();
+    // Sends what waits, if nothing is in flight; false if it was refused.
+    bool sendWaiting();
 
 private:
+    enum class Phase {
+        Unstarted,
+        Settled,  // nothing is awaited
+        Changing, // from here on what is in flight: a change of state,
+        Seeking,  // a seek to m_current,
+        Fetching, // a seek to the pictures that are to be seen there,
+        Moving,   // a move of the pictures to there
+        Ended,    // the clip is over
+    };
+
+    bool isInFlight() const { return m_phase >= Phase::Changing && m_phase <= Phase::Moving; }
+    bool isUnderWay() const { return m_phase >= Phase::Seeking && m_phase <= Phase::Moving; }
+    bool isPlayingElsewhere() const;
     bool applyState();
     bool sendSeek(std::int64_t target);
-    bool moveStreams(std::int64_t target);
-    void await(std::int64_t target);
+    bool move(std::int64_t target);
+    void await(Phase phase, std::int64_t target, std::uint32_t number);
     void settle();
-    bool seekToLastFrame();
+    void giveUp();
+    bool fetchLastPictures();
     void end();
     std::int64_t clamped(std::int64_t target) const;
 
-    GstElement* m_pipeline;
-    const Splitter& m_splitter;
-    std::vector<FrameClipper*> m_clippers;
-    std::int64_t m_duration;
+    Streams& m_streams;
+    const std::int64_t m_duration;
+    Phase m_phase = Phase::Unstarted;
+    GraphState m_state = GraphState::Stopped; // as it was last asked for
     double m_rate = 1.0;
-    GraphState m_state = GraphState::Stopped;
-    bool m_started = false;
-    bool m_ended = false;
-    bool m_apart = false; // the streams have been moved one by one; only a seek brings them together
-
-    bool m_inFlight = false; // a preroll is awaited, after a seek or a state change
-    QElapsedTimer m_inFlightSince;
-    bool m_seeksLastFrame = false;         // the seek in flight only fetches a picture
-    std::optional<std::int64_t> m_target;  // of the seek in flight
-    std::optional<std::int64_t> m_pending; // waits for the one in flight
-    std::optional<std::int64_t> m_held;    // the position of a settled seek, until time goes on
-    mutable std::int64_t m_last = 0;       // for when the pipeline can't tell
+    std::optional<std::int64_t> m_current; // where the clip goes, or stands until time goes on
+    std::uint32_t m_number = 0;            // of the last seek or move
+    std::optional<std::int64_t> m_waiting; // for what is in flight
+    mutable std::int64_t m_last = 0;       // for when the streams can't tell
+    QTimer m_patience;                     // for what is in flight
 };
 
 } // namespace ql240::gstreamer

@@ -38,14 +38,13 @@ VideoDecoder::~VideoDecoder() {
 }
 
 Status VideoDecoder::prepareInput(Pin& input, const Pin& upstream) {
-    bool known = false;
-    std::vector<const char*> factories = decoderChain(upstream.caps().get(), &known);
-    if (!known || factories.empty())
+    auto factories = decoderChain(StreamKind::Pictures, upstream.caps().get());
+    if (!factories)
         return kStatusTypeNotAccepted;
-    factories.insert(factories.begin(), "queue");
-    factories.push_back(yuy2PackerFactory());
-    factories.push_back("videoconvert");
-    const auto chain = addChain(factories);
+    factories->insert(factories->begin(), "queue");
+    factories->push_back(yuy2PackerFactory());
+    factories->push_back("videoconvert");
+    const auto chain = addChain(*factories);
     if (chain.empty())
         return kStatusClassNotRegistered;
     GstElement* queue = chain.front();

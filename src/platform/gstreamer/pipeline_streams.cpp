@@ -1,0 +1,97 @@
+#include "platform/gstreamer/pipeline_streams.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/gstreamer/frame_clipper.h"
+#include "platform/gstreamer/source_filters.h"
+
+namespace ql240::gstreamer {
+
+namespace {
+
+constexpr std::int64_t kNsPerUnit = 100;
+constexpr GstClockTime kMoment = 90 * GST_MSECOND;
+
+std::int64_t toUnits(std::int64_t ns) {
+    return (ns + kNsPerUnit / 2) / kNsPerUnit;
+}
+
+} // namespace
+
+PipelineStreams::PipelineStreams(GstElement* pipeline, const Splitter& splitter,
+                                 std::vector<FrameClipper*> clippers)
+    : m_pipeline(pipeline), m_splitter(splitter), m_clippers(std::move(clippers)) {}
+
+std::int64_t PipelineStreams::duration() const {
+    return toUnits(m_splitter.durationNs());
+}
+
+std::optional<std::int64_t> PipelineStreams::position() const {
+    gint64 ns = 0;
+    if (!gst_element_query_position(m_pipeline, GST_FORMAT_TIME, &ns))
+        return std::nullopt;
+    return toUnits(ns);
+}
+
+// The way to playing goes on for a moment after the preroll; a state asked for within it can leave the
+// pipeline between the two for ever.
+Streams::Answer PipelineStreams::setRunning(bool running, bool settled) {
+    if (settled)
+        gst_element_get_state(m_pipeline, nullptr, nullptr, kMoment);
+    switch (gst_element_set_state(m_pipeline, running ? GST_STATE_PLAYING : GST_STATE_PAUSED)) {
+        case GST_STATE_CHANGE_ASYNC:
+            return Answer::Awaited;
+        case GST_STATE_CHANGE_FAILURE:
+            return Answer::Refused;
+        default:
+            return Answer::Done;
+    }
+}
+
+// The end of the stream carries the seek's number; the message of a preroll gets one when it is made.
+Streams::Sent PipelineStreams::seek(std::int64_t target, double rate) {
+    const auto flags = static_cast<GstSeekFlags>(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_ACCURATE);
+    GstEvent* event = gst_event_new_seek(rate, GST_FORMAT_TIME, flags, GST_SEEK_TYPE_SET, target * kNsPerUnit,
+                                         GST_SEEK_TYPE_NONE, -1);
+    const std::uint32_t number = gst_event_get_seqnum(event);
+    if (!m_splitter.sendSeek(event))
+        return {Answer::Refused, 0};
+    m_sought = target;
+    return {Answer::Awaited, number};
+}
+
+Streams::Sent PipelineStreams::fetchLastPictures(std::int64_t target, double rate) {
+    std::int64_t end = 0;
+    for (const FrameClipper* clipper : m_clippers)
+        end = std::max(end, clipper->starvedAtEnd() / kNsPerUnit);
+    if (end <= 0)
+        return {Answer::Done, 0};
+    for (FrameClipper* clipper : m_clippers)
+        clipper->cutAt(target * kNsPerUnit);
+    return seek(end - 1, rate);
+}
+
+// All pictures go before the first can arrive, so that one message tells of all of them.
+Streams::Sent PipelineStreams::move(std::int64_t target) {
+    const auto ns = static_cast<GstClockTime>(target * kNsPerUnit);
+    const auto canMove = [ns](FrameClipper* clipper) { return clipper->canMoveTo(ns); };
+    if (!std::all_of(m_clippers.begin(), m_clippers.end(), canMove))
+        return {Answer::Refused, 0};
+    const std::uint32_t number = gst_util_seqnum_next();
+    std::vector<std::pair<FrameClipper*, std::unique_lock<std::mutex>>> moves;
+    for (FrameClipper* clipper : m_clippers) {
+        if (auto held = clipper->beginMove(ns))
+            moves.emplace_back(clipper, std::move(held));
+    }
+    for (const auto& [clipper, held] : moves)
+        clipper->finishMove();
+    return {moves.empty() ? Answer::Done : Answer::Awaited, number};
+}
+
+bool PipelineStreams::areInStepAt(std::int64_t position) const {
+    const auto hasMoved = [](const FrameClipper* clipper) { return clipper->hasMoved(); };
+    return position == m_sought && std::none_of(m_clippers.begin(), m_clippers.end(), hasMoved);
+}
+
+} // namespace ql240::gstreamer

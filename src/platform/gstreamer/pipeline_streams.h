@@ -1,0 +1,34 @@
+// A transport's streams over a pipeline: seeks go to the splitter, moves to the frame clippers. Interface
+// thread.
+#pragma once
+
+#include <vector>
+
+#include "platform/gstreamer/gst_handles.h"
+#include "platform/gstreamer/streams.h"
+
+namespace ql240::gstreamer {
+
+class FrameClipper;
+class Splitter;
+
+class PipelineStreams final : public Streams {
+public:
+    PipelineStreams(GstElement* pipeline, const Splitter& splitter, std::vector<FrameClipper*> clippers);
+
+    std::int64_t duration() const override;
+    std::optional<std::int64_t> position() const override;
+    Answer setRunning(bool running, bool settled) override;
+    Sent seek(std::int64_t target, double rate) override;
+    Sent fetchLastPictures(std::int64_t target, double rate) override;
+    Sent move(std::int64_t target) override;
+    bool areInStepAt(std::int64_t position) const override;
+
+private:
+    GstElement* m_pipeline;
+    const Splitter& m_splitter;
+    std::vector<FrameClipper*> m_clippers;
+    std::int64_t m_sought = 0; // where the last seek led
+};
+
+} // namespace ql240::gstreamer

@@ -1,0 +1,146 @@
+// The transport's states over streams that answer when and as the test wants.
+#include <QTest>
+
+#include "platform/gstreamer/transport.h"
+
+using namespace ql240;
+using namespace ql240::gstreamer;
+
+namespace {
+
+struct FakeStreams final : Streams {
+    std::int64_t duration() const override { return 1000; }
+    std::optional<std::int64_t> position() const override { return playedTo; }
+    Answer setRunning(bool running, bool) override {
+        log += running ? QStringLiteral("run") : QStringLiteral("pause");
+        return Answer::Done;
+    }
+    Sent seek(std::int64_t target, double) override { return note("seek", target, accepts); }
+    Sent fetchLastPictures(std::int64_t, double) override {
+        return lastPicture < 0 ? Sent{Answer::Done, 0} : note("seek", lastPicture, true);
+    }
+    Sent move(std::int64_t target) override {
+        return note("move", target, !stood.isEmpty() && std::abs(target - stood.toInt()) < 100);
+    }
+    bool areInStepAt(std::int64_t position) const override {
+        return lastGone == QStringLiteral("seek %1").arg(position);
+    }
+    Sent note(const char* what, std::int64_t target, bool accepted) {
+        if (!accepted)
+            return {Answer::Refused, 0};
+        stood = QString::number(target);
+        log += lastGone = QStringLiteral("%1 %2").arg(QLatin1String(what), stood);
+        return {Answer::Awaited, ++number};
+    }
+
+    bool accepts = true;
+    std::int64_t lastPicture = -1; // where a stream has ended
+    std::int64_t playedTo = 0;
+    QStringList log;
+    QString stood;
+    QString lastGone;
+    std::uint32_t number = 0xFFFFFFF0; // wraps on the way
+};
+
+// Started and paused at 500.
+struct Paused {
+    Paused() {
+        transport.seek(500);
+        transport.start([] {});
+        arrive();
+        streams.log.clear();
+    }
+    void arrive() { transport.arrived(++streams.number); }
+
+    FakeStreams streams;
+    Transport transport{streams};
+};
+
+} // namespace
+
+class TestTransport : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void whatWasSaidBeforeCountsForNothing() {
+        Paused clip;
+        clip.transport.setState(GraphState::Running);
+        const std::uint32_t before = clip.streams.number;
+        clip.transport.seek(100);
+        clip.transport.ended(before);
+        QCOMPARE(clip.transport.position(), 100);
+        clip.transport.arrived(before);
+        QVERIFY(!clip.transport.isSettled());
+        clip.arrive();
+        QVERIFY(clip.transport.isSettled());
+        clip.transport.ended(clip.streams.number);
+        QCOMPARE(clip.transport.position(), 1000);
+    }
+
+    void oneInFlightTheNewestWaits() {
+        Paused clip;
+        for (const int target : {100, 300, 2000})
+            QVERIFY(clip.transport.seek(target));
+        QCOMPARE(clip.transport.position(), 999);
+        QCOMPARE(clip.streams.log, QStringList("seek 100"));
+        clip.arrive();
+        QCOMPARE(clip.streams.log, QStringList({"seek 100", "seek 999"}));
+    }
+
+    // Wherever the picture comes from: all streams play on from the position.
+    void playsOnFromThePosition_data() {
+        QTest::addColumn<int>("target");
+        QTest::addColumn<int>("lastPicture");
+        QTest::addColumn<bool>("arrived");
+        QTest::addColumn<QStringList>("log");
+        QTest::newRow("sought") << 700 << -1 << true << QStringList{"seek 700", "run"};
+        QTest::newRow("on the way") << 700 << -1 << false << QStringList{"seek 700", "run"};
+        QTest::newRow("moved") << 550 << -1 << true << QStringList{"move 550", "seek 550", "run"};
+        QTest::newRow("moving") << 550 << -1 << false << QStringList{"move 550", "run", "seek 550"};
+        const QStringList behind{"seek 700", "seek 600"};
+        QTest::newRow("behind a stream") << 700 << 600 << true << behind + QStringList{"seek 700", "run"};
+        QTest::newRow("on the way there") << 700 << 600 << false << behind + QStringList{"run", "seek 700"};
+    }
+    void playsOnFromThePosition() {
+        QFETCH(int, target);
+        QFETCH(int, lastPicture);
+        QFETCH(bool, arrived);
+        Paused clip;
+        clip.streams.lastPicture = lastPicture;
+        clip.transport.seek(target);
+        if (lastPicture >= 0)
+            clip.arrive();
+        if (arrived)
+            clip.arrive();
+        clip.streams.lastPicture = -1;
+        QCOMPARE(clip.transport.position(), target);
+        clip.transport.setState(GraphState::Running);
+        QCOMPARE(clip.transport.position(), target);
+        clip.arrive();
+        QTEST(clip.streams.log, "log");
+        clip.arrive();
+        clip.streams.playedTo = target + 1;
+        QCOMPARE(clip.transport.position(), target + 1);
+    }
+
+    void refusedTargetsAreSaidSo() {
+        Paused clip;
+        clip.streams.accepts = false;
+        QVERIFY(!clip.transport.seek(100));
+        QCOMPARE(clip.transport.position(), 500);
+        clip.transport.ended(clip.streams.number);
+        QVERIFY(!clip.transport.seek(100));
+        QCOMPARE(clip.transport.position(), 1000);
+    }
+
+    // With no further call.
+    void moveThatNeverArrivesBecomesASeek() {
+        Paused clip;
+        clip.transport.seek(550);
+        QTRY_COMPARE_WITH_TIMEOUT(clip.streams.log, QStringList({"move 550", "seek 550"}), 20000);
+        QCOMPARE(clip.transport.position(), 550);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestTransport)
+#include "test_transport.moc"
