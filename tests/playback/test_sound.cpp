@@ -10,6 +10,8 @@
 #include <signal.h>
 #include <unistd.h>
 #include <cmath>
+#include <functional>
+#include <future>
 #include <numbers>
 
 #include "library/clip.h"
@@ -22,6 +24,7 @@
 #include "support/test_clips.h"
 
 using namespace ql240;
+using namespace std::chrono_literals;
 
 Q_DECLARE_METATYPE(ql240::TestClipSpec)
 
@@ -225,6 +228,41 @@ private Q_SLOTS:
         QVERIFY(view.openClip(&clip));
         player.play();
         QTRY_VERIFY_WITH_TIMEOUT(player.positionMs() > 500, kPatienceMs);
+    }
+
+    // Whatever is done with the clip while the server stands still, and afterwards.
+    void serverThatHangsMeanwhileHoldsUpNothing() {
+        const Clip clip{QFileInfo(makeTestClip(longClip({}, 440)))};
+        VideoView view;
+        Player& player = *view.player();
+        QVERIFY(view.openClip(&clip));
+        player.play();
+        TRY_AMPLITUDE(440, 0.125);
+        const auto inTime = [this](const std::function<bool()>& act) {
+            // A server that is waited for goes on some time.
+            std::promise<void> done;
+            const auto rescue = std::async(std::launch::async, [this, &done] {
+                if (done.get_future().wait_for(5s) == std::future_status::timeout)
+                    m_server->goOn();
+            });
+            m_server->hang();
+            QElapsedTimer clock;
+            clock.start();
+            const bool accepted = act();
+            done.set_value();
+            return accepted && clock.elapsed() < 1500;
+        };
+        QVERIFY(inTime([&] { return player.pause(); }));
+        QVERIFY(inTime([&] { return player.seek(1000); }));
+        QTRY_COMPARE_WITH_TIMEOUT(readFrameNumber(player.frame(0, true)), 30, kPatienceMs);
+        QVERIFY(inTime([&] { return player.play(); }));
+        QTRY_VERIFY_WITH_TIMEOUT(player.positionMs() > 1500, kPatienceMs);
+        QVERIFY(inTime([&] { return player.seek(200); }));
+        QTRY_VERIFY_WITH_TIMEOUT(player.positionMs() > 700, kPatienceMs);
+        m_server->goOn();
+        TRY_AMPLITUDE(440, 0.125);
+        QVERIFY(inTime([&] { return view.openClip(&clip); }));
+        m_server->goOn();
     }
 
     void serverThatHangsHoldsUpNoClip() {

@@ -119,9 +119,9 @@ void SoundOutput::Line::open() {
     m_pipeline.reset(GST_ELEMENT(gst_object_ref_sink(gst_pipeline_new(nullptr))));
     const BusHandle bus(gst_element_get_bus(m_pipeline.get()));
     gst_bus_set_sync_handler(bus.get(), messagePosted, this, nullptr);
-    gst_bin_add_many(GST_BIN(m_pipeline.get()), source.get(), volume.get(), convert.get(), resample.get(),
+    gst_bin_add_many(GST_BIN(m_pipeline.get()), source.get(), convert.get(), resample.get(), volume.get(),
                      sink.get(), nullptr);
-    gst_element_link_many(source.get(), volume.get(), convert.get(), resample.get(), sink.get(), nullptr);
+    gst_element_link_many(source.get(), convert.get(), resample.get(), volume.get(), sink.get(), nullptr);
     GstClock* clock = gst_system_clock_obtain();
     gst_pipeline_use_clock(GST_PIPELINE(m_pipeline.get()), clock);
     gst_object_unref(clock);
