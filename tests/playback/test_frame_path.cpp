@@ -79,17 +79,6 @@ private Q_SLOTS:
                 QCOMPARE(frame[i], step.result);
         }
     }
-
-    void bytesBehindTheLastPairAreRepeatedToo() {
-        FrameAdjuster adjuster;
-        adjuster.setAdjust({20, 100});
-        Bytes first{16, 128, 16, 128, 1, 2, 3};
-        Bytes second{99, 128, 99, 128, 4, 5, 6};
-        adjuster.filter(first.data(), first.size(), {2, 1});
-        QCOMPARE(first, Bytes({36, 128, 36, 128, 1, 2, 3}));
-        adjuster.filter(second.data(), second.size(), {2, 1});
-        QCOMPARE(second, first);
-    }
 };
 
 QTEST_GUILESS_MAIN(TestFramePath)
