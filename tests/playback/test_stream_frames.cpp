@@ -122,7 +122,7 @@ private Q_SLOTS:
         const auto target = [](int width) {
             return PictureTarget{QSize(width, 1080), QRect(0, 0, width, 1080)};
         };
-        for (int i = 0; i < 20; ++i) {
+        for (int i = 0; i < 60; ++i) {
             QObject window;
             TwoFrames frames;
             frames.slot->setTarget(&window, target(1920));
