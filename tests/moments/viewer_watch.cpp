@@ -89,13 +89,22 @@ void ViewerWatch::afterMove(const Hands& hands, QPoint global) {
                          .arg(picture.y()));
 }
 
+// Names of files that no folder holds don't count.
+bool ViewerWatch::listsClips() const {
+    for (int row = 0; row < m_list->count(); ++row) {
+        if (MyListWidget::clipOf(m_list->item(row)))
+            return true;
+    }
+    return false;
+}
+
 void ViewerWatch::warned(const QString& text) {
     const Clip* clip = MyListWidget::clipOf(m_list->currentItem());
     bool expected = true;
     if (text == QLatin1String("Failed to open clip file"))
         expected = m_list->currentItem() && (!clip || m_world.mediaTrouble || !m_world.opens(pathOf(clip)));
     else if (text == QLatin1String("Please select proper folder"))
-        expected = m_list->count() == 0;
+        expected = !listsClips();
     if (!expected)
         m_world.fail(QStringLiteral("“%1” for no reason").arg(text));
     if (m_world.player()->clip() && expected && text.startsWith(QLatin1String("Failed")))

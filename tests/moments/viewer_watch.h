@@ -67,6 +67,7 @@ private:
     void checkStillness(const Sight& now);
     void checkAwake(const Sight& now);
     QString lastPlace() const;
+    bool listsClips() const;
 
     World& m_world;
     const MyListWidget* m_list;
