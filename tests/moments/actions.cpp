@@ -189,23 +189,18 @@ void clickIn(Run& run, QWidget* window, const QRect& rect) {
 }
 
 void useConfigWindow(Run& run, ConfigWindow* dialog) {
-    switch (run.luck().below(8)) {
-        case 0:
-        case 1:
-        case 2:
+    enum { Row, Page, Drive, Ok, Cancel };
+    constexpr int kParts[] = {Row, Row, Row, Page, Page, Page, Page, Drive, Drive, Ok, Ok, Ok, Cancel};
+    switch (run.luck().oneOf(kParts)) {
+        case Row:
             return clickRow(run, dialog, config::kRows);
-        case 3:
-        case 4: {
-            const auto& buttons = config::kPageButtons;
-            return clickIn(run, dialog, run.luck().oneOf(buttons).place);
-        }
-        case 5: {
-            // The drives are the first list; the wheel and the arrow keys choose among them.
-            auto* drives = dialog->findChild<QComboBox*>();
-            drives->setFocus();
+        case Page:
+            return clickIn(run, dialog, run.luck().oneOf(config::kPageButtons).place);
+        case Drive:
+            // The drives are the first list.
+            dialog->findChild<QComboBox*>()->setFocus();
             return run.hands().type(dialog, run.luck().chance(50) ? Qt::Key_Down : Qt::Key_Up);
-        }
-        case 6:
+        case Ok:
             run.cards().confirmed();
             return clickIn(run, dialog, config::kOk);
         default:
@@ -219,9 +214,9 @@ void usePage(Run& run, SettingsPage* page) {
         number >= 0 && number < 7 ? &pages::kPages[static_cast<std::size_t>(number)] : nullptr;
     if (!layout) // the warning
         return run.hands().type(page, run.luck().chance(50) ? Qt::Key_Return : Qt::Key_Escape);
-    if (run.luck().chance(50))
+    if (run.luck().chance(40))
         return clickRow(run, page, layout->rows);
-    clickIn(run, page, run.luck().chance(70) ? layout->ok : layout->cancel);
+    clickIn(run, page, run.luck().chance(80) ? layout->ok : layout->cancel);
 }
 
 void useDialog(Run& run) {
@@ -243,8 +238,7 @@ void closeDialog(Run& run) {
 // --- The world ---
 
 void changeReader(Run& run) {
-    constexpr Reader kReaders[] = {Reader::Healthy, Reader::Healthy, Reader::Slow, Reader::Slow,
-                                   Reader::Dead};
+    constexpr Reader kReaders[] = {Reader::Healthy, Reader::Slow, Reader::Slow, Reader::Slow, Reader::Dead};
     run.world().reader = run.luck().oneOf(kReaders);
 }
 
@@ -301,7 +295,7 @@ constexpr Action kActions[] = {
     {"right click", 3, Any, rightClickPicture},
     {"type", 14, Any, typeKey, true},
     {"drop", 8, Folder, drop, true},
-    {"activate or minimise", 2, Any, changeActivity},
+    {"activate or minimise", 3, Folder, changeActivity},
     {"answer the dialog", 40, Card, useDialog, true},
     {"close the dialog", 3, Card, closeDialog},
     {"reader changes", 6, Card, changeReader},

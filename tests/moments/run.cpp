@@ -39,7 +39,7 @@ int pickAction(Luck& luck, Theme theme) {
 // Most runs begin with a folder that has clips.
 int firstAction(Luck& luck, Theme theme) {
     const auto isDrop = [](const Action& action) { return action.name == std::string_view("drop"); };
-    if (luck.chance(25))
+    if (luck.chance(40))
         return pickAction(luck, theme);
     return static_cast<int>(std::ranges::find_if(actions(), isDrop) - actions().begin());
 }

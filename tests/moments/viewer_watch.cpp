@@ -22,6 +22,7 @@ using layout::ButtonId;
 constexpr int kMomentMs = 400;
 // A tick, and the step of the made sensor data.
 constexpr int kBehindMs = 150;
+constexpr int kFirstTickMs = 100 + static_cast<int>(kLongestStandstill.count()) + kBehindMs;
 constexpr int kSampleMs = 300 + kBehindMs;
 
 QString pathOf(const void* clip) {
@@ -198,7 +199,7 @@ void ViewerWatch::checkOneTime(const Sight& now) {
     const qint64 behind = std::abs(now.positionMs - now.value);
     if (behind > (now.playing ? kBehindMs : 0))
         m_world.fail(QStringLiteral("the strip is at %1, the clip at %2").arg(now.value).arg(now.positionMs));
-    const bool neverTicked = !now.playing && now.positionMs < kBehindMs;
+    const bool neverTicked = !now.playing && now.positionMs < kFirstTickMs;
     if (neverTicked)
         return;
     // The speed of some time shortly before: of this clip, and of no other.
