@@ -54,13 +54,13 @@ void MainWindow::showListing(const FolderListing& listing, const QString& clipNa
 
 void MainWindow::showFolder(std::unique_ptr<ClipFolder> folder, const QString& clipName) {
     m_folder = std::move(folder);
-    int row = 0;
+    const Clip* wanted = nullptr;
     for (const Clip* clip : m_folder->values()) {
-        if (clip->file().fileName() == clipName)
-            row = m_clipList->count();
+        if (!wanted || clip->file().fileName() == clipName)
+            wanted = clip;
         m_clipList->appendClip(clip);
     }
-    m_clipList->setCurrentRow(row);
+    m_clipList->setCurrentRow(m_clipList->rowOf(wanted));
     if (m_folder) // opening the clip may have asked the user something
         showFolderPath(m_folder->path());
 }

@@ -47,6 +47,11 @@ qint32 contrastOf(int contrastvalue) {
     return lookUp(kContrast, contrastvalue);
 }
 
+void PictureAdjustment::setSettingsChanged() {
+    m_settingsChanged = true;
+    m_jobs.forget();
+}
+
 void PictureAdjustment::loadPictureAdjustment() {
     auto read = std::make_shared<std::optional<CardAdjustment>>();
     m_jobs.forget();

@@ -30,7 +30,7 @@ std::optional<CardAdjustment> readCardAdjustment(Drives* drives);
 qint32 brightnessOf(int brightvalue);
 qint32 contrastOf(int contrastvalue);
 
-// What the frames are adjusted by, kept as the card last told it. Interface thread only, where `changed` is
+// What the frames are adjusted by, kept as last read from the card. Interface thread only, where `changed` is
 // called too, once the card has answered.
 class PictureAdjustment {
 public:
@@ -39,8 +39,8 @@ public:
     qint32 brightness() const { return m_brightness; }
     qint32 contrast() const { return m_contrast; }
 
-    // The settings dialog was accepted: the card may hold something else now.
-    void setSettingsChanged() { m_settingsChanged = true; }
+    // The settings dialog was accepted: the card may hold something else now than what was asked for before.
+    void setSettingsChanged();
     bool settingsChanged() const { return m_settingsChanged; }
 
     // Asks the card, without waiting for it.

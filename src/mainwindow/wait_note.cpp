@@ -46,7 +46,8 @@ void WaitNote::begin(const QString& text) {
 void WaitNote::appear() {
     show();
     raise();
-    m_cancel->setFocus();
+    if (!window()->isFullScreen()) // where every key means to leave it
+        m_cancel->setFocus();
 }
 
 void WaitNote::end() {

@@ -6,7 +6,9 @@
 
 #include "base/background_jobs.h"
 #include "mainwindow/viewer.h"
+#include "mainwindow/wait_note.h"
 #include "support/fake_media.h"
+#include "support/made_card.h"
 #include "support/pdf_page.h"
 
 namespace ql240 {
@@ -44,7 +46,10 @@ private Q_SLOTS:
 
     void sessionFollows();
     void slowPanDrag();
+    void listingUnderAQuestion_data();
     void listingUnderAQuestion();
+    void noteOverTheFullScreen();
+    void olderAnswerOfTheCard();
     void endUnderTheSaveDialog();
     void anotherClipUnderThePrintDialog();
     void fullScreenLeftAndEnteredAgain();
@@ -146,11 +151,20 @@ void TestMainWindowOrder::slowPanDrag() {
     QCOMPARE(takePlaces(), QStringList());
 }
 
+void TestMainWindowOrder::listingUnderAQuestion_data() {
+    QTest::addColumn<QString>("wanted");
+    QTest::addColumn<int>("row");
+    QTest::newRow("a folder") << QString() << 0;
+    QTest::newRow("a clip of it") << QStringLiteral("REC_2.mp4") << 1;
+}
+
 // A folder answers while the user is adding a file: nothing plays behind the dialog, and the file is not
-// taken for the folder's first clip.
+// taken for one of the folder's clips.
 void TestMainWindowOrder::listingUnderAQuestion() {
+    QFETCH(QString, wanted);
+    QFETCH(int, row);
     LateJobs late;
-    viewer().window->openFolder(viewer().path(QStringLiteral("card")));
+    viewer().window->openFolder(viewer().path(QStringLiteral("card")), wanted);
     viewer().answers.openFile = QStringLiteral("/elsewhere/EVS_0.mp4");
     viewer().answers.meanwhile = [this, &late] {
         late.end();
@@ -159,10 +173,39 @@ void TestMainWindowOrder::listingUnderAQuestion() {
     };
     viewer().click(ButtonId::OpenFile);
     QTRY_COMPARE(viewer().list()->count(), 3);
-    QCOMPARE(viewer().list()->currentRow(), 0);
-    QCOMPARE(viewer().player()->clip()->file().fileName(), QStringLiteral("REC_1.mp4"));
-    QCOMPARE(viewer().list()->item(2)->text(), QStringLiteral("EVS_0.mp4"));
     QCOMPARE(viewer().answers.warnings, QStringList());
+    QCOMPARE(viewer().list()->currentRow(), row);
+    QCOMPARE(viewer().player()->clip()->file().fileName(), viewer().list()->item(row)->text());
+    QCOMPARE(viewer().list()->item(2)->text(), QStringLiteral("EVS_0.mp4"));
+}
+
+// Any key leaves full screen, also while a folder that was dropped on it is being read.
+void TestMainWindowOrder::noteOverTheFullScreen() {
+    LateJobs late;
+    viewer().key(Qt::Key_F);
+    viewer().window->openFolder(viewer().path(QStringLiteral("card")));
+    QTRY_VERIFY(viewer().child<WaitNote>()->isVisible());
+    viewer().key(Qt::Key_A);
+    QVERIFY(!viewer().window->isFullScreen());
+    QVERIFY(viewer().window->isReadingFolder());
+}
+
+// What was asked before the settings were changed says nothing of them.
+void TestMainWindowOrder::olderAnswerOfTheCard() {
+    const MadeCard card;
+    viewer().drives.drives = {{card.drive(), {}, {}}};
+    for (const char* key : {"setting/setbrightvalue.dat", "setting/setcontrastvalue.dat"})
+        card.put(QLatin1String(key), "\7");
+    LateJobs late;
+    PictureAdjustment adjustment([] {});
+    adjustment.loadPictureAdjustment();
+    adjustment.setSettingsChanged();
+    late.end();
+    QVERIFY(adjustment.settingsChanged());
+    adjustment.loadPictureAdjustment();
+    late.end();
+    QVERIFY(!adjustment.settingsChanged());
+    QCOMPARE(adjustment.brightness(), 60);
 }
 
 // The clip has just come to its end, which the tick finds only after the snapshot has paused it.
