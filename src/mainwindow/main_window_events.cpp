@@ -94,6 +94,8 @@ void MainWindow::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void MainWindow::mouseReleaseEvent(QMouseEvent* event) {
+    for (VideoView* view : {m_mainView, m_subView})
+        view->endDrag(event->button());
     if (isFullScreen())
         leaveFullScreen();
     else if (event->button() == Qt::RightButton && holds(m_mainView->geometry(), event->position().toPoint()))

@@ -34,6 +34,8 @@ public:
     void zoomStep(int step); // +1 in, -1 out, 0 fit
     void layoutVideo();      // fits the picture
     void setZoomWinMode(bool on) { m_zoomWinMode = on; }
+    // A button went up, wherever that was seen.
+    void endDrag(Qt::MouseButton button) { m_drag.end(button); }
     void setSelected(bool on);
 
     float zoom() const { return m_zoom; }

@@ -11,6 +11,10 @@ class MouseDrag {
 public:
     void begin(Qt::MouseButton button) { m_button = button; }
     void end() { m_button = Qt::NoButton; }
+    void end(Qt::MouseButton button) {
+        if (button == m_button)
+            end();
+    }
     bool isUnderWay() const { return m_button != Qt::NoButton; }
 
     // For each move, with the buttons held during it: whether it belongs to the drag.

@@ -140,12 +140,19 @@ void TestMainWindowOrder::slowPanDrag() {
     viewer().click(ButtonId::ZoomIn);
     viewer().click(ButtonId::Pan);
     m_media.takeLog();
-    QTest::mousePress(viewer().window->windowHandle(), Qt::LeftButton, {}, kOnVideo);
-    for (int way = 1; way <= 7; ++way)
-        move(kOnVideo + QPoint(way, 0), Qt::LeftButton);
+    QWindow* window = viewer().window->windowHandle();
+    QTest::mousePress(window, Qt::LeftButton, {}, kOnVideo);
+    for (int moved = 1; moved <= 7; ++moved)
+        move(kOnVideo + QPoint(moved, 0), Qt::LeftButton);
     QCOMPARE(takePlaces(),
              QStringList({"window 0 left 3", "window 0 top 0", "window 0 left 6", "window 0 top 0"}));
-    QTest::mouseRelease(viewer().window->windowHandle(), Qt::LeftButton, {}, kOnVideo + QPoint(7, 0));
+    QTest::mouseRelease(window, Qt::LeftButton, {}, kOnVideo + QPoint(7, 0));
+    // Another drag, off a button.
+    QTest::mousePress(window, Qt::LeftButton, {},
+                      viewer().window->button(ButtonId::Print)->geometry().center());
+    for (const int x : {300, 310})
+        QTest::mouseMove(window, QPoint(x, 200));
+    QTest::mouseRelease(window, Qt::LeftButton, {}, kOnVideo);
     for (const QPoint& place : {kOnVideo + QPoint(10, 0), kOnGround, kOnGround + QPoint(0, 9)})
         move(place, Qt::NoButton);
     QCOMPARE(takePlaces(), QStringList());
