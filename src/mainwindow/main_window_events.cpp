@@ -74,10 +74,11 @@ bool MainWindow::handToPanel(const QMouseEvent& event) {
         return false;
     QMouseEvent handed(event.type(), event.position() - m_progressPanel->pos(), event.globalPosition(),
                        event.button(), event.buttons(), Qt::NoModifier);
-    if (event.type() == QEvent::MouseButtonPress)
-        m_progressPanel->mousePressEvent(&handed);
-    else
+    // The second press of a double click is one, too.
+    if (event.type() == QEvent::MouseButtonRelease)
         m_progressPanel->mouseReleaseEvent(&handed);
+    else
+        m_progressPanel->mousePressEvent(&handed);
     return true;
 }
 

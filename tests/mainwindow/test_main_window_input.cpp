@@ -251,6 +251,9 @@ void TestMainWindowInput::pressOnDisabledPanelSeeks() {
     const QPoint place = layout::kProgressPanel.topLeft() + QPoint(316, 15);
     viewer().mouse(Qt::LeftButton, place);
     QTRY_COMPARE_WITH_TIMEOUT(viewer().player()->positionMs(), 5000, kBoundMs);
+    const QSignalSpy seeks(viewer().panel(), &WidgetProgressA::clicked);
+    QTest::mouseDClick(viewer().window->windowHandle(), Qt::LeftButton, {}, place);
+    QCOMPARE(seeks.count(), 2);
 }
 
 void TestMainWindowInput::dragAcrossMutedVolumeMovesNothing() {
