@@ -8,7 +8,10 @@
 #include <QPainter>
 #include <QTimer>
 #include <QUrl>
+#include <chrono>
+#include <optional>
 
+#include "base/background_jobs.h"
 #include "base/preferences.h"
 #include "library/clip_folder.h"
 #include "mainwindow/commands.h"
@@ -20,8 +23,12 @@
 namespace ql240 {
 
 using layout::ButtonId;
+using namespace std::chrono_literals;
 
 namespace {
+
+// A file system that answers is waited for.
+constexpr auto kPatience = 50ms;
 
 // The bounds include one pixel beyond the right and the bottom edge.
 bool holds(const QRect& rect, QPoint point) {
@@ -34,14 +41,30 @@ bool isMoveForView(QPoint point) {
            layout::kMoveTop <= point.y() && point.y() <= layout::kMoveBottom;
 }
 
-// The folder or clip that a drop brings, as a path of this machine; empty where it brings neither.
-QString droppedPath(const QMimeData& data) {
+// What doesn't answer at once is what its name says: the reader of folders waits for it then.
+bool isFolder(const QString& path) {
+    const auto is = std::make_shared<bool>(false);
+    BackgroundJobs jobs;
+    jobs.start([is, path] { *is = QFileInfo(path).isDir(); }, [] {});
+    return jobs.wait(kPatience) ? *is : !namedLikeRecording(path);
+}
+
+// The folder that a drop brings, or the folder of the clip that it brings; nothing where it brings neither.
+struct Dropped {
+    QString folder;
+    QString clipName;
+};
+
+std::optional<Dropped> droppedOf(const QMimeData& data) {
     for (const QUrl& url : data.urls()) {
-        const QFileInfo file(url.toLocalFile());
-        if (url.isLocalFile() && (file.isDir() || namedLikeRecording(file.fileName())))
-            return file.absoluteFilePath();
+        const QString path = QDir::cleanPath(url.toLocalFile());
+        const QFileInfo file(path);
+        if (url.isLocalFile() && isFolder(path))
+            return Dropped{path, {}};
+        if (url.isLocalFile() && namedLikeRecording(path))
+            return Dropped{file.path(), file.fileName()};
     }
-    return {};
+    return std::nullopt;
 }
 
 } // namespace
@@ -175,7 +198,7 @@ void MainWindow::changeEvent(QEvent* event) {
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
-    if (!droppedPath(*event->mimeData()).isEmpty())
+    if (droppedOf(*event->mimeData()))
         event->acceptProposedAction();
 }
 
@@ -188,12 +211,11 @@ void MainWindow::dragMoveEvent(QDragMoveEvent* event) {
 }
 
 void MainWindow::dropEvent(QDropEvent* event) {
-    const QFileInfo dropped(droppedPath(*event->mimeData()));
     if (m_clipList->isVisible() && m_clipList->geometry().contains(event->position().toPoint()))
         return;
     event->acceptProposedAction();
-    const QString folder = dropped.isDir() ? dropped.filePath() : dropped.path();
-    readFolder(folder, dropped.isDir() ? QString() : dropped.fileName(), true);
+    if (const auto dropped = droppedOf(*event->mimeData()))
+        readFolder(dropped->folder, dropped->clipName, true);
 }
 
 } // namespace ql240

@@ -1,6 +1,9 @@
 // A folder on a reader that stops answering: the window stays in use, the wait shows itself and can be left.
+#include <QDropEvent>
 #include <QElapsedTimer>
+#include <QMimeData>
 #include <QPushButton>
+#include <QUrl>
 
 #include "mainwindow/viewer.h"
 #include "mainwindow/wait_note.h"
@@ -51,6 +54,7 @@ private Q_SLOTS:
     void waitCanBeLeft();
     void lateAnswer();
     void folderDialog();
+    void drop();
 
 private:
     Viewer& viewer() { return *m_viewer; }
@@ -141,6 +145,21 @@ void TestSlowFolder::folderDialog() {
     dialogs.selected = viewer().path(QStringLiteral("card"));
     viewer().window->OnSlotsfolder_open();
     QVERIFY(dialogs.ok.last());
+}
+
+// What is dropped may lie on it too.
+void TestSlowFolder::drop() {
+    QElapsedTimer time;
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(slowPath() + QStringLiteral("/drive"))});
+    const auto send = [this, &time](QDropEvent&& event) {
+        time.start();
+        QCoreApplication::sendEvent(viewer().window.get(), &event);
+        return event.isAccepted() && time.elapsed() < kSoonMs;
+    };
+    QVERIFY(send(QDragEnterEvent({300, 200}, Qt::CopyAction, &data, Qt::LeftButton, {})));
+    QVERIFY(send(QDropEvent({300, 200}, Qt::CopyAction, &data, Qt::LeftButton, {})));
+    QVERIFY(viewer().window->isReadingFolder());
 }
 
 } // namespace ql240
