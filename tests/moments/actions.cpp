@@ -97,6 +97,20 @@ void movePointer(Run& run) {
     }
 }
 
+// As somebody does who has changed their mind.
+void slideOffButton(Run& run) {
+    MainWindow* window = run.world().window.get();
+    const QAbstractButton* button = window->button(run.luck().oneOf(layout::kControls));
+    run.hands().press(window, button->geometry().center(), Qt::LeftButton);
+    for (int i = 2; i > 0; --i) {
+        const QPoint place = somewhereIn(run, layout::kMainView);
+        run.viewer().beforeMove();
+        run.hands().move(window, place);
+        run.viewer().afterMove(run.hands(), window->mapToGlobal(place));
+    }
+    run.hands().release(window, somewhereIn(run, layout::kMainView), Qt::LeftButton);
+}
+
 void rightClickPicture(Run& run) {
     MainWindow* window = run.world().window.get();
     run.hands().click(window, somewhereIn(run, layout::kMainView), Qt::RightButton);
@@ -292,6 +306,7 @@ constexpr Action kActions[] = {
     {"drag the strip", 6, Transport, dragStrip},
     {"drag slowly", 8, Picture, dragSlowly},
     {"move the pointer", 5, Picture, movePointer},
+    {"slide off a button", 2, Picture, slideOffButton},
     {"right click", 3, Any, rightClickPicture},
     {"type", 14, Any, typeKey, true},
     {"drop", 8, Folder, drop, true},

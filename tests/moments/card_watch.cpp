@@ -139,8 +139,8 @@ CardWatch::Files CardWatch::readAll() const {
 
 bool CardWatch::mayChange(const QString& path, const QByteArray& before, const QByteArray& now) const {
     return std::any_of(m_dialogs.begin(), m_dialogs.end(), [&](const Dialog& dialog) {
-        return dialog.confirmed && path.startsWith(dialog.folder + QLatin1Char('/')) &&
-               dialog.maySave(path, before, now);
+        return dialog.confirmed && !dialog.folder.isEmpty() &&
+               path.startsWith(dialog.folder + QLatin1Char('/')) && dialog.maySave(path, before, now);
     });
 }
 

@@ -103,7 +103,9 @@ void ViewerWatch::warned(const QString& text) {
     const Clip* clip = MyListWidget::clipOf(m_list->currentItem());
     bool expected = true;
     if (text == QLatin1String("Failed to open clip file"))
-        expected = m_list->currentItem() && (!clip || m_world.mediaTrouble || !m_world.opens(pathOf(clip)));
+        // What a folder that has been read chooses is a clip of its own.
+        expected = m_list->currentItem() && (clip ? m_world.mediaTrouble || !m_world.opens(pathOf(clip))
+                                                  : m_navigated || !m_seen.reading);
     else if (text == QLatin1String("Please select proper folder"))
         expected = !listsClips();
     if (!expected)
@@ -135,11 +137,14 @@ void ViewerWatch::check(int quietMs) {
     checkButtons(now);
     checkChoice(now);
     checkWaits();
+    if ((m_world.window->cursor().shape() == Qt::BusyCursor) != now.reading)
+        m_world.fail(now.reading ? QStringLiteral("a folder is read, and nothing shows it")
+                                 : QStringLiteral("the pointer looks busy for nothing"));
     if (now.clip != m_last.clip || now.row != m_last.row) {
         m_wasFullScreen = m_stopped = false;
     }
     m_wasFullScreen |= now.fullScreen || m_last.fullScreen;
-    if (now.playing)
+    if (now.playing || now.positionMs != 0) // a stop leaves the clip at its start
         m_stopped = false;
     const bool settled = quietMs >= kMomentMs && nowMs() - m_seenMs >= kMomentMs && !now.modal &&
                          !now.reading && !m_world.mediaTrouble;
@@ -185,6 +190,8 @@ void ViewerWatch::checkOneClip(const Sight& now) {
         m_world.fail(QStringLiteral("%1 is open, not what the list marks").arg(pathOf(now.clip)));
     if (!now.clip && chosen && m_world.opens(pathOf(chosen)))
         m_world.fail(QStringLiteral("%1 is marked, and nothing is open").arg(pathOf(chosen)));
+    if (now.clip && !m_world.media.windows[0].visible && !m_world.window->isMinimized())
+        m_world.fail(QStringLiteral("the picture is hidden"));
     if (now.clip && m_world.media.path() != pathOf(now.clip))
         m_world.fail(QStringLiteral("the picture is of %1").arg(m_world.media.path()));
     if (now.clip && now.playing != m_world.media.isRunning())
