@@ -1,4 +1,4 @@
-// What the camera's file names tell: REC_2013_04_05_12_30_00.mp4 was begun on 5 April 2013 at 12:30:00.
+// What the camera's file names say: REC_2013_04_05_12_30_00.mp4 was begun on 5 April 2013 at 12:30:00.
 #pragma once
 
 #include <QDateTime>

@@ -22,7 +22,7 @@ public:
 
     // Null while closed.
     const Clip* clip() const { return m_clip; }
-    // By the camera's clock, as the file's name tells it; invalid where it doesn't.
+    // By the camera's clock, as the file's name has it; invalid where it doesn't.
     const QDateTime& start() const { return m_start; }
     Phase phase() const { return m_phase; }
     bool isPlaying() const { return m_phase == Phase::Playing; }

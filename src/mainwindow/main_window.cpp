@@ -29,7 +29,7 @@ namespace {
 constexpr QColor kBackgroundColour(9, 9, 9);
 constexpr char kLabelStyle[] = R"(color: rgb(220,220,220); font-family: "Segoe UI", Arial; font-size: 10pt;)";
 
-// A path of which the end, which tells most, stays in sight.
+// A path of which the end, which says most, stays in sight.
 class PathLabel : public QLabel {
 public:
     using QLabel::QLabel;

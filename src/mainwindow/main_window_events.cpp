@@ -80,7 +80,7 @@ void MainWindow::leaveFullScreen() {
     setNormalLayout();
 }
 
-// The window system tells the size of the full screen in its own time.
+// The size of the full screen arrives in the window system's own time.
 void MainWindow::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);
     if (m_fullScreen.isWanted() && isFullScreen())

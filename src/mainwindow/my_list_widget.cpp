@@ -49,7 +49,7 @@ QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical {
 }
 )";
 
-// A Wayland compositor may not tell where the pointer is; an ordinary press must not be doubted then.
+// A Wayland compositor may not say where the pointer is; an ordinary press must not be doubted then.
 bool isAtPointer(const QMouseEvent& event, QPoint pointer) {
     return event.globalPosition().toPoint() == pointer ||
            QGuiApplication::platformName().startsWith(QLatin1String("wayland"));

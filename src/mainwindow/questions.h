@@ -1,5 +1,5 @@
 // What the window asks its user. A dialog is an event loop of its own, under which everything else goes on:
-// who must not act behind one looks at isOpen() and waits for closed(). Interface thread only.
+// whoever must not act behind one looks at isOpen() and waits for closed(). Interface thread only.
 #pragma once
 
 #include <QObject>

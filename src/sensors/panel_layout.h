@@ -91,8 +91,8 @@ constexpr int cursorX(qint64 value, qint64 maximum, int width) {
     return static_cast<int>(std::min<qint64>(value * span / maximum + 2, width));
 }
 
-// The part of the strip that answers clicks, and the time a click there asks for. The cursor's way is 12
-// pixels longer: the two are no inverse of each other.
+// The part of the strip that answers clicks, and the time a click there asks for. The cursor travels 12
+// pixels further: the two are no inverse of each other.
 constexpr QRect seekArea(QRect panel) {
     return panel.marginsRemoved(kSeekMargins);
 }

@@ -88,7 +88,7 @@ void installAccessibleParts() {
     Q_UNUSED(installed)
 }
 
-// The toolkit makes and keeps the interface when it first tells of a change, such as a new name: by then it
+// Qt makes and keeps the interface when it first reports a change, such as a new name: by then it
 // must be known what the widget is.
 void describeGauge(QWidget* widget, AccessibleGauge* gauge) {
     installAccessibleParts();

@@ -26,7 +26,7 @@ private:
     mutable std::optional<QPixmap> m_pixmap;
 };
 
-// The same, read anew and not kept, for who keeps it in another form.
+// The same, read anew and not kept, for whoever keeps it in another form.
 QPixmap readSkinPixmap(const QString& path);
 
 // The same as an icon; null when there is no such picture.

@@ -262,8 +262,8 @@ void TestMainWindowInput::dragAcrossMutedVolumeMovesNothing() {
     const QPoint before = viewer().window->pos();
     const QPoint place = layout::kVolume.center();
     QTest::mousePress(window, Qt::LeftButton, {}, place);
-    for (const int way : {15, 30})
-        QTest::mouseMove(window, place - QPoint(way, 0));
+    for (const int moved : {15, 30})
+        QTest::mouseMove(window, place - QPoint(moved, 0));
     QTest::mouseRelease(window, Qt::LeftButton, {}, place - QPoint(30, 0));
     QCOMPARE(viewer().window->pos(), before);
 }
