@@ -25,6 +25,8 @@ void TimedMedia::readLog() {
     for (const QString& call : calls) {
         if (call.startsWith(QLatin1String("load ")))
             m_path = call.mid(5);
+        if (call == QLatin1String("run")) // what was waited for before it is none of the clip's time
+            m_lastMs = nowMs();
         if (call.startsWith(QLatin1String("seek ")) || call == QLatin1String("pause"))
             m_frameDueMs = nowMs() + m_seekMs;
     }
