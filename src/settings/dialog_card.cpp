@@ -3,9 +3,11 @@
 #include <QEventLoop>
 #include <algorithm>
 #include <atomic>
+#include <future>
 #include <mutex>
 #include <numeric>
 #include <utility>
+#include <vector>
 
 #include "settings/card.h"
 
@@ -16,7 +18,6 @@ using Phase = DialogCard::Phase;
 
 constexpr std::chrono::milliseconds kBlink(80);
 constexpr std::chrono::seconds kReadLimit(2); // when a drive counts as one that doesn't answer
-constexpr int kLeft = 1;
 
 bool mayFollow(Phase from, Phase to) {
     switch (to) {
@@ -50,7 +51,19 @@ std::shared_ptr<Saves> savesOf(const QString& drive) {
     return saves;
 }
 
+// Each ends with the save that it stands for.
+std::vector<std::future<void>>& savesBegun() {
+    static std::vector<std::future<void>> ends;
+    return ends;
+}
+
 } // namespace
+
+void finishSaves() {
+    for (const std::future<void>& end : savesBegun())
+        end.wait();
+    savesBegun().clear();
+}
 
 DialogCard::DialogCard(Drives* drives, CardAccess access) : m_drives(drives), m_access(std::move(access)) {
     m_patience.setSingleShot(true);
@@ -122,9 +135,14 @@ void DialogCard::read(const QList<int>& indices) {
     for (const int index : indices) {
         m_answers[index] = std::nullopt;
         const auto contents = std::make_shared<CardContents>();
+        const QString drive = m_list.at(index).drive;
         ask(
             m_reading,
-            [contents, reader = m_access.read, drive = m_list.at(index).drive] { *contents = reader(drive); },
+            [contents, reader = m_access.read, drive, saves = savesOf(drive)] {
+                // In the middle of a save the card holds half of it.
+                { const std::lock_guard turn(saves->busy); }
+                *contents = reader(drive);
+            },
             [this, contents, index] { keepContents(index, *contents); });
     }
 }
@@ -194,12 +212,15 @@ bool DialogCard::save(const SettingValues& values, const std::optional<QString>&
         return m_phase != Phase::Saving;
     enter(Phase::Saving);
     const auto saves = savesOf(contents()->drive);
+    const auto end = std::make_shared<std::promise<void>>();
+    savesBegun().push_back(end->get_future());
     ask(
         m_writing,
-        [saves, number = ++saves->newest, saver = m_access.save, read = *contents(), values, clockText] {
+        [saves, end, number = ++saves->newest, saver = m_access.save, read = *contents(), values, clockText] {
             const std::lock_guard turn(saves->busy);
             if (saves->newest == number)
                 saver(read, values, clockText);
+            end->set_value();
         },
         [this] {
             enter(Phase::Shown);
@@ -215,15 +236,16 @@ bool DialogCard::await() {
     QEventLoop loop;
     m_loop = &loop;
     Q_EMIT phaseChanged();
-    const bool left = loop.exec() == kLeft;
-    m_loop = nullptr;
+    loop.exec();
+    // Not by the loop's result, which the program's end overwrites.
+    const bool left = !std::exchange(m_loop, nullptr);
     Q_EMIT phaseChanged();
     return !left && (m_phase == Phase::Shown || m_phase == Phase::NoDrive);
 }
 
 void DialogCard::leave() {
     if (QEventLoop* loop = std::exchange(m_loop, nullptr))
-        loop->exit(kLeft);
+        loop->quit();
 }
 
 } // namespace ql240

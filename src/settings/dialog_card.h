@@ -23,6 +23,10 @@ struct CardAccess {
     std::function<decltype(saveCard)> save = saveCard;
 };
 
+// Returns when every save that was begun has ended, those that nobody waits for included. For the program's
+// end, which would break them off in the middle of a card.
+void finishSaves();
+
 class DialogCard : public QObject {
     Q_OBJECT
 public:
@@ -64,8 +68,8 @@ public:
     // appears. Whether none is under way any more.
     bool waitBriefly();
 
-    // Waits until there is a drive to save to, or none at all; not for one that doesn't answer. False if
-    // `leave` came first.
+    // Waits until there is a drive to save to, or none at all; begins no wait for one that is known not to
+    // answer. False if `leave` came first.
     bool settle();
     // Saves to the drive shown, if any; false if `leave` came before the end. Writing goes on all the same:
     // half a save helps nobody.

@@ -156,11 +156,35 @@ private Q_SLOTS:
         }
     }
 
-    // A save that was left goes on; the next one, of another dialog, comes after it.
+    // Cancel closes the last window, and the program's end ends every event loop; an answer in the same turn
+    // must not turn the wait into an OK.
+    void cancelEndsTheProgram() {
+        HeldDrives held(QStringLiteral("c"));
+        DialogCard card(&held.list, held.access());
+        QVERIFY(lookFor(card, Phase::Reading));
+        bool settled = true;
+        const auto cancel = [&] {
+            card.leave();
+            QCoreApplication::quit();
+            QCoreApplication::sendPostedEvents();
+            held.answer(0);
+            lookFor(card, Phase::Shown);
+        };
+        QTimer::singleShot(0, &card, [&] {
+            QTimer::singleShot(0, &card, cancel);
+            settled = card.settle();
+        });
+        QCoreApplication::exec();
+        QCOMPARE(card.phase(), Phase::Shown);
+        QVERIFY(!settled);
+    }
+
+    // A save that was left goes on; the next one, of another dialog, comes after it. What is read meanwhile
+    // would be half of it.
     void savesKeepTheirOrder() {
         HeldDrives held(QStringLiteral("c"));
-        held.answer(0);
-        held.answer(0);
+        for (int reads = 0; reads < 3; ++reads)
+            held.answer(0);
         struct Log {
             QSemaphore mayEnd;
             std::mutex mutex;
@@ -187,12 +211,38 @@ private Q_SLOTS:
         QTimer::singleShot(0, &first, &DialogCard::leave);
         QVERIFY(!first.save(values, std::nullopt));
         QCOMPARE(first.phase(), Phase::Saving);
+        DialogCard third(&held.list, access);
+        QVERIFY(lookFor(third, Phase::NoAnswer));
         values.framevalue = 2;
         QTimer::singleShot(0, &second, [&] { log->mayEnd.release(2); });
         QVERIFY(second.save(values, std::nullopt));
-        QVERIFY(lookFor(first, Phase::Shown));
+        QVERIFY(lookFor(first, Phase::Shown) && lookFor(third, Phase::Shown));
         QVERIFY(!log->crowded);
         QCOMPARE(log->written.last(), 2);
+    }
+
+    // Threads end with the program, in the middle of a card.
+    void programWaitsForSaves() {
+        HeldDrives held(QStringLiteral("c"));
+        held.answer(0);
+        struct Save {
+            QSemaphore mayEnd;
+            std::atomic<bool> ended = false;
+        };
+        const auto save = std::make_shared<Save>();
+        CardAccess access = held.access();
+        access.save = [save](const auto&...) {
+            save->mayEnd.acquire();
+            save->ended = true;
+            return true;
+        };
+        DialogCard card(&held.list, access);
+        QVERIFY(lookFor(card, Phase::Shown));
+        QTimer::singleShot(0, &card, &DialogCard::leave);
+        QVERIFY(!card.save({}, std::nullopt));
+        save->mayEnd.release();
+        finishSaves();
+        QVERIFY(save->ended);
     }
 };
 
