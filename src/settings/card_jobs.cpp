@@ -5,9 +5,11 @@
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/statfs.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <QFile>
+#include <algorithm>
 #include <cstring>
 
 #include "settings/card.h"
@@ -38,6 +40,7 @@ public:
         std::memcpy(&id.number, &system.f_fsid, sizeof id.number);
         if (::ioctl(m_file, FAT_IOCTL_GET_VOLUME_ID, &id.serial) != 0)
             id.serial = 0;
+        id.uuid = fileSystemUuid(status.st_dev);
         return id;
     }
 
@@ -49,6 +52,17 @@ private:
 };
 
 } // namespace
+
+QByteArray fileSystemUuid(dev_t device, const QString& database) {
+    constexpr QByteArrayView kKey("E:ID_FS_UUID=");
+    QFile entry(QStringLiteral("%1/b%2:%3").arg(database).arg(major(device)).arg(minor(device)));
+    if (!entry.open(QIODevice::ReadOnly))
+        return {};
+    const QList<QByteArray> lines = entry.readAll().split('\n');
+    const auto line = std::find_if(lines.begin(), lines.end(),
+                                   [&](const QByteArray& each) { return each.startsWith(kKey); });
+    return line == lines.end() ? QByteArray() : line->mid(kKey.size());
+}
 
 CardContents readCard(const QString& drive) {
     CardContents contents;

@@ -4,6 +4,8 @@
 
 #include <sys/types.h>
 
+#include <QByteArray>
+#include <QString>
 #include <optional>
 
 #include "platform/drives.h"
@@ -16,10 +18,15 @@ struct FileSystemId {
     dev_t device = 0;
     ino_t folder = 0;
     quint64 number = 0;
-    quint32 serial = 0; // of a FAT volume: two cards in one reader differ by nothing else
+    // Two cards in one reader differ by nothing else; the first is a FAT volume's, the second udev's.
+    quint32 serial = 0;
+    QByteArray uuid;
 
     bool operator==(const FileSystemId&) const = default;
 };
+
+// What udev's database says of the file system on a block device; empty where it says nothing.
+QByteArray fileSystemUuid(dev_t device, const QString& database = QStringLiteral("/run/udev/data"));
 
 // What the settings dialog shows of one drive.
 struct CardContents {

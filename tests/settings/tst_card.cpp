@@ -1,7 +1,10 @@
 // Which drive is the card, which folder the picture adjustment comes from, and the version text.
+#include <sys/sysmacros.h>
+
 #include <QTest>
 
 #include "settings/card.h"
+#include "settings/card_jobs.h"
 #include "support/fake_drives.h"
 #include "support/made_card.h"
 
@@ -57,6 +60,13 @@ private Q_SLOTS:
         const MadeCard card;
         card.put("update/version.txt", file);
         QTEST(readVersionText(card.path("update")), "text");
+    }
+
+    void uuidOfTheDevice() {
+        const MadeCard udev;
+        udev.put("b8:17", "S:disk/by-uuid/x\nE:ID_FS_UUID_ENC=x\nE:ID_FS_UUID=A1B2-C3D4\nG:systemd\n");
+        QCOMPARE(fileSystemUuid(makedev(8, 17), udev.drive()), "A1B2-C3D4");
+        QCOMPARE(fileSystemUuid(makedev(8, 18), udev.drive()), "");
     }
 
     void hugeVersionText() {
