@@ -8,7 +8,9 @@
 #include <QTest>
 #include <QTimer>
 #include <QTreeWidget>
+#include <utility>
 
+#include "base/background_jobs.h"
 #include "base/preferences.h"
 #include "library/folder_browser.h"
 #include "platform/host.h"
@@ -16,6 +18,25 @@
 #include "platform/linux/system_folder_dialogs.h"
 
 using namespace ql240;
+
+namespace {
+
+// Jobs that run when the test says so.
+struct HeldJobs : JobRunner {
+    QList<std::function<void()>> held;
+
+    HeldJobs() { setJobRunner(this); }
+    ~HeldJobs() override { setJobRunner(nullptr); }
+    void run(std::function<void()> job) override { held.append(std::move(job)); }
+    bool wait(QDeadlineTimer, const std::function<bool()>& isDone) override { return isDone(); }
+    void answer() {
+        for (const auto& job : std::exchange(held, {}))
+            job();
+        QCoreApplication::processEvents();
+    }
+};
+
+} // namespace
 
 // The dialog as the user meets it: run by the folder browser, which brings the rule for the OK button.
 class TestFolderTreeDialog : public QObject {
@@ -130,6 +151,36 @@ private Q_SLOTS:
                             !std::exchange(seen, seen + QSet{(*it)->toolTip(0)}).contains((*it)->toolTip(0)));
             });
         }
+    }
+
+    // The user has gone elsewhere before the folder that was to be selected has answered.
+    void lateSelection_data() {
+        QTest::addColumn<int>("place"); // that is clicked; none: a path is typed
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("no") << -2 << QString(); // the folder asked for
+        QTest::newRow("typed") << -1 << "/typed";
+        QTest::newRow("another place") << 1 << "/"; // the last one
+        QTest::newRow("the place that is current") << 0 << QDir::homePath();
+    }
+    void lateSelection() {
+        QFETCH(int, place);
+        QFETCH(QString, shown);
+        HeldJobs jobs;
+        FolderTreeDialog dialog(nullptr, [](const auto&...) { return 1; });
+        jobs.answer();
+        dialog.show();
+        QCOMPARE(dialog.selectedPath(), QDir::homePath());
+        dialog.setSelection(folder(QStringLiteral("card")));
+        if (place == -1)
+            type(dialog, QStringLiteral("/typed"));
+        auto* tree = dialog.findChild<QTreeWidget*>();
+        const int last = tree->topLevelItemCount() - 1;
+        if (place >= 0)
+            QTest::mouseClick(tree->viewport(), Qt::LeftButton, {},
+                              tree->visualItemRect(tree->topLevelItem(place * last)).center());
+        jobs.answer();
+        QCOMPARE(dialog.findChild<QLineEdit*>()->text(),
+                 shown.isEmpty() ? folder(QStringLiteral("card")) : shown);
     }
 
 private:

@@ -97,6 +97,8 @@ FolderTreeDialog::FolderTreeDialog(QWidget* owner, FolderCallback callback)
     connect(m_buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(m_tree, &QTreeWidget::itemExpanded, this, &FolderTreeDialog::readFolder);
     connect(m_tree, &QTreeWidget::currentItemChanged, this, &FolderTreeDialog::currentChanged);
+    connect(m_tree, &QTreeWidget::itemPressed, &m_selection, &BackgroundJobs::forget);
+    connect(m_path, &QLineEdit::textEdited, &m_selection, &BackgroundJobs::forget);
     enableOk(false);
     setSelection(QDir::homePath());
     m_callback(*this, FolderMessage::Initialised, QString());
@@ -212,7 +214,10 @@ QString FolderTreeDialog::selectedPath() const {
     return pathOf(m_tree->currentItem());
 }
 
-void FolderTreeDialog::currentChanged() {
+void FolderTreeDialog::currentChanged(QTreeWidgetItem*, QTreeWidgetItem* before) {
+    // The first one is made current by the focus alone.
+    if (before)
+        m_selection.forget();
     m_path->setText(selectedPath());
     m_callback(*this, FolderMessage::SelectionChanged, selectedPath());
 }

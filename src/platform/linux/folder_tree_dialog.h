@@ -22,7 +22,7 @@ public:
     FolderTreeDialog(QWidget* owner, FolderCallback callback);
 
     // Nothing changes for a path that is no folder. A slow folder is selected when it has answered, unless
-    // another selection was asked for meanwhile.
+    // another was asked for or made meanwhile, or a path typed.
     void setSelection(const QString& path) override;
     void enableOk(bool enabled) override;
 
@@ -43,7 +43,7 @@ private:
     void select(QTreeWidgetItem* place, const QStringList& way, const QList<QStringList>& levels);
     QTreeWidgetItem* placeAbove(const QString& path) const;
     QTreeWidgetItem* childNamed(QTreeWidgetItem* item, const QString& name);
-    void currentChanged();
+    void currentChanged(QTreeWidgetItem* now, QTreeWidgetItem* before);
     bool isPathEdited() const;
     void takeTypedPath();
     void takeTypedPath(const QString& typed, bool isFolder);
