@@ -112,6 +112,7 @@ void MapView::loadFinished(bool ok) {
         reviveLater();
         return;
     }
+    m_reviveTimer->stop();
     m_steadyTimer->start();
     m_trackPending = m_tilesPending = true;
     sendPending();
@@ -131,6 +132,8 @@ void MapView::giveUpLoad() {
 
 void MapView::reviveLater() {
     m_steadyTimer->stop();
+    if (m_reviveTimer->isActive())
+        return;
     m_reviveTimer->start(m_reviveDelayMs);
     m_reviveDelayMs = std::min(2 * m_reviveDelayMs, kLastReviveMs);
 }

@@ -242,16 +242,19 @@ private Q_SLOTS:
         QVERIFY(m_pages.view->isVisible());
     }
 
-    // Waits grow from trouble to trouble, until a page has stood for a while.
+    // Waits grow from trouble to trouble, each of which may be reported twice, until a page has stood for a
+    // while.
     void longWaitsEnd() {
         showLoaded();
         QTimer* const revive = m_map->findChild<QTimer*>(QStringLiteral("reviveTimer"));
         QTimer* const steady = m_map->findChild<QTimer*>(QStringLiteral("steadyTimer"));
         for (const int waitMs : {1000, 2000, 4000}) {
             m_pages.events.renderProcessGone();
+            m_pages.events.loadFinished(false);
             QCOMPARE(revive->interval(), waitMs);
             QVERIFY(!steady->isActive());
             m_pages.events.loadFinished(true);
+            QVERIFY(!revive->isActive());
         }
         steady->start(1);
         QTRY_VERIFY(!steady->isActive());
