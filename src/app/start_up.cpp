@@ -23,6 +23,7 @@
 #include "platform/running_windows.h"
 #include "platform/web_engine_setup.h"
 #include "settings/config_window.h"
+#include "settings/dialog_card.h"
 #include "widgets/skin.h"
 
 namespace ql240 {
@@ -52,7 +53,7 @@ QString settingTitle() {
     return QStringLiteral("QL240 Setting");
 }
 
-// Without a display to connect to, the toolkit would end the process by a signal.
+// Without a display to connect to, Qt would end the process by a signal.
 void endOnFatal(QtMsgType type, const QMessageLogContext&, const QString& text) {
     std::fputs(qUtf8Printable(text + QLatin1Char('\n')), stderr);
     if (type == QtFatalMsg)
@@ -85,7 +86,8 @@ int runViewer(QSplashScreen& splash) {
     window.show();
     QCoreApplication::processEvents();
     splash.finish(&window);
-    return QCoreApplication::exec();
+    // Closed by now, it has said so before there was an event loop to end.
+    return window.isVisible() ? QCoreApplication::exec() : 0;
 }
 
 int runSettings() {
@@ -119,7 +121,7 @@ int startUp(int argc, char** argv) {
     applyStyle();
     fonts.continueWithFonts();
     const auto fontsFirst = qScopeGuard([&fonts] { fonts.finish(); });
-    // Reading it loads the toolkit's picture plugins; no window needs to wait for that.
+    // Reading it loads Qt's picture plugins; no window needs to wait for that.
     QTimer::singleShot(0, &application, [] {
         QApplication::setWindowIcon(QIcon(skinPixmap(QStringLiteral(":/gfx_r/icon/ico_256.ico"))));
     });
@@ -128,9 +130,10 @@ int startUp(int argc, char** argv) {
     splash.show();
 
     InstanceWindows instances({viewerTitle(), settingTitle()});
-    // The toolkit has taken its own options out.
+    // Qt has taken its own options out.
     const int result = argc == 1 ? runViewer(splash) : runSettings();
     platform.leaveApplication();
+    finishSaves();
     return result;
 }
 
