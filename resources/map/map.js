@@ -31,7 +31,7 @@ const KORVAMAP = (function () {
         }
     });
 
-    // The clip's way, drawn tile by tile like the map under it, so that moving the map draws nothing anew.
+    // The clip's track, drawn tile by tile like the map under it, so that moving the map draws nothing anew.
     const TrackLayer = L.GridLayer.extend({
         options: {pane: "overlayPane", keepBuffer: 1, updateInterval: 50, minZoom: 0, maxZoom: 19},
         createTile: function (coords) {
@@ -163,8 +163,8 @@ const KORVAMAP = (function () {
         return Math.atan2(x, y) * 180 / Math.PI;
     }
 
-    // Where the clip's way leads at a place on it, so that a step back doesn't turn the car: over a stretch on which
-    // positions rounded to a metre don't matter. Null beside the way.
+    // Where the clip's track leads at a place on it, so that a step back doesn't turn the car: over a stretch on which
+    // positions rounded to a metre don't matter. Null beside the track.
     function wayHeading(place) {
         const away = point => place.distanceTo(point) >= 8;
         for (const segment of track) {
@@ -179,7 +179,7 @@ const KORVAMAP = (function () {
         return null;
     }
 
-    // Beside a way the heading follows a movement of at least two metres, not the noise of a car that stands.
+    // Beside a track the heading follows a movement of at least two metres, not the noise of a car that stands.
     function turnTo(place) {
         const along = wayHeading(place);
         if (along === null && car.from && car.from.distanceTo(place) < 2)
@@ -239,13 +239,13 @@ const KORVAMAP = (function () {
         collect();
     }
 
-    // What the moves along the last clip's way have left behind, in a few milliseconds.
+    // What the moves along the last clip's track have left behind, in a few milliseconds.
     function collect() {
         if (typeof gc === "function")
             gc();
     }
 
-    // Beside the base map, whose scale shows no driving: the whole way on its own, with the car's place in it.
+    // Beside the base map, whose scale shows no driving: the whole track on its own, with the car's place in it.
     function drawWay() {
         if (onStreets || !position || !trackBounds) {
             if (way)
@@ -264,7 +264,7 @@ const KORVAMAP = (function () {
         way.track = track;
     }
 
-    // From [latitude, longitude] to the panel's pixels, the way as large as it fits.
+    // From [latitude, longitude] to the panel's pixels, the track as large as it fits.
     function wayProjection(bounds) {
         const middle = bounds.getCenter(), narrow = Math.cos(middle.lat * Math.PI / 180), margin = 11;
         const width = Math.max(1e-4, (bounds.getEast() - bounds.getWest()) * narrow);

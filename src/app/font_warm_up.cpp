@@ -11,8 +11,8 @@ namespace {
 
 constexpr int kPagePoints = 10;
 
-// The toolkit calls this itself when it first needs a font; whoever comes second finds the work done. It is
-// looked up, not linked: where the toolkit was built without fontconfig there is nothing to do.
+// Qt calls this itself when it first needs a font; whoever comes second finds the work done. It is looked up,
+// not linked: where Qt was built without fontconfig there is nothing to do.
 void readFontConfiguration() {
     using Initialise = int (*)();
     if (const auto initialise = reinterpret_cast<Initialise>(::dlsym(RTLD_DEFAULT, "FcInit")))

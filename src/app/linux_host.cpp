@@ -23,7 +23,7 @@ LinuxHost::~LinuxHost() {
 }
 
 bool LinuxHost::initialise() {
-    // The toolkit would end the process by a signal instead of telling.
+    // Qt would end the process by a signal instead of saying so.
     for (const char* variable : {"QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "DISPLAY"}) {
         if (!qEnvironmentVariableIsEmpty(variable))
             return true;

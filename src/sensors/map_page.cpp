@@ -37,7 +37,7 @@ function go(lat, lng) {
 </html>
 )page";
 
-// The page takes no other: one would cost it the whole way.
+// The page takes no other: one would cost it the whole track.
 bool isOnEarth(const SensorSample& sample) {
     return std::abs(sample.latitude) <= 90.0 && std::abs(sample.longitude) <= 180.0;
 }

@@ -14,7 +14,7 @@ QString mapPage(double latitude, double longitude);
 // go(…): moves the map.
 QString goScript(double latitude, double longitude);
 
-// setTrack(…): the clip's way, one list of points for each stretch with a fix; none clears it.
+// setTrack(…): the clip's track, one list of points for each stretch with a fix; none clears it.
 QString trackScript(const SensorTrack& track);
 
 // setTiles(…): the address of the street tiles with {z}, {x} and {y} in it; an empty one switches them off.

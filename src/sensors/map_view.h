@@ -1,4 +1,4 @@
-// The map beside the video: a web page that is told the car's position. The web view is made with its window
+// The map beside the video: a web page that is sent the car's position. The web view is made with its window
 // as an empty place; the engine behind it is loaded after the window's first paint. Until a page is shown, or
 // when it is lost, the backdrop shows. Owned by the main window; interface thread. Positions in degrees.
 #pragma once
@@ -30,7 +30,7 @@ public:
     // sent when it is shown. Always true.
     bool moveTo(double latitude, double longitude);
 
-    // The whole way of the clip, drawn as a line until the next one is set.
+    // The clip's whole track, drawn as a line until the next one is set.
     void setTrack(const SensorTrack& track);
 
 public Q_SLOTS:

@@ -4,7 +4,7 @@
 
 namespace ql240 {
 
-// Makes the rows known to the toolkit's accessibility; further calls do nothing.
+// Makes the rows known to Qt's accessibility; further calls do nothing.
 void installChoiceRowAccessibility();
 
 } // namespace ql240

@@ -46,8 +46,8 @@ void FlatList::showPopup() {
     QComboBox::showPopup();
 }
 
-// The toolkit would make the popup only to tell it the list's font and colours, which it takes on by itself
-// once it is made.
+// Qt would make the popup only to give it the list's font and colours, which it takes on by itself once it is
+// made.
 void FlatList::changeEvent(QEvent* event) {
     if (m_hasPopup || event->type() == QEvent::EnabledChange)
         QComboBox::changeEvent(event);

@@ -24,7 +24,7 @@ SettingsPage::SettingsPage(QWidget* parent, const pages::PageLayout& layout)
     addButtons();
     m_rows = addChoiceRows(this, *this, layout.rows);
     setTabOrderByPlace(this);
-    // Who opened the page by a key sees at once where the next one goes.
+    // Opened by a key, the page shows at once where the next key goes.
     setAttribute(Qt::WA_KeyboardFocusChange,
                  parent && parent->window()->testAttribute(Qt::WA_KeyboardFocusChange));
     if (!m_rows.isEmpty())

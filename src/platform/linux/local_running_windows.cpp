@@ -47,7 +47,7 @@ std::shared_ptr<void> LocalRunningWindows::announceWindow(const QString& title, 
 
 void LocalRunningWindows::activate(QWindow& window, const QByteArray& token) {
     const QString platform = QGuiApplication::platformName();
-    // The toolkit's Wayland side takes the token of its next activation from here.
+    // Qt's Wayland side takes the token of its next activation from here.
     if (!token.isEmpty() && platform.startsWith(QLatin1String("wayland")))
         qputenv(kTokenVariables[0], token);
     window.requestActivate();

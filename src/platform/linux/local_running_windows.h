@@ -1,5 +1,5 @@
 // Running windows over local sockets in the user's runtime folder: one socket for every announced title. A
-// socket whose process has died is told by a lock that the kernel drops with the process. Interface thread
+// socket whose process has died is known by a lock that the kernel drops with the process. Interface thread
 // only.
 //
 // A message is one line, its number in decimal, a space and the sender's activation token; the answer is
@@ -16,7 +16,7 @@ public:
     // the activation token that the desktop gave to this process.
     explicit LocalRunningWindows(const QString& folder);
 
-    // $XDG_RUNTIME_DIR, or the toolkit's substitute for it.
+    // $XDG_RUNTIME_DIR, or Qt's substitute for it.
     static QString userFolder();
 
     std::unique_ptr<RunningWindow> findWindow(const QString& title) override;

@@ -17,7 +17,7 @@ constexpr qsizetype kMaxLine = 1024;
 constexpr qint64 kMaxLogBytes = qint64(16) * 1024 * 1024; // an hour's log has two
 constexpr qint64 kMaxRecords = 1 << 20;
 constexpr quint32 kEndMark = 0xFFFFFFFF;
-constexpr qint64 kBelievedStartMs = 60000; // how far the log's first line may be from the start told
+constexpr qint64 kBelievedStartMs = 60000; // how far the log's first line may be from the start given
 // A clock that is set right jumps: what is longer than a tunnel, or back by more than lines out of order are,
 // counts as the second that lies between two lines.
 constexpr qint64 kBelievedStepMs = 60000;

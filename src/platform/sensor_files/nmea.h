@@ -1,4 +1,4 @@
-// The two NMEA 0183 sentences that tell where a receiver is.
+// The two NMEA 0183 sentences that say where a receiver is.
 #pragma once
 
 #include <QByteArrayView>
@@ -14,7 +14,7 @@ inline constexpr double kKmhPerKnot = 1.852;
 // Degrees and minutes in one number, DDDMM.mmmm, as degrees. Not a number where the minutes are none.
 double fromDegreesAndMinutes(double value);
 
-// Adds what an RMC or GGA sentence tells ("GPRMC,…", with or without "$" and checksum). One with a wrong
+// Adds what an RMC or GGA sentence says ("GPRMC,…", with or without "$" and checksum). One with a wrong
 // checksum and everything else adds nothing.
 void addNmeaSentence(qint64 timeMs, QByteArrayView sentence, SensorRecords& records);
 

@@ -17,7 +17,7 @@ public:
     // The same for a clip that is open already, whatever holds its bytes.
     Handle readClip(QIODevice& clip);
 
-    // "yyyy-MM-dd-hh-mm-ss" as the container tells it, usually UTC.
+    // "yyyy-MM-dd-hh-mm-ss" as the container says it, usually UTC.
     int getCreateTime(Handle handle, char* buffer) override;
     int getLatLonSpeed(Handle handle, std::int64_t timeMs, std::int32_t* latitude, std::int32_t* longitude,
                        std::int8_t* latitudeLetter, std::int8_t* longitudeLetter,

@@ -97,7 +97,7 @@ void SensorRecords::finish() {
     }
 }
 
-// A way without a fix in it is no way: each unbroken run of fixes stands for itself.
+// Across a gap without a fix there is no distance: each unbroken run of fixes stands for itself.
 void SensorRecords::deriveSpeeds() {
     size_t first = 0;
     for (size_t i = 0; i <= m_fixes.size(); ++i) {

@@ -32,8 +32,8 @@ public:
     // Something else that was recorded at this time.
     void addOther(qint64 timeMs);
 
-    // Once after the last record: puts late ones in order and, where no record told a speed, works it out
-    // from the way between the fixes.
+    // Once after the last record: puts late ones in order and, where no record gave a speed, works it out
+    // from the distance between the fixes.
     void finish();
 
     bool isEmpty() const { return m_fixes.empty() && m_speeds.empty() && m_shocks.empty(); }
