@@ -117,9 +117,10 @@ bool ClearButton::event(QEvent* event) {
     return QWidget::event(event);
 }
 
-// The window has commands on the arrow keys; Tab moves the focus.
+// The arrow keys are the window's, for its commands and its list; Tab moves the focus.
 void ClearButton::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Left || event->key() == Qt::Key_Right)
+    const int key = event->key();
+    if (key == Qt::Key_Left || key == Qt::Key_Right || key == Qt::Key_Up || key == Qt::Key_Down)
         event->ignore();
     else
         ImageButton::keyPressEvent(event);
