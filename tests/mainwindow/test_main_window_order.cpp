@@ -4,10 +4,10 @@
 #include <QPrinter>
 #include <QRegularExpression>
 
-#include "base/background_jobs.h"
 #include "mainwindow/viewer.h"
 #include "mainwindow/wait_note.h"
 #include "support/fake_media.h"
+#include "support/held_jobs.h"
 #include "support/made_card.h"
 #include "support/pdf_page.h"
 
@@ -19,21 +19,6 @@ namespace {
 
 constexpr QPoint kOnVideo(300, 200);
 constexpr QPoint kOnGround(300, 10);
-
-// Ends jobs when the test says so.
-struct LateJobs : JobRunner {
-    std::vector<std::function<void()>> jobs;
-
-    LateJobs() { setJobRunner(this); }
-    ~LateJobs() override { setJobRunner(nullptr); }
-    void run(std::function<void()> job) override { jobs.push_back(std::move(job)); }
-    bool wait(QDeadlineTimer, const std::function<bool()>& isDone) override { return isDone(); }
-    void end() {
-        for (const auto& job : std::exchange(jobs, {}))
-            job();
-        QCoreApplication::processEvents();
-    }
-};
 
 } // namespace
 
@@ -170,11 +155,11 @@ void TestMainWindowOrder::listingUnderAQuestion_data() {
 void TestMainWindowOrder::listingUnderAQuestion() {
     QFETCH(QString, wanted);
     QFETCH(int, row);
-    LateJobs late;
+    HeldJobs late;
     viewer().window->openFolder(viewer().path(QStringLiteral("card")), wanted);
     viewer().answers.openFile = QStringLiteral("/elsewhere/EVS_0.mp4");
     viewer().answers.meanwhile = [this, &late] {
-        late.end();
+        late.answer();
         QCOMPARE(viewer().list()->count(), 0);
         QCOMPARE(viewer().player()->clip(), nullptr);
     };
@@ -188,7 +173,7 @@ void TestMainWindowOrder::listingUnderAQuestion() {
 
 // Any key leaves full screen, also while a folder that was dropped on it is being read.
 void TestMainWindowOrder::noteOverTheFullScreen() {
-    LateJobs late;
+    HeldJobs late;
     viewer().key(Qt::Key_F);
     viewer().window->openFolder(viewer().path(QStringLiteral("card")));
     QTRY_VERIFY(viewer().child<WaitNote>()->isVisible());
@@ -203,14 +188,14 @@ void TestMainWindowOrder::olderAnswerOfTheCard() {
     viewer().drives.drives = {{card.drive(), {}, {}}};
     for (const char* key : {"setting/setbrightvalue.dat", "setting/setcontrastvalue.dat"})
         card.put(QLatin1String(key), "\7");
-    LateJobs late;
+    HeldJobs late;
     PictureAdjustment adjustment([] {});
     adjustment.loadPictureAdjustment();
     adjustment.setSettingsChanged();
-    late.end();
+    late.answer();
     QVERIFY(adjustment.settingsChanged());
     adjustment.loadPictureAdjustment();
-    late.end();
+    late.answer();
     QVERIFY(!adjustment.settingsChanged());
     QCOMPARE(adjustment.brightness(), 60);
 }

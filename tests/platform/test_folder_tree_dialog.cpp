@@ -8,35 +8,15 @@
 #include <QTest>
 #include <QTimer>
 #include <QTreeWidget>
-#include <utility>
 
-#include "base/background_jobs.h"
 #include "base/preferences.h"
 #include "library/folder_browser.h"
 #include "platform/host.h"
 #include "platform/linux/folder_tree_dialog.h"
 #include "platform/linux/system_folder_dialogs.h"
+#include "support/held_jobs.h"
 
 using namespace ql240;
-
-namespace {
-
-// Jobs that run when the test says so.
-struct HeldJobs : JobRunner {
-    QList<std::function<void()>> held;
-
-    HeldJobs() { setJobRunner(this); }
-    ~HeldJobs() override { setJobRunner(nullptr); }
-    void run(std::function<void()> job) override { held.append(std::move(job)); }
-    bool wait(QDeadlineTimer, const std::function<bool()>& isDone) override { return isDone(); }
-    void answer() {
-        for (const auto& job : std::exchange(held, {}))
-            job();
-        QCoreApplication::processEvents();
-    }
-};
-
-} // namespace
 
 // The dialog as the user meets it: run by the folder browser, which brings the rule for the OK button.
 class TestFolderTreeDialog : public QObject {
