@@ -1,6 +1,7 @@
 #include "platform/gstreamer/sound_output.h"
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -14,6 +15,8 @@ namespace ql240::gstreamer {
 namespace {
 
 constexpr std::size_t kMostPieces = 100; // while the server doesn't answer
+constexpr std::chrono::milliseconds kLongAnswer(500);
+constexpr GstClockTime kMostAhead = GST_SECOND;
 
 std::atomic<double> outputVolume{1.0};
 
@@ -42,7 +45,8 @@ private:
     void serve();
     void open();
     void close();
-    void flush() const;
+    bool flush() const;
+    bool isBehind() const;
     static GstBusSyncReply messagePosted(GstBus* bus, GstMessage* message, gpointer self);
 
     std::mutex m_mutex;
@@ -99,8 +103,12 @@ void SoundOutput::Line::serve() {
         open();
     if (!m_source)
         return;
-    if (asked.flush)
-        flush();
+    if (asked.flush ? !flush() : isBehind()) {
+        close();
+        open();
+    }
+    if (!m_source)
+        return;
     g_object_set(m_volume.get(), "volume", outputVolume.load(), nullptr);
     for (const SampleHandle& piece : asked.pieces)
         gst_app_src_push_sample(GST_APP_SRC(m_source.get()), piece.get());
@@ -143,9 +151,17 @@ void SoundOutput::Line::close() {
     m_pipeline.reset();
 }
 
-void SoundOutput::Line::flush() const {
+// False if the server kept it waiting: what it says of its time is worth nothing then.
+bool SoundOutput::Line::flush() const {
+    const auto begin = std::chrono::steady_clock::now();
     gst_element_send_event(m_source.get(), gst_event_new_flush_start());
     gst_element_send_event(m_source.get(), gst_event_new_flush_stop(FALSE));
+    return std::chrono::steady_clock::now() - begin < kLongAnswer;
+}
+
+// The sound waits far longer than from when it is handed over until it is to be heard.
+bool SoundOutput::Line::isBehind() const {
+    return gst_app_src_get_current_level_time(GST_APP_SRC(m_source.get())) > kMostAhead;
 }
 
 // Streaming thread of the output. A server that dies takes only the sound with it.
