@@ -175,7 +175,11 @@ private Q_SLOTS:
             view.closeClip();
             QCoreApplication::processEvents();
         };
-        openAll(60); // pools and caches fill
+        openAll(60); // pools and caches fill; the sound, which opens in its own time, at the latest when it plays
+        QVERIFY(view.openClip(&clips[0]));
+        view.player()->play();
+        QTRY_VERIFY_WITH_TIMEOUT(view.player()->positionMs() > 500, kPatienceMs);
+        view.closeClip();
         const int threads = entriesOf(QStringLiteral("/proc/self/task"));
         const int descriptors = entriesOf(QStringLiteral("/proc/self/fd"));
         const qint64 memory = residentKiB();
