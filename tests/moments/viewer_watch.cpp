@@ -37,7 +37,7 @@ ViewerWatch::ViewerWatch(World& world)
       m_panel(world.window->findChild<WidgetProgressA*>()),
       m_ticks(world.window->findChild<QTimer*>(QStringLiteral("updateTimer"))),
       m_last(look()) {
-    m_world.onWarn = [this] { warned(m_world.warnings.takeLast()); };
+    m_world.onWarn = [this](const QString& text) { warned(text); };
 }
 
 ViewerWatch::Sight ViewerWatch::look() const {
@@ -156,7 +156,7 @@ void ViewerWatch::check(int quietMs) {
     if (settled && m_isQuiet && !now.playing)
         checkStillness(now);
     m_isQuiet = settled && !m_wasFullScreen;
-    m_quiet = m_last = now;
+    m_last = now;
     m_navigated = false;
 }
 
@@ -228,11 +228,11 @@ void ViewerWatch::checkOneTime(const Sight& now) {
 // Paused and left alone.
 void ViewerWatch::checkStillness(const Sight& now) {
     const bool alone = m_action == QLatin1String("wait") || m_action == QLatin1String("card in or out");
-    if (!alone || m_quiet.playing || m_quiet.clip != now.clip)
+    if (!alone || m_last.playing || m_last.clip != now.clip)
         return;
-    if (now.positionMs != m_quiet.positionMs || now.value != m_quiet.value || now.speed != m_quiet.speed)
+    if (now.positionMs != m_last.positionMs || now.value != m_last.value || now.speed != m_last.speed)
         m_world.fail(
-            QStringLiteral("paused, it went on from %1 to %2").arg(m_quiet.positionMs).arg(now.positionMs));
+            QStringLiteral("paused, it went on from %1 to %2").arg(m_last.positionMs).arg(now.positionMs));
 }
 
 void ViewerWatch::checkAwake(const Sight& now) {

@@ -75,9 +75,8 @@ private:
     const QTimer* m_ticks;
     Sight m_last;
     Sight m_seen;
-    qint64 m_seenMs = 0; // since when
-    Sight m_quiet;       // at the last check of a viewer that had been left alone
-    bool m_isQuiet = false;
+    qint64 m_seenMs = 0;    // since when
+    bool m_isQuiet = false; // the viewer had been left alone at the last check
     bool m_navigated = false;
     bool m_played = false; // since the last check
     // The product's exceptions: full screen changes nothing of what is shown as playing; a stop leaves strip,

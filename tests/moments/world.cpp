@@ -36,8 +36,7 @@ struct Dialogs : WindowDialogs {
     explicit Dialogs(World& owner) : world(owner) {}
 
     void warn(QWidget* parent, const QString& title, const QString& text) override {
-        world.warnings << text;
-        world.onWarn();
+        world.onWarn(text);
         askUser(parent, title);
     }
     QString askOpenFile(QWidget* parent, const QString& caption, const QString&) override {

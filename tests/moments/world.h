@@ -60,7 +60,7 @@ public:
     // --- What is there ---
     int indexOfClip(const QString& path) const;
     bool opens(const QString& path) const;
-    // A value that only this clip's sensor data has at this time, as a speed; 0 for clips without data.
+    // A value that only this clip's sensor data has at this time, as a speed.
     int speedAt(const QString& path, qint64 ms) const;
     const Player* player() const { return m_mainView->player(); }
     // Whether the map's page shows what it was last sent.
@@ -86,11 +86,7 @@ public:
     FakeUrlOpener urls;
     FakeInhibitor inhibitor;
     OutputVolume volume;
-    QStringList warnings; // since they were last looked at
-    std::function<void()> onWarn = [] {};
-    QString dropFolder() {
-        return folders[static_cast<std::size_t>(luck.below(static_cast<int>(folders.size())))];
-    }
+    std::function<void(const QString& text)> onWarn = [](const QString&) {};
     std::unique_ptr<MainWindow> window;
 
 private:
