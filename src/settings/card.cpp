@@ -5,12 +5,11 @@
 #include <QFile>
 #include <QTextStream>
 
+#include "platform/limits.h"
 #include "settings/card_files.h"
 
 namespace ql240 {
 namespace {
-
-constexpr qsizetype kLongestVersionFile = 1024 * 1024;
 
 QString cardFolderPath(const QString& drive, const char* name) {
     const QByteArray path = QFile::encodeName(drive) + '/' + name;
@@ -72,7 +71,7 @@ std::optional<QString> openVersionText(const QString& updateFolder) {
     CardFile file = openVersionFile(updateFolder);
     if (!file.isOpen())
         return std::nullopt;
-    QTextStream lines(readStart(file, kLongestVersionFile));
+    QTextStream lines(readStart(file, limits::kVersionFileBytes));
     lines.setEncoding(QStringConverter::System);
     QString text;
     while (!lines.atEnd()) {
