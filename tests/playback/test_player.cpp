@@ -2,10 +2,12 @@
 #include <QTest>
 
 #include <QRandomGenerator>
+#include <QThread>
 
 #include "library/clip.h"
 #include "platform/gstreamer/gst_media_platform.h"
 #include "platform/host.h"
+#include "playback/sample_handler.h"
 #include "playback/video_view.h"
 #include "support/frame_code.h"
 #include "support/test_clips.h"
@@ -26,6 +28,11 @@ int frameAt(const QList<std::chrono::nanoseconds>& times, std::chrono::nanosecon
         ++frame;
     return frame;
 }
+
+// As a machine that is too slow for the clip.
+struct SlowFilter final : SampleFilter {
+    void filterSample(std::int32_t, double, std::uint8_t*, std::int32_t) override { QThread::msleep(100); }
+};
 
 // A view with an open clip, paused at its start.
 struct OpenClip {
@@ -161,6 +168,22 @@ private Q_SLOTS:
             open.player().pause();
             QTRY_COMPARE_WITH_TIMEOUT(open.shown(), 0, kPatienceMs);
         }
+    }
+
+    void pauseHoldsThePositionOnASlowMachine() {
+        const TestClipSpec spec;
+        const Clip clip{QFileInfo(makeTestClip(spec))};
+        SlowFilter filter;
+        SampleHandler handler(&filter);
+        Player player;
+        QVERIFY(player.open(&clip, {&handler, nullptr}, {}));
+        player.play();
+        QTRY_VERIFY_WITH_TIMEOUT(player.positionMs() > 1000, kPatienceMs);
+        player.pause();
+        const auto held = player.positionMs();
+        const auto expected = frameAt(testClipFrameTimes(spec), std::chrono::milliseconds(held));
+        QTRY_COMPARE_WITH_TIMEOUT(readFrameNumber(player.frame(0, true)), expected, kPatienceMs);
+        QCOMPARE(player.positionMs(), held);
     }
 
     // Step by step to the picture, to and fro across what has been decoded; then on from there in step.

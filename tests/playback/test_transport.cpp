@@ -13,7 +13,7 @@ struct FakeStreams final : Streams {
     std::optional<std::int64_t> position() const override { return playedTo; }
     Answer setRunning(bool running, bool) override {
         log += running ? QStringLiteral("run") : QStringLiteral("pause");
-        return Answer::Done;
+        return pauseIsAwaited && !running ? Answer::Awaited : Answer::Done;
     }
     Sent seek(std::int64_t target, double) override { return note("seek", target, accepts); }
     Sent fetchLastPictures(std::int64_t, double) override {
@@ -25,6 +25,7 @@ struct FakeStreams final : Streams {
     bool areInStepAt(std::int64_t position) const override {
         return lastGone == QStringLiteral("seek %1").arg(position);
     }
+    bool lagBehind(std::int64_t position) const override { return position - picture > 10; }
     Sent note(const char* what, std::int64_t target, bool accepted) {
         if (!accepted)
             return {Answer::Refused, 0};
@@ -34,8 +35,10 @@ struct FakeStreams final : Streams {
     }
 
     bool accepts = true;
+    bool pauseIsAwaited = false;
     std::int64_t lastPicture = -1; // where a stream has ended
     std::int64_t playedTo = 0;
+    std::int64_t picture = 1000;
     QStringList log;
     QString stood;
     QString lastGone;
@@ -121,6 +124,27 @@ private Q_SLOTS:
         clip.arrive();
         clip.streams.playedTo = target + 1;
         QCOMPARE(clip.transport.position(), target + 1);
+    }
+
+    // The streams held a picture from far before the position; a seek in between has its own.
+    void latePictureIsMadeUpForAtAPause() {
+        for (const bool sought : {false, true}) {
+            Paused clip;
+            clip.transport.setState(GraphState::Running);
+            clip.streams.playedTo = clip.streams.picture = 600;
+            clip.streams.pauseIsAwaited = true;
+            clip.streams.log.clear();
+            clip.streams.playedTo = 640;
+            clip.transport.setState(GraphState::Paused);
+            if (sought)
+                clip.transport.seek(700);
+            clip.arrive();
+            QCOMPARE(clip.transport.position(), sought ? 700 : 640);
+            QCOMPARE(clip.streams.log, QStringList({"pause", sought ? "seek 700" : "seek 640"}));
+            clip.streams.picture = 700;
+            clip.arrive();
+            QVERIFY(clip.transport.isSettled());
+        }
     }
 
     void refusedTargetsAreSaidSo() {

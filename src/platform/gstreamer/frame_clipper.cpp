@@ -14,6 +14,12 @@ constexpr GstClockTime kShortWay = 500 * GST_MSECOND;
 constexpr GstClockTime kFarthest = 2 * GST_SECOND;
 // How long the last frame is shown.
 constexpr GstClockTime kLastFrame = GST_SECOND;
+// Of a frame that doesn't say.
+constexpr GstClockTime kUsualFrame = GST_SECOND / 15;
+
+GstClockTime durationOf(GstBuffer* frame) {
+    return GST_BUFFER_DURATION_IS_VALID(frame) ? GST_BUFFER_DURATION(frame) : kUsualFrame;
+}
 
 bool isTimeSegment(GstEvent* event, const GstSegment** segment) {
     gst_event_parse_segment(event, segment);
@@ -108,6 +114,7 @@ void FrameClipper::restore(GstPadProbeInfo* info) {
 void FrameClipper::reset() {
     m_row.clear();
     m_shown.reset();
+    m_nextOver.reset();
     m_framePassed = false;
     m_hasSegment = false;
     m_ended = false;
@@ -155,6 +162,7 @@ GstPadProbeReturn FrameClipper::handleFrame(GstPadProbeInfo* info) {
         return GST_PAD_PROBE_OK;
     if (m_framePassed) {
         m_row.clear();
+        m_nextOver = GST_BUFFER_PTS(frame) + 2 * durationOf(frame);
         return GST_PAD_PROBE_OK;
     }
     m_row.add(share(frame), m_cut);
@@ -209,6 +217,11 @@ BufferHandle FrameClipper::cut(const FrameRow::Shown& shown) const {
 // A point of the clip as the frames' time stamps count it, which an edit list can shift.
 GstClockTime FrameClipper::stampOf(GstClockTime ns) const {
     return ns + m_segment.start - m_segment.time;
+}
+
+bool FrameClipper::lagsBehind(GstClockTime ns) {
+    const std::scoped_lock lock(m_mutex);
+    return m_nextOver && !m_ended && *m_nextOver <= stampOf(ns);
 }
 
 bool FrameClipper::canMoveTo(GstClockTime ns) {

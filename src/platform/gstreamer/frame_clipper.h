@@ -29,6 +29,9 @@ public:
     // otherwise. Any thread.
     std::int64_t starvedAtEnd() const { return m_starvedAtEnd; }
 
+    // Whether the last frame that playing let through, and the next one too, end before `ns`. Interface thread.
+    bool lagsBehind(GstClockTime ns);
+
     // Interface thread, while the clip is paused after a seek that has settled. Whether the frame at `ns` can
     // be had without a seek, soon; then beginMove takes the picture off the screen and returns the clipper's
     // lock, under which finishMove lets the other one come; the pipeline settles behind that. No lock: the
@@ -70,6 +73,7 @@ private:
     GstClockTime m_cut = 0;    // frames that end before are cut
     FrameRow m_row;            // since the last seek; empty as soon as time goes on
     std::optional<FrameRow::Shown> m_shown;
+    std::optional<GstClockTime> m_nextOver; // when the frame after the last that playing let through ends
     bool m_hasSegment = false;
     bool m_framePassed = false;
     bool m_ended = false;

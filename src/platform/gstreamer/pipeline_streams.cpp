@@ -89,6 +89,12 @@ Streams::Sent PipelineStreams::move(std::int64_t target) {
     return {moves.empty() ? Answer::Done : Answer::Awaited, number};
 }
 
+bool PipelineStreams::lagBehind(std::int64_t position) const {
+    const auto ns = static_cast<GstClockTime>(position * kNsPerUnit);
+    return std::any_of(m_clippers.begin(), m_clippers.end(),
+                       [ns](FrameClipper* clipper) { return clipper->lagsBehind(ns); });
+}
+
 bool PipelineStreams::areInStepAt(std::int64_t position) const {
     const auto hasMoved = [](const FrameClipper* clipper) { return clipper->hasMoved(); };
     return position == m_sought && std::none_of(m_clippers.begin(), m_clippers.end(), hasMoved);

@@ -31,6 +31,8 @@ public:
     virtual Sent fetchLastPictures(std::int64_t target, double rate) = 0;
     // While paused, a short way from where the last seek led: only the pictures go there. Refused: too far.
     virtual Sent move(std::int64_t target) = 0;
+    // After a pause: whether a picture is older than the one before that of `position`.
+    virtual bool lagBehind(std::int64_t position) const = 0;
     // Whether all streams would play on from `position`.
     virtual bool areInStepAt(std::int64_t position) const = 0;
 };

@@ -140,7 +140,14 @@ void Transport::arrived(std::uint32_t number) {
         return;
     if (m_phase == Phase::Seeking && !m_waiting && fetchLastPictures())
         return;
+    if (m_phase == Phase::Changing && isPictureLate())
+        m_waiting = position();
     settle();
+}
+
+// Decoding slower than time goes on leaves the picture behind the position that a pause holds.
+bool Transport::isPictureLate() const {
+    return m_state != GraphState::Running && !m_waiting && !m_current && m_streams.lagBehind(position());
 }
 
 // A picture stream that ends before the clip does keeps its last picture on screen: that comes from there,

@@ -55,6 +55,7 @@ private:
     bool isInFlight() const { return m_phase >= Phase::Changing && m_phase <= Phase::Moving; }
     bool isUnderWay() const { return m_phase >= Phase::Seeking && m_phase <= Phase::Moving; }
     bool isPlayingElsewhere() const;
+    bool isPictureLate() const;
     bool applyState();
     bool sendSeek(std::int64_t target);
     bool move(std::int64_t target);
