@@ -1,10 +1,14 @@
-// The main window and the settings dialog in the program's own style against kept pictures. Run at one and at
-// two device pixels a pixel.
+// The windows in the program's own style, and the pictures that they are made of, against kept pictures. Run at
+// one and at two device pixels a pixel.
+#include <QDirIterator>
+
 #include "app/style.h"
 #include "base/language.h"
 #include "mainwindow/viewer.h"
 #include "settings/config_window.h"
 #include "settings/flat_fields.h"
+#include "settings/window_gmt.h"
+#include "settings/window_pages.h"
 #include "support/frame_code.h"
 #include "support/golden.h"
 #include "support/settings_fixture.h"
@@ -29,11 +33,32 @@ FakeSensorLibrary::Answer drive(std::int64_t timeMs) {
     return answer;
 }
 
-QByteArray pictureDiffers(QWidget& window, const QString& name) {
+QByteArray pictureDiffers(const QImage& painted, const QString& name) {
     QByteArray report;
-    const auto scale = qRound(window.devicePixelRatioF());
-    const QString kept = QStringLiteral("%1@%2x").arg(name).arg(scale);
-    return matchesGolden(window.grab().toImage(), kept, report) ? QByteArray() : report;
+    const QString kept = QStringLiteral("%1@%2x").arg(name).arg(qRound(qGuiApp->devicePixelRatio()));
+    return matchesGolden(painted, kept, report) ? QByteArray() : report;
+}
+QByteArray pictureDiffers(QWidget& window, const QString& name) {
+    return pictureDiffers(window.grab().toImage(), name);
+}
+
+// Pictures one beside the other on a sheet, over the windows' ground.
+QImage sheetOf(const QList<QImage>& pictures) {
+    constexpr int kWidth = 2000;
+    QImage sheet(kWidth, 6400, QImage::Format_RGB32);
+    sheet.fill(QColor(9, 9, 9));
+    QPainter painter(&sheet);
+    QPoint place;
+    int below = 0;
+    for (const QImage& picture : pictures) {
+        if (place.x() + picture.width() > kWidth)
+            place = {0, below};
+        painter.drawImage(place, picture);
+        below = std::max(below, place.y() + picture.height());
+        place.rx() += picture.width();
+    }
+    painter.end();
+    return sheet.copy(0, 0, kWidth, below);
 }
 
 } // namespace
@@ -87,6 +112,52 @@ private Q_SLOTS:
             ->setDateTime(QDateTime(QDate(2013, 4, 5), QTime(12, 30)));
         const QByteArray differs = pictureDiffers(dialog, QLatin1String(QTest::currentDataTag()));
         QCOMPARE(differs, QByteArray());
+    }
+
+    void settingsPages() {
+        setCurrentLanguage(QStringLiteral("en"));
+        RowValues values;
+        for (const SettingKey& key : kSettingKeys)
+            values.*key.value = 3;
+        QList<QImage> pictures;
+        const auto add = [&](auto&& page) {
+            if constexpr (requires { page.setValues(values); })
+                page.setValues(values);
+            pictures << page.grab().toImage().convertToFormat(QImage::Format_RGB32);
+            pictures.last().setDevicePixelRatio(1);
+        };
+        add(WindowBtn0(nullptr));
+        add(WindowBtn1(nullptr));
+        add(WindowBtn2(nullptr));
+        add(WindowBtn3(nullptr));
+        add(WindowBtn4(nullptr));
+        add(WindowBtn5(nullptr));
+        add(WindowBtn6(nullptr));
+        add(WindowBtn7(nullptr));
+        add(WindowGMT(nullptr));
+        QCOMPARE(pictureDiffers(sheetOf(pictures), QStringLiteral("settings-pages")), QByteArray());
+    }
+
+    // Every look of every control; the windows' own grounds are seen above.
+    void skin() {
+        const bool doubled = qGuiApp->devicePixelRatio() > 1;
+        QStringList names;
+        for (QDirIterator all(QStringLiteral(":/gfx_r/2012"), {QStringLiteral("*.png")}); all.hasNext();) {
+            const QString name = all.next();
+            if (name.contains(QLatin1String("@2x")) == doubled)
+                names << name;
+        }
+        names.sort();
+        QList<QImage> pictures;
+        for (const QString& name : names) {
+            QImage picture(name);
+            QVERIFY2(!picture.isNull(), qPrintable(name));
+            picture.setDevicePixelRatio(1);
+            if (picture.width() < 300 * (doubled ? 2 : 1))
+                pictures << picture;
+        }
+        QVERIFY(pictures.size() > 100);
+        QCOMPARE(pictureDiffers(sheetOf(pictures), QStringLiteral("skin")), QByteArray());
     }
 
 private:
