@@ -1,5 +1,5 @@
-# ql240_library(name SOURCES … [PUBLIC …] [PRIVATE …]): one static library of a folder under src/.
-function(ql240_library name)
+# ql240_add_library(name SOURCES … [PUBLIC …] [PRIVATE …]): one static library of a folder under src/.
+function(ql240_add_library name)
     cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
     add_library(${name} STATIC ${ARG_SOURCES})
     set_target_properties(${name} PROPERTIES AUTOMOC ON)
@@ -7,8 +7,8 @@ function(ql240_library name)
     target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
 endfunction()
 
-# ql240_test(name SOURCES … LIBRARIES … [LABELS …] [TIMEOUT seconds] [COMMAND …]): one Qt Test program, run by
-# CTest without a display, with locale, time zone, fonts and home folders fixed.
+# ql240_test(name SOURCES … LIBRARIES … [LABELS …] [TIMEOUT seconds] [ENVIRONMENT …]): one Qt Test program, run
+# by CTest without a display, with locale, time zone, fonts and home folders fixed.
 function(ql240_test name)
     cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
