@@ -147,9 +147,21 @@ private Q_SLOTS:
         }
     }
 
+    void rateBeforeTheFirstRunCounts() {
+        FakeStreams streams;
+        Transport transport{streams};
+        QVERIFY(transport.setRate(2));
+        transport.start([] {});
+        QCOMPARE(streams.log, QStringList({"seek 0", "pause"}));
+    }
+
     void refusedTargetsAreSaidSo() {
         Paused clip;
         clip.streams.accepts = false;
+        for (int i = 0; i < 2; ++i) {
+            QVERIFY(!clip.transport.setRate(2));
+            QCOMPARE(clip.transport.position(), 500);
+        }
         QVERIFY(!clip.transport.seek(100));
         QCOMPARE(clip.transport.position(), 500);
         clip.transport.ended(clip.streams.number);

@@ -33,7 +33,7 @@ bool Transport::start(const std::function<void()>& release) {
     // A target set before the first run is sought while the streams are held back.
     std::optional<Streams::Sent> sought;
     m_current = std::exchange(m_waiting, std::nullopt);
-    if (m_current && *m_current > 0)
+    if (m_current && (*m_current > 0 || m_rate != 1.0))
         sought = m_streams.seek(*m_current, m_rate);
     if (sought && sought->answer == Answer::Refused)
         m_current.reset();
@@ -182,9 +182,14 @@ bool Transport::setRate(double rate) {
     if (rate == m_rate)
         return true;
     const std::int64_t here = position();
-    m_rate = rate;
-    m_current.reset();
-    return seek(here);
+    const double before = std::exchange(m_rate, rate);
+    const auto stood = std::exchange(m_current, std::nullopt);
+    const bool accepted = seek(here);
+    if (!accepted) {
+        m_rate = before;
+        m_current = stood;
+    }
+    return accepted;
 }
 
 std::int64_t Transport::position() const {
