@@ -38,7 +38,10 @@ public:
 
     void press(ButtonId id) { hands.click(window(), window()->button(id)->geometry().center()); }
     void key(int key, int repeats = 0) { hands.type(window(), key, {}, repeats); }
+    void hold(int key, int presses);
     void seekTo(int ms);
+    // The interface thread has other things to do, the pipeline goes on.
+    void beBusy(int ms) { QThread::msleep(static_cast<unsigned long>(ms)); }
     void choose(int row) { viewer.list()->setCurrentRow(row); }
     int clips() const { return static_cast<int>(m_kinds.size()); }
 
@@ -63,6 +66,7 @@ private:
     bool m_wasPlaying = true; // since the last seek or step
     int m_row = 0;
     qint64 m_positionMs = 0;
+    std::optional<int> m_soughtMs; // by the step being played
     QElapsedTimer m_since;
 };
 
@@ -81,6 +85,8 @@ constexpr PipelineAction kActions[] = {
     {"step", 10, [](PipelineRun& run) { run.key(run.luck.chance(50) ? Qt::Key_Left : Qt::Key_Right); }, false,
      true},
     {"hold right", 8, [](PipelineRun& run) { run.key(Qt::Key_Right, run.luck.below(70)); }, false, true},
+    {"hold right long", 3, [](PipelineRun& run) { run.hold(Qt::Key_Right, 40 + run.luck.below(30)); }, false,
+     true},
     {"hold left", 5, [](PipelineRun& run) { run.key(Qt::Key_Left, run.luck.below(30)); }, false, true},
     {"seek", 14, [](PipelineRun& run) { run.seekTo(run.luck.below(kClipMs)); }, false, true},
     {"seek to the end", 6, [](PipelineRun& run) { run.seekTo(kClipMs - run.luck.below(200)); }, false, true},
@@ -88,6 +94,7 @@ constexpr PipelineAction kActions[] = {
      [](PipelineRun& run) {
          run.seekTo(kClipMs - run.luck.below(60));
          run.seekTo(run.luck.below(kClipMs / 2));
+         run.beBusy(run.luck.below(300));
      },
      false, true},
     {"zoom in and fit", 2,
@@ -120,7 +127,17 @@ void PipelineRun::fail(const QString& what) {
         m_failure = what;
 }
 
+// As the keyboard repeats it: the pictures come meanwhile.
+void PipelineRun::hold(int key, int presses) {
+    constexpr int kRepeatMs = 25;
+    for (; presses > 0; --presses) {
+        hands.type(window(), key);
+        QTest::qWait(kRepeatMs);
+    }
+}
+
 void PipelineRun::seekTo(int ms) {
+    m_soughtMs = ms;
     hands.click(window(), Viewer::onStrip(ms, kClipMs));
 }
 
@@ -199,16 +216,16 @@ QString PipelineRun::play(const std::vector<Step>& steps) {
             return m_failure;
         const PipelineAction& action = kActions[step.action];
         luck.reseed(step.luck);
-        // Where a seek goes, the clip may end soon after it.
-        m_positionMs = std::max<qint64>(m_positionMs, viewer.player()->positionMs());
+        m_soughtMs.reset();
+        m_since.start();
         action.perform(*this);
         navigated = action.navigates;
         if (action.moves && !window()->isPlaying())
             m_wasPlaying = false;
-        m_positionMs = std::max<qint64>(viewer.player()->positionMs(), navigated ? 0 : m_positionMs);
-        if (QLatin1String(action.name) == QLatin1String("seek there and back"))
-            m_positionMs = viewer.player()->positionMs();
-        m_since.start();
+        // Where a seek goes, the clip may end soon after it.
+        m_positionMs = m_soughtMs
+                           ? *m_soughtMs
+                           : std::max<qint64>(viewer.player()->positionMs(), navigated ? 0 : m_positionMs);
         QTest::qWait(step.delayMs);
     }
     check(navigated);
