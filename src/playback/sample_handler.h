@@ -1,4 +1,4 @@
-// The way of decoded frames from a sample grabber to the view that filters them. The handler is called on
+// Hands decoded frames from a sample grabber to the view that filters them. The handler is called on
 // streaming threads; it is owned by the view and not reference-counted.
 #pragma once
 

@@ -58,7 +58,7 @@ AudioRenderer::~AudioRenderer() {
     leavePipeline();
 }
 
-// Streaming thread of the decoder; a flush comes on that of who seeks.
+// Streaming thread of the decoder; a flush comes on the thread that seeks.
 GstPadProbeReturn AudioRenderer::arrived(GstPad*, GstPadProbeInfo* info, gpointer self) {
     auto* renderer = static_cast<AudioRenderer*>(self);
     const std::scoped_lock lock(renderer->m_mutex);

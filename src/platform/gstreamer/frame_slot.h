@@ -1,5 +1,5 @@
-// The way of decoded frames from the sink to the window: the streaming thread converts each one to the size
-// at which it is shown and leaves it here, the newest wins, and one event tells the window. Nothing is
+// Takes decoded frames from the sink to the window: the streaming thread converts each one to the size at
+// which it is shown and leaves it here, the newest wins, and one event wakes the window. Nothing is
 // converted while no window shows. Members are grouped by the thread that uses them.
 #pragma once
 
@@ -29,7 +29,7 @@ struct PictureTarget {
 
 class FrameSlot {
 public:
-    static const int kFrameReady; // the type of the event that tells the window
+    static const int kFrameReady; // the type of the event that wakes the window
 
     // Makes the sink deliver into the slot, which lives as long as the sink may call.
     static void connectTo(const std::shared_ptr<FrameSlot>& slot, GstAppSink* sink);

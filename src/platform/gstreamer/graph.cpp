@@ -99,7 +99,7 @@ std::vector<Filter*> Graph::chainOf(Filter& sink) const {
     return chain;
 }
 
-// Elements that lie beside the way from the source to a sink would stop the preroll or the end of the stream.
+// Elements on no path from the source to a sink would stop the preroll or the end of the stream.
 void Graph::dropIdleFilters() {
     std::vector<Filter*> used;
     for (const auto& filter : m_filters) {
@@ -234,7 +234,7 @@ Status Graph::GetVideoSize(std::int32_t* width, std::int32_t* height) {
 // event arrives. The bus itself would take the message only after this call, perhaps after the event.
 GstBusSyncReply Graph::messagePosted(GstBus*, GstMessage* message, gpointer self) {
     constexpr auto kWanted = GST_MESSAGE_ASYNC_DONE | GST_MESSAGE_EOS | GST_MESSAGE_ERROR;
-    MessageHandle taken(message); // who drops it owns it
+    MessageHandle taken(message); // a handler owns what it drops
     auto* graph = static_cast<Graph*>(self);
     if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_STATE_CHANGED)
         graph->passToSound(message);

@@ -67,7 +67,7 @@ private:
     std::unique_ptr<PipelineStreams> m_streams;
     std::unique_ptr<Transport> m_transport;
 
-    std::mutex m_messagesMutex; // guards what the streaming threads have told
+    std::mutex m_messagesMutex; // guards what the streaming threads have posted
     std::deque<MessageHandle> m_messages;
 };
 

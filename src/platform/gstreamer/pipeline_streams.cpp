@@ -34,7 +34,7 @@ std::optional<std::int64_t> PipelineStreams::position() const {
     return toUnits(ns);
 }
 
-// The way to playing goes on for a moment after the preroll; a state asked for within it can leave the
+// The change to playing goes on for a moment after the preroll; a state asked for within it can leave the
 // pipeline between the two for ever.
 Streams::Answer PipelineStreams::setRunning(bool running, bool settled) {
     if (settled)
@@ -72,7 +72,7 @@ Streams::Sent PipelineStreams::fetchLastPictures(std::int64_t target, double rat
     return seek(end - 1, rate);
 }
 
-// All pictures go before the first can arrive, so that one message tells of all of them.
+// All pictures go before the first can arrive, so that one message stands for all of them.
 Streams::Sent PipelineStreams::move(std::int64_t target) {
     const auto ns = static_cast<GstClockTime>(target * kNsPerUnit);
     const auto canMove = [ns](FrameClipper* clipper) { return clipper->canMoveTo(ns); };

@@ -1,6 +1,6 @@
 // One row of a picture shrunk to half the frame's size or less, from YUY2 to RGB in one pass: every pixel is
 // the mean of a pair in two source rows. For processors with AVX2; elsewhere, and for other scales,
-// FrameConverter has a longer way.
+// FrameConverter takes several passes.
 #pragma once
 
 #include <cstdint>

@@ -32,7 +32,7 @@ public:
     // stops the demuxer's thread waits for it, and it would wait at a pad that it adds meanwhile.
     void letGo();
 
-    // Clip duration in ns as the container tells it; 0 if it doesn't.
+    // Clip duration in ns as the container has it; 0 if it hasn't.
     std::int64_t durationNs() const;
     // Sends a seek to the demuxer; takes the event over.
     bool sendSeek(GstEvent* event) const;

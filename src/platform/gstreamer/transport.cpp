@@ -10,7 +10,8 @@ namespace {
 using Answer = Streams::Answer;
 using namespace std::chrono_literals;
 
-// What never comes doesn't hold later seeks for ever. A move takes some 10 ms; what keeps it may be its way.
+// What never comes doesn't hold later seeks for ever. A move takes some 10 ms; one that gets stuck may still
+// arrive as a seek.
 constexpr std::chrono::milliseconds kPatience = 3s;
 constexpr std::chrono::milliseconds kPatienceWithMoves = 1s;
 

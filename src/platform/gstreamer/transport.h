@@ -74,7 +74,7 @@ private:
     std::optional<std::int64_t> m_current; // where the clip goes, or stands until time goes on
     std::uint32_t m_number = 0;            // of the last seek or move
     std::optional<std::int64_t> m_waiting; // for what is in flight
-    mutable std::int64_t m_last = 0;       // for when the streams can't tell
+    mutable std::int64_t m_last = 0;       // for when the streams don't know
     QTimer m_patience;                     // for what is in flight
 };
 

@@ -24,7 +24,7 @@ public:
     Status prepareInput(Pin& input, const Pin& upstream) override;
     void beforeFirstRun(int videoStreams) override;
 
-    // Size as the container tells it; false if it doesn't.
+    // Size as the container has it; false if it hasn't.
     bool containerSize(std::int32_t* width, std::int32_t* height) const;
 
     FrameClipper& clipper() { return m_clipper; }
