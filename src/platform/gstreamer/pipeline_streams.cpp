@@ -13,8 +13,9 @@ namespace {
 constexpr std::int64_t kNsPerUnit = 100;
 constexpr GstClockTime kMoment = 90 * GST_MSECOND;
 
+// A hostile file may claim the longest time there is.
 std::int64_t toUnits(std::int64_t ns) {
-    return (ns + kNsPerUnit / 2) / kNsPerUnit;
+    return ns / kNsPerUnit + (ns % kNsPerUnit + kNsPerUnit / 2) / kNsPerUnit;
 }
 
 } // namespace
@@ -35,10 +36,14 @@ std::optional<std::int64_t> PipelineStreams::position() const {
 }
 
 // The change to playing goes on for a moment after the preroll; a state asked for within it can leave the
-// pipeline between the two for ever.
+// pipeline between the two for ever, and a seek sent within it may never be said to have arrived.
+void PipelineStreams::awaitChange() const {
+    gst_element_get_state(m_pipeline, nullptr, nullptr, kMoment);
+}
+
 Streams::Answer PipelineStreams::setRunning(bool running, bool settled) {
     if (settled)
-        gst_element_get_state(m_pipeline, nullptr, nullptr, kMoment);
+        awaitChange();
     switch (gst_element_set_state(m_pipeline, running ? GST_STATE_PLAYING : GST_STATE_PAUSED)) {
         case GST_STATE_CHANGE_ASYNC:
             return Answer::Awaited;
@@ -51,6 +56,7 @@ Streams::Answer PipelineStreams::setRunning(bool running, bool settled) {
 
 // The end of the stream carries the seek's number; the message of a preroll gets one when it is made.
 Streams::Sent PipelineStreams::seek(std::int64_t target, double rate) {
+    awaitChange();
     const auto flags = static_cast<GstSeekFlags>(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_ACCURATE);
     GstEvent* event = gst_event_new_seek(rate, GST_FORMAT_TIME, flags, GST_SEEK_TYPE_SET, target * kNsPerUnit,
                                          GST_SEEK_TYPE_NONE, -1);

@@ -26,6 +26,8 @@ public:
     bool areInStepAt(std::int64_t position) const override;
 
 private:
+    void awaitChange() const;
+
     GstElement* m_pipeline;
     const Splitter& m_splitter;
     std::vector<FrameClipper*> m_clippers;
