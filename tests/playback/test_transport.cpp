@@ -169,6 +169,15 @@ private Q_SLOTS:
         QCOMPARE(clip.transport.position(), 1000);
     }
 
+    void seekThatNeverArrivesIsSentAgainWhenAskedAgain() {
+        Paused clip;
+        clip.transport.seek(900);
+        QTRY_VERIFY_WITH_TIMEOUT(clip.transport.isSettled(), 20000);
+        QCOMPARE(clip.transport.position(), 900);
+        clip.transport.seek(900);
+        QCOMPARE(clip.streams.log, QStringList({"seek 900", "seek 900"}));
+    }
+
     // With no further call.
     void moveThatNeverArrivesBecomesASeek() {
         Paused clip;

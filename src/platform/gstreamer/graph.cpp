@@ -114,7 +114,7 @@ void Graph::dropIdleFilters() {
     }
 }
 
-void Graph::start() {
+bool Graph::start() {
     const auto isVideo = [](const ComPtr<IBaseFilter>& filter) {
         return dynamic_cast<VideoDecoder*>(filter.get()) && asFilter(filter).inputPin()->peer();
     };
@@ -128,7 +128,7 @@ void Graph::start() {
     gst_bus_set_sync_handler(m_bus.get(), messagePosted, this, nullptr);
     for (const auto& filter : m_filters)
         asFilter(filter).beforeFirstRun(videoStreams);
-    m_transport->start([this] { m_splitter->letGo(); });
+    return m_transport->start([this] { m_splitter->letGo(); });
 }
 
 Splitter* Graph::playedSplitter() const {
@@ -163,7 +163,8 @@ Status Graph::setState(GraphState state) {
     if (!m_transport->isStarted()) {
         if (state == GraphState::Stopped)
             return kStatusOk;
-        start();
+        if (!start())
+            return kStatusFail;
     }
     const bool accepted = m_transport->setState(state);
     if (state != GraphState::Stopped)

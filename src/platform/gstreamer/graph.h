@@ -53,7 +53,7 @@ private:
     Status setState(GraphState state);
     // The transport, once something can play; null before and if nothing can.
     Transport* transport();
-    void start();
+    bool start();
     std::vector<Filter*> chainOf(Filter& sink) const;
     void dropIdleFilters();
     void drainBus();

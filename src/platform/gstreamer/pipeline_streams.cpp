@@ -73,9 +73,15 @@ Streams::Sent PipelineStreams::fetchLastPictures(std::int64_t target, double rat
         end = std::max(end, clipper->starvedAtEnd() / kNsPerUnit);
     if (end <= 0)
         return {Answer::Done, 0};
-    for (FrameClipper* clipper : m_clippers)
-        clipper->cutAt(target * kNsPerUnit);
-    return seek(end - 1, rate);
+    const auto cutAt = [this](std::int64_t ns) {
+        for (FrameClipper* clipper : m_clippers)
+            clipper->cutAt(ns);
+    };
+    cutAt(target * kNsPerUnit);
+    const Sent sent = seek(end - 1, rate);
+    if (sent.answer == Answer::Refused)
+        cutAt(0);
+    return sent;
 }
 
 // All pictures go before the first can arrive, so that one message stands for all of them.

@@ -50,7 +50,7 @@ bool Transport::start(const std::function<void()>& release) {
 bool Transport::applyState() {
     switch (m_streams.setRunning(m_state == GraphState::Running, !isInFlight())) {
         case Answer::Awaited:
-            if (m_phase == Phase::Settled)
+            if (isAtRest())
                 m_phase = Phase::Changing;
             if (isInFlight())
                 m_patience.start(kPatience);
@@ -87,7 +87,8 @@ bool Transport::setState(GraphState state) {
 bool Transport::isPlayingElsewhere() const {
     if (m_phase == Phase::Fetching || m_phase == Phase::Moving)
         return true;
-    return m_phase == Phase::Settled && m_current && !m_streams.areInStepAt(*m_current);
+    return m_phase == Phase::Stuck ||
+           (m_phase == Phase::Settled && m_current && !m_streams.areInStepAt(*m_current));
 }
 
 bool Transport::seek(std::int64_t target) {
@@ -102,10 +103,11 @@ bool Transport::seek(std::int64_t target) {
 }
 
 bool Transport::sendWaiting() {
-    if (m_phase != Phase::Settled || !m_waiting)
+    if (!isAtRest() || !m_waiting)
         return true;
     const std::int64_t target = *std::exchange(m_waiting, std::nullopt);
-    if (m_state != GraphState::Running && m_current && (m_current == target || move(target)))
+    const bool isThere = m_phase == Phase::Settled && m_state != GraphState::Running && m_current;
+    if (isThere && (m_current == target || move(target)))
         return true;
     return sendSeek(target);
 }
@@ -162,9 +164,9 @@ bool Transport::fetchLastPictures() {
     return answer == Answer::Awaited;
 }
 
-void Transport::settle() {
+void Transport::settle(Phase phase) {
     m_patience.stop();
-    m_phase = Phase::Settled;
+    m_phase = phase;
     sendWaiting();
 }
 
@@ -174,7 +176,7 @@ void Transport::giveUp() {
         m_waiting = m_current;
     if (m_waiting)
         m_current.reset();
-    settle();
+    settle(m_phase == Phase::Seeking ? Phase::Stuck : Phase::Settled);
 }
 
 bool Transport::setRate(double rate) {

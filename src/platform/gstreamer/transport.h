@@ -45,6 +45,7 @@ private:
     enum class Phase {
         Unstarted,
         Settled,  // nothing is awaited
+        Stuck,    // nothing any more: what was awaited hasn't come
         Changing, // from here on what is in flight: a change of state,
         Seeking,  // a seek to m_current,
         Fetching, // a seek to the pictures that are to be seen there,
@@ -52,6 +53,7 @@ private:
         Ended,    // the clip is over
     };
 
+    bool isAtRest() const { return m_phase == Phase::Settled || m_phase == Phase::Stuck; }
     bool isInFlight() const { return m_phase >= Phase::Changing && m_phase <= Phase::Moving; }
     bool isUnderWay() const { return m_phase >= Phase::Seeking && m_phase <= Phase::Moving; }
     bool isPlayingElsewhere() const;
@@ -60,7 +62,7 @@ private:
     bool sendSeek(std::int64_t target);
     bool move(std::int64_t target);
     void await(Phase phase, std::int64_t target, std::uint32_t number);
-    void settle();
+    void settle(Phase phase = Phase::Settled);
     void giveUp();
     bool fetchLastPictures();
     void end();
