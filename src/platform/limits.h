@@ -32,4 +32,10 @@ inline constexpr int kDroppedUrls = 100;
 
 // --- Map ---
 
+// 1 MiB: a street tile has 5 to 100 KB.
+inline constexpr int kTileBytes = 1024 * 1024;
+
+// 256 and 512 pixels a side are what tile servers give, the second for dense screens.
+inline constexpr int kTileSides[] = {256, 512};
+
 } // namespace ql240::limits
