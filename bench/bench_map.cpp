@@ -136,6 +136,7 @@ int main(int argc, char** argv) {
     prepareWebEngine();
     QApplication application(argc, argv);
     MapModule module(moduleFolderOf(QCoreApplication::applicationDirPath()));
+    module.network = true;
     host().webPages = &module;
     TileServer server(QColor(0xf2efe9));
     for (const bool streets : {true, false}) {

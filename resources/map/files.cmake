@@ -10,6 +10,7 @@ function(ql240_map_files target)
             "${base}/newMap/KMlib_V1_3.js=${QL240_LEAFLET_DIR}/leaflet.min.js"
             "${base}/newMap/MISA_V2_06_offline.js=${CMAKE_CURRENT_FUNCTION_LIST_DIR}/base_map.js"
             "${base}/newMap/Index_newMap.js=${CMAKE_CURRENT_FUNCTION_LIST_DIR}/map.js"
+            "${base}/newMap/tile_pictures.js=${CMAKE_CURRENT_FUNCTION_LIST_DIR}/tile_pictures.js"
             "${base}/newMap/leaflet.css=${QL240_LEAFLET_DIR}/leaflet.css"
             "${base}/newMap/map.css=${CMAKE_CURRENT_FUNCTION_LIST_DIR}/map.css"
             "${base}/newMap/countries.json=${CMAKE_CURRENT_FUNCTION_LIST_DIR}/countries-50m.json"

@@ -7,7 +7,7 @@ const KORVAMAP = (function () {
     const levelToZoom = 7;          // level 9 shows a few streets, as zoom 16 of the usual tile scheme does
     const streetLimits = [3, 19], baseLimits = [2, 8];
     const retryMs = 30000;          // between two tries for a tile server that doesn't answer
-    const answerMs = 8000;          // a tile that takes longer counts as none
+    const answerMs = 8000;          // a view whose tiles take longer has none
     const failuresInARow = 4;
     const attribution = '© <a href="https://www.openstreetmap.org/copyright">OpenStreetMap</a> contributors';
     const tileBrightness = 0.82;
@@ -17,8 +17,8 @@ const KORVAMAP = (function () {
 
     let map = null, base = null, car = null, trackLayer = null, way = null;
     let position = null, heading = 0, track = [], trackBounds = null, level = 9;
-    let tiles = null, tileTemplate = "", onStreets = false;
-    let probe = null, probeTimer = 0, tileWatch = 0, failures = 0, waitingSince = 0;
+    let tiles = null, tileTemplate = "", tileLimits = null, onStreets = false;
+    let probe = null, probeTimer = 0, refusals = 0, tileWatch = 0, failures = 0, waitingSince = 0;
     let streetZoom = level + levelToZoom, baseZoom = 0;    // 0: whichever shows enough
 
     // Touches its element only when what it shows has changed: a layout of the page costs more than a move of the map.
@@ -44,17 +44,17 @@ const KORVAMAP = (function () {
     // Street tiles, dimmed once when they come: as bright as they are made, they would outshine the dark windows.
     const StreetLayer = L.TileLayer.extend({
         createTile: function (coords, done) {
-            const tile = document.createElement("canvas"), image = new Image();
-            image.onload = function () {
-                tile.width = image.naturalWidth;
-                tile.height = image.naturalHeight;
+            const tile = document.createElement("canvas");
+            tile.stop = new AbortController();
+            TilePictures.take(this.getTileUrl(coords), tileLimits, tile.stop).then(function (picture) {
+                tile.width = picture.width;
+                tile.height = picture.height;
                 const brush = tile.getContext("2d", {alpha: false});
                 brush.globalAlpha = tileBrightness;
-                brush.drawImage(image, 0, 0);
+                brush.drawImage(picture, 0, 0);
+                picture.close();
                 done(null, tile);
-            };
-            image.onerror = () => done(new Error("no tile"), tile);
-            image.src = this.getTileUrl(coords);
+            }, () => done(new Error("no tile"), tile));
             return tile;
         }
     });
@@ -92,6 +92,13 @@ const KORVAMAP = (function () {
         });
     }
 
+    function loadScript(name, loaded) {
+        const script = document.createElement("script");
+        script.src = folder + name;
+        script.onload = loaded;
+        document.head.appendChild(script);
+    }
+
     function loadStyle(name) {
         const link = document.createElement("link");
         link.rel = "stylesheet";
@@ -110,6 +117,7 @@ const KORVAMAP = (function () {
     function makeMap(element) {
         loadStyle("leaflet.css");
         loadStyle("map.css");
+        loadScript("tile_pictures.js", tryStreets);
         map = L.map(element, {
             zoomControl: false, keyboard: false, boxZoom: false, inertia: false, zoomAnimation: false,
             fadeAnimation: false, markerZoomAnimation: false, worldCopyJump: true,
@@ -191,10 +199,16 @@ const KORVAMAP = (function () {
         car.from = place;
     }
 
+    // Damaged clips and those made to do harm tell of others, for which there would be no end to the tiles.
+    function isOnEarth(point) {
+        return Math.abs(point[0]) <= 90 && Math.abs(point[1]) <= 180;
+    }
+
     function moveTo(latitude, longitude, newLevel) {
-        const place = L.latLng(parseFloat(latitude), parseFloat(longitude));
-        if (!map || !(Math.abs(place.lat) <= 90 && Math.abs(place.lng) <= 180))
-            return;     // beyond the earth, a damaged clip's place, there would be no end to the tiles
+        const point = [parseFloat(latitude), parseFloat(longitude)];
+        if (!map || !isOnEarth(point))
+            return;
+        const place = L.latLng(point);
         if (newLevel && Number(newLevel) !== level) {
             level = Number(newLevel);
             streetZoom = level + levelToZoom;
@@ -229,8 +243,8 @@ const KORVAMAP = (function () {
 
     // `segments`: lists of [latitude, longitude], one list for each stretch with a fix.
     function setTrack(segments) {
-        const points = segments.flat();
-        track = segments;
+        track = segments.map(segment => segment.filter(isOnEarth));
+        const points = track.flat();
         trackBounds = points.length < 2 ? null : L.latLngBounds(points);
         if (!map)
             return;
@@ -286,8 +300,11 @@ const KORVAMAP = (function () {
     }
 
     // Tiles are first asked for when a single one has come, so a server that is away costs nothing and hides nothing.
-    function setTiles(template) {
+    // `limits`: how many bytes a tile may have, and how many pixels a side.
+    function setTiles(template, limits) {
         tileTemplate = template;
+        tileLimits = limits;
+        refusals = 0;
         endProbe();
         setStreets(false);
         if (tiles)
@@ -298,6 +315,7 @@ const KORVAMAP = (function () {
         tiles = new StreetLayer(template, {keepBuffer: 1, minZoom: streetLimits[0], maxZoom: streetLimits[1],
                                            updateInterval: 100});
         BaseMap.freeTiles(tiles);
+        tiles.on("tileunload", event => event.tile.stop.abort());
         tiles.on("loading", () => { waitingSince = Date.now(); });
         tiles.on("tileload", () => { failures = 0; waitingSince = Date.now(); });
         tiles.on("load", () => { waitingSince = 0; });
@@ -328,7 +346,7 @@ const KORVAMAP = (function () {
     function endProbe() {
         clearTimeout(probeTimer);
         if (probe)
-            probe.onload = probe.onerror = null;
+            probe.abort();
         probe = null;
     }
 
@@ -345,16 +363,22 @@ const KORVAMAP = (function () {
 
     function tryStreets() {
         endProbe();
-        if (!tileTemplate || !position)
+        if (!tileTemplate || !position || typeof TilePictures === "undefined")
             return;
-        probe = new Image();
-        probe.onload = function () {
-            endProbe();
-            setStreets(true);
-        };
-        probe.onerror = retryLater;
-        probeTimer = setTimeout(retryLater, answerMs);
-        probe.src = tileAddress();
+        const asked = probe = new AbortController();
+        TilePictures.take(tileAddress(), tileLimits, asked).then(function (picture) {
+            picture.close();
+            if (probe === asked)
+                setStreets(true);
+        }, function () {
+            if (probe === asked)
+                refuse();
+        });
+    }
+
+    function refuse() {
+        ++refusals;
+        retryLater();
     }
 
     // A server that takes requests and answers none: back to the base map before the old tiles have left the view.
@@ -363,7 +387,8 @@ const KORVAMAP = (function () {
             giveUp();
     }
 
-    return {initMap, moveTo, setTrack, setTiles, get map() { return map; }, get onStreets() { return onStreets; }};
+    return {initMap, moveTo, setTrack, setTiles, get map() { return map; }, get onStreets() { return onStreets; },
+            get refusals() { return refusals; }};
 })();
 
 const MapMoveToAuto = KORVAMAP.moveTo, setTrack = KORVAMAP.setTrack, setTiles = KORVAMAP.setTiles;

@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 
 #include "platform/host.h"
+#include "platform/web_engine_setup.h"
 
 namespace ql240 {
 
@@ -35,6 +36,7 @@ void LinuxHost::enterApplication() {
     const QString folder = moduleFolderOf(QCoreApplication::applicationDirPath());
     m_media = std::make_unique<MediaModule>(folder);
     m_webPages = std::make_unique<MapModule>(folder);
+    m_webPages->network = webEngineIsSandboxed();
     host().media = m_media.get();
     host().webPages = m_webPages.get();
     m_volume.setListener([this](auto left, auto right) { m_media->setOutputVolume(left, right); });

@@ -7,6 +7,7 @@
 #include <QStyleOption>
 
 #include "widgets/fonts.h"
+#include "widgets/plain_text.h"
 #include "widgets/skin.h"
 
 namespace ql240 {
@@ -87,6 +88,7 @@ void applyStyle() {
     QApplication::setPalette(darkPalette());
     installFontSubstitutes();
     QApplication::setFont(uiFont(10));
+    installPlainTexts(*qApp);
 }
 
 } // namespace ql240

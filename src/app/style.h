@@ -8,7 +8,7 @@ namespace ql240 {
 // in pixels.
 void prepareStyle();
 
-// After it was made: fonts, and a dark palette on the skin's colours.
+// After it was made: fonts, a dark palette on the skin's colours, and no text from outside taken for markup.
 void applyStyle();
 
 } // namespace ql240

@@ -122,6 +122,7 @@ void MainWindow::makeWidgets() {
     m_folderReader.showWaitIn(this, layout::kWaitNote);
 
     m_folderLabel = new PathLabel(this);
+    m_folderLabel->setTextFormat(Qt::PlainText);
     m_folderLabel->setStyleSheet(QString::fromLatin1(kLabelStyle));
     m_folderLabel->setGeometry(layout::kFolderLabel);
     showFolderPath({});

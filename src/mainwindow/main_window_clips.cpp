@@ -13,6 +13,7 @@
 #include "sensors/map_view.h"
 #include "sensors/widget_progress.h"
 #include "settings/config_window.h"
+#include "widgets/plain_text.h"
 
 namespace ql240 {
 
@@ -67,10 +68,9 @@ void MainWindow::showFolder(std::unique_ptr<ClipFolder> folder, const QString& c
 
 void MainWindow::showFolderPath(const QString& path) {
     // What the local encoding lacks shows as question marks.
-    m_folderLabel->setText(QString::fromLocal8Bit(path.toLocal8Bit()));
-    m_folderLabel->setToolTip(path.isEmpty() ? QString()
-                                             : QStringLiteral("<p>%1</p>").arg(path.toHtmlEscaped()));
-    m_folderLabel->setAccessibleName(path.isEmpty() ? tr("No folder") : tr("Folder %1").arg(path));
+    m_folderLabel->setText(shownText(QString::fromLocal8Bit(path.toLocal8Bit())));
+    m_folderLabel->setToolTip(hoverText(path));
+    m_folderLabel->setAccessibleName(path.isEmpty() ? tr("No folder") : tr("Folder %1").arg(shownText(path)));
 }
 
 void MainWindow::releaseFolder() {

@@ -17,6 +17,7 @@
 #include "mainwindow/commands.h"
 #include "mainwindow/main_window.h"
 #include "mainwindow/my_list_widget.h"
+#include "platform/limits.h"
 #include "playback/video_view.h"
 #include "sensors/widget_progress.h"
 
@@ -56,7 +57,8 @@ struct Dropped {
 };
 
 std::optional<Dropped> droppedOf(const QMimeData& data) {
-    for (const QUrl& url : data.urls()) {
+    const QList<QUrl> urls = data.urls().mid(0, limits::kDroppedUrls);
+    for (const QUrl& url : urls) {
         const QString path = QDir::cleanPath(url.toLocalFile());
         const QFileInfo file(path);
         if (url.isLocalFile() && isFolder(path))

@@ -9,6 +9,7 @@
 
 #include "library/clip.h"
 #include "mainwindow/commands.h"
+#include "widgets/plain_text.h"
 
 namespace ql240 {
 namespace {
@@ -64,7 +65,7 @@ MyListWidget::MyListWidget(QWidget* owner) : QListWidget(owner), m_owner(owner) 
 }
 
 void MyListWidget::appendClip(const Clip* clip) {
-    auto* item = new QListWidgetItem(clip->file().fileName());
+    auto* item = new QListWidgetItem(shownName(clip->file().fileName()));
     item->setData(kClipRole, QVariant::fromValue(reinterpret_cast<quintptr>(clip)));
     int row = count();
     while (row > 0 && !clipOf(this->item(row - 1)))
@@ -73,7 +74,7 @@ void MyListWidget::appendClip(const Clip* clip) {
 }
 
 void MyListWidget::appendName(const QString& fileName) {
-    insertItem(count(), fileName);
+    insertItem(count(), shownName(fileName));
 }
 
 Clip* MyListWidget::clipOf(const QListWidgetItem* item) {

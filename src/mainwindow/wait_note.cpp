@@ -7,6 +7,8 @@
 #include <QVBoxLayout>
 #include <chrono>
 
+#include "widgets/plain_text.h"
+
 namespace ql240 {
 namespace {
 
@@ -37,9 +39,10 @@ WaitNote::WaitNote(QWidget* parent)
 }
 
 void WaitNote::begin(const QString& text) {
-    m_text->setText(fontMetrics().elidedText(text, Qt::ElideMiddle, width() - 24));
-    m_text->setToolTip(text);
-    setAccessibleName(text);
+    const QString shown = shownText(text);
+    m_text->setText(fontMetrics().elidedText(shown, Qt::ElideMiddle, width() - 24));
+    m_text->setToolTip(hoverText(text));
+    setAccessibleName(shown);
     m_delay.start(kDelay);
 }
 

@@ -7,7 +7,10 @@
 namespace ql240 {
 
 void WindowDialogs::warn(QWidget* parent, const QString& title, const QString& text) {
-    QMessageBox::warning(parent, title, text, QMessageBox::Ok);
+    QMessageBox box(QMessageBox::Warning, title, {}, QMessageBox::Ok, parent);
+    box.setTextFormat(Qt::PlainText);
+    box.setText(text);
+    box.exec();
 }
 
 QString WindowDialogs::askOpenFile(QWidget* parent, const QString& caption, const QString& filter) {

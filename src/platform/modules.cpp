@@ -63,7 +63,10 @@ std::unique_ptr<WebPage> MapModule::createPage(QWidget* parent, WebPageEvents ev
         return nullptr;
     provideShareContext();
     WebPages* pages = m_module.get();
-    return pages ? pages->createPage(parent, std::move(events)) : nullptr;
+    if (!pages)
+        return nullptr;
+    pages->network = network;
+    return pages->createPage(parent, std::move(events));
 }
 
 } // namespace ql240

@@ -9,7 +9,8 @@ class UrlOpener {
 public:
     virtual ~UrlOpener() = default;
 
-    // Starts the browser and does not wait for it. False when nothing could be started.
+    // Starts the browser and does not wait for it. False when nothing could be started,
+    // and for what is no address in the web.
     virtual bool openUrl(const QString& address) = 0;
 };
 

@@ -32,6 +32,11 @@ bool kernelSays(const char* path, int value) {
 
 } // namespace
 
+bool webEngineIsSandboxed() {
+    return geteuid() != 0 && !qEnvironmentVariableIsSet("QTWEBENGINE_DISABLE_SANDBOX") &&
+           !qgetenv(kSwitches).contains("--no-sandbox");
+}
+
 void prepareWebEngine() {
     QByteArray switches = qgetenv(kSwitches) + " --disable-gpu --log-level=3" + kScriptSwitches;
     // The engine refuses to start its sandbox as root; for everybody else the sandbox stays on.

@@ -8,6 +8,10 @@ namespace ql240 {
 // is started, as it changes the environment.
 void prepareWebEngine();
 
+// Whether what the engine decodes is held by its sandbox: not for root, and not where the environment says
+// so.
+bool webEngineIsSandboxed();
+
 // False where the engine would end the process: for an ordinary user on a system that refuses user
 // namespaces, which the engine's sandbox is made of.
 bool webEngineCanRun();

@@ -46,6 +46,9 @@ class WebPages {
 public:
     virtual ~WebPages() = default;
 
+    // Whether pages made from now on may read from the network: only where a sandbox holds what decodes it.
+    bool network = false;
+
     // A page whose base colour is transparent. Starts the engine when it is the first; null where there is
     // none.
     virtual std::unique_ptr<WebPage> createPage(QWidget* parent, WebPageEvents events) = 0;

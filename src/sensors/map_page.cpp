@@ -5,6 +5,8 @@
 #include <QStringList>
 #include <cmath>
 
+#include "platform/limits.h"
+
 namespace ql240 {
 namespace {
 
@@ -79,7 +81,11 @@ QString trackScript(const SensorTrack& track) {
 
 QString tilesScript(const QString& address) {
     const QByteArray quoted = QJsonDocument(QJsonArray{address}).toJson(QJsonDocument::Compact);
-    return QStringLiteral("setTiles(%1[0])").arg(QString::fromUtf8(quoted));
+    return QStringLiteral("setTiles(%1[0],{bytes:%2,sides:[%3,%4]})")
+        .arg(QString::fromUtf8(quoted))
+        .arg(limits::kTileBytes)
+        .arg(limits::kTileSides[0])
+        .arg(limits::kTileSides[1]);
 }
 
 } // namespace ql240

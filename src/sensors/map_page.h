@@ -18,6 +18,7 @@ QString goScript(double latitude, double longitude);
 QString trackScript(const SensorTrack& track);
 
 // setTiles(…): the address of the street tiles with {z}, {x} and {y} in it; an empty one switches them off.
+// And how large a tile may be.
 QString tilesScript(const QString& address);
 
 } // namespace ql240

@@ -7,6 +7,7 @@
 
 #include "platform/host.h"
 #include "widgets/fonts.h"
+#include "widgets/plain_text.h"
 
 namespace ql240 {
 namespace {
@@ -273,7 +274,7 @@ QString WidgetProgressA::gaugeDetails() const {
     details << tr("acceleration %1, %2, %3 g")
                    .arg(accelerationText(shown.accX), accelerationText(shown.accY),
                         accelerationText(shown.accZ));
-    details << shown.modelText << shown.dateText;
+    details << shownName(shown.modelText) << shownName(shown.dateText);
     return details.join(QStringLiteral(", "));
 }
 

@@ -13,6 +13,7 @@
 #include "settings/config_window.h"
 #include "settings/dialog_parts.h"
 #include "settings/flat_fields.h"
+#include "widgets/plain_text.h"
 
 namespace ql240 {
 namespace {
@@ -24,8 +25,8 @@ constexpr std::chrono::milliseconds kBlink(80);
 void ConfigWindow::fillDrives() {
     const QSignalBlocker quiet(m_drives);
     for (const DriveInfo& info : m_card.drives()) {
-        const QString label = QString::fromLocal8Bit(info.label);
-        m_drives->addItem(QStringLiteral("%1 (%2)").arg(label, info.drive), info.drive);
+        const QString label = shownName(QString::fromLocal8Bit(info.label));
+        m_drives->addItem(QStringLiteral("%1 (%2)").arg(label, shownText(info.drive)), info.drive);
     }
 }
 
@@ -44,8 +45,8 @@ void ConfigWindow::showDrive() {
     for (const int index : m_card.unanswered())
         silent.append(m_drives->itemText(index));
     m_drives->setToolTip(m_card.phase() == DialogCard::Phase::NoAnswer
-                             ? tr("%1 does not answer.").arg(silent.join(QStringLiteral(", ")))
-                             : m_drives->currentText());
+                             ? hoverText(tr("%1 does not answer.").arg(silent.join(QStringLiteral(", "))))
+                             : hoverText(m_drives->currentText()));
 }
 
 void ConfigWindow::showContents() {
@@ -67,9 +68,9 @@ void ConfigWindow::applyVersion(const QString& versionText) {
     m_firmware->clear();
     m_micom->clear();
     if (fields.size() >= 2)
-        m_firmware->addItem(fields[1]);
+        m_firmware->addItem(shownName(fields[1]));
     if (fields.size() >= 3)
-        m_micom->addItem(fields[2]);
+        m_micom->addItem(shownName(fields[2]));
     m_battery = fields.value(3);
     lockPageButtons();
 }

@@ -25,7 +25,9 @@ void useDialogColours(QWidget* window) {
 }
 
 QLabel* addLabel(QWidget* window, const QRect& place, const QString& text, const QColor& colour, int points) {
-    auto* label = new QLabel(text, window);
+    auto* label = new QLabel(window);
+    label->setTextFormat(Qt::PlainText);
+    label->setText(text);
     label->setGeometry(place);
     label->setFont(uiFont(points));
     QPalette colours = label->palette();

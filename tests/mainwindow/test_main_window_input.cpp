@@ -51,7 +51,7 @@ private Q_SLOTS:
 
 private:
     Viewer& viewer() { return *m_viewer; }
-    void dropOn(QPoint place, const QString& path);
+    void dropOn(QPoint place, const QString& path, int others);
 
     std::unique_ptr<Viewer> m_viewer;
 };
@@ -284,21 +284,27 @@ void TestMainWindowInput::drop_data() {
     QTest::addColumn<QPoint>("place");
     QTest::addColumn<QString>("dropped");
     QTest::addColumn<QString>("current");
+    QTest::addColumn<int>("others"); // files before it
     QTest::newRow("folder") << kOnVideo << "other"
-                            << "EVS_1.mp4";
+                            << "EVS_1.mp4" << 0;
     QTest::newRow("clip") << kOnVideo << "other/REC_9.mp4"
-                          << "REC_9.mp4";
+                          << "REC_9.mp4" << 0;
     QTest::newRow("over the dashboard") << QPoint(300, 600) << "other"
-                                        << "EVS_1.mp4";
+                                        << "EVS_1.mp4" << 0;
     QTest::newRow("over the list") << layout::kClipList.center() << "other"
-                                   << "REC_1.mp4";
+                                   << "REC_1.mp4" << 0;
     QTest::newRow("no clip") << kOnVideo << "other/notes.txt"
-                             << "REC_1.mp4";
+                             << "REC_1.mp4" << 0;
+    QTest::newRow("behind others") << kOnVideo << "other"
+                                   << "EVS_1.mp4" << 99;
+    QTest::newRow("behind very many") << kOnVideo << "other"
+                                      << "REC_1.mp4" << 100;
 }
 
-void TestMainWindowInput::dropOn(QPoint place, const QString& path) {
+void TestMainWindowInput::dropOn(QPoint place, const QString& path, int others) {
     QMimeData data;
-    data.setUrls({QUrl::fromLocalFile(path)});
+    const QUrl other = QUrl::fromLocalFile(viewer().path(QStringLiteral("other/notes.txt")));
+    data.setUrls(QList<QUrl>(others, other) << QUrl::fromLocalFile(path));
     QWindow* target = viewer().window->windowHandle();
     QDragEnterEvent enter(place, Qt::CopyAction, &data, Qt::LeftButton, {});
     QCoreApplication::sendEvent(target, &enter);
@@ -320,7 +326,8 @@ void TestMainWindowInput::drop() {
     viewer().addClip(QStringLiteral("other/REC_9.mp4"));
     QFile notes(viewer().path(QStringLiteral("other/notes.txt")));
     QVERIFY(notes.open(QFile::WriteOnly));
-    dropOn(place, viewer().path(dropped));
+    QFETCH(int, others);
+    dropOn(place, viewer().path(dropped), others);
     QTEST(viewer().list()->currentItem()->text(), "current");
     QTEST(viewer().player()->clip()->file().fileName(), "current");
 }

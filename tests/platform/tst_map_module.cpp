@@ -113,10 +113,30 @@ private Q_SLOTS:
         QVERIFY(centredOn(kSeoulLatitude + 0.7, kSeoulLongitude - 1));
         m_page->runJavaScript(goScript(-33.86883, -70.5));
         QVERIFY(centredOn(-33.86883, -70.5));
-        m_page->runJavaScript(goScript(12, 1e300)); // as a damaged clip says it
         // Called again, by the page's own onload for one, it keeps the place.
         value(QStringLiteral("init(); KORVAMAP.initMap('KorvaMap', 163670, 526934, 12, function() {}, 2)"));
         QVERIFY(centredOn(-33.86883, -70.5));
+        m_page->runJavaScript(goScript(kSeoulLatitude, kSeoulLongitude));
+        QVERIFY(centredOn(kSeoulLatitude, kSeoulLongitude));
+    }
+
+    // As damaged clips say them: the car stays, and the track is what is left of it.
+    void whatIsNoPlaceOnEarthIsIgnored() {
+        const auto way = [this](const char* track) {
+            m_page->runJavaScript(QStringLiteral("setTrack([%1])").arg(QLatin1String(track)));
+            return value(QStringLiteral("document.querySelector('.way').toDataURL()")).toString();
+        };
+        const QString kept = way("[[37.56,126.97],[37.57,126.98]]");
+        QVERIFY(kept.size() > 1000);
+        for (const char* place :
+             {"37.5,1e20", "37.5,-180.1", "90.1,127", "-1e300,127", "NaN,127", "37.5,Infinity"}) {
+            m_page->runJavaScript(QStringLiteral("MapMoveToAuto(%1,'9')").arg(QLatin1String(place)));
+            const QByteArray track = "[[37.56,126.97],[" + QByteArray(place) + "],[37.57,126.98]]";
+            QVERIFY2(way(track.constData()) == kept, place);
+            QVERIFY2(centredOn(kSeoulLatitude, kSeoulLongitude), place);
+        }
+        load(mapPage(kSeoulLatitude, 1e20));
+        QCOMPARE(m_loaded, true);
         m_page->runJavaScript(goScript(kSeoulLatitude, kSeoulLongitude));
         QVERIFY(centredOn(kSeoulLatitude, kSeoulLongitude));
     }
@@ -187,6 +207,64 @@ private Q_SLOTS:
         QVERIFY(centredOn(52.5, 13.4));
     }
 
+    void tilesTaken_data() {
+        QTest::addColumn<QByteArray>("answer");
+        QTest::addColumn<bool>("taken");
+        const auto picture = [](int width, int height, const char* format) {
+            return TileServer::picture(QSize(width, height), format);
+        };
+        const QByteArray tile = picture(256, 256, "PNG");
+        QTest::newRow("512 a side") << picture(512, 512, "PNG") << true;
+        QTest::newRow("JPEG") << picture(256, 256, "JPG") << true;
+        QTest::newRow("WebP") << QByteArray::fromBase64(
+                                     "UklGRiQAAABXRUJQVlA4TBgAAAAv/8A/AAfQ//73v/8BAEX6/58i+p/6338=")
+                              << true;
+        QTest::newRow("too large") << picture(1024, 1024, "PNG") << false;
+        QTest::newRow("too high") << picture(256, 20000, "PNG") << false;
+        QTest::newRow("too large a JPEG") << picture(2048, 256, "JPG") << false;
+        QTest::newRow("too small") << picture(1, 1, "PNG") << false;
+        QTest::newRow("too many bytes") << tile + QByteArray(2 << 20, 'x') << false;
+        QTest::newRow("bitmap") << picture(256, 256, "BMP") << false;
+        QTest::newRow("drawing") << QByteArray(
+                                        "<svg xmlns='http://www.w3.org/2000/svg' width='256' height='256'/>")
+                                 << false;
+        QTest::newRow("cut in its header") << tile.left(20) << false;
+        QTest::newRow("header alone") << tile.left(40) << false;
+        QTest::newRow("nothing") << QByteArray() << false;
+    }
+    void tilesTaken() {
+        QFETCH(QByteArray, answer);
+        TileServer server(Qt::white);
+        server.body = answer;
+        m_page->runJavaScript(tilesScript(server.address()));
+        QVERIFY(becomesTrue(QStringLiteral("KORVAMAP.onStreets || KORVAMAP.refusals > 0")));
+        QTEST(onStreets(), "taken");
+    }
+
+    // Not even to another port of the same host.
+    void redirectsLeadNowhere() {
+        TileServer server(Qt::white), other(Qt::white);
+        server.head = "HTTP/1.1 302 Found\r\nLocation: " + other.host().toLatin1() + "/1/2/3.png";
+        m_page->runJavaScript(tilesScript(server.address()));
+        QVERIFY(becomesTrue(QStringLiteral("KORVAMAP.onStreets || KORVAMAP.refusals > 0")));
+        QVERIFY(!onStreets());
+        QVERIFY(!server.requests.isEmpty());
+        QCOMPARE(other.requests, QByteArrayList());
+    }
+
+    // Pictures from outside are decoded in the engine's sandbox or not at all.
+    void withoutASandboxNothingIsAskedFor() {
+        TileServer server(Qt::white);
+        cleanup();
+        host().webPages->network = false;
+        init();
+        host().webPages->network = true;
+        m_page->runJavaScript(tilesScript(server.address()));
+        QVERIFY(becomesTrue(QStringLiteral("KORVAMAP.refusals > 0")));
+        QVERIFY(!onStreets());
+        QCOMPARE(server.requests, QByteArrayList());
+    }
+
     void linkIsHandedOut() {
         TileServer server(Qt::white);
         m_page->runJavaScript(tilesScript(server.address()));
@@ -243,6 +321,7 @@ int main(int argc, char** argv) {
     ql240::prepareWebEngine();
     QApplication application(argc, argv);
     ql240::MapModule module(QStringLiteral(QL240_MODULES));
+    module.network = true;
     ql240::host().webPages = &module;
     ql240::TestMapModule test;
     return QTest::qExec(&test, argc, argv);

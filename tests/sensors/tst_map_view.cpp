@@ -91,7 +91,8 @@ private Q_SLOTS:
             << trackScript({sampleAt(1, 2), sampleAt(1, 2), sampleAt(1, 2.000001)})
             << "setTrack([[[1.00000,2.00000]]])";
         QTest::newRow("quoted") << tilesScript(QStringLiteral("http://a/\"\\')</script>"))
-                                << "setTiles([\"http://a/\\\"\\\\')</script>\"][0])";
+                                << "setTiles([\"http://a/\\\"\\\\')</script>\"][0],"
+                                   "{bytes:1048576,sides:[256,512]})";
     }
     void scripts() {
         QFETCH(QString, script);

@@ -1,5 +1,5 @@
-// A tile server on a port of this machine: answers every request with one picture, or takes it and never
-// answers.
+// A tile server on a port of this machine: answers every request with one picture or what else it is given,
+// or takes it and never answers.
 #pragma once
 
 #include <QBuffer>
@@ -13,13 +13,12 @@ namespace ql240 {
 class TileServer : public QTcpServer {
 public:
     bool silent = false;
+    QByteArray head = "HTTP/1.1 200 OK\r\nContent-Type: image/png\r\nCache-Control: max-age=60";
+    QByteArray body;
     QByteArrayList requests;
 
     explicit TileServer(QColor colour) {
-        QImage tile(256, 256, QImage::Format_RGB32);
-        tile.fill(colour);
-        QBuffer file(&m_tile);
-        tile.save(&file, "PNG");
+        body = picture(QSize(256, 256), "PNG", colour);
         connect(this, &QTcpServer::newConnection, this, [this] {
             while (QTcpSocket* socket = nextPendingConnection()) {
                 connect(socket, &QTcpSocket::readyRead, this, [this, socket] { answer(*socket); });
@@ -32,19 +31,23 @@ public:
     QString host() const { return QStringLiteral("http://127.0.0.1:%1").arg(serverPort()); }
     QString address() const { return host() + QStringLiteral("/{z}/{x}/{y}.png"); }
 
+    static QByteArray picture(QSize size, const char* format, QColor colour = Qt::white) {
+        QImage image(size, QImage::Format_RGB32);
+        image.fill(colour);
+        QBuffer file;
+        image.save(&file, format);
+        return file.data();
+    }
+
 private:
     void answer(QTcpSocket& socket) {
         requests.append(socket.readAll());
         if (silent)
             return;
-        socket.write(
-            "HTTP/1.1 200 OK\r\nContent-Type: image/png\r\nCache-Control: max-age=60\r\n"
-            "Connection: close\r\nContent-Length: " +
-            QByteArray::number(m_tile.size()) + "\r\n\r\n" + m_tile);
+        socket.write(head + "\r\nAccess-Control-Allow-Origin: *\r\nConnection: close\r\nContent-Length: " +
+                     QByteArray::number(body.size()) + "\r\n\r\n" + body);
         socket.disconnectFromHost();
     }
-
-    QByteArray m_tile;
 };
 
 } // namespace ql240

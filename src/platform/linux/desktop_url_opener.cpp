@@ -6,7 +6,10 @@
 namespace ql240 {
 
 bool DesktopUrlOpener::openUrl(const QString& address) {
-    return QDesktopServices::openUrl(QUrl(address));
+    // Anything else the desktop would hand to some other program.
+    const QUrl url(address, QUrl::StrictMode);
+    const bool isWeb = url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
+    return isWeb && !url.host().isEmpty() && QDesktopServices::openUrl(url);
 }
 
 } // namespace ql240

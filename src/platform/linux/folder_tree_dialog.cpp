@@ -12,6 +12,8 @@
 #include <chrono>
 #include <memory>
 
+#include "widgets/plain_text.h"
+
 namespace ql240 {
 namespace {
 
@@ -72,9 +74,9 @@ bool isWithin(const QString& path, const QString& folder) {
 }
 
 QTreeWidgetItem* makeItem(const QString& name, const QString& path, const QIcon& icon) {
-    auto* item = new QTreeWidgetItem({name});
+    auto* item = new QTreeWidgetItem({shownName(name)});
     item->setIcon(0, icon);
-    item->setToolTip(0, path);
+    item->setToolTip(0, hoverText(path));
     item->setData(0, kPathRole, path);
     // Whether there is anything inside is seen when it is opened.
     item->setChildIndicatorPolicy(QTreeWidgetItem::ShowIndicator);
@@ -169,12 +171,12 @@ QTreeWidgetItem* FolderTreeDialog::placeAbove(const QString& path) const {
 
 // A hidden folder is listed from the moment on when it is asked for.
 QTreeWidgetItem* FolderTreeDialog::childNamed(QTreeWidgetItem* item, const QString& name) {
+    const QString path = QDir(pathOf(item)).filePath(name);
     for (int i = 0; i < item->childCount(); ++i) {
-        if (item->child(i)->text(0) == name)
+        if (pathOf(item->child(i)) == path)
             return item->child(i);
     }
-    auto* child =
-        makeItem(name, QDir(pathOf(item)).filePath(name), style()->standardIcon(QStyle::SP_DirIcon));
+    auto* child = makeItem(name, path, style()->standardIcon(QStyle::SP_DirIcon));
     item->insertChild(0, child);
     return child;
 }
@@ -201,7 +203,7 @@ void FolderTreeDialog::select(QTreeWidgetItem* item, const QStringList& way,
         item = childNamed(item, way[i]);
     }
     m_tree->setCurrentItem(item);
-    m_path->setText(selectedPath());
+    m_path->setText(shownText(selectedPath()));
     layout()->activate(); // before it is shown too, the tree has the height in which the folder is to be seen
     m_tree->scrollToItem(item, QAbstractItemView::PositionAtCenter);
 }
@@ -218,12 +220,12 @@ void FolderTreeDialog::currentChanged(QTreeWidgetItem*, QTreeWidgetItem* before)
     // The first one is made current by the focus alone.
     if (before)
         m_selection.forget();
-    m_path->setText(selectedPath());
+    m_path->setText(shownText(selectedPath()));
     m_callback(*this, FolderMessage::SelectionChanged, selectedPath());
 }
 
 bool FolderTreeDialog::isPathEdited() const {
-    return m_path->text() != selectedPath();
+    return m_path->text() != shownText(selectedPath());
 }
 
 void FolderTreeDialog::takeTypedPath() {

@@ -10,13 +10,14 @@
 #include <cerrno>
 #include <cstring>
 
+#include "platform/limits.h"
+
 namespace ql240 {
 namespace {
 
 constexpr int kAnswerWaitMs = 2000;
 constexpr int kClientLifeMs = 2000;
 constexpr int kRetryMs = 500;
-constexpr qsizetype kLongestLine = 4096;
 constexpr int kWaitingClients = 8;
 
 bool makeAddress(const QByteArray& path, sockaddr_un& address) {
@@ -58,7 +59,7 @@ private:
             return;
         m_line.append(bytes, std::max<ssize_t>(got, 0));
         const qsizetype end = m_line.indexOf('\n');
-        if (end < 0 && got > 0 && m_line.size() <= kLongestLine)
+        if (end < 0 && got > 0 && m_line.size() <= limits::kWindowMessageBytes)
             return;
         m_notifier.setEnabled(false);
         if (end >= 0)
@@ -143,7 +144,8 @@ UniqueFd WindowClient::connectTo(const QByteArray& path) {
 }
 
 void WindowClient::sendMessage(int message) {
-    const QByteArray line = QByteArray::number(message) + ' ' + m_token.left(kLongestLine / 2) + '\n';
+    const QByteArray line =
+        QByteArray::number(message) + ' ' + m_token.left(limits::kWindowMessageBytes / 2) + '\n';
     if (send(m_socket.get(), line.constData(), static_cast<size_t>(line.size()), MSG_NOSIGNAL) != line.size())
         return;
     pollfd waiting{m_socket.get(), POLLIN, 0};

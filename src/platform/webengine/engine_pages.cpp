@@ -72,6 +72,7 @@ EnginePages::~EnginePages() {
 }
 
 std::unique_ptr<WebPage> EnginePages::createPage(QWidget* parent, WebPageEvents events) {
+    m_requests.setNetwork(network);
     return std::make_unique<EnginePage>(*m_profile, parent, std::move(events));
 }
 

@@ -50,10 +50,16 @@ void MapRequests::interceptRequest(QWebEngineUrlRequestInfo& info) {
     if (ours && url.scheme() != QLatin1String(MapFiles::scheme())) {
         url.setScheme(QString::fromLatin1(MapFiles::scheme()));
         info.redirect(url);
-    } else if (!ours && url.scheme() != QLatin1String("data") &&
-               info.resourceType() != QWebEngineUrlRequestInfo::ResourceTypeImage) {
+    } else if (!ours && url.scheme() != QLatin1String("data") && !isTile(info)) {
         info.block(true);
     }
+}
+
+bool MapRequests::isTile(const QWebEngineUrlRequestInfo& info) const {
+    const QString scheme = info.requestUrl().scheme();
+    return m_network && info.resourceType() == QWebEngineUrlRequestInfo::ResourceTypeXhr &&
+           info.requestMethod() == "GET" &&
+           (scheme == QLatin1String("http") || scheme == QLatin1String("https"));
 }
 
 } // namespace ql240

@@ -19,10 +19,17 @@ public:
     void requestStarted(QWebEngineUrlRequestJob* job) override;
 };
 
-// Sends requests for our host to the scheme above; lets pictures (the tiles) through and nothing else.
+// Sends requests for our host to the scheme above; lets the script's own (for tiles) through and nothing
+// else: not even a picture, which the engine would decode whatever it is.
 class MapRequests final : public QWebEngineUrlRequestInterceptor {
 public:
+    void setNetwork(bool allowed) { m_network = allowed; }
     void interceptRequest(QWebEngineUrlRequestInfo& info) override;
+
+private:
+    bool isTile(const QWebEngineUrlRequestInfo& info) const;
+
+    bool m_network = false;
 };
 
 } // namespace ql240
