@@ -1,36 +1,19 @@
 #include "settings/card.h"
 
-#include <fcntl.h>
-
 #include <QFile>
 #include <QTextStream>
 
 #include "platform/limits.h"
-#include "settings/card_files.h"
 
 namespace ql240 {
 namespace {
 
-QString cardFolderPath(const QString& drive, const char* name) {
-    const QByteArray path = QFile::encodeName(drive) + '/' + name;
-    return QFile::decodeName(existingIgnoringCase(systemCardFiles(), path));
+CardFolder openDrive(const QString& drive) {
+    return CardFolder(systemCardFiles(), QFile::encodeName(drive));
 }
 
-CardFile openVersionFile(const QString& updateFolder) {
-    CardFiles& files = systemCardFiles();
-    CardFolder folder(files, existingIgnoringCase(files, QFile::encodeName(updateFolder)), "version");
-    return folder.openForReading("version.txt");
-}
-
-QByteArray readStart(CardFile& file, qsizetype limit) {
-    QByteArray bytes;
-    ssize_t count = 1;
-    while (count > 0 && bytes.size() < limit) {
-        char piece[4096];
-        count = file.read(piece, sizeof piece);
-        bytes.append(piece, qMax<qsizetype>(0, count));
-    }
-    return bytes.left(limit);
+QString folderOf(const QString& drive, const QByteArray& name) {
+    return QFile::decodeName(openDrive(drive).folder(name).path());
 }
 
 } // namespace
@@ -43,35 +26,39 @@ QString findCardDrive(Drives* drives) {
     QString card;
     const QList<DriveInfo> list = listRemovableDrives(drives);
     for (const DriveInfo& info : list) {
-        if (openVersionFile(updateFolder(info.drive)).isOpen())
+        if (openDrive(info.drive).folder("update").openForReading("version.txt").isOpen())
             card = info.drive;
     }
     return card;
 }
 
 QString settingFolder(const QString& drive) {
-    return cardFolderPath(drive, "setting");
+    return folderOf(drive, "setting");
 }
 
 QString updateFolder(const QString& drive) {
-    return cardFolderPath(drive, "update");
+    return folderOf(drive, "update");
 }
 
 QString firstSettingFolder(Drives* drives) {
     const QList<DriveInfo> list = listRemovableDrives(drives);
     for (const DriveInfo& info : list) {
-        const QString folder = settingFolder(info.drive);
-        if (QFile::exists(folder))
-            return folder;
+        if (const CardFolder folder = openDrive(info.drive).folder("setting"); folder.isOpen())
+            return QFile::decodeName(folder.path());
     }
     return {};
 }
 
 std::optional<QString> openVersionText(const QString& updateFolder) {
-    CardFile file = openVersionFile(updateFolder);
+    CardFolder folder = cardFolderAt(systemCardFiles(), QFile::encodeName(updateFolder));
+    return openVersionText(folder);
+}
+
+std::optional<QString> openVersionText(CardFolder& updateFolder) {
+    CardFile file = updateFolder.openForReading("version.txt");
     if (!file.isOpen())
         return std::nullopt;
-    QTextStream lines(readStart(file, limits::kVersionFileBytes));
+    QTextStream lines(file.readStart(limits::kVersionFileBytes));
     lines.setEncoding(QStringConverter::System);
     QString text;
     while (!lines.atEnd()) {

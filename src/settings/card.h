@@ -10,6 +10,7 @@
 #include <optional>
 
 #include "platform/drives.h"
+#include "settings/card_files.h"
 
 namespace ql240 {
 
@@ -28,9 +29,10 @@ QString updateFolder(const QString& drive);
 QString firstSettingFolder(Drives* drives);
 
 // The lines of "version.txt" in the update folder, joined by "\n" with none after the last. `openVersionText`
-// is nothing when the file does not open, `readVersionText` is empty then. Past its first MiB the file is not
-// read.
+// is nothing when the file does not open, `readVersionText` is empty then. Past limits::kVersionFileBytes the
+// file is not read.
 std::optional<QString> openVersionText(const QString& updateFolder);
+std::optional<QString> openVersionText(CardFolder& updateFolder);
 QString readVersionText(const QString& updateFolder);
 
 } // namespace ql240

@@ -1,16 +1,17 @@
 #include "settings/card_jobs.h"
 
-#include <fcntl.h>
 #include <linux/msdos_fs.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/statfs.h>
 #include <sys/sysmacros.h>
-#include <unistd.h>
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <algorithm>
 #include <cstring>
+#include <vector>
 
 #include "settings/card.h"
 #include "settings/device_settings.h"
@@ -18,38 +19,53 @@
 namespace ql240 {
 namespace {
 
-class DriveFolder {
-public:
-    explicit DriveFolder(const QString& drive)
-        : m_file(::open(QFile::encodeName(drive).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {}
-    ~DriveFolder() {
-        if (m_file >= 0)
-            ::close(m_file);
-    }
-    Q_DISABLE_COPY_MOVE(DriveFolder)
+std::optional<FileSystemId> fileSystemOf(const CardFolder& drive) {
+    struct stat status = {};
+    struct statfs system = {};
+    if (!drive.isOpen() || ::fstat(drive.handle(), &status) != 0 || ::fstatfs(drive.handle(), &system) != 0)
+        return std::nullopt;
+    FileSystemId id;
+    id.device = status.st_dev;
+    id.folder = status.st_ino;
+    static_assert(sizeof system.f_fsid == sizeof id.number);
+    std::memcpy(&id.number, &system.f_fsid, sizeof id.number);
+    if (::ioctl(drive.handle(), FAT_IOCTL_GET_VOLUME_ID, &id.serial) != 0)
+        id.serial = 0;
+    id.uuid = fileSystemUuid(status.st_dev);
+    return id;
+}
 
-    std::optional<FileSystemId> fileSystem() const {
-        struct stat status = {};
-        struct statfs system = {};
-        if (m_file < 0 || ::fstat(m_file, &status) != 0 || ::fstatfs(m_file, &system) != 0)
-            return std::nullopt;
-        FileSystemId id;
-        id.device = status.st_dev;
-        id.folder = status.st_ino;
-        static_assert(sizeof system.f_fsid == sizeof id.number);
-        std::memcpy(&id.number, &system.f_fsid, sizeof id.number);
-        if (::ioctl(m_file, FAT_IOCTL_GET_VOLUME_ID, &id.serial) != 0)
-            id.serial = 0;
-        id.uuid = fileSystemUuid(status.st_dev);
-        return id;
-    }
+// What is there stays the folder that was opened, whatever is mounted over it or taken away meanwhile.
+std::shared_ptr<CardFolder> openDrive(const QString& drive) {
+    return std::make_shared<CardFolder>(systemCardFiles(), QFile::encodeName(drive));
+}
 
-    // Leads into the folder that was opened, whatever is mounted over it or taken away from it meanwhile.
-    QString path() const { return QStringLiteral("/proc/self/fd/%1").arg(m_file); }
+// On a drive a link may have been put there to bring what is the user's own onto the card; elsewhere it is
+// the user's.
+CardFile openPicture(const QString& picture, Drives* drives) {
+    const QList<DriveInfo> list = listRemovableDrives(drives);
+    const QString path = QDir::cleanPath(picture);
+    const auto drive = std::ranges::find_if(
+        list, [&](const DriveInfo& info) { return path.startsWith(info.drive + QLatin1Char('/')); });
+    const QString real = drive == list.end() ? QFileInfo(path).canonicalFilePath() : path;
+    const QString root = drive == list.end() ? QFileInfo(real).path() : drive->drive;
+    QList<QByteArray> names = QFile::encodeName(real.mid(root.size())).split('/');
+    const QByteArray name = names.takeLast();
+    CardFolder folder(systemCardFiles(), QFile::encodeName(root));
+    for (const QByteArray& each : names)
+        if (!each.isEmpty())
+            folder = folder.folder(each);
+    return folder.openForReading(name);
+}
 
-private:
-    int m_file;
-};
+bool copy(CardFile& from, CardFile& to) {
+    std::vector<char> piece(64 * 1024);
+    ssize_t count = 0;
+    while ((count = from.read(piece.data(), piece.size())) > 0)
+        if (!to.write(piece.data(), count))
+            return false;
+    return count == 0;
+}
 
 } // namespace
 
@@ -65,22 +81,24 @@ QByteArray fileSystemUuid(dev_t device, const QString& database) {
 }
 
 CardContents readCard(const QString& drive) {
+    const auto root = openDrive(drive);
+    CardFolder update = root->folder("update");
     CardContents contents;
     contents.drive = drive;
-    contents.fileSystem = DriveFolder(drive).fileSystem();
-    contents.settingFolder = settingFolder(drive);
-    contents.updateFolder = updateFolder(drive);
-    contents.versionText = openVersionText(contents.updateFolder);
-    contents.values = DeviceSettings(contents.settingFolder);
+    contents.fileSystem = fileSystemOf(*root);
+    contents.settingFolder = QFile::decodeName(root->folder("setting").path());
+    contents.updateFolder = QFile::decodeName(update.path());
+    contents.versionText = openVersionText(update);
+    contents.values = DeviceSettings(root);
     return contents;
 }
 
 bool saveCard(const CardContents& read, const SettingValues& values,
               const std::optional<QString>& clockText) {
-    const DriveFolder drive(read.drive);
-    if (!read.fileSystem || drive.fileSystem() != read.fileSystem)
+    const auto drive = openDrive(read.drive);
+    if (!read.fileSystem || fileSystemOf(*drive) != read.fileSystem)
         return false;
-    DeviceSettings settings(drive.path() + read.settingFolder.mid(read.drive.size()));
+    DeviceSettings settings(drive);
     static_cast<SettingValues&>(settings) = values;
     settings.reversalvalue = 0;
     settings.sharpnessvalue = 4;
@@ -88,6 +106,13 @@ bool saveCard(const CardContents& read, const SettingValues& values,
     settings.setTime(clockText.has_value(), clockText.value_or(QString()));
     settings.save();
     return true;
+}
+
+void copyScreenSaver(const QString& picture, const QString& card, Drives* drives) {
+    CardFile from = openPicture(picture, drives);
+    CardFolder pictures = openDrive(card)->folder("IMAGE");
+    if (from.isOpen() && pictures.isListed() && !pictures.find("screensaver.bin"))
+        pictures.replace("screensaver.bin", [&](CardFile& to) { return copy(from, to); });
 }
 
 } // namespace ql240

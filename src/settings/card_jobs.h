@@ -45,4 +45,7 @@ CardContents readCard(const QString& drive);
 // of the machine itself.
 bool saveCard(const CardContents& read, const SettingValues& values, const std::optional<QString>& clockText);
 
+// Copies the picture that the user chose to the card, unless that has a screen saver or no folder for it.
+void copyScreenSaver(const QString& picture, const QString& card, Drives* drives);
+
 } // namespace ql240

@@ -1,6 +1,5 @@
 // What the settings dialog has to do with the card: what it shows of it, and saving to it.
 #include <QComboBox>
-#include <QFile>
 #include <QFileDialog>
 #include <QLabel>
 #include <QMessageBox>
@@ -129,8 +128,7 @@ void ConfigWindow::loadScreenSaver(const QString& card) {
     const QString file = QFileDialog::getOpenFileName(this, QStringLiteral("QL240 Screen Saver, Load File"),
                                                       QString(), QStringLiteral("QL240 Image Files(*.bin)"));
     if (!file.isEmpty())
-        m_copies.start([file, card] { QFile::copy(file, card + QStringLiteral("/IMAGE/screensaver.bin")); },
-                       [] {});
+        m_copies.start([file, card, drives = host().drives] { copyScreenSaver(file, card, drives); }, [] {});
 }
 
 } // namespace ql240

@@ -1,11 +1,9 @@
 #include "settings/device_settings.h"
 
-#include <fcntl.h>
-
 #include <QDateTime>
 #include <QFile>
-#include <vector>
 
+#include "platform/limits.h"
 #include "settings/card_files.h"
 #include "settings/setting_text.h"
 
@@ -26,91 +24,67 @@ bool readByte(CardFolder& folder, const SettingKey& key, SettingValues& values) 
     return file.isOpen();
 }
 
-// Where a new file is written before it takes its name; a rest from an interrupted save is overwritten or
-// removed by the next one.
-QByteArray asideName(const QByteArray& name) {
-    return name.chopped(4) + ".new";
-}
-
-// True if the file aside opened. On the disk before it takes its name: a card pulled out in between must not
-// show an empty file.
-bool writeAside(CardFolder& folder, const QByteArray& name, const QByteArray& bytes) {
-    const QByteArray aside = folder.pathOf(asideName(name));
-    bool written = false;
-    {
-        CardFile file(folder.files(), aside, O_WRONLY | O_CREAT | O_TRUNC);
-        if (!file.isOpen())
-            return false;
-        written = file.replaceBy(bytes) && file.sync();
-    }
-    if (!written || folder.files().rename(aside, folder.pathOf(name)) != 0)
-        folder.files().remove(aside);
-    return true;
-}
-
 // An existing file is overwritten in place, which needs no room on a full card, and only then cut; one whose
 // length a single byte can't put right and a new one are written aside. True if the file opened.
 bool writeFile(CardFolder& folder, const QByteArray& name, const QByteArray& bytes) {
+    const auto replace = [&](CardFile& file) { return file.replaceBy(bytes); };
     const auto existing = folder.find(name);
     if (!existing && folder.isListed())
-        return writeAside(folder, name, bytes);
+        return folder.replace(name, replace);
     const QByteArray spelled = existing.value_or(name);
-    CardFile file(folder.files(), folder.pathOf(spelled), O_WRONLY);
+    CardFile file = folder.openForWriting(spelled);
     if (!file.isOpen())
         return false;
     if (bytes.size() > 1 && file.size() != bytes.size())
-        return writeAside(folder, spelled, bytes);
+        return folder.replace(spelled, replace);
     file.replaceBy(bytes);
-    if (const auto rest = folder.find(asideName(name)))
-        folder.files().remove(folder.pathOf(*rest));
+    folder.removeRest(name);
     return true;
 }
 
-void makePath(CardFiles& files, const QByteArray& path) {
-    if (path.isEmpty() || files.isFolder(path))
-        return;
-    const auto slash = path.lastIndexOf('/');
-    if (slash > 0)
-        makePath(files, path.left(slash));
-    files.makeFolder(path);
+std::shared_ptr<CardFolder> driveOf(const QByteArray& folder, CardFiles& files) {
+    if (folder.isEmpty())
+        return nullptr;
+    return std::make_shared<CardFolder>(files, folder.left(qMax<qsizetype>(1, folder.lastIndexOf('/'))));
 }
 
 } // namespace
 
 DeviceSettings::DeviceSettings(const QString& folder, CardFiles& files)
+    : DeviceSettings(driveOf(QFile::encodeName(folder), files),
+                     QFile::encodeName(folder.mid(folder.lastIndexOf(u'/') + 1))) {}
+
+DeviceSettings::DeviceSettings(std::shared_ptr<CardFolder> drive, const QByteArray& name)
     : m_clockText(QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd-hh-mm-ss"))),
-      m_folder(folder),
-      m_files(&files) {
+      m_drive(std::move(drive)),
+      m_name(name) {
     loadText();
     loadBytes();
 }
 
-CardFolder DeviceSettings::cardFolder() const {
-    return CardFolder(*m_files, existingIgnoringCase(*m_files, QFile::encodeName(m_folder)), "set");
+QString DeviceSettings::folder() const {
+    return m_drive ? QFile::decodeName(m_drive->path() + '/' + m_name) : QString();
 }
 
 bool DeviceSettings::loadText() {
-    if (m_folder.isEmpty())
+    if (!m_drive)
         return false;
-    CardFolder folder = cardFolder();
-    CardFile file = folder.openForReading("setting.dat");
+    CardFile file = m_drive->folder(m_name).openForReading("setting.dat");
     if (!file.isOpen())
         return false;
+    bool whole = false;
     SettingTextReader reader(*this);
-    std::vector<char> piece(64 * 1024);
-    ssize_t count = 0;
-    while ((count = file.read(piece.data(), piece.size())) > 0)
-        reader.feed(QByteArrayView(piece.data(), count));
-    // Where reading failed, the line that it cut off may lack digits.
-    if (count == 0)
+    reader.feed(file.readStart(limits::kSettingFileBytes, &whole));
+    // Where reading went no further, the line that it cut off may lack digits.
+    if (whole)
         reader.finish();
     return true;
 }
 
 bool DeviceSettings::loadBytes() {
-    if (m_folder.isEmpty())
+    if (!m_drive)
         return false;
-    CardFolder folder = cardFolder();
+    CardFolder folder = m_drive->folder(m_name);
     bool brightOpened = false;
     bool contrastOpened = false;
     for (const SettingKey& key : kSettingKeys) {
@@ -131,12 +105,20 @@ void DeviceSettings::setTime(bool set, const QString& clockText) {
     m_clockText = clockText;
 }
 
+CardFolder DeviceSettings::madeFolder() {
+    if (!m_drive->isOpen())
+        m_drive->makeDrive();
+    if (CardFolder there = m_drive->folder(m_name); there.isOpen())
+        return there;
+    m_drive->makeFolder(m_name);
+    return m_drive->folder(m_name);
+}
+
 bool DeviceSettings::save() {
-    if (m_folder.isEmpty())
+    if (!m_drive)
         return false;
-    CardFolder folder = cardFolder();
-    makePath(*m_files, folder.path());
-    if (!m_files->isFolder(folder.path()))
+    CardFolder folder = madeFolder();
+    if (!folder.isOpen())
         return false;
     const SettingValues fixed;
     for (const SettingKey& key : kSettingKeys) {
@@ -145,7 +127,7 @@ bool DeviceSettings::save() {
             writeFile(folder, byteFileName(key), QByteArray(1, char(uchar(source.*key.value))));
     }
     const bool clockOpened = m_setsClock && writeFile(folder, "settime.dat", m_clockText.toLocal8Bit());
-    m_files->syncFolder(folder.path());
+    folder.sync();
     return clockOpened;
 }
 

@@ -5,6 +5,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <memory>
 
 #include "settings/setting_values.h"
 
@@ -18,6 +19,8 @@ class DeviceSettings : public SettingValues {
 public:
     // The defaults and, unless the folder's name is empty, what "setting.dat" and then the byte files say.
     explicit DeviceSettings(const QString& folder, CardFiles& files = systemCardFiles());
+    // The same for the settings folder of a drive that is open already; defaults where that isn't.
+    explicit DeviceSettings(std::shared_ptr<CardFolder> drive, const QByteArray& name = "setting");
 
     // "setting.dat"; false if it doesn't open.
     bool loadText();
@@ -33,15 +36,15 @@ public:
 
     bool setsClock() const { return m_setsClock; }
     const QString& clockText() const { return m_clockText; } // "yyyy-MM-dd-hh-mm-ss"
-    const QString& folder() const { return m_folder; }
+    QString folder() const;
 
 private:
-    CardFolder cardFolder() const;
+    CardFolder madeFolder();
 
     bool m_setsClock = false;
     QString m_clockText;
-    QString m_folder;
-    CardFiles* m_files;
+    std::shared_ptr<CardFolder> m_drive; // null without a card
+    QByteArray m_name;
 };
 
 } // namespace ql240

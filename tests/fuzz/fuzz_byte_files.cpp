@@ -37,7 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
     // Every byte file says what the record says, whatever was there.
     for (const SettingKey& key : kSettingKeys) {
-        CardFolder folder(card, MemoryFiles::kFolder, "set");
+        CardFolder folder = cardFolderAt(card, MemoryFiles::kFolder);
         const auto name = folder.find(QByteArray("set") + key.name + ".dat");
         demand(!(key.files & kByteWritten) || (name && card.files[*name].size() == 1));
     }

@@ -6,6 +6,7 @@
 #include <QHash>
 #include <QMap>
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 
 #include "settings/card_files.h"
@@ -18,12 +19,13 @@ public:
 
     QMap<QByteArray, QByteArray> files; // by name, all in kFolder
 
-    int open(const QByteArray& path, int flags) override {
-        const QByteArray name = nameOf(path);
-        if (name.isEmpty() || (!files.contains(name) && !(flags & O_CREAT)))
+    int openDrive(const QByteArray&) override { return kDriveHandle; }
+    int openFolder(int, const QByteArray& name) override { return name == "setting" ? kFolderHandle : -1; }
+    int open(int, const QByteArray& name, int flags) override {
+        if (files.contains(name) == bool(flags & O_CREAT)) {
+            errno = EEXIST;
             return -1;
-        if (flags & O_TRUNC)
-            files[name].clear();
+        }
         files[name];
         m_open.insert(++m_last, {name, 0});
         return m_last;
@@ -49,18 +51,17 @@ public:
     }
     int sync(int) override { return 0; }
     void close(int file) override { m_open.remove(file); }
-    int rename(const QByteArray& from, const QByteArray& to) override {
-        if (!files.contains(nameOf(from)))
+    int rename(int, const QByteArray& from, const QByteArray& to) override {
+        if (!files.contains(from))
             return -1;
-        files[nameOf(to)] = files.take(nameOf(from));
+        files[to] = files.take(from);
         return 0;
     }
-    int remove(const QByteArray& path) override { return files.remove(nameOf(path)) ? 0 : -1; }
-    bool isFolder(const QByteArray& path) override { return path == kFolder; }
-    int makeFolder(const QByteArray&) override { return -1; }
-    int syncFolder(const QByteArray&) override { return 0; }
-    bool list(const QByteArray& path, const std::function<void(const QByteArray&)>& visit) override {
-        if (path != kFolder)
+    int remove(int, const QByteArray& name) override { return files.remove(name) ? 0 : -1; }
+    int makeFolder(int, const QByteArray&) override { return -1; }
+    int syncFolder(int) override { return 0; }
+    bool list(int folder, const std::function<void(const QByteArray&)>& visit) override {
+        if (folder != kFolderHandle)
             return false;
         const QList<QByteArray> names = files.keys();
         std::for_each(names.cbegin(), names.cend(), visit);
@@ -74,13 +75,11 @@ private:
         qsizetype at;
     };
 
-    static QByteArray nameOf(const QByteArray& path) {
-        return path.startsWith(QByteArray(kFolder) + '/') ? path.mid(qsizetype(sizeof kFolder))
-                                                          : QByteArray();
-    }
+    static constexpr int kDriveHandle = 1;
+    static constexpr int kFolderHandle = 2;
 
     QHash<int, Place> m_open;
-    int m_last = 0;
+    int m_last = kFolderHandle;
 };
 
 } // namespace ql240

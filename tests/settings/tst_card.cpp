@@ -76,7 +76,7 @@ private Q_SLOTS:
         QVERIFY(file.resize(1LL << 30));
         const QString text = readVersionText(card.path("update"));
         QVERIFY(text.startsWith(u"QL240 1.02 1.00 12V"));
-        QVERIFY(text.size() <= 1024 * 1024);
+        QVERIFY(text.size() <= 64 * 1024);
     }
 
 private:

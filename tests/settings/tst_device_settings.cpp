@@ -141,41 +141,32 @@ private Q_SLOTS:
         QCOMPARE(settings.contrastvalue, 3);
     }
 
+    // What lies past the limit isn't read, and what it cuts off counts for nothing.
     void hugeText_data() {
         QTest::addColumn<QByteArray>("begin");
         QTest::addColumn<QByteArray>("repeated");
-        QTest::addColumn<int>("times");
         QTest::addColumn<int>("frame");
 
-        constexpr int kMiB = 1024 * 1024;
-        QTest::newRow("256 MiB of NUL bytes") << QByteArray() << QByteArray() << 0 << 3;
-        QTest::newRow("line of 10 MB before the colon")
-            << QByteArray("framevalue") << QByteArray("x") << 10 * kMiB << 1;
-        QTest::newRow("line of 10 MB after it")
-            << QByteArray("framevalue:") << QByteArray("0") << 10 * kMiB << 31;
-        QTest::newRow("a million lines") << QByteArray() << QByteArray("framevalue:2\n") << kMiB << 1;
+        QTest::newRow("4 GiB of NUL bytes") << QByteArray("framevalue:1\n") << QByteArray() << 1;
+        QTest::newRow("line before the colon") << QByteArray("framevalue") << QByteArray("x") << 3;
+        QTest::newRow("line after it") << QByteArray("framevalue:") << QByteArray("0") << 3;
+        QTest::newRow("lines") << QByteArray() << QByteArray("framevalue:2\n") << 2;
     }
     void hugeText() {
         QFETCH(QByteArray, begin);
         QFETCH(QByteArray, repeated);
-        QFETCH(int, times);
         const MadeCard card;
-        card.put("setting/setting.dat",
-                 begin + repeated.repeated(times) + (begin.isEmpty() ? "framevalue" : ""));
-        QFile file(card.path("setting/setting.dat"));
-        QVERIFY(file.open(QIODevice::Append));
-        if (times == 0)
-            QVERIFY(file.resize(1LL << 28));
-        else
-            QVERIFY(file.write(begin.endsWith(':') ? "31\n" : ":1\n") > 0);
-        file.close();
+        const QByteArray end = begin.endsWith(':') ? "1\n" : begin.isEmpty() ? "framevalue:1\n" : ":1\n";
+        card.put("setting/setting.dat", begin + repeated.repeated(1 << 20) + end);
+        if (repeated.isEmpty())
+            QVERIFY(QFile::resize(card.path("setting/setting.dat"), 1LL << 32));
 
         rusage before = {};
         ::getrusage(RUSAGE_SELF, &before);
         QElapsedTimer time;
         time.start();
         const DeviceSettings settings(card.path("setting"));
-        QVERIFY2(time.elapsed() < 60000, qPrintable(QStringLiteral("%1 ms").arg(time.elapsed())));
+        QVERIFY2(time.elapsed() < 5000, qPrintable(QStringLiteral("%1 ms").arg(time.elapsed())));
         rusage after = {};
         ::getrusage(RUSAGE_SELF, &after);
         QVERIFY2(after.ru_maxrss - before.ru_maxrss < 4096, "more than 4 MiB of memory for a text file");

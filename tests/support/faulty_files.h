@@ -21,8 +21,11 @@ public:
     }
     int count() const { return m_count; }
 
-    int open(const QByteArray& path, int flags) override {
-        return fails() ? -1 : CardFiles::open(path, flags);
+    int openFolder(int folder, const QByteArray& name) override {
+        return fails() ? -1 : CardFiles::openFolder(folder, name);
+    }
+    int open(int folder, const QByteArray& name, int flags) override {
+        return fails() ? -1 : CardFiles::open(folder, name, flags);
     }
     ssize_t read(int file, char* to, size_t count) override {
         return fails() ? -1 : CardFiles::read(file, to, count);
@@ -35,15 +38,18 @@ public:
     // Only counted: what a disk keeps after a power cut isn't tried here, and waiting for it costs the tests
     // seconds.
     int sync(int) override { return fails() ? -1 : 0; }
-    int rename(const QByteArray& from, const QByteArray& to) override {
-        return fails() ? -1 : CardFiles::rename(from, to);
+    int rename(int folder, const QByteArray& from, const QByteArray& to) override {
+        return fails() ? -1 : CardFiles::rename(folder, from, to);
     }
-    int remove(const QByteArray& path) override { return fails() ? -1 : CardFiles::remove(path); }
-    bool isFolder(const QByteArray& path) override { return !fails() && CardFiles::isFolder(path); }
-    int makeFolder(const QByteArray& path) override { return fails() ? -1 : CardFiles::makeFolder(path); }
-    int syncFolder(const QByteArray&) override { return fails() ? -1 : 0; }
-    bool list(const QByteArray& path, const std::function<void(const QByteArray&)>& visit) override {
-        return !fails() && CardFiles::list(path, visit);
+    int remove(int folder, const QByteArray& name) override {
+        return fails() ? -1 : CardFiles::remove(folder, name);
+    }
+    int makeFolder(int folder, const QByteArray& name) override {
+        return fails() ? -1 : CardFiles::makeFolder(folder, name);
+    }
+    int syncFolder(int) override { return fails() ? -1 : 0; }
+    bool list(int folder, const std::function<void(const QByteArray&)>& visit) override {
+        return !fails() && CardFiles::list(folder, visit);
     }
 
 private:
