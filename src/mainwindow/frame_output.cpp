@@ -30,7 +30,8 @@ QString secondSnapshotPath(const QString& path) {
     const qsizetype cut = suffix.isEmpty() ? path.size() : path.size() - suffix.size() - 1;
     for (int number = 2;; ++number) {
         const QString second = path.left(cut) + QStringLiteral("_%1").arg(number) + path.mid(cut);
-        if (!QFileInfo::exists(second))
+        // A link to what isn't there yet would have the file made there.
+        if (const QFileInfo file(second); !file.exists() && !file.isSymLink())
             return second;
     }
 }

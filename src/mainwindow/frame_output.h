@@ -14,7 +14,7 @@ using FramePair = std::array<QImage, 2>;
 // "QL240yyyyMMddhhmmss.jpg"
 QString snapshotName(const QDateTime& time);
 
-// The second stream's file beside the first one's: "_2" before the suffix, or the next number without a file
+// The second stream's file beside the first one's: "_2" before the suffix, or the next number that nothing has
 // yet.
 QString secondSnapshotPath(const QString& path);
 

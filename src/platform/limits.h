@@ -12,8 +12,6 @@ namespace ql240::limits {
 inline constexpr std::int64_t kVersionFileBytes = 64 * 1024;
 // 64 KiB: the camera's own "setting.dat" has about 600 bytes.
 inline constexpr std::int64_t kSettingFileBytes = 64 * 1024;
-// A list of the settings dialog has room for about ten letters; versions are shorter.
-inline constexpr int kVersionWordLetters = 64;
 // As many as a folder of a FAT volume can hold.
 inline constexpr int kFolderEntries = 65536;
 

@@ -10,7 +10,7 @@
 #include <optional>
 
 #include "platform/drives.h"
-#include "settings/card_files.h"
+#include "settings/card_folder.h"
 
 namespace ql240 {
 

@@ -7,9 +7,6 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include <QDir>
-#include <QFile>
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <memory>
@@ -28,11 +25,6 @@ bool isRegular(const struct stat& status) {
 // A folder opened by openFolder can be looked up in only, neither listed nor brought to the disk.
 int openForListing(int folder) {
     return ::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-}
-
-// Where a new file is written before it takes its name.
-QByteArray asideName(const QByteArray& name) {
-    return name.chopped(4) + ".new";
 }
 
 } // namespace
@@ -145,103 +137,6 @@ bool CardFiles::list(int folder, const std::function<void(const QByteArray&)>& v
 CardFiles& systemCardFiles() {
     static CardFiles files;
     return files;
-}
-
-QByteArray CardFile::readStart(qsizetype limit, bool* whole) {
-    QByteArray bytes;
-    ssize_t count = 1;
-    while (count > 0 && bytes.size() < limit) {
-        char piece[4096];
-        count = read(piece, sizeof piece);
-        bytes.append(piece, qMax<qsizetype>(0, count));
-    }
-    if (whole)
-        *whole = count == 0 && bytes.size() <= limit;
-    return bytes.left(limit);
-}
-
-bool CardFile::replaceBy(const QByteArray& bytes) {
-    if (!write(bytes.constData(), bytes.size()))
-        return false;
-    const off_t now = size();
-    return now == bytes.size() || (now > bytes.size() && files().cut(handle(), bytes.size()) == 0);
-}
-
-bool CardFolder::isListed() {
-    if (m_names)
-        return m_complete;
-    m_names.emplace();
-    m_complete = files().list(handle(), [this](const QByteArray& entry) {
-        m_names->append(QByteArray(entry.constData(), entry.size()));
-    });
-    std::sort(m_names->begin(), m_names->end());
-    return m_complete;
-}
-
-std::optional<QByteArray> CardFolder::find(const QByteArray& name) {
-    isListed();
-    if (std::binary_search(m_names->cbegin(), m_names->cend(), name))
-        return name;
-    const auto found = std::find_if(m_names->cbegin(), m_names->cend(), [&](const QByteArray& entry) {
-        return entry.compare(name, Qt::CaseInsensitive) == 0;
-    });
-    return found == m_names->cend() ? std::nullopt : std::optional(*found);
-}
-
-void CardFolder::makeDrive() {
-    QDir().mkpath(QFile::decodeName(m_path));
-    *this = CardFolder(files(), m_path);
-}
-
-CardFolder CardFolder::folder(const QByteArray& name) {
-    const auto open = [this](const QByteArray& spelled) {
-        return CardFolder(files(), files().openFolder(handle(), spelled), m_path + '/' + spelled);
-    };
-    if (CardFolder exact = open(name); exact.isOpen())
-        return exact;
-    return open(find(name).value_or(name));
-}
-
-CardFile CardFolder::openForReading(const QByteArray& name) {
-    if (CardFile exact(files(), files().open(handle(), name, O_RDONLY)); exact.isOpen())
-        return exact;
-    return CardFile(files(), files().open(handle(), find(name).value_or(name), O_RDONLY));
-}
-
-CardFile CardFolder::openForWriting(const QByteArray& name) {
-    return CardFile(files(), files().open(handle(), name, O_WRONLY));
-}
-
-// What lies there is a rest, or was put there to lead us elsewhere.
-CardFile CardFolder::createAside(const QByteArray& aside) {
-    CardFile fresh(files(), files().open(handle(), aside, O_WRONLY | O_CREAT));
-    if (fresh.isOpen() || errno != EEXIST || files().remove(handle(), aside) != 0)
-        return fresh;
-    return CardFile(files(), files().open(handle(), aside, O_WRONLY | O_CREAT));
-}
-
-bool CardFolder::replace(const QByteArray& name, const std::function<bool(CardFile&)>& write) {
-    const QByteArray aside = asideName(name);
-    bool written = false;
-    {
-        CardFile file = createAside(aside);
-        if (!file.isOpen())
-            return false;
-        written = write(file) && file.sync();
-    }
-    if (!written || files().rename(handle(), aside, name) != 0)
-        files().remove(handle(), aside);
-    return true;
-}
-
-void CardFolder::removeRest(const QByteArray& name) {
-    if (const auto rest = find(asideName(name)))
-        files().remove(handle(), *rest);
-}
-
-CardFolder cardFolderAt(CardFiles& files, const QByteArray& path) {
-    const auto slash = path.lastIndexOf('/');
-    return CardFolder(files, slash > 0 ? path.left(slash) : QByteArray("/")).folder(path.mid(slash + 1));
 }
 
 } // namespace ql240

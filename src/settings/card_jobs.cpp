@@ -11,6 +11,7 @@
 #include <QFileInfo>
 #include <algorithm>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 #include "settings/card.h"
@@ -40,21 +41,37 @@ std::shared_ptr<CardFolder> openDrive(const QString& drive) {
     return std::make_shared<CardFolder>(systemCardFiles(), QFile::encodeName(drive));
 }
 
+bool isOnDrive(const QString& folder, const QList<DriveInfo>& drives) {
+    return std::ranges::any_of(drives, [&](const DriveInfo& info) {
+        const QString drive = QFileInfo(info.drive).canonicalFilePath();
+        return !drive.isEmpty() && (folder + u'/').startsWith(drive + u'/');
+    });
+}
+
+// The folder of `path` on whose far side the names are a drive's, not the user's; nothing where none is.
+std::optional<QString> folderOnDrive(const QString& path, const QList<DriveInfo>& drives) {
+    for (qsizetype end = path.indexOf(u'/', 1); end > 0; end = path.indexOf(u'/', end + 1)) {
+        const QString folder = path.left(end);
+        if (isOnDrive(QFileInfo(folder).canonicalFilePath(), drives))
+            return folder;
+    }
+    return std::nullopt;
+}
+
 // On a drive a link may have been put there to bring what is the user's own onto the card; elsewhere it is
 // the user's.
 CardFile openPicture(const QString& picture, Drives* drives) {
-    const QList<DriveInfo> list = listRemovableDrives(drives);
-    const QString path = QDir::cleanPath(picture);
-    const auto drive = std::ranges::find_if(
-        list, [&](const DriveInfo& info) { return path.startsWith(info.drive + QLatin1Char('/')); });
-    const QString real = drive == list.end() ? QFileInfo(path).canonicalFilePath() : path;
-    const QString root = drive == list.end() ? QFileInfo(real).path() : drive->drive;
-    QList<QByteArray> names = QFile::encodeName(real.mid(root.size())).split('/');
+    QString path = QDir::cleanPath(picture);
+    const std::optional<QString> onDrive = folderOnDrive(path, listRemovableDrives(drives));
+    if (!onDrive)
+        path = QFileInfo(path).canonicalFilePath();
+    const QString root = onDrive.value_or(QFileInfo(path).path());
+    QList<QByteArray> names = QFile::encodeName(path.mid(root.size())).split('/');
     const QByteArray name = names.takeLast();
     CardFolder folder(systemCardFiles(), QFile::encodeName(root));
-    for (const QByteArray& each : names)
-        if (!each.isEmpty())
-            folder = folder.folder(each);
+    names.removeAll(QByteArray());
+    for (const QByteArray& each : std::as_const(names))
+        folder = folder.folder(each);
     return folder.openForReading(name);
 }
 

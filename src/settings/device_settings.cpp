@@ -4,7 +4,7 @@
 #include <QFile>
 
 #include "platform/limits.h"
-#include "settings/card_files.h"
+#include "settings/card_folder.h"
 #include "settings/setting_text.h"
 
 namespace ql240 {
@@ -58,8 +58,11 @@ DeviceSettings::DeviceSettings(std::shared_ptr<CardFolder> drive, const QByteArr
     : m_clockText(QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd-hh-mm-ss"))),
       m_drive(std::move(drive)),
       m_name(name) {
-    loadText();
-    loadBytes();
+    if (!m_drive)
+        return;
+    CardFolder folder = m_drive->folder(m_name);
+    loadText(folder);
+    loadBytes(folder);
 }
 
 QString DeviceSettings::folder() const {
@@ -69,7 +72,19 @@ QString DeviceSettings::folder() const {
 bool DeviceSettings::loadText() {
     if (!m_drive)
         return false;
-    CardFile file = m_drive->folder(m_name).openForReading("setting.dat");
+    CardFolder folder = m_drive->folder(m_name);
+    return loadText(folder);
+}
+
+bool DeviceSettings::loadBytes() {
+    if (!m_drive)
+        return false;
+    CardFolder folder = m_drive->folder(m_name);
+    return loadBytes(folder);
+}
+
+bool DeviceSettings::loadText(CardFolder& folder) {
+    CardFile file = folder.openForReading("setting.dat");
     if (!file.isOpen())
         return false;
     bool whole = false;
@@ -81,10 +96,7 @@ bool DeviceSettings::loadText() {
     return true;
 }
 
-bool DeviceSettings::loadBytes() {
-    if (!m_drive)
-        return false;
-    CardFolder folder = m_drive->folder(m_name);
+bool DeviceSettings::loadBytes(CardFolder& folder) {
     bool brightOpened = false;
     bool contrastOpened = false;
     for (const SettingKey& key : kSettingKeys) {

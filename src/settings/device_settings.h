@@ -39,6 +39,8 @@ public:
     QString folder() const;
 
 private:
+    bool loadText(CardFolder& folder);
+    bool loadBytes(CardFolder& folder);
     CardFolder madeFolder();
 
     bool m_setsClock = false;

@@ -2,6 +2,7 @@
 #include <cstdlib>
 
 #include "fuzz/memory_files.h"
+#include "settings/card_folder.h"
 #include "settings/device_settings.h"
 
 using namespace ql240;

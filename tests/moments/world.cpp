@@ -11,6 +11,7 @@
 #include "platform/host.h"
 #include "playback/video_view.h"
 #include "settings/setting_values.h"
+#include "support/hostile_card.h"
 
 namespace ql240::moments {
 namespace {
@@ -132,19 +133,32 @@ void World::makeFolders() {
 }
 
 // Values that no default is, so that a default on a card came from somewhere else.
+void World::makeCamera(const QString& drive) {
+    write(drive + QStringLiteral("/update/version.txt"), "QL240 1.02 1.00");
+    for (const SettingKey& key : kSettingKeys) {
+        const SettingValues defaults;
+        const int value = defaults.*key.value == 1 ? 2 : 1;
+        write(QStringLiteral("%1/setting/set%2.dat").arg(drive, QLatin1String(key.name)),
+              QByteArray(1, static_cast<char>(value)));
+    }
+}
+
+// The last card may be a stranger's, which leads into the home.
 void World::makeCards() {
+    const QString home = root.filePath(QStringLiteral("home"));
+    makeCamera(home);
     for (std::size_t i = 0; i < cards.size(); ++i) {
         CardSlot card{root.filePath(QStringLiteral("drive%1").arg(i)), i == 0 ? "STICK" : "CAMERA", i > 0,
                       false};
         QDir().mkpath(card.drive);
-        if (card.isCamera) {
-            write(card.drive + QStringLiteral("/update/version.txt"), "QL240 1.02 1.00");
-            for (const SettingKey& key : kSettingKeys) {
-                const SettingValues defaults;
-                const int value = defaults.*key.value == 1 ? 2 : 1;
-                write(QStringLiteral("%1/setting/set%2.dat").arg(card.drive, QLatin1String(key.name)),
-                      QByteArray(1, static_cast<char>(value)));
-            }
+        if (card.isCamera)
+            makeCamera(card.drive);
+        if (i + 1 == cards.size() && luck.chance(50)) {
+            constexpr Trapped kParts[] = {Trapped::SettingFolder, Trapped::UpdateFolder, Trapped::Files,
+                                          Trapped::FilesAside};
+            const int smallTraps = static_cast<int>(traps().size()) - 1; // the last one is a giant
+            setTrap(traps()[static_cast<std::size_t>(luck.below(smallTraps))], luck.oneOf(kParts), card.drive,
+                    home);
         }
         QDir().rename(card.drive, card.drive + QStringLiteral(".away"));
         cards[i] = card;

@@ -92,6 +92,7 @@ public:
 private:
     int latencyMs();
     void makeFolders();
+    static void makeCamera(const QString& drive);
     void makeCards();
     QString makeFolder(const QString& name, int clipCount);
     void fillHost();

@@ -69,16 +69,6 @@ private Q_SLOTS:
         QCOMPARE(fileSystemUuid(makedev(8, 18), udev.drive()), "");
     }
 
-    void hugeVersionText() {
-        const MadeCard card;
-        card.put("update/version.txt", "QL240 1.02 1.00 12V\n");
-        QFile file(card.path("update/version.txt"));
-        QVERIFY(file.resize(1LL << 30));
-        const QString text = readVersionText(card.path("update"));
-        QVERIFY(text.startsWith(u"QL240 1.02 1.00 12V"));
-        QVERIFY(text.size() <= 64 * 1024);
-    }
-
 private:
     FakeDrives m_drives;
 };
