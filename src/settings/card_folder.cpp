@@ -68,8 +68,10 @@ CardFolder CardFolder::folder(const QByteArray& name) {
         return CardFolder(files(), files().openFolder(handle(), spelled), m_path + '/' + spelled);
     };
     CardFolder exact = open(name);
-    const QByteArray spelled = exact.isOpen() ? name : find(name).value_or(name);
-    return spelled == name ? std::move(exact) : open(spelled);
+    if (const auto spelled = exact.isOpen() ? std::nullopt : find(name); spelled && *spelled != name)
+        if (CardFolder other = open(*spelled); other.isOpen())
+            return other;
+    return exact;
 }
 
 CardFile CardFolder::openForReading(const QByteArray& name) {

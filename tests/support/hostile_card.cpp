@@ -78,6 +78,10 @@ const std::vector<Trap>& traps() {
          }},
         {"link to what isn't there yet",
          [](const QByteArray& place, const QByteArray& atHome) { return linkTo(atHome + ".made", place); }},
+        {"link in capitals",
+         [](const QByteArray& place, const QByteArray& atHome) {
+             return linkTo(atHome, folderOf(place) + place.mid(place.lastIndexOf('/')).toUpper());
+         }},
         {"link to itself",
          [](const QByteArray& place, const QByteArray&) {
              return linkTo(place.mid(place.lastIndexOf('/') + 1), place);
@@ -99,6 +103,7 @@ const std::vector<Trap>& traps() {
 
 HostileCard::HostileCard() {
     fill(card, 2, "QL240 1.02 1.00");
+    card.put(QStringLiteral("setting/set") + QString(248, u'x') + QStringLiteral(".dat"), "longest name");
     fill(home, kSecret, "SECRET SECRET SECRET");
 }
 
