@@ -14,8 +14,8 @@ using FramePair = std::array<QImage, 2>;
 // "QL240yyyyMMddhhmmss.jpg"
 QString snapshotName(const QDateTime& time);
 
-// The second stream's file beside the first one's: "_2" before the suffix, or the next number that nothing has
-// yet.
+// The second stream's file beside the first one's: "_2" before the suffix, or the next number that is
+// free.
 QString secondSnapshotPath(const QString& path);
 
 // Where the frames of `count` streams go on a page whose printable rectangle is `page`: each fills the width
