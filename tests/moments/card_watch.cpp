@@ -11,6 +11,7 @@
 
 #include "moments/world.h"
 #include "settings/config_window.h"
+#include "support/hostile_card.h"
 
 namespace ql240::moments {
 namespace {
@@ -97,6 +98,10 @@ void CardWatch::look(const ConfigWindow* dialog) {
         m_dialogs.emplace_back();
     m_dialogs.back().folder = dialog->settingFolder();
     m_dialogs.back().shown = dialog->values();
+    if (std::ranges::any_of(kSettingKeys, [&](const SettingKey& key) {
+            return dialog->values().*key.value == HostileCard::kSecret;
+        }))
+        m_world.fail(QStringLiteral("the dialog shows what no card holds"));
 }
 
 void CardWatch::chose(int RowValues::*value, int choice) {

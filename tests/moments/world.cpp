@@ -132,27 +132,25 @@ void World::makeFolders() {
     write(root.filePath(QStringLiteral("home/notes.txt")), "nobody writes here");
 }
 
-// Values that no default is, so that a default on a card came from somewhere else.
-void World::makeCamera(const QString& drive) {
+void World::makeCamera(const QString& drive, const std::function<int(const SettingKey&)>& valueOf) {
     write(drive + QStringLiteral("/update/version.txt"), "QL240 1.02 1.00");
-    for (const SettingKey& key : kSettingKeys) {
-        const SettingValues defaults;
-        const int value = defaults.*key.value == 1 ? 2 : 1;
+    for (const SettingKey& key : kSettingKeys)
         write(QStringLiteral("%1/setting/set%2.dat").arg(drive, QLatin1String(key.name)),
-              QByteArray(1, static_cast<char>(value)));
-    }
+              QByteArray(1, static_cast<char>(valueOf(key))));
 }
 
-// The last card may be a stranger's, which leads into the home.
+// Values that no default is, so that a default on a card came from somewhere else. The last card may be a
+// stranger's, which leads into the home.
 void World::makeCards() {
     const QString home = root.filePath(QStringLiteral("home"));
-    makeCamera(home);
+    makeCamera(home, [](const SettingKey&) { return HostileCard::kSecret; });
     for (std::size_t i = 0; i < cards.size(); ++i) {
         CardSlot card{root.filePath(QStringLiteral("drive%1").arg(i)), i == 0 ? "STICK" : "CAMERA", i > 0,
                       false};
         QDir().mkpath(card.drive);
         if (card.isCamera)
-            makeCamera(card.drive);
+            makeCamera(card.drive,
+                       [](const SettingKey& key) { return SettingValues().*key.value == 1 ? 2 : 1; });
         if (i + 1 == cards.size() && luck.chance(50)) {
             constexpr Trapped kParts[] = {Trapped::SettingFolder, Trapped::UpdateFolder, Trapped::Files,
                                           Trapped::FilesAside};

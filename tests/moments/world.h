@@ -23,6 +23,7 @@
 
 namespace ql240 {
 class ConfigWindow;
+struct SettingKey;
 } // namespace ql240
 
 namespace ql240::moments {
@@ -92,7 +93,7 @@ public:
 private:
     int latencyMs();
     void makeFolders();
-    static void makeCamera(const QString& drive);
+    static void makeCamera(const QString& drive, const std::function<int(const SettingKey&)>& valueOf);
     void makeCards();
     QString makeFolder(const QString& name, int clipCount);
     void fillHost();
