@@ -2,6 +2,9 @@
 // closes it: damaged_clips [COUNT]. Prints a table of what became of them; fails if a clip takes too long or
 // if threads, open files or memory pile up. A clip that ends or stops the process is left in the folder
 // "case" of the working folder.
+// damaged_clips fields [all]: opens clips with an extreme number in each field that says a size, a count or a
+// dimension, whichever fields those are, and fails if one takes too long or too much memory; "all" tries
+// every number in every field, without it each length and some other fields of each part get one in turn.
 #include <unistd.h>
 
 #include <QApplication>
@@ -20,6 +23,7 @@
 #include "playback/video_view.h"
 #include "sensors/sensor_track.h"
 #include "support/clip_damage.h"
+#include "support/peak_memory.h"
 
 using namespace ql240;
 
@@ -29,6 +33,8 @@ constexpr int kMostMs = 5000;    // for one clip
 constexpr int kHangSeconds = 60; // until the process is taken for stuck
 constexpr int kMomentMs = 100;
 constexpr qint64 kMostGrowthKiB = 48 * 1024;
+constexpr qint64 kMostMiB = 256;           // for one clip
+constexpr qint64 kGiant = qint64(3) << 30; // as far as a length may reach
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool kMemoryCounts = false; // freed memory is kept back
@@ -101,6 +107,17 @@ public:
         m_second.show();
     }
 
+    void openOnly(const QString& path) {
+        const Clip clip{QFileInfo(path)};
+        if (m_view.openClip(&clip)) {
+            readTrack(path);
+            m_view.player()->pause();
+            waitUntil([&] { return !m_view.player()->frame(0, true).isNull(); }, kMomentMs / 4);
+        }
+        m_view.closeClip();
+        QCoreApplication::processEvents();
+    }
+
     void run(const QString& path, Line& line) {
         const Clip clip{QFileInfo(path)};
         ++line.clips;
@@ -165,13 +182,18 @@ void onAlarm(int) {
     ::_exit(4);
 }
 
-QString writeCase(const GoodClip& good, Damage damage, int number, int count) {
+QString writeClip(const GoodClip& good, const QByteArray& bytes, qint64 size) {
     // The clip's own name, which decides on recipe and sensor source.
     const QString path = QDir(QStringLiteral("case")).filePath(QFileInfo(good.path).fileName());
     QFile file(path);
-    const QByteArray bytes = damaged(good.bytes, damage, number, count);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.resize(size))
         qFatal("can't write %s", qPrintable(path));
+    return path;
+}
+
+QString writeCase(const GoodClip& good, Damage damage, int number, int count) {
+    const QByteArray bytes = damaged(good.bytes, damage, number, count);
+    const QString path = writeClip(good, bytes, bytes.size());
     std::snprintf(stuck, sizeof stuck, "stuck: %s, %s, number %d of %d\n", good.title, damageName(damage),
                   number, count);
     return path;
@@ -186,6 +208,44 @@ bool runCase(Trial& trial, const QString& path, Line& line) {
     ::alarm(0);
     line.slowestMs = std::max(line.slowestMs, clock.elapsed());
     return clock.elapsed() <= kMostMs;
+}
+
+// False if the clip took too long or too much memory. Behind a length the file goes on in a hole.
+bool runField(Trial& trial, const GoodClip& good, const ClipField& field, quint32 value) {
+    const QString path =
+        writeClip(good, withField(good.bytes, field, value), field.isLength ? kGiant : good.bytes.size());
+    std::snprintf(stuck, sizeof stuck, "stuck: %s, %s, %#x at %lld\n", good.title, field.part.constData(),
+                  value, qint64(field.at));
+    QElapsedTimer clock;
+    clock.start();
+    const PeakMemory memory;
+    ::alarm(kHangSeconds);
+    trial.openOnly(path);
+    ::alarm(0);
+    const bool fits = clock.elapsed() <= 2 * kMostMs && memory.grownMiB() <= kMostMiB;
+    if (!fits)
+        std::fprintf(stderr, "%lld ms, %lld MiB; %s", clock.elapsed(), memory.grownMiB(), stuck);
+    return fits;
+}
+
+bool runFields(const QList<GoodClip>& clips, bool all) {
+    constexpr size_t kSome = 8;
+    Trial trial;
+    int failed = 0;
+    int tried = 0;
+    for (const GoodClip& good : clips) {
+        const QList<ClipField> fields = fieldsOf(good.bytes);
+        for (size_t k = 0; k < size_t(fields.size()) * kExtremes.size(); ++k) {
+            const size_t i = k / kExtremes.size();
+            const ClipField& field = fields[qsizetype(i)];
+            if (!all && ((!field.isLength && i % kSome != 0) || k % kExtremes.size() != i % kExtremes.size()))
+                continue;
+            ++tried;
+            failed += runField(trial, good, field, kExtremes[k % kExtremes.size()]) ? 0 : 1;
+        }
+    }
+    std::printf("%d clips with an extreme field, %d of them took too much.\n", tried, failed);
+    return failed == 0;
 }
 
 void printTable(const QList<GoodClip>& clips, const QList<Line>& lines) {
@@ -213,6 +273,10 @@ bool isFlat(const Use& before, const Use& after, int clips) {
 
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
+    const bool fields = argc > 1 && qstrcmp(argv[1], "fields") == 0;
+    if (fields) // looking for a sound device takes longer than everything else
+        qputenv("GST_PLUGIN_FEATURE_RANK",
+                "pulsesink:0,pipewiresink:0,alsasink:0,jackaudiosink:0,openalsink:0,osssink:0,oss4sink:0");
     gstreamer::GstMediaPlatform media;
     host().media = &media;
     std::signal(SIGALRM, onAlarm);
@@ -222,6 +286,10 @@ int main(int argc, char** argv) {
                           makeGoodClip("MP4 of two videos, index first", 0, folder.path()),
                           makeGoodClip("AVI with trailer", 4, folder.path())};
     clips[1].bytes = withIndexFirst(clips[1].bytes);
+    if (fields) {
+        const bool fit = runFields(clips.mid(1), argc > 2);
+        return QDir(QStringLiteral("case")).removeRecursively() && fit ? 0 : 1;
+    }
     const int kinds = int(clips.size() * kDamages.size());
     const int count = std::max(1, (argc > 1 ? atoi(argv[1]) : 3000) / kinds); // of each kind
 

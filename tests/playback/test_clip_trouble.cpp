@@ -5,6 +5,9 @@
 #include <QElapsedTimer>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
+#include <QtEndian>
+
+#include <algorithm>
 
 #include <sys/stat.h>
 
@@ -13,6 +16,7 @@
 #include "platform/host.h"
 #include "playback/video_view.h"
 #include "support/frame_code.h"
+#include "support/peak_memory.h"
 #include "support/test_clips.h"
 
 using namespace ql240;
@@ -21,6 +25,7 @@ namespace {
 
 constexpr int kPatienceMs = 10000;
 constexpr int kOpenLimitMs = 3500;
+constexpr qint64 kMostMiB = 200;
 
 QByteArray contentOf(const QString& path) {
     QFile file(path);
@@ -38,6 +43,103 @@ QByteArray noise(qsizetype size) {
 // The clip without the box or list that holds its index.
 QByteArray withoutIndex(QByteArray bytes, const char* index) {
     return bytes.replace(QByteArray(index), QByteArray("junk"));
+}
+
+// Every picture says another size: in the container, or in the Motion-JPEG itself, of the given kind.
+QByteArray withSize(QByteArray mp4, quint16 width, quint16 height) {
+    char* size = mp4.data() + mp4.indexOf("avc1", mp4.indexOf("stsd")) + 28;
+    qToBigEndian(width, size);
+    qToBigEndian(height, size + 2);
+    return mp4;
+}
+
+QByteArray withAviSize(QByteArray avi, quint32 width, quint32 height) {
+    char* size = avi.data() + avi.indexOf("strf") + 12;
+    qToLittleEndian(width, size);
+    qToLittleEndian(height, size + 4);
+    return avi;
+}
+
+QByteArray withH264Size(QByteArray mp4, const QByteArray& parameters) {
+    const qsizetype at = mp4.indexOf("avcC") + 10;
+    const int length = qFromBigEndian<quint16>(mp4.constData() + at);
+    return mp4.replace(at + 2, length, parameters.leftJustified(length, '\0'));
+}
+
+QByteArray withJpegSize(QByteArray avi, bool progressive, quint16 side) {
+    const QByteArray baseline = QByteArray::fromHex("FFC0001108");
+    for (qsizetype at = avi.indexOf(baseline); at >= 0; at = avi.indexOf(baseline, at)) {
+        qToBigEndian(side, avi.data() + at + 5);
+        qToBigEndian(side, avi.data() + at + 7);
+        avi[at + 1] = progressive ? '\xC2' : '\xC1';
+        if (const qsizetype scan = avi.indexOf(QByteArray::fromHex("FFDA000C03"), at);
+            progressive && scan > 0)
+            avi[scan + 12] = '\0'; // the first scan alone
+    }
+    return avi;
+}
+
+struct Chunk {
+    QByteArray name;
+    QByteArray body;
+};
+
+QByteArray littleEndian(qsizetype value) {
+    QByteArray bytes(4, '\0');
+    qToLittleEndian(quint32(value), bytes.data());
+    return bytes;
+}
+
+quint32 sizeAt(const QByteArray& avi, qsizetype at) {
+    return qFromLittleEndian<quint32>(avi.constData() + at);
+}
+
+QList<Chunk> mediaOf(const QByteArray& avi) {
+    const qsizetype movi = avi.indexOf("movi");
+    const qsizetype end = movi + sizeAt(avi, movi - 4);
+    QList<Chunk> chunks;
+    for (qsizetype at = movi + 4; at + 8 <= end; at += 8 + (chunks.last().body.size() + 1) / 2 * 2)
+        chunks.append({avi.mid(at, 4), avi.mid(at + 8, sizeAt(avi, at + 4))});
+    return chunks;
+}
+
+// The index says the last chunk so many times more.
+QByteArray withMedia(const QByteArray& avi, const QList<Chunk>& chunks, int repeats = 0) {
+    QByteArray media = "movi";
+    QByteArray index;
+    for (const Chunk& chunk : chunks) {
+        index +=
+            chunk.name + littleEndian(0x10) + littleEndian(media.size()) + littleEndian(chunk.body.size());
+        media += chunk.name + littleEndian(chunk.body.size()) + chunk.body;
+        media.append(media.size() % 2, '\0');
+    }
+    index += index.right(16).repeated(repeats);
+    QByteArray made = avi.left(avi.indexOf("movi") - 4) + littleEndian(media.size()) + media + "idx1" +
+                      littleEndian(index.size()) + index;
+    return made.replace(4, 4, littleEndian(made.size() - 8));
+}
+
+// 440 MB of pictures in a small file, all at the clip's beginning.
+QByteArray standingStill(QByteArray avi) {
+    avi.replace(avi.indexOf("strh") + 28, 8,
+                littleEndian(1) + littleEndian(1'000'000'000)); // frames a second
+    const QList<Chunk> chunks = mediaOf(avi);
+    QList<Chunk> first = chunks.first(12);
+    const auto isPicture = [](const Chunk& chunk) { return chunk.name == "00dc"; };
+    first.append(*std::find_if(chunks.begin(), chunks.end(), isPicture));
+    return withMedia(avi, first, int(440'000'000 / first.last().body.size()));
+}
+
+// 60 Mbit/s, the sound of each second behind its pictures.
+QByteArray heavy(const QByteArray& avi) {
+    QList<Chunk> chunks = mediaOf(avi);
+    for (Chunk& chunk : chunks)
+        chunk.body.append(chunk.name == "00dc" ? 500'000 - chunk.body.size() : 0, '\0');
+    const qsizetype second = chunks.size() / 4;
+    for (int i = 0; i < 4; ++i)
+        std::stable_partition(chunks.begin() + i * second, chunks.begin() + (i + 1) * second,
+                              [](const Chunk& chunk) { return chunk.name == "00dc"; });
+    return withMedia(avi, chunks);
 }
 
 int entriesOf(const QString& folder) {
@@ -111,6 +213,15 @@ private Q_SLOTS:
             row(name + QStringLiteral("mp4"), mp4.left(mp4.size() * percent / 100), percent > 1);
             row(name + QStringLiteral("avi"), avi.left(avi.size() * percent / 100), true);
         }
+        row(QStringLiteral("32000 x 32000.mp4"), withSize(mp4, 32000, 32000), false);
+        row(QStringLiteral("8193 x 8192.mp4"), withSize(mp4, 8193, 8192), false);
+        row(QStringLiteral("0 x 360.mp4"), withSize(mp4, 0, 360), true);
+        row(QStringLiteral("20000 x 20000.avi"), withAviSize(avi, 20000, 20000), true);
+        row(QStringLiteral("-1 x -1.avi"), withAviSize(avi, -1U, -1U), true);
+        row(QStringLiteral("h264 of 16000 x 16000.mp4"),
+            withH264Size(mp4, QByteArray::fromHex("6764001eacb2801f4003e8c8")), true);
+        row(QStringLiteral("jpeg of 20000 x 20000.avi"), withJpegSize(avi, false, 20000), true);
+        row(QStringLiteral("jpeg of 20000 x 20000 in scans.avi"), withJpegSize(avi, true, 20000), true);
         row(QStringLiteral("no index.mp4"), withoutIndex(mp4, "moov"), false);
         row(QStringLiteral("no index.avi"), withoutIndex(avi, "idx1"), true);
         row(QStringLiteral("no sample table.mp4"), withoutIndex(mp4, "stbl"), false);
@@ -142,6 +253,7 @@ private Q_SLOTS:
         VideoView view;
         view.resize(640, 360);
         view.show();
+        const PeakMemory memory;
         QElapsedTimer clock;
         clock.start();
         QCOMPARE(view.openClip(&clip), opens);
@@ -156,8 +268,32 @@ private Q_SLOTS:
         player.seek(500);
         player.stepBack();
         player.frame(0, true);
+        QCOMPARE_LT(memory.grownMiB(), kMostMiB);
         view.closeClip();
         expectGoodClipPlays();
+    }
+
+    void standingTimeFillsNoMemory() {
+        const Clip clip{QFileInfo(write(QStringLiteral("standing.avi"), standingStill(contentOf(m_avi))))};
+        VideoView view;
+        const PeakMemory memory;
+        QVERIFY(view.openClip(&clip));
+        view.player()->pause();
+        QVERIFY(!QTest::qWaitFor([&] { return memory.grownMiB() > kMostMiB; }, 2000));
+        view.player()->play();
+        QVERIFY(!QTest::qWaitFor([&] { return memory.grownMiB() > kMostMiB; }, 500));
+        view.closeClip();
+        expectGoodClipPlays();
+    }
+
+    void heavyClipPlaysToItsEnd() {
+        const Clip clip{QFileInfo(write(QStringLiteral("heavy.avi"), heavy(contentOf(m_avi))))};
+        VideoView view;
+        QVERIFY(view.openClip(&clip));
+        view.player()->pause();
+        QTRY_COMPARE_WITH_TIMEOUT(readFrameNumber(view.player()->frame(0, true)), 0, kPatienceMs);
+        view.player()->play();
+        QTRY_COMPARE_WITH_TIMEOUT(view.player()->positionMs(), view.player()->durationMs(), 2 * kPatienceMs);
     }
 
     void reopeningLeavesNothingBehind() {
@@ -175,7 +311,8 @@ private Q_SLOTS:
             view.closeClip();
             QCoreApplication::processEvents();
         };
-        openAll(60); // pools and caches fill; the sound, which opens in its own time, at the latest when it plays
+        openAll(
+            60); // pools and caches fill; the sound, which opens in its own time, at the latest when it plays
         QVERIFY(view.openClip(&clips[0]));
         view.player()->play();
         QTRY_VERIFY_WITH_TIMEOUT(view.player()->positionMs() > 500, kPatienceMs);

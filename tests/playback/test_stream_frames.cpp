@@ -6,8 +6,11 @@
 
 #include <gst/app/gstappsrc.h>
 
+#include "platform/gstreamer/frame_allocator.h"
 #include "platform/gstreamer/frame_clipper.h"
 #include "platform/gstreamer/frame_slot.h"
+#include "platform/gstreamer/yuy2_packer.h"
+#include "platform/limits.h"
 
 using namespace ql240::gstreamer;
 
@@ -115,6 +118,40 @@ private Q_SLOTS:
         stream.beginAt(3000, 3000, 7500); // behind the stream's end
         stream.send(gst_event_new_eos());
         QCOMPARE(stream.clipper.starvedAtEnd(), 2000 * GST_MSECOND);
+    }
+
+    void tooLargePicturesAreRefused() {
+        const QByteArray line = QByteArray(
+                                    "appsrc name=in caps=video/x-raw,format=I420,width=16000,height=16000,"
+                                    "framerate=30/1 ! ") +
+                                yuy2PackerFactory() + " ! fakesink";
+        const ElementHandle pipeline(GST_ELEMENT(gst_object_ref_sink(gst_parse_launch(line, nullptr))));
+        const ElementHandle in(gst_bin_get_by_name(GST_BIN(pipeline.get()), "in"));
+        const BusHandle bus(gst_element_get_bus(pipeline.get()));
+        gst_element_set_state(pipeline.get(), GST_STATE_PLAYING);
+        gst_app_src_push_buffer(GST_APP_SRC(in.get()), gst_buffer_new());
+        gst_app_src_end_of_stream(GST_APP_SRC(in.get()));
+        const auto either = static_cast<GstMessageType>(GST_MESSAGE_ERROR | GST_MESSAGE_EOS);
+        const MessageHandle message(gst_bus_timed_pop_filtered(bus.get(), 10 * GST_SECOND, either));
+        QVERIFY(message && GST_MESSAGE_TYPE(message.get()) == GST_MESSAGE_ERROR);
+        gst_element_set_state(pipeline.get(), GST_STATE_NULL);
+    }
+
+    // What isn't granted is null, and what comes back is granted again.
+    void decodedFramesAreBounded() {
+        const auto allocator = newFrameAllocator();
+        const auto allocate = [&](gsize size) { return gst_allocator_alloc(allocator.get(), size, nullptr); };
+        for (const gsize tooLarge : {G_MAXSIZE - 64, gsize(ql240::limits::kDecodedBytes + 1)})
+            QVERIFY(!allocate(tooLarge));
+        std::vector<GstMemory*> frames;
+        while (GstMemory* frame = allocate(ql240::limits::kDecodedBytes / 5))
+            frames.push_back(frame);
+        QCOMPARE(frames.size(), std::size_t(5));
+        for (GstMemory* frame : frames)
+            gst_memory_unref(frame);
+        GstMemory* other = allocate(ql240::limits::kDecodedBytes);
+        QVERIFY(other);
+        gst_memory_unref(other);
     }
 
     // The window changes its size while a frame is converted and the next one waits.

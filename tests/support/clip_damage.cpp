@@ -137,6 +137,29 @@ QList<ClipPart> partsOf(const QByteArray& clip) {
     return parts;
 }
 
+// Sizes, counts and dimensions all stand at fours, or side by side in one.
+QList<ClipField> fieldsOf(const QByteArray& clip) {
+    constexpr qsizetype kHead = 112; // down to the end of a picture's description
+    const QList<ClipPart> parts = partsOf(clip);
+    QList<ClipField> fields;
+    for (int i = 0; i < parts.size(); ++i) {
+        const ClipPart& part = parts[i];
+        const qsizetype nameAt = part.at + part.at + 4 - part.lengthAt;
+        const auto isInside = [i](const ClipPart& other) { return other.parent == i; };
+        const bool isLeaf = !part.isMedia && std::none_of(parts.begin(), parts.end(), isInside);
+        const qsizetype end = part.at + (isLeaf ? std::min(part.size, kHead) : kHeader);
+        for (qsizetype at = part.at; at + 4 <= end && (!part.isMedia || part.parent < 0); at += 4)
+            if (at != nameAt)
+                fields.append({clip.mid(nameAt, 4), at, at == part.lengthAt});
+    }
+    return fields;
+}
+
+QByteArray withField(QByteArray clip, const ClipField& field, quint32 value) {
+    setLength(clip, field.at, value);
+    return clip;
+}
+
 QByteArray withIndexFirst(const QByteArray& clip) {
     const QList<ClipPart> parts = partsOf(clip);
     const auto named = [&clip](const char* name) {

@@ -32,4 +32,15 @@ QByteArray withIndexFirst(const QByteArray& clip);
 // by lot.
 QByteArray damaged(const QByteArray& clip, Damage damage, int number, int count);
 
+// A field of 4 bytes in the head of a part that says how the clip is built.
+struct ClipField {
+    QByteArray part; // its name
+    qsizetype at = 0;
+    bool isLength = false; // of the part itself
+};
+QList<ClipField> fieldsOf(const QByteArray& clip);
+
+inline constexpr std::array kExtremes{0U, 1U, 0x7fffffffU, 0x80000000U, 0xffffffffU};
+QByteArray withField(QByteArray clip, const ClipField& field, quint32 value);
+
 } // namespace ql240

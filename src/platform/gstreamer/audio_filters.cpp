@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "platform/gstreamer/c_border.h"
 #include "platform/gstreamer/codec_table.h"
+#include "platform/gstreamer/queue_limits.h"
 
 namespace ql240::gstreamer {
 
@@ -11,10 +13,6 @@ namespace {
 constexpr GstClockTime kQueueTime = 3 * GST_SECOND;
 // As far ahead of its time the sound is handed on: more than servers and devices keep in store.
 constexpr GstClockTime kLead = 300 * GST_MSECOND;
-
-void limitQueue(GstElement* queue, GstClockTime time) {
-    g_object_set(queue, "max-size-time", time, "max-size-bytes", 0U, "max-size-buffers", 0U, nullptr);
-}
 
 } // namespace
 
@@ -32,7 +30,7 @@ Status AudioDecoder::prepareInput(Pin& input, const Pin& upstream) {
     const auto chain = addChain(*factories);
     if (chain.empty())
         return kStatusClassNotRegistered;
-    limitQueue(chain.front(), kQueueTime);
+    limitQueue(chain.front(), kQueueTime, limits::kQueuedSoundBytes);
     input.setPad(staticPad(chain.front(), "sink"));
     outputPin()->setPad(staticPad(chain.back(), "src"));
     return kStatusOk;
@@ -42,7 +40,7 @@ AudioRenderer::AudioRenderer() {
     const auto chain = addChain({"queue", "fakesink"});
     if (chain.empty())
         return;
-    limitQueue(chain.front(), kLead);
+    limitQueue(chain.front(), kLead, limits::kQueuedSoundBytes);
     m_sink = share(chain.back());
     g_object_set(m_sink.get(), "sync", TRUE, "enable-last-sample", FALSE, "signal-handoffs", TRUE, nullptr);
     g_signal_connect(m_sink.get(), "handoff", G_CALLBACK(isDue), this);
@@ -61,12 +59,14 @@ AudioRenderer::~AudioRenderer() {
 // Streaming thread of the decoder; a flush comes on the thread that seeks.
 GstPadProbeReturn AudioRenderer::arrived(GstPad*, GstPadProbeInfo* info, gpointer self) {
     auto* renderer = static_cast<AudioRenderer*>(self);
-    const std::scoped_lock lock(renderer->m_mutex);
-    if (GST_PAD_PROBE_INFO_TYPE(info) & GST_PAD_PROBE_TYPE_BUFFER)
-        renderer->soundArrived(GST_PAD_PROBE_INFO_BUFFER(info));
-    else
-        renderer->eventArrived(GST_PAD_PROBE_INFO_EVENT(info));
-    return GST_PAD_PROBE_OK;
+    return answerToC(GST_PAD_PROBE_OK, [renderer, info] {
+        const std::scoped_lock lock(renderer->m_mutex);
+        if (GST_PAD_PROBE_INFO_TYPE(info) & GST_PAD_PROBE_TYPE_BUFFER)
+            renderer->soundArrived(GST_PAD_PROBE_INFO_BUFFER(info));
+        else
+            renderer->eventArrived(GST_PAD_PROBE_INFO_EVENT(info));
+        return GST_PAD_PROBE_OK;
+    });
 }
 
 void AudioRenderer::eventArrived(GstEvent* event) {
@@ -112,15 +112,20 @@ void AudioRenderer::play(const Piece& piece) {
 
 // Streaming thread of the sink.
 void AudioRenderer::isDue(GstElement* sink, GstBuffer* sound, GstPad*, gpointer self) {
-    auto* renderer = static_cast<AudioRenderer*>(self);
-    const std::scoped_lock lock(renderer->m_mutex);
-    auto& ahead = renderer->m_ahead;
-    const auto due = std::find_if(ahead.begin(), ahead.end(), [sound](const Piece& piece) {
+    answerToC(true, [sink, sound, renderer = static_cast<AudioRenderer*>(self)] {
+        const std::scoped_lock lock(renderer->m_mutex);
+        renderer->dropBefore(sound);
+        renderer->playFrom(gst_element_get_base_time(sink));
+        return true;
+    });
+}
+
+void AudioRenderer::dropBefore(GstBuffer* sound) {
+    const auto due = std::find_if(m_ahead.begin(), m_ahead.end(), [sound](const Piece& piece) {
         return gst_sample_get_buffer(piece.sample.get()) == sound;
     });
-    if (due != ahead.end())
-        ahead.erase(ahead.begin(), due);
-    renderer->playFrom(gst_element_get_base_time(sink));
+    if (due != m_ahead.end())
+        m_ahead.erase(m_ahead.begin(), due);
 }
 
 // What is ahead is handed on at once, everything after it as it arrives.

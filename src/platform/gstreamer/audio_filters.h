@@ -38,6 +38,7 @@ private:
     void eventArrived(GstEvent* event);
     void soundArrived(GstBuffer* sound);
     static void isDue(GstElement* sink, GstBuffer* sound, GstPad* pad, gpointer self);
+    void dropBefore(GstBuffer* sound);
     void playFrom(GstClockTime baseTime);
     void play(const Piece& piece);
 

@@ -8,7 +8,12 @@
 #include <utility>
 #include <vector>
 
+#include "platform/gstreamer/c_border.h"
+#include "platform/limits.h"
+
 namespace {
+
+using ql240::gstreamer::answerToC;
 
 constexpr auto kMemoryType = "QL240Frame";
 constexpr gsize kAlignment = 64;
@@ -20,10 +25,13 @@ using Bytes = std::shared_ptr<std::uint8_t>;
 // have to be paged in. Any thread.
 class Blocks : public std::enable_shared_from_this<Blocks> {
 public:
+    Blocks() { m_free.reserve(kMostFree); }
+
+    // Throws where there is no more memory, or no more of it is granted.
     Bytes take(gsize size) {
         Block block = waiting(size);
         if (!block)
-            block.reset(static_cast<std::uint8_t*>(operator new (size, std::align_val_t{kAlignment})));
+            block = newBlock(size);
         return {block.release(),
                 [size, self = shared_from_this()](std::uint8_t* old) { self->giveBack(Block(old), size); }};
     }
@@ -36,24 +44,45 @@ private:
 
     Block waiting(gsize size) {
         const std::scoped_lock lock(m_mutex);
-        if (size != m_size || m_free.empty())
+        if (size != m_size)
+            dropFree();
+        if (m_free.empty())
             return nullptr;
         Block block = std::move(m_free.back());
         m_free.pop_back();
         return block;
     }
 
-    void giveBack(Block block, gsize size) {
+    Block newBlock(gsize size) {
         const std::scoped_lock lock(m_mutex);
-        if (std::exchange(m_size, size) != size)
-            m_free.clear();
+        if (size > ql240::limits::kDecodedBytes - m_bytes)
+            throw std::bad_alloc();
+        Block block(static_cast<std::uint8_t*>(operator new (size, std::align_val_t{kAlignment})));
+        m_bytes += size;
+        return block;
+    }
+
+    void giveBack(Block block, gsize size) noexcept {
+        const std::scoped_lock lock(m_mutex);
+        if (m_size != size) {
+            dropFree();
+            m_size = size;
+        }
         if (m_free.size() < kMostFree)
             m_free.push_back(std::move(block));
+        else
+            m_bytes -= size;
+    }
+
+    void dropFree() {
+        m_bytes -= m_free.size() * m_size;
+        m_free.clear();
     }
 
     std::mutex m_mutex;
     std::vector<Block> m_free;
-    gsize m_size = 0; // of each of them
+    gsize m_size = 0;  // of each of them
+    gsize m_bytes = 0; // in all blocks, free or not
 };
 
 struct FrameMemory {
@@ -78,15 +107,20 @@ FrameMemory* frameMemory(GstMemory* memory) {
 }
 
 Bytes newBytes(GstAllocator* allocator, gsize size) {
-    return reinterpret_cast<FrameAllocator*>(allocator)->blocks->take(size);
+    const auto& blocks = reinterpret_cast<FrameAllocator*>(allocator)->blocks;
+    return blocks ? blocks->take(size) : throw std::bad_alloc();
 }
 
 GstMemory* allocate(GstAllocator* allocator, gsize size, GstAllocationParams* params) {
-    const gsize whole = params->prefix + size + params->padding;
-    auto* frame = new FrameMemory{{}, newBytes(allocator, whole), false};
-    gst_memory_init(&frame->memory, params->flags, allocator, nullptr, whole, kAlignment - 1, params->prefix,
-                    size);
-    return &frame->memory;
+    return answerToC<GstMemory*>(nullptr, [=] {
+        if (size > ql240::limits::kDecodedBytes)
+            throw std::bad_alloc();
+        const gsize whole = params->prefix + size + params->padding;
+        auto* frame = new FrameMemory{{}, newBytes(allocator, whole), false};
+        gst_memory_init(&frame->memory, params->flags, allocator, nullptr, whole, kAlignment - 1,
+                        params->prefix, size);
+        return &frame->memory;
+    });
 }
 
 void release(GstAllocator*, GstMemory* memory) {
@@ -97,19 +131,23 @@ void release(GstAllocator*, GstMemory* memory) {
 // still has copies is mapped by the decoder for its next frame, which doesn't need the old one's bytes.
 gpointer map(GstMemory* memory, gsize size, GstMapFlags flags) {
     FrameMemory* frame = frameMemory(memory);
-    if ((flags & GST_MAP_WRITE) && frame->bytes.use_count() > 1) {
-        const Bytes own = newBytes(memory->allocator, size);
-        if (frame->isCopy)
-            std::memcpy(own.get(), frame->bytes.get(), size);
-        frame->bytes = own;
-    }
-    return frame->bytes.get();
+    return answerToC<gpointer>(nullptr, [=]() -> gpointer {
+        if ((flags & GST_MAP_WRITE) && frame->bytes.use_count() > 1) {
+            const Bytes own = newBytes(memory->allocator, size);
+            if (frame->isCopy)
+                std::memcpy(own.get(), frame->bytes.get(), size);
+            frame->bytes = own;
+        }
+        return frame->bytes.get();
+    });
 }
 
 void unmap(GstMemory*) {}
 
 GstMemory* copy(GstMemory* memory, gssize offset, gssize size) {
-    auto* frame = new FrameMemory{{}, frameMemory(memory)->bytes, true};
+    auto* frame = new (std::nothrow) FrameMemory{{}, frameMemory(memory)->bytes, true};
+    if (!frame)
+        return nullptr;
     const auto begin = static_cast<gsize>(offset);
     gst_memory_init(&frame->memory, GstMemoryFlags{}, memory->allocator, nullptr, memory->maxsize,
                     memory->align, memory->offset + begin,
@@ -133,7 +171,8 @@ void frame_allocator_class_init(FrameAllocatorClass* klass) {
 }
 
 void frame_allocator_init(FrameAllocator* self) {
-    std::construct_at(&self->blocks, std::make_shared<Blocks>());
+    std::construct_at(&self->blocks,
+                      answerToC<std::shared_ptr<Blocks>>(nullptr, [] { return std::make_shared<Blocks>(); }));
     GstAllocator* allocator = GST_ALLOCATOR(self);
     allocator->mem_type = kMemoryType;
     allocator->mem_map = map;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/gstreamer/c_border.h"
+
 namespace ql240::gstreamer {
 
 namespace {
@@ -55,8 +57,10 @@ GstPadProbeReturn FrameClipper::beforeDecoder(GstPad*, GstPadProbeInfo* info, gp
     auto* clipper = static_cast<FrameClipper*>(self);
     switch (GST_EVENT_TYPE(GST_PAD_PROBE_INFO_EVENT(info))) {
         case GST_EVENT_SEGMENT:
-            clipper->widen(info);
-            break;
+            return answerToC(GST_PAD_PROBE_DROP, [=] {
+                clipper->widen(info);
+                return GST_PAD_PROBE_OK;
+            });
         case GST_EVENT_FLUSH_STOP:
             clipper->m_originals.clear();
             break;
@@ -68,8 +72,9 @@ GstPadProbeReturn FrameClipper::beforeDecoder(GstPad*, GstPadProbeInfo* info, gp
 
 GstPadProbeReturn FrameClipper::behindDecoder(GstPad*, GstPadProbeInfo* info, gpointer self) {
     auto* clipper = static_cast<FrameClipper*>(self);
-    return GST_PAD_PROBE_INFO_TYPE(info) & GST_PAD_PROBE_TYPE_BUFFER ? clipper->handleFrame(info)
-                                                                     : clipper->handleEvent(info);
+    const bool isFrame = GST_PAD_PROBE_INFO_TYPE(info) & GST_PAD_PROBE_TYPE_BUFFER;
+    return answerToC(isFrame ? GST_PAD_PROBE_DROP : GST_PAD_PROBE_OK,
+                     [=] { return isFrame ? clipper->handleFrame(info) : clipper->handleEvent(info); });
 }
 
 void FrameClipper::widen(GstPadProbeInfo* info) {

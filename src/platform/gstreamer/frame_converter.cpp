@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 
 namespace ql240::gstreamer {
 
@@ -71,12 +72,12 @@ bool FrameConverter::convert(GstSample* sample, const QSize& size, const QRect& 
         GST_VIDEO_INFO_FORMAT(&info) != GST_VIDEO_FORMAT_YUY2 ||
         !gst_video_frame_map(&frame, &info, gst_sample_get_buffer(sample), GST_MAP_READ))
         return false;
+    const std::unique_ptr<GstVideoFrame, void (*)(GstVideoFrame*)> mapped(&frame, gst_video_frame_unmap);
     Yuy2Frame yuy2{static_cast<const std::uint8_t*>(GST_VIDEO_FRAME_PLANE_DATA(&frame, 0)),
                    GST_VIDEO_FRAME_PLANE_STRIDE(&frame, 0),
                    {GST_VIDEO_INFO_WIDTH(&info), GST_VIDEO_INFO_HEIGHT(&info)}};
     setMatrix(colorimetryOf(caps, info), &yuy2);
     convert(yuy2, size, visible, picture);
-    gst_video_frame_unmap(&frame);
     return true;
 }
 
@@ -141,7 +142,7 @@ void FrameConverter::convert(const Yuy2Frame& frame, const QSize& size, const QR
     const QRect seen = visible.intersected(QRect(QPoint(), size));
     if (picture->size() != seen.size() || picture->format() != QImage::Format_RGB32)
         *picture = QImage(seen.size(), QImage::Format_RGB32);
-    if (seen.isEmpty() || frame.size.isEmpty())
+    if (picture->isNull() || frame.size.isEmpty())
         return;
     if (frame.size.width() >= 2 * size.width() && frame.size.height() >= 2 * size.height())
         shrink(frame, size, seen, picture);

@@ -2,12 +2,15 @@
 
 #include <algorithm>
 
+#include "platform/limits.h"
+
 namespace ql240::gstreamer {
 
 namespace {
 
-// 25 MB of 1080p.
+// 25 MB of 1080p; of larger pictures fewer, but always the one before the last too, which fills a gap.
 constexpr std::size_t kMost = 8;
+constexpr std::size_t kFewest = 2;
 // Time stamps are rounded to the container's clock; a smaller gap between frames is none.
 constexpr GstClockTime kGapTolerance = GST_MSECOND;
 
@@ -25,8 +28,10 @@ GstClockTime endOf(const BufferHandle& frame) {
 void FrameRow::add(BufferHandle frame, GstClockTime wanted) {
     if (endOf(frame) + kMost * (endOf(frame) - beginOf(frame)) < wanted)
         m_frames.clear();
+    const std::size_t room =
+        limits::kFrameRowBytes / std::max<std::size_t>(1, gst_buffer_get_size(frame.get()));
     m_frames.push_back(std::move(frame));
-    if (m_frames.size() > kMost)
+    while (m_frames.size() > std::clamp(room, kFewest, kMost))
         m_frames.pop_front();
 }
 

@@ -5,6 +5,8 @@
 
 #include <utility>
 
+#include "platform/gstreamer/c_border.h"
+
 namespace ql240::gstreamer {
 
 namespace {
@@ -18,9 +20,11 @@ const int FrameSlot::kFrameReady = QEvent::registerEventType();
 void FrameSlot::connectTo(const SlotPointer& slot, GstAppSink* sink) {
     GstAppSinkCallbacks callbacks{};
     const auto pull = [](GstAppSink* from, gpointer user, GstSample* (*take)(GstAppSink*)) {
-        if (SampleHandle sample{take(from)})
-            (*static_cast<SlotPointer*>(user))->deliver(std::move(sample));
-        return GST_FLOW_OK;
+        return answerToC(GST_FLOW_ERROR, [&] {
+            if (SampleHandle sample{take(from)})
+                (*static_cast<SlotPointer*>(user))->deliver(std::move(sample));
+            return GST_FLOW_OK;
+        });
     };
     static const auto pullAny = pull;
     callbacks.new_preroll = [](GstAppSink* from, gpointer user) {

@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "platform/gstreamer/audio_filters.h"
+#include "platform/gstreamer/c_border.h"
 #include "platform/gstreamer/source_filters.h"
 #include "platform/gstreamer/video_filters.h"
 
@@ -237,16 +238,21 @@ GstBusSyncReply Graph::messagePosted(GstBus*, GstMessage* message, gpointer self
     constexpr auto kWanted = GST_MESSAGE_ASYNC_DONE | GST_MESSAGE_EOS | GST_MESSAGE_ERROR;
     MessageHandle taken(message); // a handler owns what it drops
     auto* graph = static_cast<Graph*>(self);
-    if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_STATE_CHANGED)
-        graph->passToSound(message);
-    if (!(GST_MESSAGE_TYPE(message) & kWanted))
+    return answerToC(GST_BUS_DROP, [&] {
+        if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_STATE_CHANGED)
+            graph->passToSound(message);
+        if (GST_MESSAGE_TYPE(message) & kWanted)
+            graph->keep(std::move(taken));
         return GST_BUS_DROP;
+    });
+}
+
+void Graph::keep(MessageHandle message) {
     {
-        const std::scoped_lock lock(graph->m_messagesMutex);
-        graph->m_messages.push_back(std::move(taken));
+        const std::scoped_lock lock(m_messagesMutex);
+        m_messages.push_back(std::move(message));
     }
-    QCoreApplication::postEvent(graph, new QEvent(static_cast<QEvent::Type>(kBusEvent)));
-    return GST_BUS_DROP;
+    QCoreApplication::postEvent(this, new QEvent(static_cast<QEvent::Type>(kBusEvent)));
 }
 
 // Any thread; the filters stay the same once the graph has run.

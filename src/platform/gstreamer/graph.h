@@ -57,6 +57,7 @@ private:
     std::vector<Filter*> chainOf(Filter& sink) const;
     void dropIdleFilters();
     void drainBus();
+    void keep(MessageHandle message);
     MessageHandle takeMessage();
     void passToSound(GstMessage* message) const;
 

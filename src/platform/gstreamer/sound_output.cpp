@@ -10,6 +10,9 @@
 
 #include <gst/app/gstappsrc.h>
 
+#include "platform/gstreamer/c_border.h"
+#include "platform/limits.h"
+
 namespace ql240::gstreamer {
 
 namespace {
@@ -35,7 +38,11 @@ public:
     }
 
     struct Asked {
+        void add(SampleHandle piece);
+        void dropPieces();
+
         std::deque<SampleHandle> pieces;
+        std::size_t bytes = 0; // in the pieces
         bool flush = false;
         bool close = false;
     };
@@ -61,6 +68,29 @@ private:
     ElementHandle m_source;
     ElementHandle m_volume;
 };
+
+namespace {
+
+std::size_t bytesOf(const SampleHandle& piece) {
+    return gst_buffer_get_size(gst_sample_get_buffer(piece.get()));
+}
+
+} // namespace
+
+// The oldest go first.
+void SoundOutput::Line::Asked::add(SampleHandle piece) {
+    bytes += bytesOf(piece);
+    pieces.push_back(std::move(piece));
+    while (pieces.size() > kMostPieces || (pieces.size() > 1 && bytes > limits::kQueuedSoundBytes)) {
+        bytes -= bytesOf(pieces.front());
+        pieces.pop_front();
+    }
+}
+
+void SoundOutput::Line::Asked::dropPieces() {
+    pieces.clear();
+    bytes = 0;
+}
 
 // The sound thread runs until the process ends.
 void SoundOutput::Line::queue(std::shared_ptr<Line> line) {
@@ -123,7 +153,8 @@ void SoundOutput::Line::open() {
     ElementHandle sink = makeElement("autoaudiosink");
     if (!source || !volume || !convert || !resample || !sink)
         return;
-    g_object_set(source.get(), "format", GST_FORMAT_TIME, "max-bytes", guint64{0}, nullptr);
+    g_object_set(source.get(), "format", GST_FORMAT_TIME, "max-bytes", guint64{limits::kQueuedSoundBytes},
+                 "leaky-type", GST_APP_LEAKY_TYPE_UPSTREAM, nullptr);
     m_pipeline.reset(GST_ELEMENT(gst_object_ref_sink(gst_pipeline_new(nullptr))));
     const BusHandle bus(gst_element_get_bus(m_pipeline.get()));
     gst_bus_set_sync_handler(bus.get(), messagePosted, this, nullptr);
@@ -167,8 +198,12 @@ bool SoundOutput::Line::isBehind() const {
 // Streaming thread of the output. A server that dies takes only the sound with it.
 GstBusSyncReply SoundOutput::Line::messagePosted(GstBus*, GstMessage* message, gpointer self) {
     auto* line = static_cast<Line*>(self);
-    if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR && !line->m_hasFailed.exchange(true))
-        line->ask([](Asked&) {});
+    if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR && !line->m_hasFailed.exchange(true)) {
+        answerToC(true, [line] {
+            line->ask([](Asked&) {});
+            return true;
+        });
+    }
     gst_message_unref(message);
     return GST_BUS_DROP;
 }
@@ -185,17 +220,13 @@ SoundOutput::~SoundOutput() {
 }
 
 void SoundOutput::play(SampleHandle piece) {
-    m_line->ask([&piece](Line::Asked& asked) {
-        asked.pieces.push_back(std::move(piece));
-        if (asked.pieces.size() > kMostPieces)
-            asked.pieces.pop_front();
-    });
+    m_line->ask([&piece](Line::Asked& asked) { asked.add(std::move(piece)); });
 }
 
 void SoundOutput::flush() {
     m_line->ask([](Line::Asked& asked) {
         asked.flush = true;
-        asked.pieces.clear();
+        asked.dropPieces();
     });
 }
 

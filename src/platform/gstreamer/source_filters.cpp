@@ -9,6 +9,9 @@
 
 #include <utility>
 
+#include "platform/gstreamer/c_border.h"
+#include "platform/limits.h"
+
 namespace ql240::gstreamer {
 
 namespace {
@@ -44,8 +47,27 @@ std::u16string pinName(Container container, GstPad* pad, std::size_t index) {
 } // namespace
 
 FileSource::FileSource() {
-    if (GstElement* source = addElement("filesrc"))
-        addPin(u"Output", PinDirection::Output).setPad(staticPad(source, "src"));
+    GstElement* source = addElement("filesrc");
+    if (!source)
+        return;
+    PadHandle pad = staticPad(source, "src");
+    m_readFile = GST_PAD_GETRANGEFUNC(pad.get());
+    gst_pad_set_getrange_function_full(pad.get(), read, this, nullptr);
+    addPin(u"Output", PinDirection::Output).setPad(std::move(pad));
+}
+
+// The reader's thread must have ended before this goes.
+FileSource::~FileSource() {
+    leavePipeline();
+}
+
+// The splitter allocates whatever the file says of the length of its parts.
+GstFlowReturn FileSource::read(GstPad* pad, GstObject* parent, guint64 offset, guint length, GstBuffer** to) {
+    auto* source = static_cast<FileSource*>(pad->getrangedata);
+    if (length > limits::kReadBytes ||
+        (source->m_opens && (source->m_opening += length) > limits::kOpeningBytes))
+        return GST_FLOW_EOS;
+    return source->m_readFile(pad, parent, offset, length, to);
 }
 
 Status FileSource::Load(const char16_t* path, const MediaType*) {
@@ -74,12 +96,18 @@ Splitter::~Splitter() {
 
 // Both on the demuxer's thread.
 void Splitter::padAdded(GstElement*, GstPad* pad, gpointer self) {
-    auto* splitter = static_cast<Splitter*>(self);
-    const std::scoped_lock lock(splitter->m_mutex);
-    const gulong probe = splitter->m_holds ? gst_pad_add_probe(pad, GST_PAD_PROBE_TYPE_BLOCK_DOWNSTREAM,
-                                                               holdBack, nullptr, nullptr)
-                                           : 0;
-    splitter->m_streams.push_back({share(pad), probe});
+    answerToC(true, [pad, splitter = static_cast<Splitter*>(self)] {
+        splitter->addStream(pad);
+        return true;
+    });
+}
+
+void Splitter::addStream(GstPad* pad) {
+    const std::scoped_lock lock(m_mutex);
+    Stream& added = m_streams.emplace_back(Stream{share(pad), 0});
+    if (m_holds)
+        added.blockProbe =
+            gst_pad_add_probe(pad, GST_PAD_PROBE_TYPE_BLOCK_DOWNSTREAM, holdBack, nullptr, nullptr);
 }
 
 void Splitter::noMorePads(GstElement* demuxer, gpointer) {
@@ -94,7 +122,9 @@ Status Splitter::inputJoined(Pin& input) {
         return kStatusCannotConnect;
     gst_element_set_state(demuxer, GST_STATE_PAUSED);
     gst_element_set_state(upstream->element(), GST_STATE_PAUSED);
-    if (!waitForPads())
+    const bool arePadsThere = waitForPads();
+    upstream->setOpen();
+    if (!arePadsThere)
         return kStatusCannotConnect;
     makeOutputPins();
     return kStatusOk;

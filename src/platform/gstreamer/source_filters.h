@@ -1,6 +1,7 @@
 // The filters at the head of a graph: the file and the splitter of its container.
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <mutex>
 
@@ -8,14 +9,25 @@
 
 namespace ql240::gstreamer {
 
+// Where a read exceeds its limit the file ends, as far as the splitter can see.
 class FileSource final : public FilterWith<IFileSourceFilter> {
 public:
     FileSource();
+    ~FileSource() override;
 
     // Only regular files are opened.
     Status Load(const char16_t* path, const MediaType* type) override;
     bool isSource() const override { return true; }
     GstElement* element() const { return elements().empty() ? nullptr : elements().front().get(); }
+    // What is read from now on is no index any more, but played.
+    void setOpen() { m_opens = false; }
+
+private:
+    static GstFlowReturn read(GstPad* pad, GstObject* parent, guint64 offset, guint length, GstBuffer** to);
+
+    GstPadGetRangeFunction m_readFile = nullptr;
+    std::atomic<bool> m_opens{true};
+    std::int64_t m_opening = 0; // bytes asked for so far; the reader's thread
 };
 
 enum class Container { Avi, Mp4 };
@@ -42,6 +54,7 @@ private:
 
     static void padAdded(GstElement* demuxer, GstPad* pad, gpointer self);
     static void noMorePads(GstElement* demuxer, gpointer self);
+    void addStream(GstPad* pad);
     bool waitForPads();
     void makeOutputPins();
 

@@ -3,10 +3,13 @@
 #include <gst/app/gstappsink.h>
 #include <gst/video/video.h>
 
+#include "platform/gstreamer/c_border.h"
 #include "platform/gstreamer/codec_table.h"
 #include "platform/gstreamer/frame_slot.h"
+#include "platform/gstreamer/queue_limits.h"
 #include "platform/gstreamer/video_window.h"
 #include "platform/gstreamer/yuy2_packer.h"
+#include "platform/limits.h"
 
 namespace ql240::gstreamer {
 
@@ -38,6 +41,10 @@ VideoDecoder::~VideoDecoder() {
 }
 
 Status VideoDecoder::prepareInput(Pin& input, const Pin& upstream) {
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+    if (sizeInCaps(upstream.caps().get(), &width, &height) && limits::isPictureTooLarge(width, height))
+        return kStatusTypeNotAccepted;
     auto factories = decoderChain(StreamKind::Pictures, upstream.caps().get());
     if (!factories)
         return kStatusTypeNotAccepted;
@@ -50,12 +57,13 @@ Status VideoDecoder::prepareInput(Pin& input, const Pin& upstream) {
     GstElement* queue = chain.front();
     GstElement* decoder = chain[chain.size() - 3];
     GstElement* converter = chain.back();
-    g_object_set(queue, "max-size-time", kQueueTime, "max-size-bytes", 0U, "max-size-buffers", 0U, nullptr);
+    limitQueue(queue, kQueueTime, limits::kQueuedPictureBytes);
     // Every decoded frame goes on to the grabber, late or not; what is late isn't drawn.
     for (GstElement* element : {decoder, converter}) {
         if (hasProperty(element, "qos"))
             g_object_set(element, "qos", FALSE, nullptr);
     }
+    m_gate.attach(chain[1], decoder);
     m_clipper.attach(decoder);
     input.setPad(staticPad(queue, "sink"));
     outputPin()->setPad(staticPad(converter, "src"));
@@ -152,8 +160,10 @@ GstBuffer* SampleGrabber::filtered(GstBuffer* frame) {
     GstMapInfo map;
     if (gst_buffer_map(frame, &map, GST_MAP_READWRITE)) {
         const GstClockTime time = GST_BUFFER_PTS_IS_VALID(frame) ? GST_BUFFER_PTS(frame) : 0;
-        m_callback->BufferCB(static_cast<double>(time) / GST_SECOND, map.data,
-                             static_cast<std::int32_t>(map.size));
+        answerToC(kStatusFail, [&] {
+            return m_callback->BufferCB(static_cast<double>(time) / GST_SECOND, map.data,
+                                        static_cast<std::int32_t>(map.size));
+        });
         gst_buffer_unmap(frame, &map);
     }
     return frame;

@@ -8,6 +8,7 @@
 
 #include "platform/gstreamer/frame_clipper.h"
 #include "platform/gstreamer/gst_filter.h"
+#include "platform/gstreamer/picture_gate.h"
 
 namespace ql240::gstreamer {
 
@@ -21,6 +22,7 @@ public:
     VideoDecoder();
     ~VideoDecoder() override;
 
+    // Refuses what the container says is too large.
     Status prepareInput(Pin& input, const Pin& upstream) override;
     void beforeFirstRun(int videoStreams) override;
 
@@ -30,6 +32,7 @@ public:
     FrameClipper& clipper() { return m_clipper; }
 
 private:
+    PictureGate m_gate;
     FrameClipper m_clipper;
 };
 

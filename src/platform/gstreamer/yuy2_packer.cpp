@@ -7,6 +7,7 @@
 
 #include "platform/gstreamer/frame_allocator.h"
 #include "platform/gstreamer/gst_handles.h"
+#include "platform/limits.h"
 
 namespace {
 
@@ -71,6 +72,11 @@ GstCaps* transformCaps(GstBaseTransform*, GstPadDirection direction, GstCaps* ca
     return common;
 }
 
+// The decoder's word on its pictures; it has allocated none yet.
+gboolean takeSize(GstVideoFilter*, GstCaps*, GstVideoInfo* in, GstCaps*, GstVideoInfo*) {
+    return !ql240::limits::isPictureTooLarge(GST_VIDEO_INFO_WIDTH(in), GST_VIDEO_INFO_HEIGHT(in));
+}
+
 GstFlowReturn packFrame(GstVideoFilter*, GstVideoFrame* in, GstVideoFrame* out) {
     const auto plane = [](GstVideoFrame* frame, guint i) {
         return static_cast<std::uint8_t*>(GST_VIDEO_FRAME_PLANE_DATA(frame, i));
@@ -101,6 +107,7 @@ void yuy2_packer_class_init(Yuy2PackerClass* klass) {
     GST_BASE_TRANSFORM_CLASS(klass)->transform_caps = transformCaps;
     GST_BASE_TRANSFORM_CLASS(klass)->propose_allocation = proposeAllocation;
     GST_BASE_TRANSFORM_CLASS(klass)->passthrough_on_same_caps = TRUE;
+    GST_VIDEO_FILTER_CLASS(klass)->set_info = takeSize;
     GST_VIDEO_FILTER_CLASS(klass)->transform_frame = packFrame;
 }
 

@@ -3,17 +3,21 @@
 #include <QtEndian>
 #include <algorithm>
 
+#include "platform/limits.h"
+
 namespace ql240::sensorfiles {
 namespace {
 
 // Box headers are read twice at times, windows a little past what is needed.
 constexpr qint64 kSlack = qint64(64) * 1024;
-constexpr int kMaxReads = 1 << 20;
 
 } // namespace
 
 ByteSource::ByteSource(QIODevice& device)
-    : m_device(device), m_size(device.size()), m_bytesLeft(device.size() + kSlack), m_readsLeft(kMaxReads) {}
+    : m_device(device),
+      m_size(device.size()),
+      m_bytesLeft(std::min<qint64>(device.size() + kSlack, limits::kSensorBytes)),
+      m_readsLeft(limits::kSensorReads) {}
 
 qsizetype ByteSource::read(qint64 offset, std::span<char> to) {
     const auto wanted = static_cast<qint64>(to.size());

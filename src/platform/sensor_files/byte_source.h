@@ -1,6 +1,6 @@
-// Bytes of a clip by their place in the file, with a budget: an honest clip has each of its bytes read once
-// at most, so a file that wants more is lying about its structure. Past the budget, at the end of the file
-// and after a read error there is nothing more to read. Not thread-safe.
+// Bytes of a clip by their place in the file, with a budget: a clip's data are small beside its pictures, and
+// each of their bytes is read once, so a file that wants more is lying about its structure. Past the budget,
+// at the end of the file and after a read error there is nothing more to read. Not thread-safe.
 #pragma once
 
 #include <QIODevice>

@@ -7,15 +7,13 @@
 #include <cstdlib>
 #include <utility>
 
+#include "platform/limits.h"
 #include "platform/sensor_files/nmea.h"
 #include "platform/sensor_files/sensor_formats.h"
 
 namespace ql240::sensorfiles {
 namespace {
 
-constexpr qsizetype kMaxLine = 1024;
-constexpr qint64 kMaxLogBytes = qint64(16) * 1024 * 1024; // an hour's log has two
-constexpr qint64 kMaxRecords = 1 << 20;
 constexpr quint32 kEndMark = 0xFFFFFFFF;
 constexpr qint64 kBelievedStartMs = 60000; // how far the log's first line may be from the start given
 // A clock that is set right jumps: what is longer than a tunnel, or back by more than lines out of order are,
@@ -23,11 +21,13 @@ constexpr qint64 kBelievedStartMs = 60000; // how far the log's first line may b
 constexpr qint64 kBelievedStepMs = 60000;
 constexpr qint64 kBelievedBackMs = 1000;
 constexpr qint64 kUsualStepMs = 1000;
+// Behind the time that anybody asks for, with room for what comes out of order.
+constexpr qint64 kEndMs = limits::kSensorTrackMs + kBelievedBackMs;
 
 void readAccelerations(ByteSource& source, ByteRange table, SensorRecords& records) {
     RangeReader reader(source, table);
     std::array<char, 10> record{};
-    for (qint64 i = 0; i < kMaxRecords && reader.read(record); ++i) {
+    while (!records.isFull() && reader.read(record)) {
         const quint32 timeMs = qFromBigEndian<quint32>(record.data());
         if (timeMs == kEndMark) {
             return;
@@ -35,6 +35,9 @@ void readAccelerations(ByteSource& source, ByteRange table, SensorRecords& recor
         records.addAcceleration(timeMs, qFromBigEndian<qint16>(record.data() + 4),
                                 qFromBigEndian<qint16>(record.data() + 6),
                                 qFromBigEndian<qint16>(record.data() + 8));
+        if (timeMs > kEndMs) {
+            return;
+        }
     }
 }
 
@@ -43,6 +46,8 @@ class LogReader {
 public:
     LogReader(std::optional<qint64> startedAt, SensorRecords& records)
         : m_startedAt(startedAt), m_records(records) {}
+
+    bool isAtEnd() const { return m_records.isFull() || m_timeMs.value_or(0) > kEndMs; }
 
     void addLine(QByteArrayView line) {
         if (line.startsWith('[')) {
@@ -79,18 +84,21 @@ private:
 };
 
 void readLog(ByteSource& source, ByteRange log, std::optional<qint64> startedAt, SensorRecords& records) {
-    RangeReader reader(source, {log.start, std::min(log.size, kMaxLogBytes)});
+    RangeReader reader(source, log);
     LogReader lines(startedAt, records);
     QByteArray line;
     while (const std::optional<quint8> byte = reader.byte()) {
         if (*byte >= 0x20) {
             line.append(static_cast<char>(*byte));
-            if (line.size() > kMaxLine) {
+            if (line.size() > limits::kSensorLine) {
                 return;
             }
         } else if (!line.isEmpty()) {
             lines.addLine(line);
             line.clear();
+            if (lines.isAtEnd()) {
+                return;
+            }
         }
     }
     lines.addLine(line);

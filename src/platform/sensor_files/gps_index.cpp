@@ -4,6 +4,7 @@
 #include <QtEndian>
 #include <vector>
 
+#include "platform/limits.h"
 #include "platform/sensor_files/nmea.h"
 #include "platform/sensor_files/second_records.h"
 #include "platform/sensor_files/sensor_formats.h"
@@ -11,9 +12,7 @@
 namespace ql240::sensorfiles {
 namespace {
 
-constexpr int kMaxBlocks = 1 << 16;
-constexpr size_t kBlockBytes = 4096; // the record lies in the first hundred of those known
-constexpr size_t kHeadSize = 12;     // box size, "free", "GPS "
+constexpr size_t kHeadSize = 12; // box size, "free", "GPS "
 constexpr size_t kClockSize = 24;
 constexpr size_t kPlaceSize = 16; // four bytes of letters, latitude, longitude, knots
 
@@ -70,9 +69,9 @@ SecondRecord readBlock(std::span<const char> block) {
 void readGpsIndex(ByteSource& source, const ClipLayout& clip, SensorRecords& records) {
     RangeReader index(source, clip.gpsIndex);
     index.u32(); // version
-    const quint32 count = std::min<quint32>(index.u32().value_or(0), kMaxBlocks);
+    const quint32 count = std::min<quint32>(index.u32().value_or(0), limits::kSensorRecords);
     std::vector<SecondRecord> seconds;
-    std::array<char, kBlockBytes> bytes{};
+    std::array<char, limits::kGpsBlockBytes> bytes{};
     for (quint32 i = 0; i < count; ++i) {
         const std::optional<quint32> offset = index.u32();
         const std::optional<quint32> size = index.u32();

@@ -1,14 +1,12 @@
 #include <QtEndian>
 #include <algorithm>
 
+#include "platform/limits.h"
 #include "platform/sensor_files/clip_layout.h"
 
 namespace ql240::sensorfiles {
 namespace {
 
-constexpr size_t kMaxTracks = 64;
-constexpr size_t kMaxFreeBoxes = 64;
-constexpr int kMaxEdits = 16;
 constexpr qint64 kSecondsFrom1904To1970 = 2082844800;
 
 // A full box's version and flags, then the rest.
@@ -120,7 +118,7 @@ void readEdits(ByteSource& source, const Box& box, TrackLayout& track) {
     }
     const bool wide = full->version == 1;
     const quint32 count = full->reader.u32().value_or(0);
-    for (quint32 i = 0; i < std::min<quint32>(count, kMaxEdits); ++i) {
+    for (quint32 i = 0; i < std::min(count, limits::kEdits); ++i) {
         const quint64 duration = number(full->reader, wide);
         const quint64 raw = number(full->reader, wide);
         const qint64 mediaTime = wide ? static_cast<qint64>(raw) : static_cast<qint32>(raw);
@@ -171,7 +169,7 @@ void readMovie(ByteSource& source, ByteRange area, ClipLayout& clip) {
     while (const std::optional<Box> box = boxes.next()) {
         if (box->type == fourCc("mvhd")) {
             readMovieHeader(source, *box, clip);
-        } else if (box->type == fourCc("trak") && clip.tracks.size() < kMaxTracks) {
+        } else if (box->type == fourCc("trak") && clip.tracks.size() < limits::kTracks) {
             clip.tracks.push_back(readTrack(source, box->body));
         } else if (box->type == fourCc("gps ")) {
             clip.gpsIndex = box->body;
@@ -209,7 +207,7 @@ void readMp4Layout(ByteSource& source, ClipLayout& clip) {
     while (const std::optional<Box> box = boxes.next()) {
         if (box->type == fourCc("moov")) {
             readMovie(source, box->body, clip);
-        } else if (box->type == fourCc("free") && clip.freeBoxes.size() < kMaxFreeBoxes) {
+        } else if (box->type == fourCc("free") && clip.freeBoxes.size() < limits::kFreeBoxes) {
             clip.freeBoxes.push_back(box->body);
         } else if (box->type == fourCc("gps0")) {
             clip.gps0 = box->body;

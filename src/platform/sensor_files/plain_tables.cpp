@@ -3,6 +3,7 @@
 #include <QtEndian>
 #include <vector>
 
+#include "platform/limits.h"
 #include "platform/sensor_files/nmea.h"
 #include "platform/sensor_files/second_records.h"
 #include "platform/sensor_files/sensor_formats.h"
@@ -10,8 +11,9 @@
 namespace ql240::sensorfiles {
 namespace {
 
-constexpr qint64 kMaxRecords = 1 << 20;
 constexpr qint64 kAccelerationStepMs = 200;
+// Up to the first behind the time that anybody asks for.
+constexpr qint64 kAccelerations = limits::kSensorTrackMs / kAccelerationStepMs + 2;
 constexpr double kCountsPerUnit = 128.0 / 16.0;
 
 SecondRecord readPosition(std::span<const char> bytes) {
@@ -32,7 +34,7 @@ void readPositions(ByteSource& source, const ClipLayout& clip, SensorRecords& re
     RangeReader reader(source, clip.gps0);
     std::vector<SecondRecord> seconds;
     std::array<char, 32> record{};
-    for (qint64 i = 0; i < kMaxRecords && reader.read(record); ++i) {
+    while (seconds.size() < limits::kSensorRecords && reader.read(record)) {
         seconds.push_back(readPosition(record));
     }
     addSecondRecords(seconds, clip.lengthMs, records);
@@ -41,7 +43,7 @@ void readPositions(ByteSource& source, const ClipLayout& clip, SensorRecords& re
 void readAccelerations(ByteSource& source, ByteRange table, SensorRecords& records) {
     RangeReader reader(source, table);
     std::array<char, 3> record{};
-    for (qint64 i = 0; i < kMaxRecords && reader.read(record); ++i) {
+    for (qint64 i = 0; i < kAccelerations && reader.read(record); ++i) {
         const auto counts = [&](int axis) { return static_cast<qint8>(record[axis]) * kCountsPerUnit; };
         records.addAcceleration(i * kAccelerationStepMs, counts(0), counts(1), counts(2));
     }

@@ -60,6 +60,9 @@ qint32 SensorRecords::note(qint64 timeMs) {
 }
 
 void SensorRecords::addFix(qint64 timeMs, double latitude, double longitude) {
+    if (isFull()) {
+        return;
+    }
     if (std::abs(latitude) <= 90.0 && std::abs(longitude) <= 180.0) {
         m_fixes.push_back(
             {note(timeMs), {rounded<qint32>(latitude * 1e6), rounded<qint32>(longitude * 1e6)}});
@@ -69,17 +72,19 @@ void SensorRecords::addFix(qint64 timeMs, double latitude, double longitude) {
 }
 
 void SensorRecords::addNoFix(qint64 timeMs) {
-    m_fixes.push_back({note(timeMs), {}});
+    if (!isFull()) {
+        m_fixes.push_back({note(timeMs), {}});
+    }
 }
 
 void SensorRecords::addSpeed(qint64 timeMs, double kmh) {
-    if (std::isfinite(kmh)) {
+    if (!isFull() && std::isfinite(kmh)) {
         m_speeds.push_back({note(timeMs), rounded<qint32>(kmh)});
     }
 }
 
 void SensorRecords::addAcceleration(qint64 timeMs, double x, double y, double z) {
-    if (std::isfinite(x) && std::isfinite(y) && std::isfinite(z)) {
+    if (!isFull() && std::isfinite(x) && std::isfinite(y) && std::isfinite(z)) {
         m_shocks.push_back({note(timeMs), {rounded<qint16>(x), rounded<qint16>(y), rounded<qint16>(z)}});
     }
 }

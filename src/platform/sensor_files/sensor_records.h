@@ -7,6 +7,8 @@
 #include <optional>
 #include <vector>
 
+#include "platform/limits.h"
+
 namespace ql240::sensorfiles {
 
 struct Position {
@@ -36,6 +38,10 @@ public:
     // from the distance between the fixes.
     void finish();
 
+    // Nothing more is taken.
+    bool isFull() const {
+        return m_fixes.size() + m_speeds.size() + m_shocks.size() >= limits::kSensorRecords;
+    }
     bool isEmpty() const { return m_fixes.empty() && m_speeds.empty() && m_shocks.empty(); }
     // A clip is answered for up to a second behind its last record.
     bool covers(qint64 timeMs) const;

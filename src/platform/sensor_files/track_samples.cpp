@@ -2,13 +2,13 @@
 
 #include <algorithm>
 
+#include "platform/limits.h"
+
 namespace ql240::sensorfiles {
 namespace {
 
-constexpr qsizetype kMaxSampleBytes = qsizetype(64) * 1024;
 constexpr qsizetype kBatchBytes = qsizetype(16) * 1024;
 constexpr size_t kBatchSamples = 256;
-constexpr qint64 kMaxSamples = 1 << 20;
 constexpr qint64 kMaxTicks = qint64(1) << 52; // twice as many seconds still are ms of 64 bits
 
 qint64 ticksToMsUp(qint64 ticks, quint32 timescale) {
@@ -128,7 +128,7 @@ public:
     SampleBatch(ByteSource& source, const SampleVisitor& visit) : m_source(source), m_visit(visit) {}
 
     void add(qint64 offset, quint32 size, qint64 timeMs) {
-        const auto bytes = static_cast<qsizetype>(std::min<qint64>(size, kMaxSampleBytes));
+        const auto bytes = static_cast<qsizetype>(std::min<qint64>(size, limits::kSensorSampleBytes));
         const bool follows = offset == m_offset + m_size;
         if (!follows || m_size + bytes > kBatchBytes || m_samples.size() == kBatchSamples) {
             flush();
@@ -206,7 +206,7 @@ void forEachSample(ByteSource& source, const TrackLayout& track, quint32 fileTim
     quint32 chunk = 0;
     quint32 leftInChunk = 0;
     qint64 offset = 0;
-    for (qint64 i = 0; i < kMaxSamples; ++i) {
+    for (size_t i = 0; i < limits::kSensorRecords; ++i) {
         if (leftInChunk == 0) {
             const std::optional<qint64> start = nextChunk(offsets, track, source.size());
             leftInChunk = runs.samplesOf(++chunk);
@@ -220,8 +220,12 @@ void forEachSample(ByteSource& source, const TrackLayout& track, quint32 fileTim
         if (!size || !time) {
             break;
         }
+        const qint64 timeMs = clock.msOf(*time);
         if (*size > 0) {
-            batch.add(offset, *size, clock.msOf(*time));
+            batch.add(offset, *size, timeMs);
+        }
+        if (timeMs > limits::kSensorTrackMs) {
+            break;
         }
         offset += *size;
         --leftInChunk;

@@ -9,8 +9,9 @@
 namespace ql240::sensorfiles {
 
 // Calls `visit` for each sample that isn't empty: when it begins in ms from the clip's start (rounded up: a
-// sample isn't there before its time; before the start it may be negative) and its bytes, at most the first
-// 64 KiB of them. Ends where the first table does, or says nothing sensible.
+// sample isn't there before its time; before the start it may be negative) and its bytes, of a long one only
+// the first. Ends where the first table does or says nothing sensible, and with the first sample behind the
+// time that anybody asks for.
 using SampleVisitor = std::function<void(qint64 timeMs, std::span<const char> bytes)>;
 void forEachSample(ByteSource& source, const TrackLayout& track, quint32 fileTimescale,
                    const SampleVisitor& visit);

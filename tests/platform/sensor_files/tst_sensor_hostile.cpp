@@ -4,6 +4,7 @@
 #include <QIODevice>
 #include <QTest>
 
+#include "platform/limits.h"
 #include "platform/sensor_files/sensor_file_library.h"
 #include "support/sensor_clips.h"
 
@@ -33,19 +34,20 @@ protected:
         if (bytesRead >= failsAfter)
             return -1;
         const qint64 count = std::min({wanted, size() - pos(), failsAfter - bytesRead});
-        for (qint64 i = 0; i < count; ++i)
-            to[i] = at(pos() + i);
+        std::fill_n(to, count, '\0');
+        copy(m_clip.before, 0, to, count);
+        copy(m_clip.after, m_clip.before.size() + m_clip.picture, to, count);
         bytesRead += count;
         return count;
     }
     qint64 writeData(const char*, qint64) override { return -1; }
 
 private:
-    char at(qint64 place) const {
-        if (place < m_clip.before.size())
-            return m_clip.before[place];
-        place -= m_clip.before.size() + m_clip.picture;
-        return place < 0 ? '\0' : m_clip.after[place];
+    void copy(const QByteArray& part, qint64 start, char* to, qint64 count) const {
+        const qint64 first = std::max(start, pos());
+        const qint64 end = std::min(start + part.size(), pos() + count);
+        if (first < end)
+            std::copy_n(part.constData() + (first - start), end - first, to + (first - pos()));
     }
 
     Mp4 m_clip;
@@ -118,7 +120,7 @@ private:
     }
 
     void checkCost(const HollowDevice& device, qint64 elapsedMs) {
-        QVERIFY(device.bytesRead <= device.size() + kSlack);
+        QVERIFY(device.bytesRead <= std::min<qint64>(device.size() + kSlack, limits::kSensorBytes));
         QVERIFY(device.largestRead <= kSlack);
         QVERIFY2(elapsedMs < 10000, "took more than ten seconds");
     }
@@ -169,6 +171,8 @@ private Q_SLOTS:
         row("billions of empty samples", clipWithTables(times + oneChunk + chunks + sizes(0, 0xFFFFFFFF)));
         row("a sample of 4 GB", clipWithTables(times + oneChunk + chunks + sizes(0xFFFFFFFF, 0xFFFFFFFF)),
             true);
+        QByteArray text = clipWithTables(times + oneChunk + chunks + sizes(0xFFFF, 0xFFFFFFFF));
+        row("gigabytes of text", text.replace("camm", "text"));
         const QByteArray late =
             fullTable("elst", 1, bigEndian((1ULL << 53) - 1, 8) + QByteArray(8, '\xFF') + bigEndian(0, 4))
                 .replace(8, 1, "\1"); // the version with numbers of 64 bits
@@ -211,11 +215,11 @@ private Q_SLOTS:
         QTEST(readAll(device), "hasData");
     }
 
-    // A gigabyte with a minute of samples: only headers, tables and the samples themselves are read.
+    // A gigabyte with three minutes of samples: only headers, tables and the first minute's samples are read.
     void largeClip() {
         Track track;
         track.durations = {10};
-        for (int i = 0; i < 6000; ++i) {
+        for (int i = 0; i < 18000; ++i) {
             track.samples.append(motionAcceleration(0, 0, 9.8F) +
                                  motionFix(3, 37.5, 127.0 + i * 1e-6, 20, 0));
         }
@@ -226,9 +230,9 @@ private Q_SLOTS:
         qint16 x = 0;
         qint16 y = 0;
         qint16 z = 0;
-        QVERIFY(library.getAccXYZ(handle, 60000, &x, &y, &z) != 0);
+        QVERIFY(library.getAccXYZ(handle, 61000, &x, &y, &z) != 0);
         QCOMPARE(z, qint16(128));
-        QVERIFY(device.bytesRead <= clip.after.size() + kSlack);
+        QVERIFY(device.bytesRead <= clip.after.size() / 2);
     }
 };
 
