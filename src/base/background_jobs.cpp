@@ -44,9 +44,8 @@ private:
             return;
         m_loop = loop;
         m_left = kLongestStandstill;
-        const auto renew = [this] { m_left = kLongestStandstill; };
-        connect(loop, &QAbstractEventDispatcher::aboutToBlock, this, renew);
-        connect(loop, &QAbstractEventDispatcher::awake, this, renew);
+        // Not as it is about to block: events posted and timers due can be handled before and behind that.
+        connect(loop, &QAbstractEventDispatcher::awake, this, [this] { m_left = kLongestStandstill; });
     }
 
     QPointer<QAbstractEventDispatcher> m_loop;

@@ -139,14 +139,14 @@ void VideoView::mousePressEvent(QMouseEvent* event) {
     event->setAccepted(m_zoomWinMode);
     if (!m_zoomWinMode)
         return;
-    m_drag.begin(event->button());
+    m_drag.begin(*event);
     m_pressPoint = m_lastPoint = event->position().toPoint();
 }
 
 // Small moves are taken too: passed on, they would come back from the window in its own coordinates.
 void VideoView::mouseMoveEvent(QMouseEvent* event) {
     event->setAccepted(m_zoomWinMode);
-    if (!m_zoomWinMode || !m_drag.goesOn(event->buttons()))
+    if (!m_zoomWinMode || !m_drag.goesOn(*event))
         return;
     const QPoint position = event->position().toPoint();
     const QPoint moved = position - m_lastPoint;

@@ -135,14 +135,14 @@ void FlHlp::press(Record& record, const QMouseEvent& event) {
         return;
     const QPoint point = event.globalPosition().toPoint();
     const QRect frame = record.window->frameGeometry();
-    record.drag.begin(event.button());
+    record.drag.begin(event);
     record.edges = edgesAt(point, frame);
     record.dragOffset = point - frame.topLeft();
 }
 
 void FlHlp::drag(Record& record, const QMouseEvent& event) {
     const QPoint point = event.globalPosition().toPoint();
-    if (!record.drag.goesOn(event.buttons())) {
+    if (!record.drag.goesOn(event)) {
         showResizeCursor(record, point);
         return;
     }

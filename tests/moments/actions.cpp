@@ -70,6 +70,9 @@ void dragSlowly(Run& run) {
     const QRect places[] = {layout::kMainView, QRect(230, 2, 400, 26), layout::kClipList,
                             layout::kProgressPanel};
     QPoint place = somewhereIn(run, places[run.luck().chance(70) ? 0 : run.luck().below(4)]);
+    const bool inList = layout::kClipList.contains(place);
+    if (inList)
+        run.viewer().mayChoose();
     run.hands().press(window, place, run.luck().chance(90) ? Qt::LeftButton : Qt::RightButton);
     const QPoint stride(run.luck().below(3) - 1, run.luck().below(3) - 1);
     const int scale = run.luck().chance(50) ? 1 : 9;
@@ -77,7 +80,8 @@ void dragSlowly(Run& run) {
         place += stride * scale;
         run.viewer().beforeMove();
         run.hands().move(window, place);
-        run.viewer().afterMove(run.hands(), window->mapToGlobal(place));
+        if (!inList)
+            run.viewer().afterMove(run.hands(), window->mapToGlobal(place));
     }
     if (run.luck().chance(15))
         return run.hands().loseRelease();

@@ -56,7 +56,9 @@ bool CardWatch::Dialog::maySave(const QString& path, const QByteArray& before, c
         return false;
     // A drive without settings gets the defaults that were shown.
     const bool muted = key->value == &SettingValues::speakervalue && value == 0;
-    return before.isNull() || muted || value == byteOf(before) ||
+    // The timer's page has no mark for 0 and hands back 1.
+    const bool fromNoTimer = key->value == &SettingValues::timeoffvalue && byteOf(before) < 1 && value == 1;
+    return before.isNull() || muted || fromNoTimer || value == byteOf(before) ||
            chosen.contains({QLatin1String(key->name), value});
 }
 

@@ -165,7 +165,8 @@ void ViewerWatch::checkButtons(const Sight& now) {
     const bool pause = m_world.window->button(ButtonId::Pause)->isVisibleTo(m_world.window.get());
     if (play && pause)
         m_world.fail(QStringLiteral("play and pause are both there"));
-    if (!play && !pause && !now.fullScreen && !m_last.fullScreen)
+    // A minimised window follows when it is shown again.
+    if (!play && !pause && !now.fullScreen && !m_last.fullScreen && !m_world.window->isMinimized())
         m_world.fail(QStringLiteral("neither play nor pause is there"));
 }
 

@@ -28,6 +28,8 @@ public:
 
     // Before an action is played. `quietMs`: how long nothing has been done.
     void before(const char* action, bool navigates);
+    // That action does, after all.
+    void mayChoose() { m_navigated = true; }
     void check(int quietMs);
     // Notes when something that shows has changed by itself; called in every turn of the event loop.
     void observe();
