@@ -26,6 +26,7 @@
 #include "support/peak_memory.h"
 
 using namespace ql240;
+using namespace ql240::demo;
 
 namespace {
 
@@ -80,7 +81,7 @@ Use useNow() {
 // Three seconds of a drive in small pictures, with its sensor data.
 GoodClip makeGoodClip(const char* title, int plan, const QString& folder) {
     ClipPlan clip = demoClips()[plan];
-    clip.drive.seconds = 3;
+    clip.span.to = clip.span.from + 3;
     for (ClipFormat::Video& video : clip.format.videos)
         video.size = {192, 108};
     Progress progress;
@@ -282,9 +283,9 @@ int main(int argc, char** argv) {
     std::signal(SIGALRM, onAlarm);
     const QTemporaryDir folder;
     QDir().mkpath(QStringLiteral("case"));
-    QList<GoodClip> clips{makeGoodClip("MP4", 2, folder.path()),
+    QList<GoodClip> clips{makeGoodClip("MP4", 4, folder.path()),
                           makeGoodClip("MP4 of two videos, index first", 0, folder.path()),
-                          makeGoodClip("AVI with trailer", 4, folder.path())};
+                          makeGoodClip("AVI with trailer", 5, folder.path())};
     clips[1].bytes = withIndexFirst(clips[1].bytes);
     if (fields) {
         const bool fit = runFields(clips.mid(1), argc > 2);

@@ -1,16 +1,18 @@
 // The drives of the demo card and what is recorded of them.
 
-#include <QtCore/QRegularExpression>
+#include <QtCore/QtEndian>
 #include <QtTest/QTest>
 #include <cmath>
 #include <numbers>
 
 #include "demo_card/clips.h"
+#include "demo_card/scene/scene.h"
 #include "demo_card/sensor_data.h"
 #include "demo_card/yuv.h"
 #include "sensors/sensor_track.h"
 
 using namespace ql240;
+using namespace ql240::demo;
 
 namespace {
 
@@ -36,7 +38,7 @@ private Q_SLOTS:
                 continue;
             ++trailers;
             const Drive drive(clip.drive);
-            const QByteArray trailer = sensorTrailer(drive);
+            const QByteArray trailer = sensorTrailer(drive, clip.span);
             QVERIFY(trailer.size() < 33006);
             SensorTrack track;
             QVERIFY(appendTrailerBytes(track, "media" + trailer, true, 20000));
@@ -47,46 +49,71 @@ private Q_SLOTS:
                 QVERIFY(metresBetween({sample.latitude, sample.longitude}, state.position) < 0.2);
                 QCOMPARE(sample.accY, qint16(std::lround(state.forwardAcc / 9.80665 * 128)));
             }
-            static const QRegularExpression line(QStringLiteral("^\\d{8}\\$\\d{6}(,-?[\\d.]+){6}$"));
-            const QList<QByteArray> lines = trailer.split('\n');
-            QCOMPARE(lines.first(), QByteArray("ETKLP1"));
-            for (const QByteArray& text : lines.mid(1, lines.size() - 2))
-                QVERIFY2(line.match(QString::fromLatin1(text)).hasMatch(), text.constData());
         }
         QCOMPARE(trailers, 2);
     }
 
-    void coloursBecomeTheStandardsSamples_data() {
-        using Samples = QList<int>;
-        QTest::addColumn<QSize>("size");
-        QTest::addColumn<bool>("avi");
-        QTest::addColumn<QColor>("colour");
-        QTest::addColumn<Samples>("expected"); // Y', Cb, Cr
-        const QSize high(1280, 720);
-        const QSize low(640, 360);
-        QTest::newRow("white, HD") << high << false << QColor(Qt::white) << Samples{235, 128, 128};
-        QTest::newRow("black, HD") << high << false << QColor(Qt::black) << Samples{16, 128, 128};
-        QTest::newRow("red, BT.709") << high << false << QColor(Qt::red) << Samples{63, 102, 240};
-        QTest::newRow("blue, BT.709") << high << false << QColor(Qt::blue) << Samples{32, 240, 118};
-        QTest::newRow("red, BT.601") << low << false << QColor(Qt::red) << Samples{81, 90, 240};
-        QTest::newRow("green, BT.601") << low << false << QColor(Qt::green) << Samples{145, 54, 34};
-        QTest::newRow("white, JPEG") << low << true << QColor(Qt::white) << Samples{255, 128, 128};
-        QTest::newRow("black, JPEG") << low << true << QColor(Qt::black) << Samples{0, 128, 128};
-        QTest::newRow("blue, JPEG") << low << true << QColor(Qt::blue) << Samples{29, 255, 107};
+    void clipsOfOneDriveFollowEachOther() {
+        const QList<ClipPlan> clips = demoClips();
+        const QSize size(192, 108);
+        for (int i = 1; i < 3; ++i) {
+            const Drive before(clips[i - 1].drive);
+            const Drive after(clips[i].drive);
+            const double end = clips[i - 1].span.to;
+            const double start = clips[i].span.from;
+            QCOMPARE(clips[i].start(), clips[i - 1].start().addSecs(20));
+            QCOMPARE(clips[i].name.mid(4, 19), clips[i].start().toString("yyyy_MM_dd_hh_mm_ss"));
+            QVERIFY(metresBetween(before.at(end).position, after.at(start).position) < 0.01);
+            QCOMPARE(before.at(end).speed, after.at(start).speed);
+            QCOMPARE(Scene(before, clips[i - 1].world, size, false).paint(end),
+                     Scene(after, clips[i].world, size, false).paint(start));
+        }
+        QVERIFY(clips[1].name.startsWith("EVS_"));
     }
+
+    // Over 2 g for 100 ms: in the samples every 50 ms of an MP4, in the lines every 100 ms of an AVI.
+    void theSensorFeelsTheImpact() {
+        const ClipPlan crash = demoClips()[1];
+        const auto strong = [](const QByteArray& sample) {
+            const auto* a = sample.constData() + 4;
+            return std::hypot(qFromLittleEndian<float>(a), qFromLittleEndian<float>(a + 4),
+                              qFromLittleEndian<float>(a + 8)) > 2.2 * 9.80665;
+        };
+        const QList<QByteArray> samples = cammSamples(Drive(crash.drive), crash.span);
+        QVERIFY(std::count_if(samples.begin(), samples.end(), strong) >= 3);
+        QVERIFY(strong(samples[204]));
+        const ClipPlan bump = demoClips()[5];
+        SensorTrack track;
+        QVERIFY(
+            appendTrailerBytes(track, "media" + sensorTrailer(Drive(bump.drive), bump.span), true, 20000));
+        int lines = 0;
+        for (int time = 9000; time < 12000; time += 100) {
+            const SensorSample sample = sampleForTime(track, time);
+            lines += std::hypot(sample.accX, sample.accY, sample.accZ) > 2.2 * 128;
+        }
+        QVERIFY(lines >= 2);
+    }
+
     void coloursBecomeTheStandardsSamples() {
-        QFETCH(QSize, size);
-        QFETCH(bool, avi);
-        QFETCH(QColor, colour);
-        QFETCH(QList<int>, expected);
-        ClipFormat format;
-        format.container = avi ? ClipFormat::Container::Avi : ClipFormat::Container::Mp4;
-        QImage picture(4, 2, QImage::Format_RGB32);
-        picture.fill(colour);
-        std::array<uchar, 12> planes{};
-        convertToI420(picture, yuvMatrixFor(format, size), planes);
-        for (size_t i = 0; i < planes.size(); ++i)
-            QCOMPARE(int(planes[i]), expected[i < 8 ? 0 : i < 10 ? 1 : 2]);
+        using Container = ClipFormat::Container;
+        const struct {
+            int height;
+            Container container;
+            QColor colour;
+            int y, cb, cr;
+        } rows[] = {
+            {720, Container::Mp4, Qt::black, 16, 128, 128},  {720, Container::Mp4, Qt::red, 63, 102, 240},
+            {720, Container::Mp4, Qt::blue, 32, 240, 118},   {360, Container::Mp4, Qt::red, 81, 90, 240},
+            {480, Container::Avi, Qt::white, 255, 128, 128}, {480, Container::Avi, Qt::blue, 29, 255, 107}};
+        for (const auto& row : rows) {
+            QImage picture(4, 2, QImage::Format_RGB32);
+            picture.fill(row.colour);
+            std::array<uchar, 12> planes{};
+            convertToI420(
+                picture, yuvMatrixFor({.container = row.container, .videos = {}}, {640, row.height}), planes);
+            for (size_t i = 0; i < planes.size(); ++i)
+                QCOMPARE(int(planes[i]), i < 8 ? row.y : i < 10 ? row.cb : row.cr);
+        }
     }
 };
 

@@ -4,7 +4,7 @@
 #include <QtCore/QSaveFile>
 #include <QtCore/QtEndian>
 
-namespace ql240 {
+namespace ql240::demo {
 namespace {
 
 constexpr qint64 kMacEpochSeconds = -2082844800; // 1904-01-01 in Unix time
@@ -137,4 +137,4 @@ bool addCammTrack(const QString& path, const QList<QByteArray>& samples, int sam
            result.commit();
 }
 
-} // namespace ql240
+} // namespace ql240::demo

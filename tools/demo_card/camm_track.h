@@ -7,7 +7,7 @@
 #include <QtCore/QList>
 #include <QtCore/QString>
 
-namespace ql240 {
+namespace ql240::demo {
 
 // The samples go into a media box of their own behind the file's media, the index moves behind it and gets
 // one more track; sampleMs is how long each sample lasts. All creation times become `created`, which also
@@ -16,4 +16,4 @@ namespace ql240 {
 bool addCammTrack(const QString& path, const QList<QByteArray>& samples, int sampleMs,
                   const QDateTime& created);
 
-} // namespace ql240
+} // namespace ql240::demo

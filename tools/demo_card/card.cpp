@@ -9,7 +9,7 @@
 
 #include "settings/setting_values.h"
 
-namespace ql240 {
+namespace ql240::demo {
 namespace {
 
 constexpr char kMarkerName[] = ".demo-card"; // what may be replaced
@@ -110,4 +110,4 @@ QString makeCard(const QString& folder, const QList<ClipPlan>& clips, Progress& 
     return problem.isEmpty() ? putInPlace(workshop, made, target) : problem;
 }
 
-} // namespace ql240
+} // namespace ql240::demo

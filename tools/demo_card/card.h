@@ -11,7 +11,7 @@
 
 #include "demo_card/clip_maker.h"
 
-namespace ql240 {
+namespace ql240::demo {
 
 inline constexpr char kClipFolderName[] = "VIDEO";
 
@@ -25,4 +25,4 @@ bool writeCardFiles(const QString& folder);
 // wrong.
 QString makeCard(const QString& folder, const QList<ClipPlan>& clips, Progress& progress);
 
-} // namespace ql240
+} // namespace ql240::demo

@@ -8,7 +8,7 @@
 
 #include "demo_card/yuv.h"
 
-namespace ql240 {
+namespace ql240::demo {
 namespace {
 
 constexpr int kQueuedFrames = 3;
@@ -194,4 +194,4 @@ QString ClipEncoder::errorText() const {
     return m_pipeline->error;
 }
 
-} // namespace ql240
+} // namespace ql240::demo

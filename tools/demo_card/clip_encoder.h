@@ -12,7 +12,7 @@
 
 class QImage;
 
-namespace ql240 {
+namespace ql240::demo {
 
 struct ClipFormat {
     enum class Container { Mp4, Avi };
@@ -44,4 +44,4 @@ private:
     std::unique_ptr<Pipeline> m_pipeline;
 };
 
-} // namespace ql240
+} // namespace ql240::demo

@@ -5,16 +5,17 @@
 #include <vector>
 
 #include "demo_card/camm_track.h"
+#include "demo_card/caption.h"
 #include "demo_card/scene/scene.h"
 #include "demo_card/sensor_data.h"
 
-namespace ql240 {
+namespace ql240::demo {
 namespace {
 
 QString encodeClip(const ClipPlan& plan, const Drive& drive, const QString& path, Progress& progress) {
     ClipEncoder encoder(path, plan.format);
     if (plan.format.soundRate > 0)
-        encoder.addSound(driveSound(drive, plan.format.soundRate, plan.indicator));
+        encoder.addSound(driveSound(drive, plan.span, plan.format.soundRate, plan.indicator));
     std::vector<std::unique_ptr<Scene>> scenes;
     for (const ClipFormat::Video& video : plan.format.videos)
         scenes.push_back(std::make_unique<Scene>(drive, plan.world, video.size, !scenes.empty()));
@@ -22,7 +23,10 @@ QString encodeClip(const ClipPlan& plan, const Drive& drive, const QString& path
         if (progress.cancelled)
             return QStringLiteral("interrupted");
         for (size_t video = 0; video < scenes.size(); ++video) {
-            const QImage& picture = scenes[video]->paint(double(frame) / plan.format.frameRate, frame);
+            const double time = plan.span.from + double(frame) / plan.format.frameRate;
+            QImage& picture = scenes[video]->paint(time);
+            burnCaption(picture, drive.plan(), drive.at(time),
+                        video == 0 ? QStringLiteral("FRONT") : QStringLiteral("REAR"), frame);
             if (!encoder.addFrame(int(video), picture))
                 return encoder.errorText();
         }
@@ -33,9 +37,9 @@ QString encodeClip(const ClipPlan& plan, const Drive& drive, const QString& path
 
 bool addSensorData(const ClipPlan& plan, const Drive& drive, const QString& path) {
     if (plan.format.container == ClipFormat::Container::Mp4)
-        return addCammTrack(path, cammSamples(drive), kCammSampleMs, plan.drive.start);
+        return addCammTrack(path, cammSamples(drive, plan.span), kCammSampleMs, plan.start());
     QFile file(path);
-    const QByteArray trailer = sensorTrailer(drive);
+    const QByteArray trailer = sensorTrailer(drive, plan.span);
     return file.open(QIODevice::Append) && file.write(trailer) == trailer.size();
 }
 
@@ -50,4 +54,4 @@ QString makeClip(const ClipPlan& plan, const QString& path, Progress& progress) 
                                             : QStringLiteral("the sensor data could not be added");
 }
 
-} // namespace ql240
+} // namespace ql240::demo

@@ -7,7 +7,7 @@
 
 #include "demo_card/clips.h"
 
-namespace ql240 {
+namespace ql240::demo {
 
 // Shared by the threads that make clips and the one that shows how far they are.
 struct Progress {
@@ -18,4 +18,4 @@ struct Progress {
 // An empty text, or what went wrong.
 QString makeClip(const ClipPlan& plan, const QString& path, Progress& progress);
 
-} // namespace ql240
+} // namespace ql240::demo

@@ -1,13 +1,30 @@
 #include "demo_card/clips.h"
 
 #include <QtCore/QTimeZone>
+#include <array>
 
-namespace ql240 {
+namespace ql240::demo {
 namespace {
 
 using Shape = Curve::Shape;
 
-constexpr GeoPosition kTeheranRo{37.49905, 127.03115}; // east of Gangnam station
+using Colours = std::array<unsigned, 7>; // sky (3), sun, cloud, ridge, haze
+constexpr Palette palette(const Colours& c, float sunHeight, float cloudiness, float hazeDistance, Rgb light,
+                          float lampLight, float shadows) {
+    return {hex(c[0]), hex(c[1]), hex(c[2]),    hex(c[3]), sunHeight, hex(c[4]), cloudiness,
+            hex(c[5]), hex(c[6]), hazeDistance, light,     lampLight, shadows};
+}
+
+constexpr Palette kDay = palette({0x2f6fb8, 0x7fb2de, 0xdcebf3, 0xfff6e0, 0xffffff, 0x5d7f86, 0xc9dbe6},
+                                 0.36f, 0.45f, 420, {1, 1, 1}, 0, 0.34f);
+constexpr Palette kGolden = // an hour before sunset
+    palette({0x45699f, 0xe3b083, 0xffdf9e, 0xfff0b8, 0xffc992, 0x8a6a5c, 0xf3c68c}, 0.1f, 0.5f, 300,
+            {1, 0.85f, 0.68f}, 0.12f, 0.42f);
+constexpr Palette kDusk = palette({0x1e2a5a, 0x76528a, 0xf2925e, 0xffb070, 0xe0708a, 0x35305a, 0x9c6a86},
+                                  0.015f, 0.55f, 420, {0.5f, 0.44f, 0.56f}, 0.75f, 0);
+constexpr Palette kNight = palette({0x05070f, 0x0c1224, 0x2a2b40, 0, 0x2c2c3c, 0x0b0e18, 0x1a1d2c}, -1, 0.3f,
+                                   260, {0.2f, 0.21f, 0.27f}, 1, 0);
+
 constexpr GeoPosition kSajikRo{37.57225, 126.95985};
 constexpr GeoPosition kGangbyeon{37.52250, 126.99760};
 constexpr double kTeheranBearing = 69;
@@ -18,9 +35,12 @@ QDateTime seoulTime(int day, int hour, int minute, int second) {
     return QDateTime(QDate(2013, 4, day), QTime(hour, minute, second), QTimeZone(9 * 3600));
 }
 
-QString clipName(const char* prefix, const QDateTime& start, const char* extension) {
-    return QLatin1String(prefix) + start.toString(QStringLiteral("yyyy_MM_dd_hh_mm_ss")) +
-           QLatin1String(extension);
+// By its kind and its start.
+ClipPlan named(const char* prefix, ClipPlan clip) {
+    const bool avi = clip.format.container == ClipFormat::Container::Avi;
+    clip.name = QLatin1String(prefix) + clip.start().toString(QStringLiteral("yyyy_MM_dd_hh_mm_ss")) +
+                QLatin1String(avi ? ".avi" : ".mp4");
+    return clip;
 }
 
 ClipFormat mp4(int videos) {
@@ -44,7 +64,7 @@ Curve eases(QList<CurveKey> keys) {
 
 // A car that comes towards the camera at an even speed.
 Vehicle oncoming(CarLook look, float side, double startPlace, double kmh) {
-    constexpr double seconds = 20;
+    constexpr double seconds = 60;
     return {.look = look,
             .place = moves({{0, startPlace}, {seconds, startPlace - kmh / 3.6 * seconds}}),
             .relative = false,
@@ -61,12 +81,16 @@ Vehicle along(CarLook look, Curve side, QList<CurveKey> ahead, QList<TimeSpan> b
             .braking = std::move(braking)};
 }
 
+Standing walker(Curve place, Curve side, Rgb coat) {
+    return {QStringLiteral("walker#stand"), std::move(place), std::move(side), 1.74f, 0, coat};
+}
+
 void addOncomingTraffic(World& world, float first, float laneWidth, double kmh) {
     constexpr CarLook looks[] = {CarLook::WhiteSuv,    CarLook::SilverSedan, CarLook::BlueBus,
                                  CarLook::BlackSedan,  CarLook::OrangeTaxi,  CarLook::RedHatch,
                                  CarLook::SilverSedan, CarLook::Truck};
     double place = 40;
-    for (int i = 0; i < 16; ++i) {
+    for (int i = 0; i < 34; ++i) {
         const int lane = i * 5 % 3 % 2;
         world.vehicles.append(
             oncoming(looks[i % 8], -(first + laneWidth * float(lane)), place, kmh * (lane ? 1 : 1.12)));
@@ -74,40 +98,140 @@ void addOncomingTraffic(World& world, float first, float laneWidth, double kmh) 
     }
 }
 
-// From a red light in the avenue on a clear day up to town speed, and down again for the next one.
-ClipPlan avenueByDay() {
+// A minute in the avenue: from a red light up to town speed; the car ahead stops hard and the brakes aren't
+// enough; both clear the lane. The camera splits it into clips of 20 s and keeps the one with the impact.
+QList<ClipPlan> crashInTheAfternoon() {
     ClipPlan clip;
-    clip.drive.start = seoulTime(5, 14, 10, 0);
-    clip.drive.origin = kTeheranRo;
+    clip.drive.start = seoulTime(5, 17, 52, 20);
+    clip.drive.seconds = 60;
+    clip.drive.origin = {37.50149, 127.03919};
     clip.drive.bearingDeg = kTeheranBearing;
-    clip.drive.speedKmh =
-        moves({{0, 0}, {3, 0}, {5.5, 19}, {8.5, 41}, {12.5, 57}, {15, 58}, {17.5, 44}, {20, 19}});
-    clip.drive.lane = 4.8;
-    clip.drive.bumps = {24, 88, 141};
-    clip.drive.seed = 11;
-    clip.world = avenueWorld(dayPalette(), {{22, 40}, {214, 234}}, 21);
-    clip.world.signalLights = {{42, 10.2f, {{0, 2.4}}, {}}, {236, 10.2f, {{15.2, 30}}, {{13.2, 15.2}}}};
-    clip.world.vehicles = {
-        along(CarLook::SilverSedan, 4.8,
-              {{0, 6.5}, {2.7, 6.5}, {5.5, 11}, {9, 22}, {14, 29}, {17, 24}, {20, 11}},
-              {{0, 2.6}, {15.6, 20}}),
-        along(CarLook::OrangeTaxi, 8.0, {{0, 5}, {3.2, 5}, {8, -3}, {12, -12}, {20, -16}}, {{0, 2.8}}),
-        along(CarLook::BlueBus, 1.6, {{0, 3}, {3, 3}, {6, 5}, {12, 24}, {20, 30}}, {{0, 2.7}, {16, 20}}),
-        along(CarLook::RedHatch, 8.0, {{0, 36}, {3, 40}, {10, 48}, {20, 36}}, {{16, 20}})};
-    addOncomingTraffic(clip.world, 1.6f, 3.2f, 46);
-    clip.world.walkers = {{Curve(19.2), eases({{0, -3}, {2.2, 6.9}, {4.2, 12.6}}), hex(0x3f7fbf)},
-                          {Curve(18.4), eases({{0, 2}, {2.6, 11.5}, {3, 12.2}}), hex(0xc8505a)},
-                          {Curve(60), moves({{0, 12.4}, {20, 12.5}}), hex(0x6a8a5a)},
-                          {Curve(125), moves({{0, 13.2}, {20, 13}}), hex(0x8a5a7a)}};
-    clip.format = mp4(1);
-    clip.name = clipName("REC_", clip.drive.start, ".mp4");
-    return clip;
+    clip.drive.speedKmh = moves({{0, 0},
+                                 {3, 0},
+                                 {5.5, 19},
+                                 {8.5, 41},
+                                 {12.5, 54},
+                                 {16, 49},
+                                 {20, 48},
+                                 {24, 56},
+                                 {28, 57},
+                                 {28.9, 55},
+                                 {30.1, 26},
+                                 {30.3, 6},
+                                 {30.7, 3},
+                                 {31.4, 0},
+                                 {47, 0},
+                                 {50, 13},
+                                 {54, 13},
+                                 {57, 0}});
+    clip.drive.lane = eases({{47.5, 4.8}, {51.5, 7.9}});
+    clip.drive.bumps = {24, 88, 141, 242};
+    clip.drive.impactTime = 30.1;
+    clip.drive.seed = 14;
+    clip.world = avenueWorld(kGolden, {{22, 40}, {430, 450}}, 24);
+    clip.world.signalLights = {{42, {{0, 2.4}}, {}}, {452, {{29, 50}}, {{27, 29}}}};
+    clip.world.vehicles = {along(CarLook::BlackSedan, eases({{45, 4.8}, {49, 8}}),
+                                 {{0, 6.5},
+                                  {2.7, 6.5},
+                                  {5.5, 11},
+                                  {9, 20},
+                                  {14, 26},
+                                  {20, 27},
+                                  {25, 25},
+                                  {27.2, 24},
+                                  {28.2, 19.5},
+                                  {29.2, 10},
+                                  {30.1, 2},
+                                  {30.35, 2.2},
+                                  {30.7, 2.7},
+                                  {31.8, 3.1},
+                                  {44, 3.1},
+                                  {46, 4.5},
+                                  {50, 14},
+                                  {54, 16},
+                                  {57, 13}},
+                                 {{0, 2.6}, {27.1, 44.5}, {53, 60}}),
+                           along(CarLook::OrangeTaxi, 8.0,
+                                 {{0, 5},
+                                  {3.2, 5},
+                                  {8, -3},
+                                  {12, -12},
+                                  {20, -14},
+                                  {24, 4},
+                                  {28, 30},
+                                  {31, 62},
+                                  {40, 66},
+                                  {47, 66},
+                                  {51, 58},
+                                  {60, 110}},
+                                 {{0, 2.8}, {29.5, 50}}),
+                           along(CarLook::BlueBus, 1.6,
+                                 {{0, 3},
+                                  {3, 3},
+                                  {6, 5},
+                                  {12, 24},
+                                  {20, 38},
+                                  {26, 30},
+                                  {30, 30},
+                                  {33, 42},
+                                  {47, 42},
+                                  {51, 34},
+                                  {60, 75}},
+                                 {{0, 2.7}, {28.5, 50}}),
+                           along(CarLook::WhiteSuv, 4.8,
+                                 {{0, -10.6},
+                                  {3.3, -10.6},
+                                  {8, -20},
+                                  {14, -27},
+                                  {28.5, -25},
+                                  {30.5, -15},
+                                  {32.4, -10.6},
+                                  {46, -10.6},
+                                  {52, -12},
+                                  {56, 25},
+                                  {60, 80}}),
+                           along(CarLook::RedHatch, 8.0,
+                                 {{0, -12},
+                                  {4, -14},
+                                  {12, -40},
+                                  {28, -40},
+                                  {30.5, -25},
+                                  {33, 16},
+                                  {36, 44},
+                                  {40, 48},
+                                  {47, 48},
+                                  {51, 40},
+                                  {60, 88}},
+                                 {{35, 51}}),
+                           along(CarLook::SilverSedan, 1.6,
+                                 {{0, -8},
+                                  {3.5, -8},
+                                  {10, -30},
+                                  {29, -30},
+                                  {31.5, -9},
+                                  {34, 18},
+                                  {37, 24},
+                                  {47, 24},
+                                  {51, 16},
+                                  {60, 55}},
+                                 {{34, 51}})};
+    addOncomingTraffic(clip.world, 1.6f, 3.2f, 50);
+    clip.world.standing +=
+        {walker(19.2, eases({{0, -3}, {2.2, 6.9}, {4.2, 12.6}}), hex(0x3f7fbf)),
+         walker(18.4, eases({{0, 2}, {2.6, 11.5}, {3, 12.2}}), hex(0xc8505a)), walker(125, 13, hex(0x8a5a7a)),
+         walker(362, eases({{32, 13}, {37.5, 10.6}}), hex(0x4a6a9a))};
+    clip.indicator = {{33, 47}};
+    clip.format = mp4(2);
+    QList<ClipPlan> clips(3, clip);
+    for (int i = 0; i < clips.size(); ++i)
+        clips[i].span = {20.0 * i, 20.0 * (i + 1)};
+    return {named("REC_", clips[0]), named("EVS_", clips[1]), named("REC_", clips[2])};
 }
 
-// Late afternoon: a change of lane, then a tunnel without satellites.
-ClipPlan tunnelInTheAfternoon() {
+// By day: a change of lane, then a tunnel without satellites.
+ClipPlan tunnelByDay() {
     ClipPlan clip;
-    clip.drive.start = seoulTime(5, 17, 45, 0);
+    clip.drive.start = seoulTime(5, 14, 10, 0);
     clip.drive.origin = kSajikRo;
     clip.drive.bearingDeg = 63;
     clip.drive.altitude = 55;
@@ -118,7 +242,7 @@ ClipPlan tunnelInTheAfternoon() {
     clip.drive.tunnelTo = 222;
     clip.drive.bumps = {97, 223};
     clip.drive.seed = 12;
-    clip.world = tunnelWorld(goldenPalette(), clip.drive.tunnelFrom, clip.drive.tunnelTo, 22);
+    clip.world = tunnelWorld(kDay, clip.drive.tunnelFrom, clip.drive.tunnelTo, 22);
     clip.world.vehicles = {
         along(CarLook::Truck, 5.1, {{0, 26}, {6, 14}, {12, 3}, {16, -9}, {20, -18}}),
         along(CarLook::WhiteSuv, 1.7, {{0, 34}, {8, 38}, {14, 30}, {20, 37}}, {{11.5, 13.5}}),
@@ -126,8 +250,7 @@ ClipPlan tunnelInTheAfternoon() {
     addOncomingTraffic(clip.world, 1.7f, 3.4f, 52);
     clip.indicator = {{1.0, 4.9}};
     clip.format = mp4(2);
-    clip.name = clipName("REC_", clip.drive.start, ".mp4");
-    return clip;
+    return named("REC_", clip);
 }
 
 // Sweeping bends along the river after sunset.
@@ -149,7 +272,7 @@ ClipPlan riverAtDusk() {
     clip.drive.lane = eases({{2.6, 8.75}, {6.2, 5.25}});
     clip.drive.bumps = {118, 260};
     clip.drive.seed = 13;
-    clip.world = riverWorld(duskPalette(), 23);
+    clip.world = riverWorld(kDusk, 23);
     clip.world.vehicles = {
         along(CarLook::Truck, 8.75, {{0, 42}, {6, 16}, {10, 2}, {13, -9}, {20, -40}}),
         along(CarLook::RedHatch, 5.25, {{0, 55}, {9, 33}, {13, 28}, {20, 44}}, {{9, 11}}),
@@ -158,49 +281,7 @@ ClipPlan riverAtDusk() {
     addOncomingTraffic(clip.world, 1.75f, 3.5f, 80);
     clip.indicator = {{2.0, 6.0}};
     clip.format = mp4(1);
-    clip.name = clipName("REC_", clip.drive.start, ".mp4");
-    return clip;
-}
-
-// The car ahead stops hard; the brakes aren't enough.
-ClipPlan crashInTheAfternoon() {
-    ClipPlan clip;
-    clip.drive.start = seoulTime(5, 17, 52, 40);
-    clip.drive.origin = {37.50210, 127.04120};
-    clip.drive.bearingDeg = kTeheranBearing;
-    clip.drive.speedKmh = moves(
-        {{0, 48}, {4, 56}, {8, 57}, {8.9, 55}, {10.15, 25}, {10.25, 13}, {10.8, 7}, {11.8, 0}, {20, 0}});
-    clip.drive.lane = 4.8;
-    clip.drive.bumps = {52};
-    clip.drive.impactTime = 10.15;
-    clip.drive.seed = 14;
-    clip.world = avenueWorld(goldenPalette(), {{224, 244}}, 24);
-    clip.world.signalLights = {{246, 10.2f, {{9, 30}}, {{7, 9}}}};
-    clip.world.vehicles = {
-        along(CarLook::BlackSedan, 4.8,
-              {{0, 27},
-               {5, 25},
-               {7.2, 24},
-               {8.2, 19.5},
-               {9.2, 10},
-               {10.2, 2.1},
-               {10.5, 2.7},
-               {11.8, 3.1},
-               {20, 3.1}},
-              {{7.1, 20}}),
-        along(CarLook::OrangeTaxi, 8.0, {{0, -14}, {4, 4}, {8, 30}, {11, 62}, {20, 66}}, {{9.5, 20}}),
-        along(CarLook::BlueBus, 1.6, {{0, 38}, {6, 30}, {10, 30}, {13, 42}, {20, 42}}, {{8.5, 20}}),
-        along(CarLook::WhiteSuv, 4.8, {{0, -27}, {8.5, -25}, {10.5, -15}, {12.4, -10.6}, {20, -10.6}}),
-        along(CarLook::RedHatch, 8.0, {{0, -44}, {8, -40}, {10.5, -25}, {13, 16}, {16, 44}, {20, 48}},
-              {{15, 20}}),
-        along(CarLook::SilverSedan, 1.6, {{0, -34}, {9, -30}, {11.5, -9}, {14, 18}, {17, 24}, {20, 24}},
-              {{14, 20}})};
-    addOncomingTraffic(clip.world, 1.6f, 3.2f, 50);
-    clip.world.walkers = {{Curve(165), eases({{12, 13}, {17.5, 10.6}}), hex(0x4a6a9a)}};
-    clip.indicator = {{13.0, 20.0}};
-    clip.format = mp4(2);
-    clip.name = clipName("EVS_", clip.drive.start, ".mp4");
-    return clip;
+    return named("REC_", clip);
 }
 
 // At night a taxi cuts in and stops.
@@ -210,12 +291,12 @@ ClipPlan bumpAtNight() {
     clip.drive.origin = {37.50330, 127.04520};
     clip.drive.bearingDeg = kTeheranBearing;
     clip.drive.speedKmh =
-        moves({{0, 43}, {6, 44}, {8.6, 42}, {10.05, 17}, {10.15, 8}, {10.7, 4}, {11.4, 0}, {20, 0}});
+        moves({{0, 43}, {6, 44}, {8.6, 42}, {10.05, 21}, {10.25, 3}, {10.6, 1}, {11.2, 0}, {20, 0}});
     clip.drive.lane = 4.8;
     clip.drive.impactTime = 10.05;
     clip.drive.seed = 15;
-    clip.world = avenueWorld(nightPalette(), {{190, 208}}, 25);
-    clip.world.signalLights = {{210, 10.2f, {{8, 30}}, {{6, 8}}}};
+    clip.world = avenueWorld(kNight, {{190, 208}}, 25);
+    clip.world.signalLights = {{210, {{8, 30}}, {{6, 8}}}};
     clip.world.vehicles = {
         along(CarLook::OrangeTaxi, eases({{6.2, 8.0}, {8.8, 4.9}}),
               {{0, 16}, {6, 13}, {8, 11}, {9.2, 6}, {10.05, 2.1}, {10.4, 2.5}, {11.4, 2.8}, {20, 2.8}},
@@ -225,8 +306,7 @@ ClipPlan bumpAtNight() {
     addOncomingTraffic(clip.world, 1.6f, 3.2f, 44);
     clip.indicator = {{12.5, 20.0}};
     clip.format = avi(true);
-    clip.name = clipName("EVT_", clip.drive.start, ".avi");
-    return clip;
+    return named("EVT_", clip);
 }
 
 // Parked at night: somebody crosses the street, cars pass.
@@ -237,7 +317,7 @@ ClipPlan parkedAtNight() {
     clip.drive.bearingDeg = 162;
     clip.drive.lane = 4.9;
     clip.drive.seed = 16;
-    clip.world = streetWorld(nightPalette(), 26);
+    clip.world = streetWorld(kNight, 26);
     clip.world.headlights = false;
     clip.world.vehicles = {oncoming(CarLook::SilverSedan, -1.7f, 190, 44),
                            oncoming(CarLook::OrangeTaxi, -1.7f, 300, 52),
@@ -245,18 +325,16 @@ ClipPlan parkedAtNight() {
                            along(CarLook::BlackSedan, -5.4, {{0, 7}}),
                            along(CarLook::RedHatch, 5.4, {{0, 37}}),
                            along(CarLook::SilverSedan, 5.4, {{0, 44}})};
-    clip.world.walkers = {{Curve(10.8), eases({{4.5, 8.2}, {6, 6.6}, {14, -7.6}}), hex(0xb04a52)},
-                          {moves({{0, 15}, {20, 17}}), Curve(8.8), hex(0x3f5a7a)}};
+    clip.world.standing += {walker(10.8, eases({{4.5, 8.2}, {6, 6.6}, {14, -7.6}}), hex(0xb04a52)),
+                            walker(moves({{0, 15}, {20, 17}}), 8.8, hex(0x3f5a7a))};
     clip.format = avi(false);
-    clip.name = clipName("MOT_", clip.drive.start, ".avi");
-    return clip;
+    return named("MOT_", clip);
 }
 
 } // namespace
 
 QList<ClipPlan> demoClips() {
-    return {crashInTheAfternoon(), tunnelInTheAfternoon(), avenueByDay(),
-            riverAtDusk(),         bumpAtNight(),          parkedAtNight()};
+    return crashInTheAfternoon() << tunnelByDay() << riverAtDusk() << bumpAtNight() << parkedAtNight();
 }
 
-} // namespace ql240
+} // namespace ql240::demo

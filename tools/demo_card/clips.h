@@ -10,18 +10,20 @@
 #include "demo_card/scene/world.h"
 #include "demo_card/sound.h"
 
-namespace ql240 {
+namespace ql240::demo {
 
 struct ClipPlan {
     QString name; // by the camera's rules
     DrivePlan drive;
+    TimeSpan span{0, 20}; // of the drive
     World world;
     ClipFormat format; // with one video, or two: front and rear
     QList<TimeSpan> indicator;
 
-    int frames() const { return int(drive.seconds * format.frameRate); }
+    QDateTime start() const { return drive.start.addMSecs(qint64(span.from * 1000)); }
+    int frames() const { return int((span.to - span.from) * format.frameRate); }
 };
 
 QList<ClipPlan> demoClips();
 
-} // namespace ql240
+} // namespace ql240::demo

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace ql240 {
+namespace ql240::demo {
 namespace {
 
 double easeInOut(double x) {
@@ -67,4 +67,4 @@ double smoothNoise(std::uint32_t seed, double at) {
     return 2 * (from + (hashNoise(seed, index + 1) - from) * easeInOut(at - base)) - 1;
 }
 
-} // namespace ql240
+} // namespace ql240::demo

@@ -6,7 +6,7 @@
 #include <QtCore/QList>
 #include <cstdint>
 
-namespace ql240 {
+namespace ql240::demo {
 
 struct CurveKey {
     double at;
@@ -38,4 +38,4 @@ double hashNoise(std::uint32_t seed, std::int64_t index);
 // Smooth noise in -1 … 1 with features of about the length 1.
 double smoothNoise(std::uint32_t seed, double at);
 
-} // namespace ql240
+} // namespace ql240::demo

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <numbers>
 
-namespace ql240 {
+namespace ql240::demo {
 namespace {
 
 using std::numbers::pi;
@@ -129,4 +129,4 @@ DriveState Drive::at(double seconds) const {
     return state;
 }
 
-} // namespace ql240
+} // namespace ql240::demo

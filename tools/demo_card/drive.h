@@ -10,11 +10,16 @@
 
 #include "demo_card/curve.h"
 
-namespace ql240 {
+namespace ql240::demo {
 
 struct GeoPosition {
     double latitude = 0; // degrees, north positive
     double longitude = 0;
+};
+
+struct TimeSpan {
+    double from = 0; // s
+    double to = 0;
 };
 
 struct DrivePlan {
@@ -85,4 +90,4 @@ private:
     double m_fixReturns = 0; // when the satellites are back
 };
 
-} // namespace ql240
+} // namespace ql240::demo

@@ -19,6 +19,7 @@
 namespace {
 
 using namespace ql240;
+using namespace ql240::demo;
 
 std::atomic<bool>* interrupted = nullptr;
 

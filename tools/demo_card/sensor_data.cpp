@@ -3,7 +3,7 @@
 #include <QtCore/QtEndian>
 #include <cmath>
 
-namespace ql240 {
+namespace ql240::demo {
 namespace {
 
 constexpr double kGravity = 9.80665;
@@ -61,11 +61,11 @@ QByteArray trailerLine(const DriveState& state, const DrivePlan& plan) {
 
 } // namespace
 
-QList<QByteArray> cammSamples(const Drive& drive) {
+QList<QByteArray> cammSamples(const Drive& drive, TimeSpan span) {
     QList<QByteArray> samples;
-    const int count = int(drive.plan().seconds * 1000) / kCammSampleMs;
+    const int count = int((span.to - span.from) * 1000) / kCammSampleMs;
     for (int i = 0; i < count; ++i) {
-        const DriveState state = drive.at(i * kCammSampleMs / 1000.0);
+        const DriveState state = drive.at(span.from + i * kCammSampleMs / 1000.0);
         QByteArray sample;
         appendAcceleration(sample, state);
         if (i % 2 == 0)
@@ -75,14 +75,14 @@ QList<QByteArray> cammSamples(const Drive& drive) {
     return samples;
 }
 
-QByteArray sensorTrailer(const Drive& drive) {
+QByteArray sensorTrailer(const Drive& drive, TimeSpan span) {
     QByteArray trailer = "ETKLP1\n";
     // The viewer puts lines / 3 + 1 copies of the first line in front.
-    const int lines = int(drive.plan().seconds * 10) * 3 / 4;
+    const int lines = int((span.to - span.from) * 10) * 3 / 4;
     const int first = lines / 3 + 1;
     for (int i = 0; i < lines; ++i)
-        trailer += trailerLine(drive.at((first + i) / 10.0), drive.plan());
+        trailer += trailerLine(drive.at(span.from + (first + i) / 10.0), drive.plan());
     return trailer;
 }
 
-} // namespace ql240
+} // namespace ql240::demo

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <numbers>
 
-namespace ql240 {
+namespace ql240::demo {
 namespace {
 
 using std::numbers::pi;
@@ -95,15 +95,15 @@ double thud(double since, qint64 index) {
 
 } // namespace
 
-QByteArray driveSound(const Drive& drive, int rate, const QList<TimeSpan>& indicator) {
-    const qint64 count = qint64(drive.plan().seconds * rate);
+QByteArray driveSound(const Drive& drive, TimeSpan span, int rate, const QList<TimeSpan>& indicator) {
+    const qint64 count = qint64((span.to - span.from) * rate);
     QByteArray samples(count * qsizetype(sizeof(qint16)), Qt::Uninitialized);
     auto* out = reinterpret_cast<qint16*>(samples.data());
     Engine engine(rate);
     Road road(rate);
     DriveState state;
     for (qint64 i = 0; i < count; ++i) {
-        const double time = double(i) / rate;
+        const double time = span.from + double(i) / rate;
         if (i % 64 == 0)
             state = drive.at(time);
         double value = engine.sample(state.speed, state.forwardAcc) + road.sample(state.speed, i);
@@ -115,4 +115,4 @@ QByteArray driveSound(const Drive& drive, int rate, const QList<TimeSpan>& indic
     return samples;
 }
 
-} // namespace ql240
+} // namespace ql240::demo

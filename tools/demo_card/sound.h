@@ -6,14 +6,9 @@
 
 #include "demo_card/drive.h"
 
-namespace ql240 {
+namespace ql240::demo {
 
-struct TimeSpan {
-    double from = 0; // s
-    double to = 0;
-};
+// 16-bit mono samples in the machine's byte order for a part of the drive.
+QByteArray driveSound(const Drive& drive, TimeSpan span, int rate, const QList<TimeSpan>& indicator);
 
-// 16-bit mono samples in the machine's byte order for the whole drive.
-QByteArray driveSound(const Drive& drive, int rate, const QList<TimeSpan>& indicator);
-
-} // namespace ql240
+} // namespace ql240::demo

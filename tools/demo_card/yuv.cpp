@@ -2,7 +2,7 @@
 
 #include <QtGui/QRgb>
 
-namespace ql240 {
+namespace ql240::demo {
 namespace {
 
 // Recommendations ITU-R BT.601 and BT.709: Y' = Kr R' + Kg G' + Kb B', chroma (B' - Y') / (2 - 2 Kb) and so
@@ -85,4 +85,4 @@ void convertToI420(const QImage& picture, const YuvMatrix& matrix, std::span<uch
     }
 }
 
-} // namespace ql240
+} // namespace ql240::demo

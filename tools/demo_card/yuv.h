@@ -8,7 +8,7 @@
 
 #include "demo_card/clip_encoder.h"
 
-namespace ql240 {
+namespace ql240::demo {
 
 // Weights in 1/65536 of R', G', B' and the offset of luma.
 struct YuvMatrix {
@@ -25,4 +25,4 @@ const YuvMatrix& yuvMatrixFor(const ClipFormat& format, QSize size);
 // Format_RGB32 with even sides into width × height × 3/2 bytes.
 void convertToI420(const QImage& picture, const YuvMatrix& matrix, std::span<uchar> planes);
 
-} // namespace ql240
+} // namespace ql240::demo

@@ -1,53 +1,45 @@
 #pragma once
 
-// The pictures that scenes are put together from, painted once for each scene: props at the roadside, wall
-// covers, cars. All in their own colours; the light is added when they are drawn.
+// The drawings that scenes are put together from, in their own colours; the light is added when they are
+// painted. A name is a file of the folder art, or "file#part" for one element of it. Its pixels are the
+// file's units; what it leaves open (currentColor) is painted in the colour that is asked for.
 
-#include <QtGui/QColor>
+#include <map>
 
 #include "demo_card/scene/canvas.h"
 #include "demo_card/scene/world.h"
 
-namespace ql240 {
+namespace ql240::demo {
 
-inline QColor toColor(Rgb c) {
-    return QColor::fromRgb(toPixel(c));
-}
-
-// How a prop's picture hangs: its left edge is `offset` of its width left of where it stands.
-struct PropArt {
-    Mipmap picture;
-    float offset = 0.5f;
-    bool mirroredOnLeft = false;
+// An upright picture. The elements "foot" and "light" of its drawing say where it stands and where it shines.
+struct Picture {
+    Mipmap image;
+    double foot = 0.5;     // of the width
+    QPointF light{-1, -1}; // of width and height
 };
-
-PropArt paintProp(Prop prop, const World& world);
-
-// Lit windows and signs where lampLight is high.
-WallCover paintCover(Cover cover, float lampLight, std::uint32_t seed);
 
 // A car is put together from its body's nearest end, the cabin some way behind that, and its flank. All ends
 // have the car's width and height.
 struct CarArt {
-    Mipmap back, backBraking, front;
-    Mipmap cabin;                                // none where the body is as high as the car
-    float cabinFromBack = 0, cabinFromFront = 0; // m
-    WallCover side;                              // drives to the right
-    float width = 0, height = 0, length = 0;     // m
-    float lampHeight = 0;                        // m; head and tail lamps
+    Picture back, braking, front;
+    std::optional<Picture> cabin; // none where the body is as high as the car
+    WallCover side;               // drives to the right
+    float width, height, length;  // m
+    float cabinFromBack;
 };
 
-CarArt paintCar(CarLook look);
+// Reads each drawing once.
+class Art {
+public:
+    const Picture& picture(const QString& name, Rgb colour = {});
+    const CarArt& car(CarLook look);
+    // Its element "wall", as bright as the lamps leave it, with as much of its element "lit".
+    const WallCover& cover(const QString& name, float lampLight);
 
-// Two steps of a walk.
-Mipmap paintWalker(Rgb coat, bool stride);
+private:
+    std::map<std::pair<QString, QRgb>, Picture> m_pictures;
+    std::map<QString, WallCover> m_covers;
+    std::map<CarLook, CarArt> m_cars;
+};
 
-enum class SignalColour { Red, Amber, Green };
-Mipmap paintSignal(SignalColour colour);
-
-// A soft round light.
-Mipmap paintGlow();
-// A soft-edged dark patch, for under cars.
-Mipmap paintShadow();
-
-} // namespace ql240
+} // namespace ql240::demo

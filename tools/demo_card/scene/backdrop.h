@@ -3,33 +3,31 @@
 // What is too far to move with the car: sky, clouds, sun, hills and skyline, painted once as a wide picture
 // that shifts with the heading.
 
-#include "demo_card/scene/canvas.h"
-#include "demo_card/scene/world.h"
+#include "demo_card/scene/art.h"
 
-namespace ql240 {
+namespace ql240::demo {
 
 class Backdrop {
 public:
     // headings: the range that the car turns through, in radians.
-    Backdrop(const World& world, QSize size, float focal, double lowestHeading, double highestHeading,
-             bool backwards);
+    Backdrop(const World& world, Art& art, QSize size, float focal, double lowestHeading,
+             double highestHeading, bool backwards);
 
     void paint(Canvas& canvas, double heading, float horizon) const;
     float sunColumn(double heading) const; // may lie outside the picture
 
 private:
-    void paintSky(const World& world, bool withSun);
-    void paintHills(const World& world);
-    void paintSkyline(const World& world);
+    void paintSky(const Palette& palette, bool withSun);
+    void paintHorizon(const Palette& palette, Art& art);
     int left(double heading) const;
 
-    QSize m_size;
     float m_focal;
     double m_lowest;
+    std::uint32_t m_seed;
     QImage m_picture;
     int m_horizon; // row in the picture
     float m_sun;   // column in the picture
-    std::uint32_t m_seed;
+    float m_unit;  // pixels: the height of a camera's picture
 };
 
-} // namespace ql240
+} // namespace ql240::demo

@@ -1,27 +1,21 @@
 #include "demo_card/scene/canvas.h"
 
-#include <QtGui/QTransform>
-#include <algorithm>
 #include <cmath>
-#include <vector>
+#include <tuple>
 
-namespace ql240 {
+namespace ql240::demo {
 namespace {
 
 constexpr float kNearest = 0.35f; // metres; walls are cut there
 
 // A shade in whole numbers: channel × times / 256 + plus.
 struct FixedShade {
-    int times[3];
-    int plus[3];
+    int times[3], plus[3];
     explicit FixedShade(const Shade& shade) {
-        const float clear = 1 - shade.hazePart;
-        const float light[3] = {shade.light.r, shade.light.g, shade.light.b};
-        const float haze[3] = {shade.haze.r, shade.haze.g, shade.haze.b};
-        for (int i = 0; i < 3; ++i) {
-            times[i] = int(light[i] * clear * 256);
-            plus[i] = int(haze[i] * shade.hazePart * 256);
-        }
+        const Rgb light = shade.light * (256 * (1 - shade.hazePart));
+        const Rgb haze = shade.haze * (256 * shade.hazePart);
+        std::tie(times[0], times[1], times[2]) = std::tuple(light.r, light.g, light.b);
+        std::tie(plus[0], plus[1], plus[2]) = std::tuple(haze.r, haze.g, haze.b);
     }
 };
 
@@ -48,65 +42,14 @@ inline QRgb blend(QRgb a, QRgb b, unsigned part) {
     return rb | ag;
 }
 
-// The shade over the canvas's own pixel.
-inline void lay(QRgb& pixel, QRgb colour, const FixedShade& shade) {
-    const QRgb top = shaded(colour, shade);
-    pixel = qAlpha(top) == 255 ? top : over(top, pixel);
-}
-
-// Between which two pixels of a scaled picture a pixel of the screen lies.
-struct Tap {
-    int low, high;
-    unsigned part; // of 256
-};
-
-struct Taps {
-    int first = 0; // pixel of the screen
-    std::vector<Tap> taps;
-
-    Taps(double from, double to, int limit, int pixels, bool mirrored)
-        : first(std::max(0, int(std::floor(from)))) {
-        const double scale = pixels / (to - from);
-        const int end = std::min(limit, int(std::ceil(to)));
-        taps.reserve(size_t(std::max(0, end - first)));
-        for (int i = first; i < end; ++i) {
-            const double at = (i + 0.5 - from) * scale - 0.5;
-            const int whole = int(std::floor(at));
-            const auto inside = [&](int pixel) {
-                pixel = std::clamp(pixel, 0, pixels - 1);
-                return mirrored ? pixels - 1 - pixel : pixel;
-            };
-            taps.push_back({inside(whole), inside(whole + 1), unsigned((at - whole) * 256)});
-        }
-    }
-};
-
-// Calls put(pixel, colour) with the smoothly scaled picture, where it isn't transparent.
-template <typename Put>
-void scaled(const QImage& from, QRectF area, Canvas& canvas, bool mirrored, Put put) {
-    const Taps across(area.left(), area.right(), canvas.width(), from.width(), mirrored);
-    const Taps down(area.top(), area.bottom(), canvas.height(), from.height(), false);
-    for (size_t y = 0; y < down.taps.size(); ++y) {
-        const Tap& v = down.taps[y];
-        const auto* upper = reinterpret_cast<const QRgb*>(from.constScanLine(v.low));
-        const auto* lower = reinterpret_cast<const QRgb*>(from.constScanLine(v.high));
-        QRgb* pixel = canvas.line(down.first + int(y)) + across.first;
-        for (const Tap& u : across.taps) {
-            const QRgb a = upper[u.low];
-            const QRgb b = upper[u.high];
-            const QRgb c = lower[u.low];
-            const QRgb d = lower[u.high];
-            if (a | b | c | d)
-                put(*pixel, blend(blend(a, b, u.part), blend(c, d, u.part), v.part));
-            ++pixel;
-        }
-    }
+QImage shaded(QImage picture, const FixedShade& shade) {
+    auto* pixels = reinterpret_cast<QRgb*>(picture.bits());
+    std::transform(pixels, pixels + picture.sizeInBytes() / qsizetype(sizeof(QRgb)), pixels,
+                   [&](QRgb c) { return shaded(c, shade); });
+    return picture;
 }
 
 } // namespace
-
-WallCover::WallCover(const QImage& upright, float wide, float high)
-    : turned(upright.transformed(QTransform(0, 1, 1, 0, 0, 0))), metresWide(wide), metresHigh(high) {}
 
 Mipmap::Mipmap(const QImage& picture) {
     QImage level = picture.convertToFormat(QImage::Format_ARGB32_Premultiplied);
@@ -119,10 +62,6 @@ Mipmap::Mipmap(const QImage& picture) {
     }
 }
 
-double Mipmap::aspect() const {
-    return double(m_levels.first().width()) / m_levels.first().height();
-}
-
 const QImage& Mipmap::levelFor(double pixelsPerPixel) const {
     qsizetype level = 0;
     for (; pixelsPerPixel > 1.42 && level + 1 < m_levels.size(); ++level)
@@ -131,17 +70,14 @@ const QImage& Mipmap::levelFor(double pixelsPerPixel) const {
 }
 
 Canvas::Canvas(QSize size)
-    : m_image(size, QImage::Format_RGB32),
-      m_pixels(reinterpret_cast<QRgb*>(m_image.bits())),
-      m_width(size.width()),
-      m_height(size.height()) {}
+    : m_image(size, QImage::Format_RGB32), m_pixels(reinterpret_cast<QRgb*>(m_image.bits())) {}
 
 void Canvas::span(int y, float x0, float x1, Rgb colour, float opacity) {
     x0 = std::max(x0, 0.0f);
-    x1 = std::min(x1, float(m_width));
-    if (x1 <= x0 || y < 0 || y >= m_height)
+    x1 = std::min(x1, float(width()));
+    if (x1 <= x0 || y < 0 || y >= height())
         return;
-    QRgb* const row = line(y);
+    QRgb* const row = m_pixels + qsizetype(y) * width();
     const QRgb pixel = toPixel(colour);
     const auto cover = [&](int x, float part) {
         row[x] = blend(row[x], pixel, unsigned(part * opacity * 256)) | 0xff000000;
@@ -156,15 +92,8 @@ void Canvas::span(int y, float x0, float x1, Rgb colour, float opacity) {
     else
         for (int x = first + 1; x < last; ++x)
             cover(x, 1);
-    if (last < m_width)
+    if (last < width())
         cover(last, x1 - float(last));
-}
-
-void Canvas::rectangle(QRectF area, Rgb colour, float opacity) {
-    for (int y = int(std::floor(area.top())); y < int(std::ceil(area.bottom())); ++y) {
-        const double covered = std::min<double>(area.bottom(), y + 1) - std::max<double>(area.top(), y);
-        span(y, float(area.left()), float(area.right()), colour, opacity * float(covered));
-    }
 }
 
 struct Canvas::Column {
@@ -179,26 +108,26 @@ struct Canvas::Column {
 void Canvas::wallColumn(const Column& c) {
     const float perPixel = c.high / (c.bottom - c.top); // metres
     const QImage& full = c.cover->turned.levelFor(0);
-    const float down = perPixel * float(full.width()) / c.cover->metresHigh;
+    const float down = perPixel * float(full.width()) / float(c.cover->metres.height());
     const QImage& level = c.cover->turned.levelFor(double(std::max(down, c.texelsPerPixel)) * 0.8);
-    const float repeats = c.along / c.cover->metresWide;
+    const float repeats = c.along / float(c.cover->metres.width());
     const int u = int((repeats - std::floor(repeats)) * float(level.height()));
     const auto* texels = reinterpret_cast<const QRgb*>(level.constScanLine(std::min(u, level.height() - 1)));
     const int size = level.width();
-    const float step = perPixel / c.cover->metresHigh * float(size);
+    const float step = perPixel / float(c.cover->metres.height()) * float(size);
     const int first = std::max(0, int(std::floor(c.top)));
-    const int end = std::min(m_height, int(std::ceil(c.bottom)));
+    const int end = std::min(height(), int(std::ceil(c.bottom)));
     // The cover hangs from the wall's foot, so that floors meet the ground.
-    const float whole = c.high / c.cover->metresHigh;
+    const float whole = c.high / float(c.cover->metres.height());
     const float offset = (std::ceil(whole) - whole) * float(size);
     float v = std::fmod(offset + std::max(0.0f, float(first) + 0.5f - c.top) * step, float(size));
-    QRgb* pixel = m_pixels + qsizetype(first) * m_width + c.x;
-    for (int y = first; y < end; ++y, pixel += m_width) {
+    QRgb* pixel = m_pixels + qsizetype(first) * width() + c.x;
+    for (int y = first; y < end; ++y, pixel += width()) {
         QRgb colour = texels[std::min(int(v), size - 1)];
         const float covered = std::min(c.bottom, float(y + 1)) - std::max(c.top, float(y));
         if (covered < 1)
             colour = blend(0, colour, unsigned(covered * 256));
-        lay(*pixel, colour, *c.shade);
+        *pixel = over(shaded(colour, *c.shade), *pixel);
         for (v += step; v >= float(size);)
             v -= float(size);
     }
@@ -206,76 +135,44 @@ void Canvas::wallColumn(const Column& c) {
 
 void Canvas::wall(const Projection& projection, WallEnd a, WallEnd b, float bottom, float top,
                   const WallCover& cover, const Shade& shade) {
-    if (a.forward < kNearest && b.forward < kNearest)
-        return;
-    const auto cut = [](WallEnd& near, const WallEnd& far) {
-        const float part = (kNearest - near.forward) / (far.forward - near.forward);
-        near = {near.right + (far.right - near.right) * part, kNearest,
-                near.along + (far.along - near.along) * part};
-    };
-    if (a.forward < kNearest)
-        cut(a, b);
-    if (b.forward < kNearest)
-        cut(b, a);
-    float x0 = projection.column(a.right, a.forward);
-    float x1 = projection.column(b.right, b.forward);
-    if (x0 > x1) {
+    if (a.forward > b.forward)
         std::swap(a, b);
-        std::swap(x0, x1);
-    }
+    if (b.forward < kNearest)
+        return;
+    if (const float part = (kNearest - a.forward) / (b.forward - a.forward); a.forward < kNearest)
+        a = {std::lerp(a.right, b.right, part), kNearest, std::lerp(a.along, b.along, part)};
+    if (projection.column(a.right, a.forward) > projection.column(b.right, b.forward))
+        std::swap(a, b);
+    const float x0 = projection.column(a.right, a.forward);
+    const float x1 = projection.column(b.right, b.forward);
     const FixedShade fixed(shade);
-    const int first = std::max(0, int(std::ceil(x0 - 0.5f)));
-    const int end = std::min(m_width, int(std::ceil(x1 - 0.5f)));
-    const float texels = float(cover.turned.levelFor(0).height()) / cover.metresWide;
-    const auto placeAt = [&](float x, float& inverse) {
-        const float part = (x - x0) / (x1 - x0);
-        inverse = 1 / a.forward + (1 / b.forward - 1 / a.forward) * part;
-        return (a.along / a.forward + (b.along / b.forward - a.along / a.forward) * part) / inverse;
-    };
-    for (int x = first; x < end; ++x) {
-        float inverse = 0;
-        float ignored = 0;
-        const float along = placeAt(float(x) + 0.5f, inverse);
-        const float step = std::abs(placeAt(float(x) + 1.5f, ignored) - along) * texels;
-        const float high = projection.row(top, 1 / inverse);
-        const float low = projection.row(bottom, 1 / inverse);
+    const int end = std::min(width(), int(std::ceil(x1 - 0.5f)));
+    const float texels = float(cover.turned.levelFor(0).height()) / float(cover.metres.width());
+    // 1 / depth and place / depth are linear over the columns.
+    const float depthStep = (1 / b.forward - 1 / a.forward) / (x1 - x0);
+    const float placeStep = (b.along / b.forward - a.along / a.forward) / (x1 - x0);
+    for (int x = std::max(0, int(std::ceil(x0 - 0.5f))); x < end; ++x) {
+        const float away = float(x) + 0.5f - x0;
+        const float depth = 1 / (1 / a.forward + depthStep * away);
+        const float along = (a.along / a.forward + placeStep * away) * depth;
+        const float step = std::abs(placeStep - along * depthStep) * depth * texels;
+        const float high = projection.row(top, depth);
+        const float low = projection.row(bottom, depth);
         if (low > high)
             wallColumn({x, high, low, along, top - bottom, step, &cover, &fixed});
     }
 }
 
-void Canvas::picture(const Mipmap& picture, QRectF area, const Shade& shade, bool mirrored) {
-    if (area.width() < 0.5 || area.height() < 0.5 || !area.intersects(QRectF(0, 0, m_width, m_height)))
+void Canvas::picture(const Mipmap& picture, QRectF area, const Shade& shade, bool mirrored,
+                     QPainter::CompositionMode mode) {
+    if (area.width() < 1 || area.height() < 1 || !area.intersects(m_image.rect()))
         return;
-    const FixedShade fixed(shade);
     const QImage& level = picture.levelFor(picture.levelFor(0).height() / area.height());
-    scaled(level, area, *this, mirrored, [&](QRgb& pixel, QRgb colour) { lay(pixel, colour, fixed); });
+    const QImage lit = shaded(level, FixedShade(shade));
+    QPainter painter(&m_image);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.setCompositionMode(mode);
+    painter.drawImage(area, mirrored ? lit.mirrored(true, false) : lit);
 }
 
-void Canvas::overlay(const QImage& picture, int top, const Shade& shade) {
-    const FixedShade fixed(shade);
-    for (int y = 0; y < picture.height(); ++y) {
-        const auto* colours = reinterpret_cast<const QRgb*>(picture.constScanLine(y));
-        QRgb* const pixels = line(top + y);
-        for (int x = 0; x < m_width; ++x)
-            if (colours[x])
-                lay(pixels[x], colours[x], fixed);
-    }
-}
-
-void Canvas::glow(const Mipmap& picture, QRectF area, Rgb colour) {
-    if (area.width() < 1 || area.height() < 1 || !area.intersects(QRectF(0, 0, m_width, m_height)))
-        return;
-    const int r = int(colour.r * 256);
-    const int g = int(colour.g * 256);
-    const int b = int(colour.b * 256);
-    const QImage& level = picture.levelFor(picture.levelFor(0).height() / area.height());
-    scaled(level, area, *this, false, [=](QRgb& pixel, QRgb light) {
-        const int grey = qAlpha(light);
-        pixel =
-            qRgb(std::min(255, qRed(pixel) + (grey * r >> 8)), std::min(255, qGreen(pixel) + (grey * g >> 8)),
-                 std::min(255, qBlue(pixel) + (grey * b >> 8)));
-    });
-}
-
-} // namespace ql240
+} // namespace ql240::demo

@@ -1,24 +1,22 @@
 #pragma once
 
 // The picture that a scene is painted into, and the few operations that do the painting: level spans for the
-// ground, upright walls in perspective, scaled pictures and glows. All clip to the picture. One canvas a
-// thread.
+// ground, upright walls in perspective, scaled pictures. All clip to the picture. One canvas a thread.
 
 #include <QtCore/QRectF>
 #include <QtGui/QImage>
+#include <QtGui/QPainter>
 
 #include "demo_card/scene/rgb.h"
 
-namespace ql240 {
+namespace ql240::demo {
 
 // A picture with its smaller versions, each half the size of the one before; premultiplied.
 class Mipmap {
 public:
-    Mipmap() = default;
     explicit Mipmap(const QImage& picture);
 
-    bool isNull() const { return m_levels.isEmpty(); }
-    double aspect() const; // width over height
+    double aspect() const { return double(m_levels[0].width()) / m_levels[0].height(); }
     // The version in which a pixel of the screen takes at most about one pixel, if there is one that large.
     const QImage& levelFor(double pixelsPerPixel) const;
 
@@ -29,12 +27,10 @@ private:
 // What covers a wall; repeats in both directions. Walls are drawn by columns, which lie in one piece in
 // memory because the picture is turned on its side.
 struct WallCover {
-    WallCover() = default;
-    WallCover(const QImage& upright, float wide, float high);
-
+    WallCover(const QImage& upright, QSizeF size)
+        : turned(upright.transformed(QTransform(0, 1, 1, 0, 0, 0))), metres(size) {}
     Mipmap turned; // x counts from the top, y along the wall
-    float metresWide = 1;
-    float metresHigh = 1;
+    QSizeF metres;
 };
 
 // One end of an upright wall segment in camera space: right and forward in metres, and its place along the
@@ -58,22 +54,16 @@ class Canvas {
 public:
     explicit Canvas(QSize size);
 
-    const QImage& image() const { return m_image; }
-    int width() const { return m_width; }
-    int height() const { return m_height; }
-    QRgb* line(int y) { return m_pixels + qsizetype(y) * m_width; }
+    QImage& image() { return m_image; }
+    int width() const { return m_image.width(); }
+    int height() const { return m_image.height(); }
 
     // Pixels from x0 to x1 of a line, the ends by how much of them is covered.
     void span(int y, float x0, float x1, Rgb colour, float opacity = 1);
-    void rectangle(QRectF area, Rgb colour, float opacity = 1);
-
     void wall(const Projection& projection, WallEnd a, WallEnd b, float bottom, float top,
               const WallCover& cover, const Shade& shade);
-    void picture(const Mipmap& picture, QRectF area, const Shade& shade, bool mirrored = false);
-    // A picture of the canvas's own width at a line, unscaled.
-    void overlay(const QImage& picture, int top, const Shade& shade);
-    // Adds light: the picture's grey times the colour.
-    void glow(const Mipmap& picture, QRectF area, Rgb colour);
+    void picture(const Mipmap& picture, QRectF area, const Shade& shade, bool mirrored = false,
+                 QPainter::CompositionMode mode = QPainter::CompositionMode_SourceOver);
 
 private:
     struct Column;
@@ -81,8 +71,6 @@ private:
 
     QImage m_image;
     QRgb* m_pixels;
-    int m_width;
-    int m_height;
 };
 
-} // namespace ql240
+} // namespace ql240::demo

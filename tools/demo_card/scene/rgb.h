@@ -2,15 +2,13 @@
 
 // Colours as light intensities: 0 … 1, more is overexposed.
 
-#include <QtGui/QRgb>
+#include <QtGui/QColor>
 #include <algorithm>
 
-namespace ql240 {
+namespace ql240::demo {
 
 struct Rgb {
-    float r = 0;
-    float g = 0;
-    float b = 0;
+    float r = 0, g = 0, b = 0;
 };
 
 constexpr Rgb hex(unsigned rrggbb) {
@@ -33,12 +31,13 @@ constexpr Rgb mix(Rgb a, Rgb b, float part) {
     return a * (1 - part) + b * part;
 }
 
-inline int toByte(float level) {
-    return int(std::clamp(level, 0.0f, 1.0f) * 255 + 0.5f);
+inline QRgb toPixel(Rgb c) {
+    const auto byte = [](float level) { return int(std::clamp(level, 0.0f, 1.0f) * 255 + 0.5f); };
+    return qRgb(byte(c.r), byte(c.g), byte(c.b));
 }
 
-inline QRgb toPixel(Rgb c) {
-    return qRgb(toByte(c.r), toByte(c.g), toByte(c.b));
+inline QColor toColor(Rgb c) {
+    return QColor::fromRgb(toPixel(c));
 }
 
 // How a surface's own colour looks under a light, behind some haze.
@@ -49,4 +48,4 @@ struct Shade {
     Rgb operator()(Rgb colour) const { return mix(colour * light, haze, hazePart); }
 };
 
-} // namespace ql240
+} // namespace ql240::demo

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-namespace ql240 {
+namespace ql240::demo {
 namespace {
 
 constexpr float kStep = 2.5f;
@@ -11,9 +11,9 @@ constexpr float kSharpest = 0.3f; // cosine of the angle at which a bend leaves 
 constexpr float kEyeHeight = 1.35f;
 
 RoadView::Node between(const RoadView::Node& a, const RoadView::Node& b, float part) {
-    const auto blend = [part](float from, float to) { return from + (to - from) * part; };
-    return {blend(a.ahead, b.ahead), blend(a.right, b.right), blend(a.forward, b.forward),
-            blend(a.sine, b.sine), blend(a.cosine, b.cosine)};
+    return {std::lerp(a.ahead, b.ahead, part), std::lerp(a.right, b.right, part),
+            std::lerp(a.forward, b.forward, part), std::lerp(a.sine, b.sine, part),
+            std::lerp(a.cosine, b.cosine, part)};
 }
 
 } // namespace
@@ -59,4 +59,4 @@ RoadView::Spot RoadView::spot(double ahead, float side) const {
     return {node.right + side * node.cosine, node.forward - side * node.sine};
 }
 
-} // namespace ql240
+} // namespace ql240::demo

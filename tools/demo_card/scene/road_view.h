@@ -11,7 +11,7 @@
 #include "demo_card/drive.h"
 #include "demo_card/scene/canvas.h"
 
-namespace ql240 {
+namespace ql240::demo {
 
 class RoadView {
 public:
@@ -28,7 +28,6 @@ public:
 
     const Projection& projection() const { return m_projection; }
     const QList<Node>& nodes() const { return m_nodes; }
-    double reach() const { return m_nodes.last().ahead; }
 
     double placeOf(double ahead) const { return m_place + (m_backwards ? -ahead : ahead); }
     double aheadOf(double place) const { return m_backwards ? m_place - place : place - m_place; }
@@ -45,4 +44,4 @@ private:
     bool m_backwards;
 };
 
-} // namespace ql240
+} // namespace ql240::demo
