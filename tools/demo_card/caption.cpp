@@ -29,8 +29,8 @@ void paintDots(QImage& picture, QPoint topLeft, int dot, const QString& text) {
     const QRect area(topLeft, rim.size() * dot);
     const int wide = std::max(1, dot / 2);
     QPainter painter(&picture);
-    for (int x : {-wide, 0, wide})
-        for (int y : {-wide, 0, wide})
+    for (int x : {-wide, wide})
+        for (int y : {-wide, wide})
             painter.drawImage(area.translated(x, y), rim);
     painter.drawImage(area, dots(text, 0xfff4f4f0));
 }

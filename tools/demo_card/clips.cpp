@@ -249,7 +249,7 @@ ClipPlan tunnelByDay() {
         along(CarLook::BlackSedan, 1.7, {{0, -26}, {8, -21}, {20, -24}})};
     addOncomingTraffic(clip.world, 1.7f, 3.4f, 52);
     clip.indicator = {{1.0, 4.9}};
-    clip.format = mp4(2);
+    clip.format = mp4(1);
     return named("REC_", clip);
 }
 

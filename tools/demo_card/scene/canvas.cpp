@@ -31,7 +31,7 @@ inline QRgb over(QRgb top, QRgb below) {
     const unsigned keep = 256 - unsigned(qAlpha(top));
     const unsigned rb = ((below & 0xff00ff) * keep >> 8) & 0xff00ff;
     const unsigned ag = ((below >> 8 & 0xff00ff) * keep) & 0xff00ff00;
-    return (top + (rb | ag)) | 0xff000000;
+    return qAlpha(top) == 255 ? top : (top + (rb | ag)) | 0xff000000;
 }
 
 // part in 0 … 256.
@@ -102,32 +102,32 @@ struct Canvas::Column {
     float along, high; // metres: place along the wall, height of the wall
     float texelsPerPixel;
     const WallCover* cover;
-    const FixedShade* shade;
+    FixedShade shade;
 };
 
-void Canvas::wallColumn(const Column& c) {
+void Canvas::wallColumn(Column c) {
     const float perPixel = c.high / (c.bottom - c.top); // metres
-    const QImage& full = c.cover->turned.levelFor(0);
-    const float down = perPixel * float(full.width()) / float(c.cover->metres.height());
+    const float coverHigh = float(c.cover->metres.height());
+    const float down = perPixel * float(c.cover->turned.levelFor(0).width()) / coverHigh;
     const QImage& level = c.cover->turned.levelFor(double(std::max(down, c.texelsPerPixel)) * 0.8);
-    const float repeats = c.along / float(c.cover->metres.width());
-    const int u = int((repeats - std::floor(repeats)) * float(level.height()));
+    const int u = int(std::fmod(c.along / float(c.cover->metres.width()), 1.0f) * float(level.height()));
     const auto* texels = reinterpret_cast<const QRgb*>(level.constScanLine(std::min(u, level.height() - 1)));
     const int size = level.width();
-    const float step = perPixel / float(c.cover->metres.height()) * float(size);
     const int first = std::max(0, int(std::floor(c.top)));
     const int end = std::min(height(), int(std::ceil(c.bottom)));
+    const int stride = width();
     // The cover hangs from the wall's foot, so that floors meet the ground.
-    const float whole = c.high / float(c.cover->metres.height());
+    const float whole = c.high / coverHigh;
     const float offset = (std::ceil(whole) - whole) * float(size);
+    const float step = perPixel / coverHigh * float(size);
     float v = std::fmod(offset + std::max(0.0f, float(first) + 0.5f - c.top) * step, float(size));
-    QRgb* pixel = m_pixels + qsizetype(first) * width() + c.x;
-    for (int y = first; y < end; ++y, pixel += width()) {
+    QRgb* pixel = m_pixels + qsizetype(first) * stride + c.x;
+    for (int y = first; y < end; ++y, pixel += stride) {
         QRgb colour = texels[std::min(int(v), size - 1)];
         const float covered = std::min(c.bottom, float(y + 1)) - std::max(c.top, float(y));
         if (covered < 1)
             colour = blend(0, colour, unsigned(covered * 256));
-        *pixel = over(shaded(colour, *c.shade), *pixel);
+        *pixel = over(shaded(colour, c.shade), *pixel);
         for (v += step; v >= float(size);)
             v -= float(size);
     }
@@ -159,7 +159,7 @@ void Canvas::wall(const Projection& projection, WallEnd a, WallEnd b, float bott
         const float high = projection.row(top, depth);
         const float low = projection.row(bottom, depth);
         if (low > high)
-            wallColumn({x, high, low, along, top - bottom, step, &cover, &fixed});
+            wallColumn({x, high, low, along, top - bottom, step, &cover, fixed});
     }
 }
 

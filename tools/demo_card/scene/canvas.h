@@ -67,7 +67,7 @@ public:
 
 private:
     struct Column;
-    void wallColumn(const Column& column);
+    void wallColumn(Column column);
 
     QImage m_image;
     QRgb* m_pixels;
