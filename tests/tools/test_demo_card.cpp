@@ -116,17 +116,6 @@ private Q_SLOTS:
         QVERIFY(withoutFix > 50 && withoutFix < 120);
     }
 
-    void clipsAreTheSameOnEveryRun() {
-        for (int index : {1, 5}) {
-            const ClipPlan clip = shortened(demoClips()[index], 0.6);
-            Progress progress;
-            QCOMPARE(makeClip(clip, path("a"), progress), QString());
-            QCOMPARE(makeClip(clip, path("b"), progress), QString());
-            QVERIFY(!m_folder->bytes("a")->isEmpty());
-            QVERIFY(*m_folder->bytes("a") == *m_folder->bytes("b"));
-        }
-    }
-
     void aFailureLeavesTheOldCard() {
         const QString card = path("card");
         QVERIFY(QDir().mkpath(card));
