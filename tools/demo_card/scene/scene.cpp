@@ -27,7 +27,7 @@ QImage& Scene::paint(double time) {
     m_view.emplace(m_drive, state, m_canvas.image().size(), m_backwards);
     m_backdrop->paint(m_canvas, state.heading, m_view->projection().horizon);
     paintGround(m_canvas, m_world, *m_view, time, m_backdrop->sunColumn(state.heading));
-    paintBeams(state);
+    paintBeams();
     gatherThings(time);
     const auto& nodes = m_view->nodes();
     for (qsizetype i = nodes.size() - 2; i >= 0; --i)
@@ -99,16 +99,14 @@ void Scene::paintWall(const Wall& wall, double nearAhead, double farAhead) {
               end(wallNear, wall.side + wall.depth, double(std::abs(wall.depth))), 0.82f);
 }
 
-// The own headlights on the road: the light there is, times what they add.
-void Scene::paintBeams(const DriveState& state) {
-    if (!m_beams)
-        return;
-    const float added = 0.55f * m_world.palette.lampLight;
+// The own headlights on the road.
+void Scene::paintBeams() {
     const double wide = m_canvas.width();
-    m_canvas.picture(m_art.picture(QStringLiteral("beams")).image,
-                     QRectF(0, double(m_view->projection().horizon), wide, wide * 0.3),
-                     {kBeam * (added / (added + m_world.lightAt(state.distance).g)), {}, 0}, false,
-                     QPainter::CompositionMode_ColorDodge);
+    const Rgb light = kBeam * kAsphalt * (0.7f * m_world.palette.lampLight);
+    if (m_beams)
+        m_canvas.picture(m_art.picture(QStringLiteral("beams")).image,
+                         QRectF(0, double(m_view->projection().horizon), wide, wide * 0.3), {light, {}, 0},
+                         false, QPainter::CompositionMode_Plus);
 }
 
 // The bonnet, or the rear window's frame.

@@ -39,7 +39,7 @@ private:
     void paintVehicle(const Vehicle& vehicle, double place, double time);
     void paintFlank(const CarArt& art, double nearAhead, float side, bool front, const Shade& shade);
     void paintVehicleLamps(const QRectF& face, bool front, bool braking);
-    void paintBeams(const DriveState& state);
+    void paintBeams();
     void paintCockpit(const DriveState& state);
 
     // Where an upright picture was painted.
