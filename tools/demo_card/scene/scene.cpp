@@ -105,7 +105,7 @@ void Scene::paintBeams() {
     const Rgb light = kBeam * kAsphalt * (0.7f * m_world.palette.lampLight);
     if (m_beams)
         m_canvas.picture(m_art.picture(QStringLiteral("beams")).image,
-                         QRectF(0, double(m_view->projection().horizon), wide, wide * 0.3), {light, {}, 0},
+                         QRectF(0, double(m_view->projection().horizon), wide, wide * 0.406), {light, {}, 0},
                          false, QPainter::CompositionMode_Plus);
 }
 
@@ -113,8 +113,8 @@ void Scene::paintBeams() {
 void Scene::paintCockpit(const DriveState& state) {
     const QString name = m_backwards ? QStringLiteral("rear-window") : QStringLiteral("bonnet");
     const Picture& picture = m_art.picture(name, mix(m_world.palette.skyLow, hex(0x8090a0), 0.5f));
-    const double high = m_canvas.width() / picture.image.aspect();
-    m_canvas.picture(picture.image, QRectF(0, m_canvas.height() - high, m_canvas.width(), high),
+    const int high = qRound(m_canvas.width() / picture.image.aspect()); // whole pixels aren't scaled
+    m_canvas.picture(picture.image, QRect(0, m_canvas.height() - high, m_canvas.width(), high),
                      {m_world.lightAt(state.distance), {}, 0});
 }
 
