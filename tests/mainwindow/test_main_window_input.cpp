@@ -328,6 +328,7 @@ void TestMainWindowInput::drop() {
     QVERIFY(notes.open(QFile::WriteOnly));
     QFETCH(int, others);
     dropOn(place, viewer().path(dropped), others);
+    QTRY_VERIFY_WITH_TIMEOUT(!viewer().window->isReadingFolder(), kBoundMs);
     QTEST(viewer().list()->currentItem()->text(), "current");
     QTEST(viewer().player()->clip()->file().fileName(), "current");
 }
