@@ -42,31 +42,38 @@ bool isMoveForView(QPoint point) {
            layout::kMoveTop <= point.y() && point.y() <= layout::kMoveBottom;
 }
 
-// What doesn't answer at once is what its name says: the reader of folders waits for it then.
-bool isFolder(const QString& path) {
-    const auto is = std::make_shared<bool>(false);
-    BackgroundJobs jobs;
-    jobs.start([is, path] { *is = QFileInfo(path).isDir(); }, [] {});
-    return jobs.wait(kPatience) ? *is : !namedLikeRecording(path);
-}
-
-// The folder that a drop brings, or the folder of the clip that it brings; nothing where it brings neither.
+// The folder that a drop brings, or the folder of the clip that it brings.
 struct Dropped {
     QString folder;
     QString clipName;
 };
 
-std::optional<Dropped> droppedOf(const QMimeData& data) {
-    const QList<QUrl> urls = data.urls().mid(0, limits::kDroppedUrls);
-    for (const QUrl& url : urls) {
-        const QString path = QDir::cleanPath(url.toLocalFile());
+std::optional<Dropped> firstOf(const QStringList& paths, bool (*isFolder)(const QString&)) {
+    for (const QString& path : paths) {
         const QFileInfo file(path);
-        if (url.isLocalFile() && isFolder(path))
+        if (isFolder(path))
             return Dropped{path, {}};
-        if (url.isLocalFile() && namedLikeRecording(path))
+        if (namedLikeRecording(path))
             return Dropped{file.path(), file.fileName()};
     }
     return std::nullopt;
+}
+
+// Nothing where a drop brings neither. What doesn't answer at once is what its name says: the reader of folders
+// waits for it then.
+std::optional<Dropped> droppedOf(const QMimeData& data) {
+    QStringList paths;
+    for (const QUrl& url : data.urls().mid(0, limits::kDroppedUrls)) {
+        if (url.isLocalFile())
+            paths << QDir::cleanPath(url.toLocalFile());
+    }
+    const auto found = std::make_shared<std::optional<Dropped>>();
+    BackgroundJobs jobs;
+    jobs.start(
+        [found, paths] { *found = firstOf(paths, [](const QString& path) { return QFileInfo(path).isDir(); }); },
+        [] {});
+    return jobs.wait(kPatience) ? *found
+                                : firstOf(paths, [](const QString& path) { return !namedLikeRecording(path); });
 }
 
 } // namespace
