@@ -72,7 +72,7 @@ GstCaps* transformCaps(GstBaseTransform*, GstPadDirection direction, GstCaps* ca
     return common;
 }
 
-// The decoder's word on its pictures; it has allocated none yet.
+// The decoder's word on its pictures. One that keeps them in memory of its own may have allocated some by now.
 gboolean takeSize(GstVideoFilter*, GstCaps*, GstVideoInfo* in, GstCaps*, GstVideoInfo*) {
     return !ql240::limits::isPictureTooLarge(GST_VIDEO_INFO_WIDTH(in), GST_VIDEO_INFO_HEIGHT(in));
 }
