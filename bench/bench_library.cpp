@@ -15,8 +15,8 @@
 #include <random>
 #include <vector>
 
-#include "library/clip.h"
-#include "library/clip_folder.h"
+#include "clips/clip.h"
+#include "clips/clip_folder.h"
 #include "mainwindow/my_list_widget.h"
 
 namespace {

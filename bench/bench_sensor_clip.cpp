@@ -7,7 +7,7 @@
 #include <QTemporaryDir>
 #include <cstdio>
 
-#include "platform/sensor_files/sensor_file_library.h"
+#include "clips/formats/sensor_file_library.h"
 #include "support/sensor_clips.h"
 
 namespace {

@@ -4,13 +4,13 @@
 
 #include <memory>
 
+#include "clips/formats/sensor_file_library.h"
 #include "platform/linux/desktop_inhibitor.h"
 #include "platform/linux/desktop_url_opener.h"
 #include "platform/linux/local_running_windows.h"
 #include "platform/linux/system_folder_dialogs.h"
 #include "platform/linux/udisks_drives.h"
 #include "platform/modules.h"
-#include "platform/sensor_files/sensor_file_library.h"
 #include "platform/wave_out.h"
 
 namespace ql240 {

@@ -1,6 +1,6 @@
-// Work off the interface thread, for what a dying card reader or a slow network may hold for minutes. Each job
-// has a thread of its own, which is left behind when nobody waits for it any more; answers come on the thread
-// of the object that asked. Used by one thread; owned by whoever asks.
+// Work off the interface thread, for what a dying card reader or a slow network may hold for minutes. Each
+// job has a thread of its own, which is left behind when nobody waits for it any more; answers come on the
+// thread of the object that asked. Used by one thread; owned by whoever asks.
 #pragma once
 
 #include <QDeadlineTimer>
@@ -39,8 +39,8 @@ public:
     // From now on no `then` of the jobs started so far is called.
     void forget();
     bool isIdle() const { return m_running == 0; }
-    // Blocks until all jobs have ended and their `then` was called; false if the time ran out before. All waits
-    // between two turns of the event loop share kLongestStandstill, whoever waits.
+    // Blocks until all jobs have ended and their `then` was called; false if the time ran out before. All
+    // waits between two turns of the event loop share kLongestStandstill, whoever waits.
     bool wait(std::chrono::milliseconds limit);
 
 private:

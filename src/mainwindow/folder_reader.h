@@ -8,7 +8,7 @@
 #include <memory>
 
 #include "base/background_jobs.h"
-#include "library/clip_folder.h"
+#include "clips/clip_folder.h"
 
 class QRect;
 class QWidget;

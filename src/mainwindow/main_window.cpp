@@ -7,7 +7,7 @@
 #include <QTimer>
 
 #include "base/preferences.h"
-#include "library/clip_folder.h"
+#include "clips/clip_folder.h"
 #include "mainwindow/card_model.h"
 #include "mainwindow/my_list_widget.h"
 #include "mainwindow/stay_awake.h"

@@ -7,7 +7,7 @@
 #include <QPixmap>
 #include <memory>
 
-#include "library/clip_session.h"
+#include "clips/clip_session.h"
 #include "mainwindow/folder_reader.h"
 #include "mainwindow/full_screen.h"
 #include "mainwindow/main_window_buttons.h"

@@ -3,10 +3,10 @@
 #include <QLabel>
 
 #include "base/preferences.h"
-#include "library/clip.h"
-#include "library/clip_folder.h"
-#include "library/clip_name.h"
-#include "library/folder_browser.h"
+#include "clips/clip.h"
+#include "clips/clip_folder.h"
+#include "clips/clip_name.h"
+#include "mainwindow/folder_browser.h"
 #include "mainwindow/main_window.h"
 #include "mainwindow/my_list_widget.h"
 #include "playback/video_view.h"

@@ -13,7 +13,7 @@
 
 #include "base/background_jobs.h"
 #include "base/preferences.h"
-#include "library/clip_folder.h"
+#include "clips/clip_folder.h"
 #include "mainwindow/commands.h"
 #include "mainwindow/main_window.h"
 #include "mainwindow/my_list_widget.h"
@@ -59,8 +59,8 @@ std::optional<Dropped> firstOf(const QStringList& paths, bool (*isFolder)(const 
     return std::nullopt;
 }
 
-// Nothing where a drop brings neither. What doesn't answer at once is what its name says: the reader of folders
-// waits for it then.
+// Nothing where a drop brings neither. What doesn't answer at once is what its name says: the reader of
+// folders waits for it then.
 std::optional<Dropped> droppedOf(const QMimeData& data) {
     QStringList paths;
     for (const QUrl& url : data.urls().mid(0, limits::kDroppedUrls)) {
@@ -70,10 +70,13 @@ std::optional<Dropped> droppedOf(const QMimeData& data) {
     const auto found = std::make_shared<std::optional<Dropped>>();
     BackgroundJobs jobs;
     jobs.start(
-        [found, paths] { *found = firstOf(paths, [](const QString& path) { return QFileInfo(path).isDir(); }); },
+        [found, paths] {
+            *found = firstOf(paths, [](const QString& path) { return QFileInfo(path).isDir(); });
+        },
         [] {});
-    return jobs.wait(kPatience) ? *found
-                                : firstOf(paths, [](const QString& path) { return !namedLikeRecording(path); });
+    return jobs.wait(kPatience)
+               ? *found
+               : firstOf(paths, [](const QString& path) { return !namedLikeRecording(path); });
 }
 
 } // namespace

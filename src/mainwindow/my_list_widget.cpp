@@ -7,7 +7,7 @@
 #include <QMouseEvent>
 #include <QScopedValueRollback>
 
-#include "library/clip.h"
+#include "clips/clip.h"
 #include "mainwindow/commands.h"
 #include "widgets/plain_text.h"
 

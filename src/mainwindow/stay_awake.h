@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "library/clip_session.h"
+#include "clips/clip_session.h"
 
 namespace ql240 {
 

@@ -1,5 +1,5 @@
-// How much the program takes from outside: from a card, a clip or the network, whoever made them. What exceeds
-// a limit is refused, or read no further, before anything is allocated for it.
+// How much the program takes from outside: from a card, a clip or the network, whoever made them. What
+// exceeds a limit is refused, or read no further, before anything is allocated for it.
 #pragma once
 
 #include <cstddef>

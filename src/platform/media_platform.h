@@ -41,8 +41,8 @@ public:
     virtual void setOutputVolume(std::uint16_t left, std::uint16_t right) = 0;
 };
 
-// What the media module offers: `extern "C" ql240::MediaPlatform* ql240CreateMediaPlatform()`; the caller owns
-// the result.
+// What the media module offers: `extern "C" ql240::MediaPlatform* ql240CreateMediaPlatform()`; the caller
+// owns the result.
 using CreateMediaPlatform = MediaPlatform* (*)();
 inline constexpr char kCreateMediaPlatform[] = "ql240CreateMediaPlatform";
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "library/clip.h"
+#include "clips/clip.h"
 #include "platform/host.h"
 #include "platform/media_platform.h"
 #include "playback/graph_recipe.h"

@@ -19,7 +19,8 @@ public:
     }
     bool isUnderWay() const { return m_button != Qt::NoButton; }
 
-    // For each move: whether it belongs to the drag. The button may have been pressed again, on something else.
+    // For each move: whether it belongs to the drag. The button may have been pressed again, on something
+    // else.
     bool goesOn(const QMouseEvent& move) {
         if (!move.buttons().testFlag(m_button) || pressTime(move) != m_pressedAt)
             end();

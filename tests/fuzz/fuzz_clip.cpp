@@ -1,6 +1,6 @@
 // A whole clip: the containers, the sample tables and whichever format is found.
+#include "clips/formats/sensor_file_library.h"
 #include "fuzz/sensor_fuzzing.h"
-#include "platform/sensor_files/sensor_file_library.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     QBuffer buffer;

@@ -2,10 +2,10 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "clips/clip.h"
+#include "clips/clip_folder.h"
+#include "clips/clip_name.h"
 #include "fuzz/scratch_folder.h"
-#include "library/clip.h"
-#include "library/clip_folder.h"
-#include "library/clip_name.h"
 
 using namespace ql240;
 

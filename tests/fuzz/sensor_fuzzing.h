@@ -4,7 +4,7 @@
 #include <QBuffer>
 #include <cstdlib>
 
-#include "platform/sensor_files/sensor_formats.h"
+#include "clips/formats/sensor_formats.h"
 
 namespace ql240::sensorfiles {
 

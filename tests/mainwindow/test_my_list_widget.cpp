@@ -3,7 +3,7 @@
 #include <QMimeData>
 #include <QTest>
 
-#include "library/clip.h"
+#include "clips/clip.h"
 #include "mainwindow/my_list_widget.h"
 
 using namespace ql240;

@@ -12,7 +12,7 @@
 #include <QTimer>
 #include <QWindow>
 
-#include "library/clip.h"
+#include "clips/clip.h"
 #include "mainwindow/main_window.h"
 #include "mainwindow/my_list_widget.h"
 #include "platform/host.h"

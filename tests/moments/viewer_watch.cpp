@@ -5,7 +5,7 @@
 #include <QTimer>
 #include <utility>
 
-#include "library/clip.h"
+#include "clips/clip.h"
 #include "mainwindow/my_list_widget.h"
 #include "moments/hands.h"
 #include "moments/virtual_time.h"

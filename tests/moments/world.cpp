@@ -6,7 +6,7 @@
 #include <QFile>
 #include <algorithm>
 
-#include "library/clip.h"
+#include "clips/clip.h"
 #include "moments/virtual_time.h"
 #include "platform/host.h"
 #include "playback/video_view.h"

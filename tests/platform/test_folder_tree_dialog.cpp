@@ -10,7 +10,7 @@
 #include <QTreeWidget>
 
 #include "base/preferences.h"
-#include "library/folder_browser.h"
+#include "mainwindow/folder_browser.h"
 #include "platform/host.h"
 #include "platform/linux/folder_tree_dialog.h"
 #include "platform/linux/system_folder_dialogs.h"

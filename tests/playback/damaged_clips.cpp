@@ -15,11 +15,11 @@
 #include <cstdio>
 #include <functional>
 
+#include "clips/clip.h"
+#include "clips/formats/sensor_file_library.h"
 #include "demo_card/clip_maker.h"
-#include "library/clip.h"
 #include "platform/gstreamer/gst_media_platform.h"
 #include "platform/host.h"
-#include "platform/sensor_files/sensor_file_library.h"
 #include "playback/video_view.h"
 #include "sensors/sensor_track.h"
 #include "support/clip_damage.h"

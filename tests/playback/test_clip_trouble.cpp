@@ -11,7 +11,7 @@
 
 #include <sys/stat.h>
 
-#include "library/clip.h"
+#include "clips/clip.h"
 #include "platform/gstreamer/gst_media_platform.h"
 #include "platform/host.h"
 #include "playback/video_view.h"

@@ -4,7 +4,7 @@
 #include <QRandomGenerator>
 #include <QThread>
 
-#include "library/clip.h"
+#include "clips/clip.h"
 #include "platform/gstreamer/gst_media_platform.h"
 #include "platform/host.h"
 #include "playback/sample_handler.h"
@@ -199,7 +199,8 @@ private Q_SLOTS:
             QVERIFY(open.step(sign));
             position += sign * Player::kStep;
             for (int stream = 0; stream < spec.videoStreams; ++stream)
-                QTRY_COMPARE_WITH_TIMEOUT(open.grabbed(stream), frameAt(times, position * 100ns), kPatienceMs);
+                QTRY_COMPARE_WITH_TIMEOUT(open.grabbed(stream), frameAt(times, position * 100ns),
+                                          kPatienceMs);
             QTRY_COMPARE_WITH_TIMEOUT(open.shown(), frameAt(times, position * 100ns), kPatienceMs);
             QCOMPARE(open.player().positionMs(), position / 10000);
             if (++count == 5) { // a seek in between starts anew

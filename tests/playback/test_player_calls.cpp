@@ -4,7 +4,7 @@
 
 #include <limits>
 
-#include "library/clip.h"
+#include "clips/clip.h"
 #include "platform/host.h"
 #include "playback/player.h"
 #include "playback/sample_handler.h"

@@ -1,7 +1,7 @@
 // What a view really shows of a clip: which pixels, how bright, of which stream.
 #include <QTest>
 
-#include "library/clip.h"
+#include "clips/clip.h"
 #include "platform/gstreamer/gst_media_platform.h"
 #include "platform/host.h"
 #include "playback/video_view.h"

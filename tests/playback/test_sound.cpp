@@ -1,4 +1,5 @@
-// The sound of clips as a sound server of the test's own gets it, its volume, and a server that dies or hangs.
+// The sound of clips as a sound server of the test's own gets it, its volume, and a server that dies or
+// hangs.
 #include <QTest>
 
 #include <QElapsedTimer>
@@ -14,7 +15,7 @@
 #include <future>
 #include <numbers>
 
-#include "library/clip.h"
+#include "clips/clip.h"
 #include "platform/gstreamer/gst_media_platform.h"
 #include "platform/host.h"
 #include "platform/wave_out.h"

@@ -5,7 +5,7 @@
 
 #include <thread>
 
-#include "library/clip.h"
+#include "clips/clip.h"
 #include "platform/host.h"
 #include "playback/video_view.h"
 #include "support/fake_media.h"

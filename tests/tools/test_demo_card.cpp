@@ -8,10 +8,10 @@
 #include <cmath>
 
 #include "base/preferences.h"
+#include "clips/formats/sensor_file_library.h"
 #include "demo_card/camm_track.h"
 #include "demo_card/card.h"
 #include "demo_card/sensor_data.h"
-#include "platform/sensor_files/sensor_file_library.h"
 #include "sensors/sensor_track.h"
 #include "settings/card.h"
 #include "settings/device_settings.h"
@@ -127,7 +127,8 @@ private Q_SLOTS:
         QVERIFY(makeCard(card, {broken}, progress).startsWith(broken.name));
         Progress cancelled;
         cancelled.cancelled = true;
-        QCOMPARE(makeCard(card, {shortened(demoClips().last(), 0.4)}, cancelled), QStringLiteral("interrupted"));
+        QCOMPARE(makeCard(card, {shortened(demoClips().last(), 0.4)}, cancelled),
+                 QStringLiteral("interrupted"));
         QCOMPARE(*m_folder->bytes("card/VIDEO/old.mp4"), QByteArray("old"));
         QCOMPARE(QDir(m_folder->drive()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
                  QStringList("card"));

@@ -59,8 +59,8 @@ int run(const QStringList& arguments) {
                                            {QStringLiteral("icons"), drawIcons}};
     const Command command = commands.value(arguments.value(1));
     if (!command || arguments.size() != 4) {
-        return fail(
-            QStringLiteral("expected draw, check, contact-sheet or icons, a source folder and one more path"));
+        return fail(QStringLiteral(
+            "expected draw, check, contact-sheet or icons, a source folder and one more path"));
     }
     if (QFontInfo(QFont(QStringLiteral("Open Sans"))).family() != QLatin1String("Open Sans")) {
         return fail(QStringLiteral("the font \"Open Sans\" is not installed"));

@@ -27,8 +27,8 @@ void paintKeyGround(Canvas& canvas, const QRectF& rect, Look look) {
     canvas.outline(rect, kRadius, canvas.color(hover ? "accent" : "line"));
 }
 
-// A key without ground of its own until the pointer is on it: the small commands of the title bars. An outline
-// would stand too close to the glyph.
+// A key without ground of its own until the pointer is on it: the small commands of the title bars. An
+// outline would stand too close to the glyph.
 void paintFlatGround(Canvas& canvas, const QRectF& rect, Look look) {
     if (look == Hover) {
         canvas.shade(rect, kRadius, canvas.color("keyHoverTop"), canvas.color("keyHover"));

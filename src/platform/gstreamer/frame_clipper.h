@@ -29,7 +29,8 @@ public:
     // otherwise. Any thread.
     std::int64_t starvedAtEnd() const { return m_starvedAtEnd; }
 
-    // Whether the last frame that playing let through, and the next one too, end before `ns`. Interface thread.
+    // Whether the last frame that playing let through, and the next one too, end before `ns`. Interface
+    // thread.
     bool lagsBehind(GstClockTime ns);
 
     // Interface thread, while the clip is paused after a seek that has settled. Whether the frame at `ns` can

@@ -29,7 +29,8 @@ public:
     // After a seek to `target` has settled: where a picture stream had ended before that, fetches its last
     // picture by a seek to there. Done: nothing to fetch.
     virtual Sent fetchLastPictures(std::int64_t target, double rate) = 0;
-    // While paused, a short distance from where the last seek led: only the pictures go there. Refused: too far.
+    // While paused, a short distance from where the last seek led: only the pictures go there. Refused: too
+    // far.
     virtual Sent move(std::int64_t target) = 0;
     // After a pause: whether a picture is older than the one before that of `position`.
     virtual bool lagBehind(std::int64_t position) const = 0;

@@ -72,7 +72,8 @@ GstCaps* transformCaps(GstBaseTransform*, GstPadDirection direction, GstCaps* ca
     return common;
 }
 
-// The decoder's word on its pictures. One that keeps them in memory of its own may have allocated some by now.
+// The decoder's word on its pictures. One that keeps them in memory of its own may have allocated some by
+// now.
 gboolean takeSize(GstVideoFilter*, GstCaps*, GstVideoInfo* in, GstCaps*, GstVideoInfo*) {
     return !ql240::limits::isPictureTooLarge(GST_VIDEO_INFO_WIDTH(in), GST_VIDEO_INFO_HEIGHT(in));
 }
@@ -92,7 +93,8 @@ GstFlowReturn packFrame(GstVideoFilter*, GstVideoFrame* in, GstVideoFrame* out) 
 gboolean proposeAllocation(GstBaseTransform* transform, GstQuery* decideQuery, GstQuery* query) {
     const auto allocator = ql240::gstreamer::newFrameAllocator();
     gst_query_add_allocation_param(query, allocator.get(), nullptr);
-    return GST_BASE_TRANSFORM_CLASS(yuy2_packer_parent_class)->propose_allocation(transform, decideQuery, query);
+    return GST_BASE_TRANSFORM_CLASS(yuy2_packer_parent_class)
+        ->propose_allocation(transform, decideQuery, query);
 }
 
 void yuy2_packer_class_init(Yuy2PackerClass* klass) {

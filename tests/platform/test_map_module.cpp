@@ -1,0 +1,330 @@
+// The map module with the real web engine: what the page does with the calls that the program makes.
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QRegularExpression>
+#include <QTest>
+#include <algorithm>
+#include <csignal>
+#include <optional>
+
+#include "platform/host.h"
+#include "platform/modules.h"
+#include "platform/web_engine_setup.h"
+#include "platform/web_pages.h"
+#include "sensors/map_page.h"
+#include "sensors/map_view.h"
+#include "support/child_processes.h"
+#include "support/tile_server.h"
+
+namespace ql240 {
+namespace {
+
+constexpr double kSeoulLatitude = 37.5665;
+constexpr double kSeoulLongitude = 126.978;
+
+// The base map's two grounds, both to be seen around Seoul.
+bool showsLandAndSea(const QImage& image) {
+    int land = 0;
+    int sea = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            land += image.pixelColor(x, y) == QColor(0x2e3230);
+            sea += image.pixelColor(x, y) == QColor(0x12171b);
+        }
+    }
+    return land > 5000 && sea > 5000;
+}
+
+} // namespace
+
+class TestMapModule : public QObject {
+    Q_OBJECT
+
+private:
+    std::unique_ptr<QWidget> m_window;
+    std::unique_ptr<WebPage> m_page;
+    std::optional<bool> m_loaded;
+    QList<QUrl> m_links;
+
+    void load(const QString& text) {
+        m_loaded.reset();
+        m_page->setHtml(text);
+        QTRY_VERIFY_WITH_TIMEOUT(m_loaded.has_value(), 20000);
+    }
+
+    // The value of a script in the page; waits for it.
+    QVariant value(const QString& script) {
+        std::optional<QVariant> result;
+        m_page->runJavaScript(script, [&result](const QVariant& answer) { result = answer; });
+        [&result] { QTRY_VERIFY_WITH_TIMEOUT(result.has_value(), 10000); }();
+        return result.value_or(QVariant());
+    }
+
+    bool becomesTrue(const QString& script, int ms = 20000) {
+        QElapsedTimer clock;
+        clock.start();
+        while (!value(script).toBool()) {
+            if (clock.elapsed() > ms)
+                return false;
+            QTest::qWait(20);
+        }
+        return true;
+    }
+
+    // Whether the map's middle is within a pixel of a position.
+    bool centredOn(double latitude, double longitude) {
+        const QString script = QStringLiteral(
+            "(function() { const map = KORVAMAP.map;"
+            " return map.latLngToContainerPoint([%1, %2]).distanceTo(map.getSize().divideBy(2)); })()");
+        const QVariant distance = value(script.arg(latitude, 0, 'f', 6).arg(longitude, 0, 'f', 6));
+        return distance.isValid() && distance.toDouble() < 1.5;
+    }
+
+    bool onStreets() { return value(QStringLiteral("KORVAMAP.onStreets")).toBool(); }
+
+    QImage picture() { return m_page->widget()->grab(QRect(0, 0, 320, 205)).toImage(); }
+
+private Q_SLOTS:
+    void init() {
+        QTest::failOnWarning(QRegularExpression(QStringLiteral("."))); // it starts without a word
+        m_window = std::make_unique<QWidget>();
+        m_window->resize(325, 210);
+        WebPageEvents events;
+        events.loadFinished = [this](bool ok) { m_loaded = ok; };
+        events.renderProcessGone = [] {};
+        events.linkClicked = [this](const QUrl& address) { m_links.append(address); };
+        m_page = host().webPages->createPage(m_window.get(), std::move(events));
+        QVERIFY(m_page);
+        m_page->widget()->resize(325, 210);
+        m_window->show();
+        load(mapPage(kSeoulLatitude, kSeoulLongitude));
+        QCOMPARE(m_loaded, true);
+    }
+
+    void cleanup() {
+        m_page.reset();
+        m_window.reset();
+        m_links.clear();
+    }
+
+    void goCentresTheMap() {
+        QVERIFY(centredOn(kSeoulLatitude, kSeoulLongitude));
+        m_page->runJavaScript(goScript(kSeoulLatitude + 0.7, kSeoulLongitude - 1));
+        QVERIFY(centredOn(kSeoulLatitude + 0.7, kSeoulLongitude - 1));
+        m_page->runJavaScript(goScript(-33.86883, -70.5));
+        QVERIFY(centredOn(-33.86883, -70.5));
+        // Called again, by the page's own onload for one, it keeps the place.
+        value(QStringLiteral("init(); KORVAMAP.initMap('KorvaMap', 163670, 526934, 12, function() {}, 2)"));
+        QVERIFY(centredOn(-33.86883, -70.5));
+        m_page->runJavaScript(goScript(kSeoulLatitude, kSeoulLongitude));
+        QVERIFY(centredOn(kSeoulLatitude, kSeoulLongitude));
+    }
+
+    // As damaged clips say them: the car stays, and the track is what is left of it.
+    void whatIsNoPlaceOnEarthIsIgnored() {
+        const auto way = [this](const char* track) {
+            m_page->runJavaScript(QStringLiteral("setTrack([%1])").arg(QLatin1String(track)));
+            return value(QStringLiteral("document.querySelector('.way').toDataURL()")).toString();
+        };
+        const QString kept = way("[[37.56,126.97],[37.57,126.98]]");
+        QVERIFY(kept.size() > 1000);
+        for (const char* place :
+             {"37.5,1e20", "37.5,-180.1", "90.1,127", "-1e300,127", "NaN,127", "37.5,Infinity"}) {
+            m_page->runJavaScript(QStringLiteral("MapMoveToAuto(%1,'9')").arg(QLatin1String(place)));
+            const QByteArray track = "[[37.56,126.97],[" + QByteArray(place) + "],[37.57,126.98]]";
+            QVERIFY2(way(track.constData()) == kept, place);
+            QVERIFY2(centredOn(kSeoulLatitude, kSeoulLongitude), place);
+        }
+        load(mapPage(kSeoulLatitude, 1e20));
+        QCOMPARE(m_loaded, true);
+        m_page->runJavaScript(goScript(kSeoulLatitude, kSeoulLongitude));
+        QVERIFY(centredOn(kSeoulLatitude, kSeoulLongitude));
+    }
+
+    void initMapCallsBack() {
+        QCOMPARE(
+            value(QStringLiteral("let called = 0; KORVAMAP.initMap('KorvaMap', 1, 2, 3, () => ++called, 2);"
+                                 " called"))
+                .toInt(),
+            1);
+    }
+
+    void withoutTilesTheBaseMapShows() {
+        m_page->runJavaScript(tilesScript(QString()));
+        QVERIFY(becomesTrue(QStringLiteral("document.querySelectorAll('.leaflet-tile-loaded').length > 1")));
+        QTRY_VERIFY(showsLandAndSea(picture()));
+        QVERIFY(!onStreets());
+        QVERIFY(value(QStringLiteral("document.body.innerText"))
+                    .toString()
+                    .contains(QLatin1String("Natural Earth")));
+    }
+
+    void wayShowsTheTrack() {
+        SensorTrack track(2);
+        track[0].latitude = kSeoulLatitude;
+        track[0].longitude = track[1].longitude = kSeoulLongitude;
+        track[1].latitude = kSeoulLatitude + 0.01;
+        m_page->runJavaScript(trackScript(track));
+        QVERIFY(becomesTrue(QStringLiteral("document.querySelector('.way') !== null")));
+        m_page->runJavaScript(trackScript({}));
+        QVERIFY(becomesTrue(QStringLiteral("document.querySelector('.way') === null")));
+    }
+
+    // North, then east.
+    void carPointsAlongTheWayWhicheverWayItMoves() {
+        SensorTrack track(20);
+        for (int i = 0; i < 20; ++i) {
+            track[i].latitude = kSeoulLatitude + std::min(i, 10) * 0.0002;
+            track[i].longitude = kSeoulLongitude + std::max(i - 10, 0) * 0.0002;
+        }
+        m_page->runJavaScript(trackScript(track));
+        const std::pair<int, int> turns[] = {{3, 0}, {5, 0}, {4, 0}, {14, 90}, {12, 90}, {19, 90}, {2, 0}};
+        for (const auto& [point, degrees] : turns) {
+            m_page->runJavaScript(goScript(track[point].latitude, track[point].longitude));
+            const auto turn = QStringLiteral("document.querySelector('.car svg').style.transform");
+            QCOMPARE(value(turn).toString(), QStringLiteral("rotate(%1deg)").arg(degrees));
+        }
+    }
+
+    void tilesShowStreetsUntilTheServerGoes() {
+        const QColor colour(200, 100, 50);
+        TileServer server(colour);
+        m_page->runJavaScript(tilesScript(server.address()));
+        QVERIFY(becomesTrue(QStringLiteral("KORVAMAP.onStreets")));
+        QCOMPARE(value(QStringLiteral("KORVAMAP.map.getZoom()")).toInt(), 16);
+        QVERIFY(centredOn(kSeoulLatitude, kSeoulLongitude));
+        // The tile's colour, dimmed.
+        QTRY_VERIFY(picture().pixelColor(40, 60).red() > 140);
+        QVERIFY(picture().pixelColor(40, 60).red() < colour.red());
+        QVERIFY(server.requests.first().contains("User-Agent: QL240-Viewer/"));
+        QVERIFY(value(QStringLiteral("document.body.innerText"))
+                    .toString()
+                    .contains(QLatin1String("OpenStreetMap")));
+
+        server.close();
+        m_page->runJavaScript(goScript(52.5, 13.4));
+        QVERIFY(becomesTrue(QStringLiteral("!KORVAMAP.onStreets")));
+        QVERIFY(centredOn(52.5, 13.4));
+    }
+
+    void tilesTaken_data() {
+        QTest::addColumn<QByteArray>("answer");
+        QTest::addColumn<bool>("taken");
+        const auto picture = [](int width, int height, const char* format) {
+            return TileServer::picture(QSize(width, height), format);
+        };
+        const QByteArray tile = picture(256, 256, "PNG");
+        QTest::newRow("512 a side") << picture(512, 512, "PNG") << true;
+        QTest::newRow("JPEG") << picture(256, 256, "JPG") << true;
+        QTest::newRow("WebP") << QByteArray::fromBase64(
+                                     "UklGRiQAAABXRUJQVlA4TBgAAAAv/8A/AAfQ//73v/8BAEX6/58i+p/6338=")
+                              << true;
+        QTest::newRow("too large") << picture(1024, 1024, "PNG") << false;
+        QTest::newRow("too high") << picture(256, 20000, "PNG") << false;
+        QTest::newRow("too large a JPEG") << picture(2048, 256, "JPG") << false;
+        QTest::newRow("too small") << picture(1, 1, "PNG") << false;
+        QTest::newRow("too many bytes") << tile + QByteArray(2 << 20, 'x') << false;
+        QTest::newRow("bitmap") << picture(256, 256, "BMP") << false;
+        QTest::newRow("drawing") << QByteArray(
+                                        "<svg xmlns='http://www.w3.org/2000/svg' width='256' height='256'/>")
+                                 << false;
+        QTest::newRow("cut in its header") << tile.left(20) << false;
+        QTest::newRow("header alone") << tile.left(40) << false;
+        QTest::newRow("nothing") << QByteArray() << false;
+    }
+    void tilesTaken() {
+        QFETCH(QByteArray, answer);
+        TileServer server(Qt::white);
+        server.body = answer;
+        m_page->runJavaScript(tilesScript(server.address()));
+        QVERIFY(becomesTrue(QStringLiteral("KORVAMAP.onStreets || KORVAMAP.refusals > 0")));
+        QTEST(onStreets(), "taken");
+    }
+
+    // Not even to another port of the same host.
+    void redirectsLeadNowhere() {
+        TileServer server(Qt::white), other(Qt::white);
+        server.head = "HTTP/1.1 302 Found\r\nLocation: " + other.host().toLatin1() + "/1/2/3.png";
+        m_page->runJavaScript(tilesScript(server.address()));
+        QVERIFY(becomesTrue(QStringLiteral("KORVAMAP.onStreets || KORVAMAP.refusals > 0")));
+        QVERIFY(!onStreets());
+        QVERIFY(!server.requests.isEmpty());
+        QCOMPARE(other.requests, QByteArrayList());
+    }
+
+    // Pictures from outside are decoded in the engine's sandbox or not at all.
+    void withoutASandboxNothingIsAskedFor() {
+        TileServer server(Qt::white);
+        cleanup();
+        host().webPages->network = false;
+        init();
+        host().webPages->network = true;
+        m_page->runJavaScript(tilesScript(server.address()));
+        QVERIFY(becomesTrue(QStringLiteral("KORVAMAP.refusals > 0")));
+        QVERIFY(!onStreets());
+        QCOMPARE(server.requests, QByteArrayList());
+    }
+
+    void linkIsHandedOut() {
+        TileServer server(Qt::white);
+        m_page->runJavaScript(tilesScript(server.address()));
+        QVERIFY(becomesTrue(QStringLiteral("KORVAMAP.onStreets")));
+        m_page->runJavaScript(
+            QStringLiteral("document.querySelector('.leaflet-control-attribution a').click()"));
+        QTRY_COMPARE(m_links, QList<QUrl>{QUrl(QStringLiteral("https://www.openstreetmap.org/copyright"))});
+        QVERIFY(centredOn(kSeoulLatitude, kSeoulLongitude));
+    }
+
+    // Neither a tile server nor a script host that takes requests and never answers keeps the page from
+    // loading.
+    void hostsThatNeverAnswer() {
+        TileServer server(Qt::white);
+        server.silent = true;
+        m_page->runJavaScript(tilesScript(server.address()));
+        QTRY_VERIFY(!server.requests.isEmpty());
+        QVERIFY(!onStreets());
+
+        QString text = mapPage(kSeoulLatitude, kSeoulLongitude);
+        text.replace(QStringLiteral("</head>"),
+                     QStringLiteral("<script src=\"%1/a.js\"></script></head>").arg(server.host()));
+        QElapsedTimer clock;
+        clock.start();
+        load(text);
+        QVERIFY(clock.elapsed() < 10000);
+        QVERIFY(centredOn(kSeoulLatitude, kSeoulLongitude));
+        for (const QByteArray& request : std::as_const(server.requests))
+            QVERIFY2(!request.contains("a.js"), request.constData());
+    }
+
+    void lostRenderProcessComesBack() {
+        cleanup();
+        QWidget window;
+        window.resize(400, 300);
+        MapView map(&window);
+        map.setGeometry(0, 0, 320, 206);
+        window.show();
+        auto* webView = map.findChild<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
+        QTRY_VERIFY_WITH_TIMEOUT(webView->isVisible(), 20000);
+        const QList<qint64> processes = childProcesses();
+        QVERIFY(!processes.isEmpty());
+        kill(pid_t(processes.last()), SIGKILL);
+        QTRY_VERIFY_WITH_TIMEOUT(!webView->isVisible(), 20000);
+        map.moveTo(kSeoulLatitude, kSeoulLongitude);
+        QTRY_VERIFY_WITH_TIMEOUT(webView->isVisible(), 20000);
+        QTRY_VERIFY(showsLandAndSea(map.grab().toImage()));
+    }
+};
+
+} // namespace ql240
+
+int main(int argc, char** argv) {
+    ql240::prepareWebEngine();
+    QApplication application(argc, argv);
+    ql240::MapModule module(QStringLiteral(QL240_MODULES));
+    module.network = true;
+    ql240::host().webPages = &module;
+    ql240::TestMapModule test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "test_map_module.moc"

@@ -1,0 +1,291 @@
+#include <QFile>
+#include <QLocale>
+#include <QPainter>
+#include <QTest>
+#include <QTimer>
+#include <clocale>
+#include <cmath>
+#include <limits>
+
+#include "base/preferences.h"
+#include "platform/host.h"
+#include "platform/url_opener.h"
+#include "sensors/map_page.h"
+#include "sensors/map_view.h"
+#include "support/fake_web_pages.h"
+
+namespace ql240 {
+namespace {
+
+constexpr double kStartLatitude = 37.409571;
+constexpr double kStartLongitude = 127.129253;
+
+struct Browser : UrlOpener {
+    QStringList addresses;
+    bool openUrl(const QString& address) override {
+        addresses.append(address);
+        return true;
+    }
+};
+
+SensorSample sampleAt(double latitude, double longitude) {
+    SensorSample sample;
+    sample.latitude = latitude;
+    sample.longitude = longitude;
+    return sample;
+}
+
+} // namespace
+
+class TestMapView : public QObject {
+    Q_OBJECT
+
+private:
+    FakeWebPages m_pages;
+    Browser m_browser;
+    std::unique_ptr<QWidget> m_window;
+    MapView* m_map = nullptr;
+
+    // A map in a window that has been painted, its page loaded, and the calls so far forgotten.
+    void showLoaded() {
+        m_window->show();
+        QTRY_COMPARE(m_pages.texts.size(), 1);
+        m_pages.events.loadFinished(true);
+        m_pages.scripts.clear();
+    }
+
+    QWidget* webView() const { return m_map->findChild<QWidget*>(QString(), Qt::FindDirectChildrenOnly); }
+
+private Q_SLOTS:
+    void init() {
+        m_pages = {};
+        m_browser = {};
+        host().webPages = &m_pages;
+        host().urlOpener = &m_browser;
+        QFile::remove(localIniPath());
+        m_window = std::make_unique<QWidget>();
+        m_window->resize(400, 300);
+        m_map = new MapView(m_window.get());
+        m_map->setGeometry(40, 30, 320, 206);
+    }
+
+    void cleanup() {
+        m_window.reset();
+        host() = {};
+    }
+
+    void scripts_data() {
+        QTest::addColumn<QString>("script");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("five decimals") << goScript(37.5665, 126.978) << "go(37.56650,126.97800)";
+        QTest::newRow("south and west") << goScript(-33.868831, -0.000004) << "go(-33.86883,-0.00000)";
+        QTest::newRow("no exponent") << goScript(0.00000123, 179.999999) << "go(0.00000,180.00000)";
+        QTest::newRow("no track") << trackScript({}) << "setTrack([])";
+        QTest::newRow("a tunnel parts the way")
+            << trackScript({sampleAt(1, 2), sampleAt(1, 3), sampleAt(0, 3), sampleAt(1, 4)})
+            << "setTrack([[[1.00000,2.00000],[1.00000,3.00000]],[[1.00000,4.00000]]])";
+        QTest::newRow("so does what is no place")
+            << trackScript({sampleAt(1, 2), sampleAt(std::nan(""), 2), sampleAt(1, 3), sampleAt(1, 999)})
+            << "setTrack([[[1.00000,2.00000]],[[1.00000,3.00000]]])";
+        QTest::newRow("a stop is one point")
+            << trackScript({sampleAt(1, 2), sampleAt(1, 2), sampleAt(1, 2.000001)})
+            << "setTrack([[[1.00000,2.00000]]])";
+        QTest::newRow("quoted") << tilesScript(QStringLiteral("http://a/\"\\')</script>"))
+                                << "setTiles([\"http://a/\\\"\\\\')</script>\"][0],"
+                                   "{bytes:1048576,sides:[256,512]})";
+    }
+    void scripts() {
+        QFETCH(QString, script);
+        QTEST(script, "expected");
+    }
+
+    // The C library's locale decides over printf's decimal point, the toolkit's over its own texts.
+    void numbersAreFreeOfTheLocale() {
+        const QLocale before;
+        QLocale::setDefault(QLocale(QLocale::German));
+        std::setlocale(LC_NUMERIC, "de_DE.UTF-8");
+        const QString page = mapPage(1234.5, 0.25);
+        const QString go = goScript(1234.5, 0.25);
+        std::setlocale(LC_NUMERIC, "C");
+        QLocale::setDefault(before);
+        QVERIFY(page.contains(QStringLiteral("MapMoveToAuto('1234.500000','0.250000','9');")));
+        QCOMPARE(go, QStringLiteral("go(1234.50000,0.25000)"));
+    }
+
+    void engineWaitsForTheFirstPaint() {
+        QCoreApplication::processEvents();
+        QCOMPARE(m_pages.made, 0);
+        QCOMPARE(webView()->geometry(), QRect(0, 0, 325, 210));
+        m_window->show();
+        QTRY_COMPARE(m_pages.made, 1);
+        QCOMPARE(m_pages.view->parentWidget(), webView());
+        QCOMPARE(m_pages.view->size(), QSize(325, 210));
+        QCOMPARE(m_pages.texts, QStringList{mapPage(kStartLatitude, kStartLongitude)});
+        QVERIFY(!m_pages.view->isVisible());
+    }
+
+    void worksWithoutTheModule() {
+        m_pages.missing = true;
+        m_window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+        m_map->grab();
+        QVERIFY(m_map->moveTo(1, 2));
+        m_map->setTrack({sampleAt(1, 2)});
+        m_map->loadMapPage();
+    }
+
+    void equalPositionIsSentOnce() {
+        showLoaded();
+        QVERIFY(m_map->moveTo(kStartLatitude, kStartLongitude));
+        QVERIFY(m_map->moveTo(37.5665, 126.978));
+        QVERIFY(m_map->moveTo(37.5665, 126.978));
+        QVERIFY(m_map->moveTo(37.5665, 126.979));
+        QCOMPARE(m_pages.takeScripts(), (QStringList{"go(37.56650,126.97800)", "go(37.56650,126.97900)"}));
+        QVERIFY(m_map->moveTo(std::numeric_limits<double>::quiet_NaN(), 1));
+        QVERIFY(m_map->moveTo(1, std::numeric_limits<double>::infinity()));
+        QCOMPARE(m_pages.takeScripts(), QStringList());
+    }
+
+    void positionsSentWhileLoadingAreSentAgain() {
+        m_map->moveTo(1, 2);
+        m_map->setTrack({sampleAt(5, 6)});
+        m_window->show();
+        QTRY_COMPARE(m_pages.texts.size(), 1);
+        QCOMPARE(m_pages.texts.last(), mapPage(1, 2));
+        m_map->moveTo(3, 4);
+        QCOMPARE(m_pages.takeScripts(), QStringList{goScript(3, 4)});
+        m_pages.events.loadFinished(true);
+        QCOMPARE(m_pages.scripts.size(), 3);
+        QVERIFY(m_pages.scripts.contains(goScript(3, 4)));
+        QVERIFY(m_pages.scripts.contains(trackScript({sampleAt(5, 6)})));
+        QVERIFY(m_pages.view->isVisible());
+    }
+
+    void tileAddress_data() {
+        QTest::addColumn<QString>("stored");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("absent") << QString() << "https://tile.openstreetmap.org/{z}/{x}/{y}.png";
+        QTest::newRow("empty switches off") << "tileurl="
+                                            << "";
+        QTest::newRow("another server") << "tileurl=http://localhost/{z}/{x}/{y}.png"
+                                        << "http://localhost/{z}/{x}/{y}.png";
+        QTest::newRow("unquoted comma") << "tileurl=http://h/{z}/{x}/{y}?a=1,2"
+                                        << "http://h/{z}/{x}/{y}?a=1,2";
+    }
+    void tileAddress() {
+        QFETCH(QString, stored);
+        QFETCH(QString, expected);
+        if (!stored.isNull()) {
+            QFile file(localIniPath());
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write("[map]\n" + stored.toUtf8() + '\n');
+        }
+        m_window->show();
+        QTRY_COMPARE(m_pages.texts.size(), 1);
+        m_pages.events.loadFinished(true);
+        QVERIFY(m_pages.scripts.contains(tilesScript(expected)));
+    }
+
+    void nothingIsSentWhileHidden() {
+        showLoaded();
+        m_map->hide();
+        m_map->moveTo(1, 2);
+        m_map->setTrack({sampleAt(1, 2)});
+        m_map->moveTo(3, 4);
+        QCOMPARE(m_pages.scripts, QStringList());
+        m_map->show();
+        QCOMPARE(m_pages.takeScripts(), (QStringList{trackScript({sampleAt(1, 2)}), goScript(3, 4)}));
+        m_map->hide();
+        m_map->show();
+        QCOMPARE(m_pages.takeScripts(), QStringList());
+    }
+
+    void languageChangeLoadsThePageWhereTheCarIs() {
+        showLoaded();
+        m_map->setTrack({sampleAt(5, 6)});
+        m_map->moveTo(1, 2);
+        m_pages.scripts.clear();
+        QEvent change(QEvent::LanguageChange);
+        change.ignore();
+        QCoreApplication::sendEvent(m_map, &change);
+        QVERIFY(change.isAccepted());
+        QCOMPARE(m_pages.texts.size(), 2);
+        QCOMPARE(m_pages.texts.last(), mapPage(1, 2));
+        m_pages.events.loadFinished(true);
+        QVERIFY(m_pages.scripts.contains(trackScript({sampleAt(5, 6)})));
+        QVERIFY(!m_pages.scripts.contains(goScript(1, 2)));
+    }
+
+    // What goes wrong with the page shows the backdrop, then the page is set again.
+    void lostPageComesBack_data() {
+        QTest::addColumn<int>("trouble");
+        QTest::newRow("load fails") << 0;
+        QTest::newRow("render process gone") << 1;
+        QTest::newRow("load never ends") << 2;
+    }
+    void lostPageComesBack() {
+        QFETCH(int, trouble);
+        showLoaded();
+        QVERIFY(m_pages.view->isVisible());
+        if (trouble == 0) {
+            m_pages.events.loadFinished(false);
+        } else if (trouble == 1) {
+            m_pages.events.renderProcessGone();
+        } else {
+            m_map->findChild<QTimer*>(QStringLiteral("loadWatchdog"))->setInterval(20);
+            m_map->loadMapPage();
+            QTRY_COMPARE(m_pages.stops, 1);
+        }
+        QVERIFY(!m_pages.view->isVisible());
+        m_map->moveTo(1, 2);
+        QTRY_COMPARE_WITH_TIMEOUT(m_pages.texts.last(), mapPage(1, 2), 10000);
+        m_pages.events.loadFinished(true);
+        QVERIFY(m_pages.view->isVisible());
+    }
+
+    // Waits grow from trouble to trouble, each of which may be reported twice, until a page has stood for a
+    // while.
+    void longWaitsEnd() {
+        showLoaded();
+        QTimer* const revive = m_map->findChild<QTimer*>(QStringLiteral("reviveTimer"));
+        QTimer* const steady = m_map->findChild<QTimer*>(QStringLiteral("steadyTimer"));
+        for (const int waitMs : {1000, 2000, 4000}) {
+            m_pages.events.renderProcessGone();
+            m_pages.events.loadFinished(false);
+            QCOMPARE(revive->interval(), waitMs);
+            QVERIFY(!steady->isActive());
+            m_pages.events.loadFinished(true);
+            QVERIFY(!revive->isActive());
+        }
+        steady->start(1);
+        QTRY_VERIFY(!steady->isActive());
+        m_pages.events.renderProcessGone();
+        QCOMPARE(revive->interval(), 1000);
+    }
+
+    void linksGoToTheBrowser() {
+        showLoaded();
+        m_pages.events.linkClicked(QUrl(QStringLiteral("https://www.openstreetmap.org/copyright")));
+        QCOMPARE(m_browser.addresses, QStringList{"https://www.openstreetmap.org/copyright"});
+    }
+
+    void backdropLeavesAFrameOfThePixel() {
+        QImage image(320, 206, QImage::Format_RGB32);
+        image.fill(Qt::magenta);
+        QPainter painter(&image);
+        m_map->render(&painter, QPoint(), QRegion(), QWidget::DrawChildren);
+        painter.end();
+        const QColor strip(7, 7, 7);
+        QCOMPARE(image.pixelColor(0, 187), QColor(Qt::magenta));
+        QCOMPARE(image.pixelColor(0, 188), strip);
+        QCOMPARE(image.pixelColor(319, 205), strip);
+        QCOMPARE(image.pixelColor(160, 0), QColor(Qt::magenta));
+        QVERIFY(image.pixelColor(1, 1) != QColor(Qt::magenta));
+        QVERIFY(image.pixelColor(318, 187) != QColor(Qt::magenta));
+    }
+};
+
+} // namespace ql240
+
+QTEST_MAIN(ql240::TestMapView)
+#include "test_map_view.moc"

@@ -1,0 +1,299 @@
+#include <QDate>
+#include <QElapsedTimer>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QSemaphore>
+#include <QSignalSpy>
+#include <QTest>
+#include <atomic>
+#include <memory>
+
+#include "platform/host.h"
+#include "sensors/widget_progress.h"
+#include "support/fake_sensor_library.h"
+#include "support/made_card.h"
+
+namespace ql240 {
+using Version = std::optional<QString>;
+} // namespace ql240
+
+Q_DECLARE_METATYPE(ql240::Version)
+
+namespace ql240 {
+namespace {
+
+// Sends the event as the main window does, straight to the handler; true when it was accepted.
+bool send(WidgetProgressA& panel, QEvent::Type type, QPoint place, Qt::MouseButton button = Qt::LeftButton) {
+    QMouseEvent event(type, QPointF(place), QPointF(place), button, button, Qt::NoModifier);
+    event.setAccepted(true);
+    if (type == QEvent::MouseButtonPress)
+        panel.mousePressEvent(&event);
+    else if (type == QEvent::MouseMove)
+        panel.mouseMoveEvent(&event);
+    else
+        panel.mouseReleaseEvent(&event);
+    return event.isAccepted();
+}
+
+constexpr auto kPress = QEvent::MouseButtonPress;
+constexpr auto kMove = QEvent::MouseMove;
+constexpr auto kRelease = QEvent::MouseButtonRelease;
+
+// How many pixels of this colour the strip has.
+int coloured(const QImage& strip, QColor colour) {
+    int count = 0;
+    for (int x = 0; x < strip.width(); ++x)
+        for (int y = 0; y <= panel::kStripBottom; ++y)
+            count += strip.pixelColor(x, y) == colour;
+    return count;
+}
+
+} // namespace
+
+class TestWidgetProgress : public QObject {
+    Q_OBJECT
+
+private:
+    FakeSensorLibrary m_library;
+    MadeCard m_card;
+
+private Q_SLOTS:
+    void init() {
+        m_library = {};
+        host().sensorLibrary = &m_library;
+    }
+
+    void cleanup() { host() = {}; }
+
+    void startsAsTheSheetSays() {
+        host().sensorLibrary = nullptr;
+        WidgetProgressA panel;
+        const PanelState state = panel.state();
+        QCOMPARE(panel.size(), QSize(642, 250));
+        QCOMPARE(state.timeText, QStringLiteral("00:00/00:00"));
+        QCOMPARE(state.modelText, QStringLiteral("unknown"));
+        QCOMPARE(state.dateText, QDate::currentDate().toString(QStringLiteral("yyyy.MM.dd")));
+        QVERIFY(state.kilometres);
+        QVERIFY(panel.sampleAt(0) == SensorSample());
+        panel.setClipPath(QStringLiteral("a.mp4"));
+        panel.loadSensorData(1000); // with no library behind it
+        QVERIFY(panel.sampleAt(0) == SensorSample());
+        QCOMPARE(panel.metaObject()->indexOfSignal("clicked(int)") - panel.metaObject()->methodOffset(), 0);
+        QCOMPARE(panel.metaObject()->indexOfSlot("OnTimeoutAnimation()") - panel.metaObject()->methodOffset(),
+                 1);
+    }
+
+    void rangeAndValue() {
+        WidgetProgressA panel;
+        panel.setRange(0, 125000);
+        panel.setValue(61500);
+        QCOMPARE(panel.state().timeText, QStringLiteral("01:01/02:05"));
+        panel.setRange(10, 9);
+        QCOMPARE(panel.state().progressMaximum, 125000);
+        panel.grab();
+        panel.setValue(125001);
+        QCOMPARE(panel.state().progressValue, 61500);
+        panel.setValue(-1);
+        QCOMPARE(panel.state().progressValue, 61500);
+        panel.setRange(0, 60000);
+        QCOMPARE(panel.state().timeText, QStringLiteral("01:01/01:00"));
+        panel.setValue(61501); // let through since the range changed after the last paint
+        QCOMPARE(panel.state().progressValue, 61501);
+        panel.setRange(0, 60000);
+        panel.grab();
+        panel.setValue(61502);
+        QCOMPARE(panel.state().progressValue, 61501);
+        panel.clearSensorData();
+        QCOMPARE(panel.state().progressMaximum, -1);
+        QCOMPARE(panel.state().progressValue, -1);
+        panel.setRange(0, 0);
+        QCOMPARE(panel.state().timeText, QStringLiteral("00:00/00:00"));
+    }
+
+    void model_data() {
+        QTest::addColumn<Version>("version");
+        QTest::addColumn<QString>("model");
+        QTest::newRow("no card") << Version() << "unknown";
+        QTest::newRow("long") << Version(QStringLiteral("QL240 1.02 1.00 24V")) << "QL240";
+        QTest::newRow("empty file") << Version(QString()) << "";
+    }
+    void model() {
+        QFETCH(Version, version);
+        QFETCH(QString, model);
+        std::atomic<bool> pulled = false;
+        WidgetProgressA panel(nullptr, [&] { return pulled ? std::nullopt : version; });
+        QTRY_COMPARE(panel.state().modelText, model);
+        pulled = true;
+        panel.setClipPath(QStringLiteral("b.mp4")); // no card any more: the text stays
+        QCOMPARE(panel.state().modelText, model);
+    }
+
+    // A card reader that doesn't answer holds up nothing; the text follows when it does.
+    void hangingCardReader() {
+        // Outlives the panel, for a look that nobody waits for any more.
+        const auto answers = std::make_shared<QSemaphore>();
+        const auto looks = std::make_shared<std::atomic<int>>(0);
+        QElapsedTimer timer;
+        timer.start();
+        WidgetProgressA panel(nullptr, [answers, looks]() -> Version {
+            answers->acquire();
+            return ++*looks == 1 ? QStringLiteral("QL240 1.02") : QStringLiteral("QL999 1.02");
+        });
+        for (int i = 0; i < 100; ++i)
+            panel.setClipPath(QStringLiteral("a.mp4"));
+        QVERIFY(timer.elapsed() < 5000); // a hundred waits of the constructor's would be more
+        QCOMPARE(panel.state().modelText, QStringLiteral("unknown"));
+        answers->release();
+        QTRY_COMPARE(panel.state().modelText, QStringLiteral("QL240"));
+        answers->release(); // one more look for all the clips
+        QTRY_COMPARE(panel.state().modelText, QStringLiteral("QL999"));
+    }
+
+    void track() {
+        m_library.lastMs = 400;
+        m_library.answer = [](qint64 t) {
+            return FakeSensorLibrary::Answer{t < 200 ? 0 : 1500000, 2500000, 'S', 'E', 60, short(t), -5, 7};
+        };
+        WidgetProgressA panel;
+        panel.loadSensorData(500); // no clip, nothing to ask for
+        QVERIFY(m_library.path.isEmpty());
+        panel.setClipPath(QStringLiteral("/card/a.mp4"));
+        panel.loadSensorData(500);
+        QCOMPARE(panel.sensorTrack().size(), size_t(5));
+        QCOMPARE(panel.sampleAt(100).speed, 60);
+        QVERIFY(!panel.state().hasFix);
+        QCOMPARE(panel.sampleAt(99999).latitude, -1.5);
+        QVERIFY(panel.state().hasFix);
+        QCOMPARE(panel.state().accX, 400);
+        QCOMPARE(panel.state().latitude, -1.5);
+        QCOMPARE(panel.state().speedKmh, 0);
+        QVERIFY(panel.sampleAt(-1) == SensorSample());
+        QCOMPARE(panel.state().accX, 0);
+        QVERIFY(!panel.state().hasFix);
+        panel.clearSensorData();
+        QVERIFY(panel.sensorTrack().empty());
+        QCOMPARE(panel.sampleAt(0).timeMs, -1);
+    }
+
+    // A clip without data clears the readings; one whose trailer is found keeps them until the next look-up.
+    void readingsAcrossClips() {
+        WidgetProgressA panel;
+        panel.setClipPath(QStringLiteral("/card/a.mp4"));
+        panel.loadSensorData(500);
+        panel.sampleAt(0);
+        QVERIFY(panel.state().latitude != 0.0);
+        m_card.put(QStringLiteral("REC_a.avi"), "vETKLP1\n");
+        panel.setClipPath(m_card.path(QStringLiteral("REC_a.avi")));
+        m_library.path.clear();
+        panel.loadSensorData(500);
+        QVERIFY(panel.state().latitude != 0.0);
+        QVERIFY(m_library.path.isEmpty());
+        m_library.hasData = false;
+        panel.setClipPath(QStringLiteral("/card/REC_b.avi"));
+        panel.loadSensorData(500);
+        QCOMPARE(m_library.path, QByteArray("/card/REC_b.avi"));
+        QCOMPARE(panel.state().latitude, 0.0);
+        QVERIFY(panel.state().hasFix); // no look-up has said otherwise
+        QCOMPARE(panel.sampleAt(0).timeMs, -1);
+    }
+
+    void activity() {
+        WidgetProgressA panel;
+        const auto* timer = panel.findChild<QTimer*>();
+        QVERIFY(timer != nullptr);
+        panel.setClipPath(QStringLiteral("/card/a.mp4"));
+        panel.loadSensorData(500);
+        panel.setActive(true);
+        QVERIFY(panel.isEnabled() && timer->isActive());
+        QCOMPARE(timer->interval(), 2000);
+        panel.sampleAt(0);
+        panel.setSpeed(88);
+        panel.setAnimating(false);
+        QVERIFY(panel.isEnabled() && !timer->isActive());
+        QVERIFY(panel.state().hasFix);
+        panel.setAnimating(true);
+        panel.resetIndicators();
+        QVERIFY(!timer->isActive() && !panel.state().hasFix);
+        QCOMPARE(panel.state().speedKmh, 0);
+        QVERIFY(panel.state().latitude != 0.0);
+        panel.setActive(true);
+        panel.setActive(false);
+        QVERIFY(!panel.isEnabled() && !timer->isActive());
+        QCOMPARE(panel.state().latitude, 0.0);
+        QCOMPARE(panel.state().accZ, 0);
+    }
+
+    void clicks_data() {
+        QTest::addColumn<QPoint>("pressed");
+        QTest::addColumn<QPoint>("released");
+        QTest::addColumn<bool>("pressTaken");
+        QTest::addColumn<int>("target");
+        QTest::newRow("middle") << QPoint(316, 20) << QPoint(316, 20) << true << 30000;
+        QTest::newRow("dragged") << QPoint(316, 20) << QPoint(2, 40) << true << 0;
+        QTest::newRow("right end") << QPoint(629, 1) << QPoint(629, 1) << true << 59904;
+        QTest::newRow("pressed right of the area") << QPoint(630, 20) << QPoint(316, 20) << false << -1;
+        QTest::newRow("pressed above the area") << QPoint(316, 0) << QPoint(316, 20) << false << -1;
+        QTest::newRow("pressed below the strip") << QPoint(316, 41) << QPoint(316, 20) << false << -1;
+        QTest::newRow("released left of the area") << QPoint(316, 20) << QPoint(1, 20) << true << -1;
+        QTest::newRow("released below the strip") << QPoint(316, 20) << QPoint(316, 41) << true << -1;
+    }
+    void clicks() {
+        QFETCH(QPoint, pressed);
+        QFETCH(QPoint, released);
+        QFETCH(bool, pressTaken);
+        QFETCH(int, target);
+        WidgetProgressA panel;
+        panel.setActive(false); // the strip works all the same
+        panel.setRange(0, 60000);
+        const QSignalSpy spy(&panel, &WidgetProgressA::clicked);
+        QVERIFY(!send(panel, kMove, released));
+        QVERIFY(!send(panel, kPress, pressed, Qt::RightButton));
+        QCOMPARE(send(panel, kPress, pressed), pressTaken);
+        QVERIFY(!send(panel, kRelease, released, Qt::RightButton));
+        QCOMPARE(send(panel, kMove, QPoint(50, 20)), pressTaken);
+        QCOMPARE(send(panel, kRelease, released), target >= 0);
+        QCOMPARE(spy.count(), target >= 0 ? 1 : 0);
+        if (target >= 0)
+            QCOMPARE(spy.at(0).at(0).toInt(), target);
+        // The drag goes on only when the button was let go below the strip.
+        QCOMPARE(send(panel, kMove, QPoint(50, 20)), pressTaken && released.y() > 40);
+    }
+
+    // A release that the panel has seen below the strip leaves the drag on; one that got lost ends it with
+    // the next press.
+    void lostRelease() {
+        WidgetProgressA panel;
+        panel.setRange(0, 60000);
+        const QSignalSpy spy(&panel, &WidgetProgressA::clicked);
+        for (const bool lost : {true, false}) {
+            send(panel, kPress, QPoint(316, 20));
+            if (!lost)
+                send(panel, kRelease, QPoint(316, 50));
+            send(panel, kPress, QPoint(316, 50));
+            send(panel, kRelease, QPoint(316, 20));
+            QCOMPARE(spy.count(), lost ? 0 : 1);
+        }
+    }
+
+    // The cached trace follows the track, the panel's width and its state.
+    void traceIsKeptInStep() {
+        m_library.answer = [](qint64) { return FakeSensorLibrary::Answer{0, 0, 'N', 'E', 0, 64, 128, 200}; };
+        WidgetProgressA panel;
+        panel.setClipPath(QStringLiteral("/card/a.mp4"));
+        const auto yellow = [&panel] { return coloured(panel.grab().toImage(), QColor(255, 255, 0)); };
+        QCOMPARE(yellow(), 0);
+        panel.loadSensorData(61000);
+        const int whole = yellow();
+        QVERIFY(whole > 600);
+        QCOMPARE(yellow(), whole);
+        panel.resize(322, 250);
+        QVERIFY(yellow() < whole * 6 / 10);
+        panel.clearSensorData();
+        QCOMPARE(yellow(), 0);
+    }
+};
+
+} // namespace ql240
+
+QTEST_MAIN(ql240::TestWidgetProgress)
+#include "test_widget_progress.moc"

@@ -1,0 +1,194 @@
+// A card from a stranger's hands, through everything in the program that reads or writes a card: nothing
+// beyond the card is read or changed, and neither the memory nor the window's time is taken.
+#include <sys/resource.h>
+
+#include <QAbstractEventDispatcher>
+#include <QAbstractItemView>
+#include <QComboBox>
+#include <QElapsedTimer>
+#include <algorithm>
+
+#include "mainwindow/card_model.h"
+#include "mainwindow/picture_adjustment.h"
+#include "platform/limits.h"
+#include "settings/card_files.h"
+#include "settings/card_jobs.h"
+#include "settings/config_layout.h"
+#include "settings/device_settings.h"
+#include "support/hostile_card.h"
+#include "support/settings_fixture.h"
+
+using namespace ql240;
+
+namespace {
+
+// A hang lasts for ever and a giant takes gigabytes; there is room for a busy machine and for sanitizers.
+constexpr qint64 kLongestTurnMs = 5000;
+constexpr long kMostKiB = 512 * 1024;
+constexpr QPoint kVga(170, 65);
+
+long peakKiB() {
+    rusage usage = {};
+    ::getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
+// The longest time for which the interface thread answered nothing.
+class TurnWatch : public QObject {
+public:
+    TurnWatch() {
+        const auto* dispatcher = QAbstractEventDispatcher::instance();
+        connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, &TurnWatch::end);
+        connect(dispatcher, &QAbstractEventDispatcher::awake, this, [this] { m_turn.restart(); });
+        m_turn.start();
+    }
+    void end() { m_longest = qMax(m_longest, m_turn.restart()); }
+    qint64 longestMs() {
+        end();
+        return m_longest;
+    }
+
+private:
+    QElapsedTimer m_turn;
+    qint64 m_longest = 0;
+};
+
+// Saves with the dialog, the clock too. What it showed of the card before.
+QString useDialog() {
+    ReadyWindow window;
+    QString shown;
+    for (const QComboBox* list : window.findChildren<QComboBox*>())
+        shown += list->currentText();
+    for (const SettingKey& key : kSettingKeys)
+        shown += QLatin1String(window.values().*key.value == HostileCard::kSecret ? "SECRET" : "");
+    click(window, kVga);
+    click(window, config::kClock[0].hit.center());
+    window.OnSlotsOK();
+    return window.result() == QDialog::Accepted ? shown : QStringLiteral("not saved");
+}
+
+} // namespace
+
+class TestHostileCard : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { m_peakBefore = peakKiB(); }
+
+    void leadsNowhere_data() {
+        QTest::addColumn<int>("trap");
+        QTest::addColumn<Trapped>("part");
+        constexpr std::pair<Trapped, const char*> kParts[] = {
+            {Trapped::SettingFolder, "the settings' folder"}, {Trapped::UpdateFolder, "the version's folder"},
+            {Trapped::ImageFolder, "the pictures' folder"},   {Trapped::Files, "the files"},
+            {Trapped::FilesAside, "the files aside"},
+        };
+        for (size_t i = 0; i < traps().size(); ++i) {
+            for (const auto& [part, name] : kParts)
+                QTest::addRow("%s for %s", traps()[i].name, name) << int(i) << part;
+        }
+    }
+    void leadsNowhere() {
+        QFETCH(int, trap);
+        QFETCH(Trapped, part);
+        SettingsFixture fixture;
+        HostileCard made;
+        if (!made.set(traps()[size_t(trap)], part))
+            QSKIP("this machine makes no such entry");
+        fixture.insert(made.card);
+        const QByteArray before = made.homeListing();
+        const MadeCard other;
+        other.put(QStringLiteral("picture.bin"), "a picture");
+        QVERIFY(QFile::link(made.card.drive(), other.path(QStringLiteral("card"))));
+
+        TurnWatch turns;
+        const QString shown = useDialog();
+        m_longestTurn = qMax(m_longestTurn, turns.longestMs());
+        const auto adjustment = readCardAdjustment(host().drives);
+        const auto model = cardModelLook(host().drives)();
+        const bool isGiant = part == Trapped::Files && trap == int(traps().size()) - 1;
+        for (const QString& drive :
+             isGiant ? QStringList() : QStringList{other.path(QStringLiteral("card")), made.card.drive()})
+            copyScreenSaver(drive + QStringLiteral("/chosen.bin"), made.card.drive(), host().drives);
+        copyScreenSaver(other.path(QStringLiteral("picture.bin")), made.card.drive(), host().drives);
+
+        QCOMPARE(made.homeListing(), before);
+        QVERIFY(!shown.contains(u"SECRET") && shown != u"not saved");
+        QVERIFY(!adjustment || adjustment->settings.brightvalue != HostileCard::kSecret);
+        QVERIFY(!model.value_or(QString()).contains(u"SECRET"));
+        QFile copy(made.card.path(QStringLiteral("IMAGE/screensaver.bin")));
+        const bool isCopied = QFileInfo(copy).isFile() && copy.open(QIODevice::ReadOnly);
+        QVERIFY(!isCopied || copy.peek(6) != "SECRET");
+        if (part == Trapped::UpdateFolder)
+            QCOMPARE(isCopied ? copy.readAll() : QByteArray(), "QL240 1.02 1.00");
+        QVERIFY2(m_longestTurn < kLongestTurnMs, qPrintable(QString::number(m_longestTurn)));
+        QVERIFY2(peakKiB() - m_peakBefore < kMostKiB, qPrintable(QString::number(peakKiB())));
+        // What isn't trapped is saved all the same.
+        const bool isFolder = qstrcmp(traps()[size_t(trap)].name, "folder") == 0;
+        if (part != Trapped::SettingFolder && part != Trapped::Files && !isFolder)
+            QCOMPARE(byteOf(made.card, QStringLiteral("resolutionvalue")), 1);
+    }
+
+    // A kernel that doesn't know the newer call: each step by the older one.
+    void olderKernel() {
+        struct OlderKernel : CardFiles {
+            int openBeneath(int, const char*, int) override {
+                errno = ENOSYS;
+                return -1;
+            }
+        } files;
+        for (const Trap& trap : traps()) {
+            for (const Trapped part : {Trapped::SettingFolder, Trapped::Files, Trapped::FilesAside}) {
+                HostileCard made;
+                if (!made.set(trap, part))
+                    continue;
+                const QByteArray before = made.homeListing();
+                DeviceSettings record(made.card.path(QStringLiteral("setting")), files);
+                QVERIFY2(record.brightvalue != HostileCard::kSecret, trap.name);
+                record.resolutionvalue = 1;
+                record.setTime(true, QStringLiteral("2012-07-31-18-05-09"));
+                const bool saved = record.save();
+                QVERIFY2(made.homeListing() == before, trap.name);
+                const bool isOpen = part == Trapped::FilesAside && qstrcmp(trap.name, "folder") != 0;
+                QVERIFY2(!isOpen || (saved && byteOf(made.card, QStringLiteral("resolutionvalue")) == 1),
+                         trap.name);
+            }
+        }
+    }
+
+    // What the card says is as long as it likes; the lists stay as they are, and so does the screen.
+    void longWords() {
+        SettingsFixture fixture;
+        const QByteArray word = QByteArray(1 << 18, 'W') + "\n\n\n" + QByteArray(1 << 18, ' ');
+        const MadeCard& camera = fixture.camera("QL240 " + word + "  " + word);
+        const QByteArray line = QByteArray("framevalue:1\n");
+        camera.put(QStringLiteral("setting/setting.dat"), line.repeated(1 << 20));
+        TurnWatch turns;
+        ReadyWindow window;
+        window.show();
+        QCOMPARE(window.values().framevalue, 1);
+        for (QComboBox* list : window.findChildren<QComboBox*>()) {
+            list->showPopup();
+            const QRect popup = list->view()->window()->frameGeometry();
+            const QRect screen = window.screen()->geometry();
+            QVERIFY2(screen.width() >= popup.width() && screen.height() >= popup.height(),
+                     qPrintable(QStringLiteral("%1 × %2").arg(popup.width()).arg(popup.height())));
+            list->hidePopup();
+            QVERIFY(list->currentText().size() <= limits::kShownNameLetters + 1);
+        }
+        m_longestTurn = qMax(m_longestTurn, turns.longestMs());
+        QVERIFY2(m_longestTurn < kLongestTurnMs, qPrintable(QString::number(m_longestTurn)));
+    }
+
+    void cleanupTestCase() {
+        qInfo("longest turn of the interface thread: %lld ms; memory taken at most: %ld KiB", m_longestTurn,
+              peakKiB() - m_peakBefore);
+    }
+
+private:
+    long m_peakBefore = 0;
+    qint64 m_longestTurn = 0;
+};
+
+QTEST_MAIN(TestHostileCard)
+#include "test_hostile_card.moc"

@@ -1,0 +1,182 @@
+// The settings dialog and a card reader that stops answering, or whose card is gone: the dialog opens at
+// once, stays usable, and writes nothing that it could not read.
+#include <sys/mount.h>
+
+#include <QComboBox>
+#include <QElapsedTimer>
+#include <QSignalSpy>
+
+#include "support/own_mount.h"
+#include "support/settings_fixture.h"
+#include "support/silent_file_system.h"
+
+using namespace ql240;
+
+namespace {
+
+bool g_ownMounts = false;
+
+// Whoever waits for a silent reader waits for ever, so there is room for a busy machine.
+constexpr qint64 kSoonMs = 5000;
+constexpr int kGivesUpMs = 10000;
+constexpr QPoint kVga(170, 65);
+
+QComboBox* driveList(const ConfigWindow& window) {
+    return qobject_cast<QComboBox*>(window.childAt(165, 20));
+}
+
+} // namespace
+
+class TestSilentCard : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() {
+        if (!g_ownMounts)
+            QSKIP("a silent file system needs root or a user namespace");
+        m_fixture.emplace();
+        m_card.emplace();
+        m_reader = std::make_unique<SilentFileSystem>(m_card->drive());
+        if (!m_reader->isMounted())
+            QSKIP("this machine mounts no FUSE file system");
+        m_fixture->insert(*m_card);
+    }
+
+    void cleanup() {
+        m_reader.reset();
+        m_card.reset();
+        m_fixture.reset();
+    }
+
+    void opensAtOnce() {
+        m_reader->fallSilent();
+        QElapsedTimer time;
+        time.start();
+        ConfigWindow window;
+        window.show();
+        QVERIFY2(time.elapsed() < kSoonMs, qPrintable(QString::number(time.elapsed())));
+        QCOMPARE(driveList(window)->count(), 1);
+        QTRY_VERIFY_WITH_TIMEOUT(driveList(window)->toolTip().contains(u"does not answer"), kGivesUpMs);
+        QVERIFY(time.elapsed() >= 1900);
+
+        // What would be saved to the card can't be changed; what is the viewer's can.
+        click(window, kVga);
+        QCOMPARE(window.values().resolutionvalue, 3);
+        click(window, {320, 675});
+        QCOMPARE(window.viewerSpeedUnit(), 2);
+        time.restart();
+        window.OnSlotsOK();
+        QVERIFY(time.elapsed() < kSoonMs);
+        QString unit;
+        QVERIFY(readSpeedUnit(unit) && unit == u"mph");
+    }
+
+    void choosingTheSilentDrive() {
+        const MadeCard& camera = m_fixture->camera();
+        putByte(camera, QStringLiteral("framevalue"), 1);
+        ConfigWindow window;
+        QVERIFY(waitForCard(window));
+        m_reader->fallSilent();
+        QElapsedTimer time;
+        time.start();
+        driveList(window)->setCurrentIndex(0);
+        QVERIFY(time.elapsed() < kSoonMs);
+        QVERIFY(window.settingFolder().isEmpty());
+        driveList(window)->setCurrentIndex(1);
+        QVERIFY(waitForCard(window));
+        click(window, kVga);
+        window.OnSlotsOK();
+        QCOMPARE(byteOf(camera, QStringLiteral("resolutionvalue")), 1);
+        QCOMPARE(byteOf(camera, QStringLiteral("framevalue")), 1);
+    }
+
+    // While one drive may still turn out to be the card, the other is only looked at, unless it is chosen.
+    void standInIsLocked() {
+        const MadeCard stick;
+        putByte(stick, QStringLiteral("framevalue"), 1);
+        m_fixture->takeOut();
+        m_fixture->insert(stick, "STICK");
+        m_fixture->insert(*m_card, "SILENT");
+        m_reader->fallSilent();
+        ConfigWindow window;
+        window.show();
+        QTRY_VERIFY_WITH_TIMEOUT(driveList(window)->toolTip().contains(u"SILENT"), kGivesUpMs);
+        QCOMPARE(driveList(window)->currentIndex(), 0);
+        QCOMPARE(window.values().framevalue, 1);
+        click(window, kVga);
+        QCOMPARE(window.values().resolutionvalue, 3);
+        window.Onapply();
+        QCOMPARE(stick.files(QStringLiteral("setting")).size(), 1);
+
+        Q_EMIT driveList(window)->activated(0); // the entry that the list had
+        QVERIFY(waitForCard(window));
+        click(window, kVga);
+        QCOMPARE(window.values().resolutionvalue, 1);
+        window.Onapply();
+        QCOMPARE(byteOf(stick, QStringLiteral("resolutionvalue")), 1);
+    }
+
+    // The card is gone, and what lies under its folder now is the machine's own disk, or another card.
+    void otherFileSystemIsLeftAlone_data() {
+        QTest::addColumn<bool>("another");
+        QTest::newRow("the mount point stays") << false;
+        QTest::newRow("another card in its place") << true;
+    }
+    void otherFileSystemIsLeftAlone() {
+        QFETCH(bool, another);
+        m_reader->end();
+        const QByteArray folder = QFile::encodeName(m_card->drive());
+        const auto mountCard = [&] { return ::mount("card", folder.constData(), "tmpfs", 0, "size=256k"); };
+        QCOMPARE(mountCard(), 0);
+        makeCamera(*m_card);
+        ConfigWindow window;
+        const bool read = waitForCard(window);
+        click(window, kVga);
+        QVERIFY2(::umount2(folder.constData(), 0) == 0, "the card can't be unmounted while it is shown");
+        QVERIFY(read && window.values().resolutionvalue == 1);
+        QVERIFY(!another || mountCard() == 0);
+        window.OnSlotsOK();
+        const bool untouched = QDir(m_card->drive()).isEmpty();
+        ::umount2(folder.constData(), 0);
+        QCOMPARE(window.result(), int(QDialog::Accepted));
+        QVERIFY(untouched);
+    }
+
+    void savingCanBeLeft() {
+        ConfigWindow window;
+        QVERIFY(waitForCard(window));
+        window.show();
+        click(window, kVga);
+        m_reader->fallSilent();
+        QSignalSpy rejected(&window, &QDialog::rejected);
+        bool usable = false;
+        QTimer::singleShot(500, &window, [&] {
+            // OK is being waited for; the window still lives, and Cancel is still there.
+            usable = window.isVisible();
+            click(*window.childAt(430, 700), {5, 5});
+        });
+        QElapsedTimer time;
+        time.start();
+        window.OnSlotsOK();
+        QVERIFY(usable);
+        QVERIFY(time.elapsed() < kGivesUpMs);
+        QCOMPARE(rejected.size(), 1);
+        QVERIFY(!window.isVisible());
+        QString unit;
+        QVERIFY(!readSpeedUnit(unit));
+    }
+
+private:
+    std::optional<SettingsFixture> m_fixture;
+    std::optional<MadeCard> m_card;
+    std::unique_ptr<SilentFileSystem> m_reader;
+};
+
+// The namespace has to be entered before there is a second thread.
+int main(int argc, char** argv) {
+    g_ownMounts = enterOwnMounts();
+    QApplication app(argc, argv);
+    TestSilentCard test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "test_silent_card.moc"
