@@ -11,6 +11,7 @@ namespace {
 struct FakeStreams final : Streams {
     std::int64_t duration() const override { return 1000; }
     std::optional<std::int64_t> position() const override { return playedTo; }
+    std::int64_t stoppedAt() const override { return playedTo + lateStopBy; }
     Answer setRunning(bool running, bool) override {
         log += running ? QStringLiteral("run") : QStringLiteral("pause");
         return pauseIsAwaited && !running ? Answer::Awaited : Answer::Done;
@@ -38,6 +39,7 @@ struct FakeStreams final : Streams {
     bool pauseIsAwaited = false;
     std::int64_t lastPicture = -1; // where a stream has ended
     std::int64_t playedTo = 0;
+    std::int64_t lateStopBy = 0; // time goes on while they are told to stop
     std::int64_t picture = 1000;
     QStringList log;
     QString stood;
@@ -124,6 +126,19 @@ private Q_SLOTS:
         clip.arrive();
         clip.streams.playedTo = target + 1;
         QCOMPARE(clip.transport.position(), target + 1);
+    }
+
+    void pausedPositionStandsAtOnce() {
+        Paused clip;
+        clip.transport.setState(GraphState::Running);
+        clip.streams.playedTo = 600;
+        clip.streams.lateStopBy = 4;
+        clip.streams.pauseIsAwaited = true;
+        clip.transport.setState(GraphState::Paused);
+        QCOMPARE(clip.transport.position(), 604);
+        clip.streams.playedTo = 604;
+        clip.arrive();
+        QCOMPARE(clip.transport.position(), 604);
     }
 
     // The streams held a picture from far before the position; a seek in between has its own.

@@ -35,6 +35,11 @@ std::optional<std::int64_t> PipelineStreams::position() const {
     return toUnits(ns);
 }
 
+std::int64_t PipelineStreams::stoppedAt() const {
+    const auto running = static_cast<double>(gst_element_get_start_time(m_pipeline));
+    return m_sought + toUnits(static_cast<std::int64_t>(running * m_rate));
+}
+
 // The change to playing goes on for a moment after the preroll; a state asked for within it can leave the
 // pipeline between the two for ever, and a seek sent within it may never be said to have arrived.
 void PipelineStreams::awaitChange() const {
@@ -64,6 +69,7 @@ Streams::Sent PipelineStreams::seek(std::int64_t target, double rate) {
     if (!m_splitter.sendSeek(event))
         return {Answer::Refused, 0};
     m_sought = target;
+    m_rate = rate;
     return {Answer::Awaited, number};
 }
 

@@ -18,6 +18,7 @@ public:
 
     std::int64_t duration() const override;
     std::optional<std::int64_t> position() const override;
+    std::int64_t stoppedAt() const override;
     Answer setRunning(bool running, bool settled) override;
     Sent seek(std::int64_t target, double rate) override;
     Sent fetchLastPictures(std::int64_t target, double rate) override;
@@ -32,6 +33,7 @@ private:
     const Splitter& m_splitter;
     std::vector<FrameClipper*> m_clippers;
     std::int64_t m_sought = 0; // where the last seek led
+    double m_rate = 1.0;       // and how fast it goes on from there
 };
 
 } // namespace ql240::gstreamer

@@ -80,7 +80,10 @@ bool Transport::setState(GraphState state) {
         m_waiting = here;
         sendWaiting();
     }
-    return applyState();
+    const bool accepted = applyState();
+    if (accepted && state == GraphState::Paused && !m_current && m_phase != Phase::Ended)
+        m_last = std::clamp(m_streams.stoppedAt(), m_last, m_duration);
+    return accepted;
 }
 
 // Whether the streams, let go from here, would play from another point than the picture's.
