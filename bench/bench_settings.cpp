@@ -93,7 +93,7 @@ int main(int argc, char** argv) {
 
     const MadeCard card;
     card.put(QStringLiteral("update/version.txt"), "QL240 1.02 1.00 12V");
-    DeviceSettings(card.path(QStringLiteral("setting"))).save();
+    (void)DeviceSettings(card.path(QStringLiteral("setting"))).save();
     PrivateBus bus;
     if (!bus.start() ||
         !bus.startDrives({QStringLiteral("--drive"), QStringLiteral("mount=") + card.drive()}))

@@ -4,8 +4,7 @@
 #include <QEvent>
 #include <QWidget>
 
-#include "platform/host.h"
-#include "platform/running_windows.h"
+#include "platform/linux/local_running_windows.h"
 
 namespace ql240 {
 namespace {
@@ -20,12 +19,13 @@ void bringToFront(QWidget* window, const QByteArray& token) {
         modal->raise();
         window = modal;
     }
-    host().runningWindows->activate(*window->windowHandle(), token);
+    LocalRunningWindows::activate(*window->windowHandle(), token);
 }
 
 } // namespace
 
-InstanceWindows::InstanceWindows(const QStringList& titles) : m_titles(titles) {
+InstanceWindows::InstanceWindows(const LocalRunningWindows& windows, const QStringList& titles)
+    : m_windows(windows), m_titles(titles) {
     qApp->installEventFilter(this);
 }
 
@@ -49,7 +49,7 @@ void InstanceWindows::announce(QWidget* window) {
         if (message == kFocusMessage)
             bringToFront(window, token);
     };
-    auto announced = host().runningWindows->announceWindow(window->windowTitle(), handler);
+    auto announced = m_windows.announceWindow(window->windowTitle(), handler);
     if (!announced)
         return;
     m_announced.insert(window, announced);

@@ -12,18 +12,22 @@ class QWidget;
 
 namespace ql240 {
 
+class LocalRunningWindows;
+class WindowServer;
+
 class InstanceWindows : public QObject {
     Q_OBJECT
 public:
-    explicit InstanceWindows(const QStringList& titles);
+    InstanceWindows(const LocalRunningWindows& windows, const QStringList& titles);
 
     bool eventFilter(QObject* object, QEvent* event) override;
 
 private:
     void announce(QWidget* window);
 
+    const LocalRunningWindows& m_windows;
     QStringList m_titles;
-    QHash<QObject*, std::shared_ptr<void>> m_announced;
+    QHash<QObject*, std::shared_ptr<WindowServer>> m_announced;
 };
 
 } // namespace ql240

@@ -12,15 +12,13 @@ LinuxHost::LinuxHost() : m_runningWindows(LocalRunningWindows::userFolder()) {
     table.drives = &m_drives;
     table.folderDialogs = &m_folderDialogs;
     table.inhibitor = &m_inhibitor;
-    table.runningWindows = &m_runningWindows;
     table.sensorLibrary = &m_sensorLibrary;
     table.urlOpener = &m_urlOpener;
-    table.waveOut = &m_volume;
 }
 
 LinuxHost::~LinuxHost() {
     leaveApplication();
-    host() = {};
+    host() = {}; // what it pointed to goes with this object
 }
 
 bool LinuxHost::initialise() {
@@ -38,13 +36,13 @@ void LinuxHost::enterApplication() {
     m_webPages = std::make_unique<MapModule>(folder);
     m_webPages->network = webEngineIsSandboxed();
     host().media = m_media.get();
+    host().waveOut = m_media.get();
     host().webPages = m_webPages.get();
-    m_volume.setListener([this](auto left, auto right) { m_media->setOutputVolume(left, right); });
 }
 
 void LinuxHost::leaveApplication() {
-    m_volume.setListener({});
     host().media = nullptr;
+    host().waveOut = nullptr;
     host().webPages = nullptr;
     m_media.reset();
     m_webPages.reset();

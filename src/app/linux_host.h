@@ -11,7 +11,6 @@
 #include "platform/linux/system_folder_dialogs.h"
 #include "platform/linux/udisks_drives.h"
 #include "platform/modules.h"
-#include "platform/wave_out.h"
 
 namespace ql240 {
 
@@ -29,6 +28,8 @@ public:
     void enterApplication();
     void leaveApplication();
 
+    const LocalRunningWindows& runningWindows() const { return m_runningWindows; }
+
 private:
     UDisksDrives m_drives;
     SystemFolderDialogs m_folderDialogs;
@@ -36,7 +37,6 @@ private:
     LocalRunningWindows m_runningWindows;
     SensorFileLibrary m_sensorLibrary;
     DesktopUrlOpener m_urlOpener;
-    OutputVolume m_volume;
     std::unique_ptr<MediaModule> m_media;
     std::unique_ptr<MapModule> m_webPages;
 };

@@ -20,7 +20,6 @@
 #include "mainwindow/main_window.h"
 #include "platform/host.h"
 #include "platform/media_platform.h"
-#include "platform/running_windows.h"
 #include "platform/web_engine_setup.h"
 #include "settings/config_window.h"
 #include "settings/dialog_card.h"
@@ -69,15 +68,15 @@ void chooseLanguage() {
     setCurrentLanguage(code);
 }
 
-bool handOver(const QString& title) {
-    const auto running = host().runningWindows->findWindow(title);
+bool handOver(const LinuxHost& platform, const QString& title) {
+    const auto running = platform.runningWindows().findWindow(title);
     if (running)
         running->sendMessage(kFocusMessage);
-    return running != nullptr;
+    return running.has_value();
 }
 
-int runViewer(QSplashScreen& splash) {
-    if (handOver(viewerTitle()))
+int runViewer(const LinuxHost& platform, QSplashScreen& splash) {
+    if (handOver(platform, viewerTitle()))
         return kHandedOver;
     MainWindow window(nullptr, Qt::FramelessWindowHint);
     // Nothing of the media module delays the sight of the window, nor the first clip after it.
@@ -90,8 +89,8 @@ int runViewer(QSplashScreen& splash) {
     return window.isVisible() ? QCoreApplication::exec() : 0;
 }
 
-int runSettings() {
-    if (handOver(settingTitle()))
+int runSettings(const LinuxHost& platform) {
+    if (handOver(platform, settingTitle()))
         return kHandedOver;
     ConfigWindow window;
     window.show();
@@ -129,9 +128,9 @@ int startUp(int argc, char** argv) {
     QSplashScreen splash(skinPixmap(QStringLiteral(":gfx_r/splash/splash.png")));
     splash.show();
 
-    InstanceWindows instances({viewerTitle(), settingTitle()});
+    InstanceWindows instances(platform.runningWindows(), {viewerTitle(), settingTitle()});
     // Qt has taken its own options out.
-    const int result = argc == 1 ? runViewer(splash) : runSettings();
+    const int result = argc == 1 ? runViewer(platform, splash) : runSettings(platform);
     platform.leaveApplication();
     finishSaves();
     return result;

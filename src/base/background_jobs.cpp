@@ -104,7 +104,7 @@ void BackgroundJobs::deliver() {
         const std::lock_guard lock(m_mailbox->mutex);
         ends.swap(m_mailbox->ends);
     }
-    m_running -= int(ends.size());
+    m_running -= static_cast<int>(ends.size());
     for (const auto& end : ends)
         end();
 }

@@ -1,5 +1,7 @@
 #include "base/language.h"
 
+#include <algorithm>
+
 #include "base/ui_texts.h"
 
 namespace ql240 {
@@ -12,14 +14,20 @@ QString& languageSlot() {
     return code;
 }
 
+// Kikuyu stands there by the product's own rule.
+constexpr std::array kLanguages = std::to_array<InterfaceLanguage>({
+    {"kr", UiText::Korean, &UiTextRow::korean, QLocale::Korean, {}},
+    {"en", UiText::English, &UiTextRow::english, QLocale::English, {}},
+    {"ru", UiText::Russian, &UiTextRow::russian, QLocale::Russian, QLocale::Kikuyu},
+    {"ch", UiText::Chinese, &UiTextRow::english, QLocale::Chinese, {}},
+    {"es", UiText::Spanish, &UiTextRow::english, QLocale::Spanish, {}},
+});
+
+// An unknown code reads the Korean texts.
 const char* UiTextRow::*columnOf(const QString& code) {
-    if (code == QLatin1String("ru"))
-        return &UiTextRow::russian;
-    for (const char* english : {"ch", "es", "en"}) {
-        if (code == QLatin1String(english))
-            return &UiTextRow::english;
-    }
-    return &UiTextRow::korean;
+    const auto* found = std::ranges::find_if(
+        kLanguages, [&](const InterfaceLanguage& each) { return code == QLatin1String(each.code); });
+    return found == kLanguages.end() ? &UiTextRow::korean : found->texts;
 }
 
 } // namespace
@@ -32,26 +40,20 @@ QString currentLanguage() {
     return languageSlot();
 }
 
-QString uiText(int id) {
-    if (id < 0 || id >= kUiTextCount)
-        return {};
-    return QString::fromUtf8(kUiTexts[id].*columnOf(languageSlot()));
+QString uiText(UiText text) {
+    const UiTextRow& row = kUiTexts[static_cast<std::size_t>(text)];
+    return QString::fromUtf8(row.*columnOf(languageSlot()));
 }
 
 QString languageCodeFor(QLocale::Language language) {
-    switch (language) {
-        case QLocale::Korean:
-            return QStringLiteral("kr");
-        case QLocale::Russian:
-        case QLocale::Kikuyu:
-            return QStringLiteral("ru");
-        case QLocale::Chinese:
-            return QStringLiteral("ch");
-        case QLocale::Spanish:
-            return QStringLiteral("es");
-        default:
-            return QStringLiteral("en");
-    }
+    const auto* found = std::ranges::find_if(kLanguages, [=](const InterfaceLanguage& each) {
+        return each.system == language || each.alsoFor == language;
+    });
+    return found == kLanguages.end() ? kUsualLanguage : QLatin1StringView(found->code);
+}
+
+std::span<const InterfaceLanguage> interfaceLanguages() {
+    return kLanguages;
 }
 
 } // namespace ql240

@@ -13,6 +13,8 @@ constexpr QLatin1StringView kLanguageKey("global/language");
 constexpr QLatin1StringView kSpeedUnitKey("global/speedkm");
 constexpr QLatin1StringView kLastFolderKey("storage/lastfolder");
 constexpr QLatin1StringView kTileUrlKey("map/tileurl");
+constexpr QLatin1StringView kKilometres("km");
+constexpr QLatin1StringView kMiles("mph");
 
 // An unquoted comma in a file edited by hand makes the toolkit see a list.
 QString asText(const QVariant& value) {
@@ -64,6 +66,14 @@ bool readLastFolder(QString& value) {
 }
 bool readTileUrl(QString& value) {
     return readText(kTileUrlKey, value);
+}
+
+SpeedUnit storedSpeedUnit() {
+    QString unit;
+    return !readSpeedUnit(unit) || unit == kKilometres ? SpeedUnit::Kmh : SpeedUnit::Mph;
+}
+void storeSpeedUnit(SpeedUnit unit) {
+    writeSpeedUnit(unit == SpeedUnit::Kmh ? kKilometres : kMiles);
 }
 
 void writeLanguage(const QString& value) {

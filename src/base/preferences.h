@@ -4,6 +4,7 @@
 #pragma once
 
 #include <QString>
+#include <cstdint>
 
 namespace ql240 {
 
@@ -22,5 +23,10 @@ bool readTileUrl(QString& value);
 void writeLanguage(const QString& value);
 void writeSpeedUnit(const QString& value);
 void writeLastFolder(const QString& value);
+
+// The unit of the speeds shown. Everything stored but "km" means miles an hour, nothing stored kilometres.
+enum class SpeedUnit : std::int32_t { Kmh = 1, Mph = 2 };
+SpeedUnit storedSpeedUnit();
+void storeSpeedUnit(SpeedUnit unit);
 
 } // namespace ql240

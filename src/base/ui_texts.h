@@ -1,4 +1,5 @@
-// The texts of the settings windows and the hover texts of the main window's buttons, by id. UTF-8.
+// The texts of the settings windows and the hover texts of the main window's buttons, in the order of UiText.
+// UTF-8.
 #pragma once
 
 #include <array>

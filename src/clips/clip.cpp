@@ -2,7 +2,7 @@
 
 namespace ql240 {
 
-qint32 clipCategory(const QString& fileName) {
+std::int32_t clipCategory(const QString& fileName) {
     if (fileName.startsWith(QLatin1String("REC_"), Qt::CaseInsensitive))
         return kDrivingClip;
     if (fileName.startsWith(QLatin1String("EVS_"), Qt::CaseInsensitive))

@@ -3,13 +3,14 @@
 #pragma once
 
 #include <QFileInfo>
+#include <cstdint>
 
 namespace ql240 {
 
-enum ClipCategory : qint32 { kOtherClip = 0, kDrivingClip = 1, kEventClip = 2 };
+enum ClipCategory : std::int32_t { kOtherClip = 0, kDrivingClip = 1, kEventClip = 2 };
 
 // The category that a file name (without folder) stands for: "REC_…" driving, "EVS_…" event, case ignored.
-qint32 clipCategory(const QString& fileName);
+std::int32_t clipCategory(const QString& fileName);
 
 class Clip {
 public:
@@ -17,11 +18,11 @@ public:
     explicit Clip(const QFileInfo& file) : m_file(file), m_category(clipCategory(file.fileName())) {}
 
     const QFileInfo& file() const { return m_file; }
-    qint32 category() const { return m_category; }
+    std::int32_t category() const { return m_category; }
 
 private:
     const QFileInfo m_file;
-    const qint32 m_category;
+    const std::int32_t m_category;
 };
 
 } // namespace ql240

@@ -25,7 +25,7 @@ void ClipSession::close() {
     Q_EMIT closed();
 }
 
-void ClipSession::find(const Clip* clip, bool playing, qint64 positionMs) {
+void ClipSession::find(const Clip* clip, bool playing, std::int64_t positionMs) {
     if (!clip || clip != m_clip)
         return;
     enter(playing ? Phase::Playing : Phase::Paused);

@@ -6,6 +6,7 @@
 
 #include <QDateTime>
 #include <QObject>
+#include <cstdint>
 
 namespace ql240 {
 
@@ -26,20 +27,20 @@ public:
     const QDateTime& start() const { return m_start; }
     Phase phase() const { return m_phase; }
     bool isPlaying() const { return m_phase == Phase::Playing; }
-    qint64 positionMs() const { return m_positionMs; }
+    std::int64_t positionMs() const { return m_positionMs; }
 
     // Once everything about the clip has been read; a clip that was open is closed first.
     void open(const Clip& clip);
     void close();
     // How a clip was found. What is found of another clip than the open one, or of none, is dropped.
-    void find(const Clip* clip, bool playing, qint64 positionMs);
+    void find(const Clip* clip, bool playing, std::int64_t positionMs);
 
 Q_SIGNALS:
     void opened();
     void closed();
     // Also to and from Closed.
     void phaseChanged(ql240::ClipSession::Phase phase);
-    void moved(qint64 positionMs);
+    void moved(std::int64_t positionMs);
 
 private:
     void enter(Phase phase);
@@ -47,7 +48,7 @@ private:
     const Clip* m_clip = nullptr;
     QDateTime m_start;
     Phase m_phase = Phase::Closed;
-    qint64 m_positionMs = 0;
+    std::int64_t m_positionMs = 0;
 };
 
 } // namespace ql240

@@ -1,6 +1,5 @@
 #include "mainwindow/folder_browser.h"
 
-#include <chrono>
 #include <memory>
 
 #include "base/background_jobs.h"
@@ -8,22 +7,18 @@
 #include "clips/clip_folder.h"
 #include "platform/folder_dialogs.h"
 #include "platform/host.h"
+#include "platform/waits.h"
 
 namespace ql240 {
 namespace {
 
-using namespace std::chrono_literals;
-
-// A folder that answers is waited for, so that its OK button doesn't flicker.
-constexpr auto kPatience = 30ms;
-
 // OK is open while the folder holds recordings; until a slow one has answered it is closed.
-void judge(FolderDialog& dialog, BackgroundJobs& jobs, const QString& path) {
+void enableOkForRecordings(FolderDialog& dialog, BackgroundJobs& jobs, const QString& path) {
     const auto holds = std::make_shared<bool>(false);
     jobs.forget();
     jobs.start([holds, path] { *holds = holdsRecordings(path); },
                [&dialog, holds] { dialog.enableOk(*holds); });
-    if (!jobs.wait(kPatience))
+    if (!jobs.wait(waits::kRecordingsInFolder))
         dialog.enableOk(false);
 }
 
@@ -37,7 +32,7 @@ int answer(FolderDialog& dialog, BackgroundJobs& jobs, FolderMessage message, co
         }
         case FolderMessage::SelectionChanged:
             if (!path.isEmpty())
-                judge(dialog, jobs, path);
+                enableOkForRecordings(dialog, jobs, path);
             return 0;
         case FolderMessage::ValidateFailed:
             return 1;

@@ -3,21 +3,13 @@
 #include <QCoreApplication>
 #include <QRect>
 #include <QWidget>
-#include <chrono>
 #include <utility>
 
 #include "mainwindow/questions.h"
 #include "mainwindow/wait_note.h"
+#include "platform/waits.h"
 
 namespace ql240 {
-namespace {
-
-using namespace std::chrono_literals;
-
-// A folder that answers is waited for, so that nothing flickers.
-constexpr auto kPatience = 50ms;
-
-} // namespace
 
 FolderReader::FolderReader(const Questions& questions) : m_questions(questions) {
     connect(&questions, &Questions::closed, this, [this] {
@@ -43,7 +35,7 @@ void FolderReader::read(const QString& path, const Then& then) {
     m_jobs.start(
         [path, listing = m_listing, unwanted = m_unwanted] { *listing = listFolder(path, unwanted.get()); },
         [this] { arrive(); });
-    m_jobs.wait(kPatience);
+    m_jobs.wait(waits::kFolderListing);
     // What was handed over may have begun another reading.
     if (number == m_number && m_phase != Phase::Idle)
         showWait(path);

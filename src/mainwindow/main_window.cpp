@@ -8,7 +8,6 @@
 
 #include "base/preferences.h"
 #include "clips/clip_folder.h"
-#include "mainwindow/card_model.h"
 #include "mainwindow/my_list_widget.h"
 #include "mainwindow/stay_awake.h"
 #include "platform/host.h"
@@ -16,6 +15,7 @@
 #include "playback/widget_volume.h"
 #include "sensors/map_view.h"
 #include "sensors/widget_progress.h"
+#include "settings/card.h"
 #include "widgets/accessible_parts.h"
 #include "widgets/skin.h"
 #include "widgets/window_helper.h"
@@ -42,11 +42,6 @@ protected:
                          fontMetrics().elidedText(text(), Qt::ElideLeft, width()));
     }
 };
-
-bool storedUnitIsKilometres() {
-    QString unit;
-    return !readSpeedUnit(unit) || unit == QLatin1String("km");
-}
 
 } // namespace
 
@@ -102,10 +97,10 @@ void MainWindow::makeWidgets() {
     m_updateTimer->setObjectName(QStringLiteral("updateTimer"));
     connect(m_updateTimer, &QTimer::timeout, this, &MainWindow::OnTimeoutUpdate);
 
-    m_progressPanel = new WidgetProgressA(this, cardModelLook(host().drives));
+    m_progressPanel = new WidgetProgressA(this, [drives = host().drives] { return cardVersionText(drives); });
     m_progressPanel->setGeometry(layout::kProgressPanel);
     m_progressPanel->setActive(false);
-    m_progressPanel->setKilometres(storedUnitIsKilometres());
+    m_progressPanel->setKilometres(storedSpeedUnit() == SpeedUnit::Kmh);
     m_volume = new WidgetVolume(this);
     m_volume->setGeometry(layout::kVolume);
     // A drag across it while it is off doesn't move the window.

@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "clips/clip_session.h"
+#include "mainwindow/dropped.h"
 #include "mainwindow/folder_reader.h"
 #include "mainwindow/full_screen.h"
 #include "mainwindow/main_window_buttons.h"
@@ -95,6 +96,7 @@ protected:
     void changeEvent(QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
     bool focusNextPrevChild(bool next) override;
 
@@ -112,8 +114,8 @@ private:
 
     void showPlayingState();
     void showPausedState();
-    void loadClip(Clip* clip);
-    bool showClipInView(Clip* clip);
+    void loadClip(const Clip* clip);
+    bool showClipInView(const Clip* clip);
     void updateClipInformation(const Clip* clip);
     void closeCurrent();
     void readFolder(const QString& path, const QString& clipName, bool remember);
@@ -154,6 +156,7 @@ private:
     PictureAdjustment m_adjustment;
     ClipSession m_session;
     bool m_painted = false;
+    std::optional<Dropped> m_dropped; // while it is dragged over the window
 };
 
 } // namespace ql240

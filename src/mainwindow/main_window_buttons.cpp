@@ -30,14 +30,14 @@ void MainWindowButtons::make(QWidget* window) {
         made->setAccessibleName(tr(row.name));
         made->setGeometry(row.place);
     }
-    clear(ButtonId::Volume)->setLatched(false); // stands for a mode, as pan does
+    controlAt(ButtonId::Volume)->setLatched(false); // stands for a mode, as pan does
     retranslateButtons();
 }
 
 void MainWindowButtons::retranslateButtons() {
     for (const layout::ButtonRow& row : layout::kButtons) {
-        if (row.textId != layout::kNoText)
-            clear(row.id)->setHoverText(uiText(row.textId));
+        if (row.hoverText)
+            controlAt(row.id)->setHoverText(uiText(*row.hoverText));
     }
 }
 
@@ -48,7 +48,7 @@ void MainWindowButtons::replace(ButtonId old, ButtonId next) {
     at(old)->hide();
 }
 
-ClearButton* MainWindowButtons::clear(ButtonId id) const {
+ClearButton* MainWindowButtons::controlAt(ButtonId id) const {
     return static_cast<ClearButton*>(at(id));
 }
 

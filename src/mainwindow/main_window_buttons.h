@@ -25,7 +25,7 @@ public:
 
     QAbstractButton* at(layout::ButtonId id) const { return m_buttons[static_cast<std::size_t>(id)]; }
     // Every button but the logo is of this class.
-    ClearButton* clear(layout::ButtonId id) const;
+    ClearButton* controlAt(layout::ButtonId id) const;
 
 private:
     std::array<QAbstractButton*, layout::kButtonCount> m_buttons{};

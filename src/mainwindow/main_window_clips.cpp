@@ -107,7 +107,7 @@ void MainWindow::closeCurrent() {
     OnZoomWinMode(false);
 }
 
-void MainWindow::loadClip(Clip* clip) {
+void MainWindow::loadClip(const Clip* clip) {
     if (m_adjustment.settingsChanged())
         m_adjustment.loadPictureAdjustment();
     m_adjustment.await();
@@ -119,7 +119,7 @@ void MainWindow::loadClip(Clip* clip) {
     }
 }
 
-bool MainWindow::showClipInView(Clip* clip) {
+bool MainWindow::showClipInView(const Clip* clip) {
     if (!clip)
         return false;
     const bool opened = m_mainView->openClip(clip);
@@ -134,7 +134,7 @@ bool MainWindow::showClipInView(Clip* clip) {
         m_subView->setVideoVisible(false);
         m_subView->setVideoVisible(true);
         m_subView->setFrameSize(player->videoSize(1));
-        player->setRate(1.0);
+        mayFail(player->setRate(1.0));
         OnSlotsstopF();
     }
     if (isFullScreen())
@@ -160,14 +160,12 @@ void MainWindow::updateClipInformation(const Clip* clip) {
 void MainWindow::OnSlotssetting() {
     OnSlotspause();
     ConfigWindow dialog;
-    dialog.setViewerSpeedUnit(
-        static_cast<qint32>(m_progressPanel->kilometres() ? SpeedUnit::Kmh : SpeedUnit::Mph));
+    dialog.setViewerSpeedUnit(m_progressPanel->kilometres() ? SpeedUnit::Kmh : SpeedUnit::Mph);
     if (!m_questions.ask([&dialog](WindowDialogs&) { return dialog.exec(); }))
         return;
     m_adjustment.setSettingsChanged();
-    const bool kilometres = dialog.viewerSpeedUnit() == static_cast<qint32>(SpeedUnit::Kmh);
-    m_progressPanel->setKilometres(kilometres);
-    writeSpeedUnit(kilometres ? QStringLiteral("km") : QStringLiteral("mph"));
+    m_progressPanel->setKilometres(dialog.viewerSpeedUnit() == SpeedUnit::Kmh);
+    storeSpeedUnit(dialog.viewerSpeedUnit());
     m_buttons.retranslateButtons();
 }
 

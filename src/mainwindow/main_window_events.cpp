@@ -1,35 +1,22 @@
 // Mouse, keys, drops, full screen, and the events of the window itself.
 #include <QAbstractButton>
-#include <QDir>
 #include <QDropEvent>
-#include <QFileInfo>
-#include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QTimer>
-#include <QUrl>
-#include <chrono>
-#include <optional>
+#include <utility>
 
-#include "base/background_jobs.h"
-#include "base/preferences.h"
-#include "clips/clip_folder.h"
 #include "mainwindow/commands.h"
 #include "mainwindow/main_window.h"
 #include "mainwindow/my_list_widget.h"
-#include "platform/limits.h"
 #include "playback/video_view.h"
 #include "sensors/widget_progress.h"
 
 namespace ql240 {
 
 using layout::ButtonId;
-using namespace std::chrono_literals;
 
 namespace {
-
-// A file system that answers is waited for.
-constexpr auto kPatience = 50ms;
 
 // The bounds include one pixel beyond the right and the bottom edge.
 bool holds(const QRect& rect, QPoint point) {
@@ -40,43 +27,6 @@ bool holds(const QRect& rect, QPoint point) {
 bool isMoveForView(QPoint point) {
     return layout::kMoveLeft <= point.x() && point.x() <= layout::kMoveRight &&
            layout::kMoveTop <= point.y() && point.y() <= layout::kMoveBottom;
-}
-
-// The folder that a drop brings, or the folder of the clip that it brings.
-struct Dropped {
-    QString folder;
-    QString clipName;
-};
-
-std::optional<Dropped> firstOf(const QStringList& paths, bool (*isFolder)(const QString&)) {
-    for (const QString& path : paths) {
-        const QFileInfo file(path);
-        if (isFolder(path))
-            return Dropped{path, {}};
-        if (namedLikeRecording(path))
-            return Dropped{file.path(), file.fileName()};
-    }
-    return std::nullopt;
-}
-
-// Nothing where a drop brings neither. What doesn't answer at once is what its name says: the reader of
-// folders waits for it then.
-std::optional<Dropped> droppedOf(const QMimeData& data) {
-    QStringList paths;
-    for (const QUrl& url : data.urls().mid(0, limits::kDroppedUrls)) {
-        if (url.isLocalFile())
-            paths << QDir::cleanPath(url.toLocalFile());
-    }
-    const auto found = std::make_shared<std::optional<Dropped>>();
-    BackgroundJobs jobs;
-    jobs.start(
-        [found, paths] {
-            *found = firstOf(paths, [](const QString& path) { return QFileInfo(path).isDir(); });
-        },
-        [] {});
-    return jobs.wait(kPatience)
-               ? *found
-               : firstOf(paths, [](const QString& path) { return !namedLikeRecording(path); });
 }
 
 } // namespace
@@ -210,7 +160,8 @@ void MainWindow::changeEvent(QEvent* event) {
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
-    if (droppedOf(*event->mimeData()))
+    m_dropped = droppedOf(*event->mimeData());
+    if (m_dropped)
         event->acceptProposedAction();
 }
 
@@ -222,11 +173,16 @@ void MainWindow::dragMoveEvent(QDragMoveEvent* event) {
         event->acceptProposedAction();
 }
 
+void MainWindow::dragLeaveEvent(QDragLeaveEvent*) {
+    m_dropped.reset();
+}
+
 void MainWindow::dropEvent(QDropEvent* event) {
+    const auto dropped = std::exchange(m_dropped, std::nullopt);
     if (m_clipList->isVisible() && m_clipList->geometry().contains(event->position().toPoint()))
         return;
     event->acceptProposedAction();
-    if (const auto dropped = droppedOf(*event->mimeData()))
+    if (dropped)
         readFolder(dropped->folder, dropped->clipName, true);
 }
 

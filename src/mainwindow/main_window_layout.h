@@ -5,6 +5,9 @@
 #include <QMargins>
 #include <QRect>
 #include <array>
+#include <optional>
+
+#include "base/language.h"
 
 namespace ql240::layout {
 
@@ -53,37 +56,35 @@ enum class ButtonId {
 };
 inline constexpr std::size_t kButtonCount = 20;
 
-inline constexpr int kNoText = -1;
-
 struct ButtonRow {
     ButtonId id;
     const char* name;   // for assistive technology where there is no hover text
     const char* images; // what their names begin with; the logo's one image for all states
     QRect place;
-    int textId; // of the hover text in the interface's text table, or kNoText
+    std::optional<UiText> hoverText;
 };
 
 inline constexpr std::array<ButtonRow, kButtonCount> kButtons{{
-    {ButtonId::Play, "Play", "play_", {137, 433, 36, 36}, 48},
-    {ButtonId::Pause, "Pause", "pause", {137, 433, 36, 36}, 49},
-    {ButtonId::Stop, "Stop", "stop_", {190, 433, 36, 36}, 50},
-    {ButtonId::PreviousFile, "Previous File", "pre_file_", {27, 433, 36, 36}, 51},
-    {ButtonId::FrameBack, "Rewind 1 Frame", "rw_", {80, 433, 36, 36}, 52},
-    {ButtonId::FrameForward, "Forward 1 Frame", "fw_", {247, 433, 36, 36}, 53},
-    {ButtonId::NextFile, "Next File", "next_file_", {302, 433, 36, 36}, 54},
-    {ButtonId::ZoomIn, "Zoom-In", "zoom_in_", {352, 433, 36, 36}, 55},
-    {ButtonId::ZoomOut, "Zoom-Out", "zoom_out_", {396, 433, 36, 36}, 56},
-    {ButtonId::OriginalSize, "Original Size", "original_screen_", {440, 433, 36, 36}, 63},
-    {ButtonId::Pan, "Pan", "pan_", {484, 433, 36, 36}, 57},
-    {ButtonId::Volume, "Volume", "volume", {576, 442, 19, 17}, 59},
-    {ButtonId::Setting, "Setup", "setting_", {677, 7, 19, 20}, 60},
-    {ButtonId::Snapshot, "Capture", "snapshot_", {718, 9, 22, 18}, 61},
-    {ButtonId::Print, "Printer", "print_", {761, 7, 20, 20}, 62},
-    {ButtonId::Minimise, "Minimize", "close_", {951, 8, 21, 19}, kNoText},
-    {ButtonId::Exit, "Exit", "exit_", {982, 8, 21, 19}, kNoText},
-    {ButtonId::OpenFile, "Open File", "file_open_", {945, 433, 21, 16}, kNoText},
-    {ButtonId::OpenFolder, "Open Folder", "folder_open_", {980, 242, 20, 16}, kNoText},
-    {ButtonId::Logo, "QL240", "ql240_logo", {21, 7, 196, 22}, kNoText},
+    {ButtonId::Play, "Play", "play_", {137, 433, 36, 36}, UiText::Play},
+    {ButtonId::Pause, "Pause", "pause", {137, 433, 36, 36}, UiText::Pause},
+    {ButtonId::Stop, "Stop", "stop_", {190, 433, 36, 36}, UiText::Stop},
+    {ButtonId::PreviousFile, "Previous File", "pre_file_", {27, 433, 36, 36}, UiText::PreviousFile},
+    {ButtonId::FrameBack, "Rewind 1 Frame", "rw_", {80, 433, 36, 36}, UiText::FrameBack},
+    {ButtonId::FrameForward, "Forward 1 Frame", "fw_", {247, 433, 36, 36}, UiText::FrameForward},
+    {ButtonId::NextFile, "Next File", "next_file_", {302, 433, 36, 36}, UiText::NextFile},
+    {ButtonId::ZoomIn, "Zoom-In", "zoom_in_", {352, 433, 36, 36}, UiText::ZoomIn},
+    {ButtonId::ZoomOut, "Zoom-Out", "zoom_out_", {396, 433, 36, 36}, UiText::ZoomOut},
+    {ButtonId::OriginalSize, "Original Size", "original_screen_", {440, 433, 36, 36}, UiText::OriginalSize},
+    {ButtonId::Pan, "Pan", "pan_", {484, 433, 36, 36}, UiText::Pan},
+    {ButtonId::Volume, "Volume", "volume", {576, 442, 19, 17}, UiText::Volume},
+    {ButtonId::Setting, "Setup", "setting_", {677, 7, 19, 20}, UiText::Setup},
+    {ButtonId::Snapshot, "Capture", "snapshot_", {718, 9, 22, 18}, UiText::Capture},
+    {ButtonId::Print, "Printer", "print_", {761, 7, 20, 20}, UiText::Printer},
+    {ButtonId::Minimise, "Minimize", "close_", {951, 8, 21, 19}, std::nullopt},
+    {ButtonId::Exit, "Exit", "exit_", {982, 8, 21, 19}, std::nullopt},
+    {ButtonId::OpenFile, "Open File", "file_open_", {945, 433, 21, 16}, std::nullopt},
+    {ButtonId::OpenFolder, "Open Folder", "folder_open_", {980, 242, 20, 16}, std::nullopt},
+    {ButtonId::Logo, "QL240", "ql240_logo", {21, 7, 196, 22}, std::nullopt},
 }};
 
 // What is switched with the controls, and what hides in full screen, beside the widgets named there.

@@ -95,7 +95,7 @@ void MainWindow::stepFrame(bool forward) {
     feedSession(false);
     showPausedState();
     OnTimeoutRefreshMapB();
-    m_progressPanel->setValue(static_cast<qint32>(player.positionMs()));
+    m_progressPanel->setValue(static_cast<std::int32_t>(player.positionMs()));
 }
 
 void MainWindow::OnSlotsrw() {
@@ -134,8 +134,8 @@ void MainWindow::OnTimeoutUpdate() {
         m_progressPanel->setValue(0);
         return;
     }
-    const auto duration = static_cast<qint32>(m_currentPlayer->durationMs());
-    const auto position = static_cast<qint32>(m_currentPlayer->positionMs());
+    const auto duration = static_cast<std::int32_t>(m_currentPlayer->durationMs());
+    const auto position = static_cast<std::int32_t>(m_currentPlayer->positionMs());
     m_progressPanel->setRange(0, duration);
     m_progressPanel->setValue(position);
     feedSession(m_session.isPlaying());
@@ -160,13 +160,14 @@ void MainWindow::OnTimeoutRefreshMap() {
 
 void MainWindow::OnTimeoutRefreshMapB() {
     m_currentPlayer = m_mainView->player();
-    const SensorSample sample = m_progressPanel->sampleAt(static_cast<qint32>(m_currentPlayer->positionMs()));
+    const SensorSample sample =
+        m_progressPanel->sampleAt(static_cast<std::int32_t>(m_currentPlayer->positionMs()));
     if (sample.timeMs == -1 || !sample.hasPosition())
         return;
     m_mapView->moveTo(sample.latitude, sample.longitude);
     if (sample.speed == m_progressPanel->speed())
         return;
-    const qint32 speed = sample.speed >= 0 ? sample.speed : m_progressPanel->speed();
+    const std::int32_t speed = sample.speed >= 0 ? sample.speed : m_progressPanel->speed();
     m_progressPanel->setSpeed(speed > kHighestSpeed ? 0 : speed);
 }
 
@@ -192,7 +193,7 @@ void MainWindow::OnSlotspan() {
 
 void MainWindow::OnZoomWinMode(bool on) {
     m_zoomWinMode = on;
-    m_buttons.clear(ButtonId::Pan)->setLatched(on);
+    m_buttons.controlAt(ButtonId::Pan)->setLatched(on);
     m_windowHelper->setMovable(!on);
     m_clipList->setEnabled(!on);
     m_mapView->setEnabled(!on);
@@ -204,7 +205,7 @@ void MainWindow::OnSlotsvolume() {
     const bool on = !m_volume->isEnabled();
     m_volume->setSoundOn(on);
     m_volume->setEnabled(on);
-    m_buttons.clear(ButtonId::Volume)->setLatched(!on);
+    m_buttons.controlAt(ButtonId::Volume)->setLatched(!on);
 }
 
 } // namespace ql240

@@ -66,7 +66,7 @@ MyListWidget::MyListWidget(QWidget* owner) : QListWidget(owner), m_owner(owner) 
 
 void MyListWidget::appendClip(const Clip* clip) {
     auto* item = new QListWidgetItem(shownName(clip->file().fileName()));
-    item->setData(kClipRole, QVariant::fromValue(reinterpret_cast<quintptr>(clip)));
+    item->setData(kClipRole, QVariant::fromValue(reinterpret_cast<std::uintptr_t>(clip)));
     int row = count();
     while (row > 0 && !clipOf(this->item(row - 1)))
         --row;
@@ -77,8 +77,8 @@ void MyListWidget::appendName(const QString& fileName) {
     insertItem(count(), shownName(fileName));
 }
 
-Clip* MyListWidget::clipOf(const QListWidgetItem* item) {
-    return item ? reinterpret_cast<Clip*>(item->data(kClipRole).value<quintptr>()) : nullptr;
+const Clip* MyListWidget::clipOf(const QListWidgetItem* item) {
+    return item ? reinterpret_cast<const Clip*>(item->data(kClipRole).value<std::uintptr_t>()) : nullptr;
 }
 
 int MyListWidget::rowOf(const Clip* clip) const {

@@ -25,7 +25,7 @@ public:
     void appendName(const QString& fileName);
 
     // Null for an entry without a clip, and for no entry.
-    static Clip* clipOf(const QListWidgetItem* item);
+    static const Clip* clipOf(const QListWidgetItem* item);
 
     // The first row that holds the clip, -1 when none does.
     int rowOf(const Clip* clip) const;

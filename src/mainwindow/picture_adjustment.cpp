@@ -1,27 +1,23 @@
 #include "mainwindow/picture_adjustment.h"
 
 #include <array>
-#include <chrono>
 #include <memory>
 
 #include "platform/host.h"
+#include "platform/waits.h"
 #include "settings/card.h"
 #include "settings/device_settings.h"
 
 namespace ql240 {
 namespace {
 
-using namespace std::chrono_literals;
-
-constexpr auto kCardPatience = 100ms;
-
 // By the values 0 to 7.
-using Table = std::array<qint32, 8>;
+using Table = std::array<std::int32_t, 8>;
 constexpr Table kBrightness{0, -60, -40, -20, 0, 20, 40, 60};
 constexpr Table kContrast{60, 40, 60, 80, 100, 120, 140, 160};
 constexpr int kNeutral = 4;
 
-qint32 lookUp(const Table& table, int value) {
+std::int32_t lookUp(const Table& table, int value) {
     const bool known = value >= 0 && value < static_cast<int>(table.size());
     return table[static_cast<std::size_t>(known ? value : kNeutral)];
 }
@@ -39,11 +35,11 @@ std::optional<CardAdjustment> readCardAdjustment(Drives* drives) {
     return read;
 }
 
-qint32 brightnessOf(int brightvalue) {
+std::int32_t brightnessOf(int brightvalue) {
     return lookUp(kBrightness, brightvalue);
 }
 
-qint32 contrastOf(int contrastvalue) {
+std::int32_t contrastOf(int contrastvalue) {
     return lookUp(kContrast, contrastvalue);
 }
 
@@ -63,7 +59,7 @@ void PictureAdjustment::loadPictureAdjustment() {
 }
 
 void PictureAdjustment::await() {
-    m_jobs.wait(kCardPatience);
+    m_jobs.wait(waits::kPictureSettings);
 }
 
 void PictureAdjustment::apply(const CardAdjustment& read) {

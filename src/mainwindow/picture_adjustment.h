@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QtGlobal>
+#include <cstdint>
 #include <functional>
 #include <optional>
 
@@ -27,8 +28,8 @@ std::optional<CardAdjustment> readCardAdjustment(Drives* drives);
 
 // What the frames are adjusted by: brightness is added, contrast is in percent. A value that no card should
 // hold leaves the picture as it was recorded.
-qint32 brightnessOf(int brightvalue);
-qint32 contrastOf(int contrastvalue);
+std::int32_t brightnessOf(int brightvalue);
+std::int32_t contrastOf(int contrastvalue);
 
 // What the frames are adjusted by, kept as last read from the card. Interface thread only, where `changed` is
 // called too, once the card has answered.
@@ -36,8 +37,8 @@ class PictureAdjustment {
 public:
     explicit PictureAdjustment(std::function<void()> changed) : m_changed(std::move(changed)) {}
 
-    qint32 brightness() const { return m_brightness; }
-    qint32 contrast() const { return m_contrast; }
+    std::int32_t brightness() const { return m_brightness; }
+    std::int32_t contrast() const { return m_contrast; }
 
     // The settings dialog was accepted: the card may hold something else now than what was asked for before.
     void setSettingsChanged();
@@ -53,8 +54,8 @@ private:
     void set(const AdjustmentSetting& setting);
 
     std::function<void()> m_changed;
-    qint32 m_brightness = 0;
-    qint32 m_contrast = 100;
+    std::int32_t m_brightness = 0;
+    std::int32_t m_contrast = 100;
     bool m_settingsChanged = false;
     BackgroundJobs m_jobs;
 };

@@ -5,18 +5,11 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
-#include <chrono>
 
+#include "platform/waits.h"
 #include "widgets/plain_text.h"
 
 namespace ql240 {
-namespace {
-
-using namespace std::chrono_literals;
-
-constexpr auto kDelay = 400ms;
-
-} // namespace
 
 WaitNote::WaitNote(QWidget* parent)
     : QFrame(parent), m_text(new QLabel(this)), m_cancel(new QPushButton(tr("Cancel"), this)) {
@@ -43,7 +36,7 @@ void WaitNote::begin(const QString& text) {
     m_text->setText(fontMetrics().elidedText(shown, Qt::ElideMiddle, width() - 24));
     m_text->setToolTip(hoverText(text));
     setAccessibleName(shown);
-    m_delay.start(kDelay);
+    m_delay.start(waits::kBusyNote);
 }
 
 void WaitNote::appear() {

@@ -10,10 +10,10 @@
 
 namespace ql240 {
 
-using Status = std::int32_t;
+enum [[nodiscard]] Status : std::int32_t{};
 
-constexpr Status kStatusOk = 0;
-constexpr Status kStatusIntermediate = 0x00040237; // a state change is under way
+constexpr Status kStatusOk{0};
+constexpr Status kStatusIntermediate{0x00040237}; // a state change is under way
 constexpr Status kStatusFail = static_cast<Status>(0x80004005);
 constexpr Status kStatusNoInterface = static_cast<Status>(0x80004002);
 constexpr Status kStatusInvalidPointer = static_cast<Status>(0x80004003);
@@ -32,6 +32,9 @@ constexpr bool failed(Status status) {
 constexpr bool succeeded(Status status) {
     return status >= 0;
 }
+
+// For a call whose failure changes nothing: what was asked for is then missing, and its place stays empty.
+constexpr void mayFail(Status) {}
 
 // A 128-bit identifier of a class, an interface or a media type.
 struct Guid {
@@ -119,7 +122,7 @@ public:
     ComPtr<U> as() const {
         ComPtr<U> other;
         if (m_object)
-            m_object->QueryInterface(U::kIid, other.putVoid());
+            mayFail(m_object->QueryInterface(U::kIid, other.putVoid()));
         return other;
     }
 

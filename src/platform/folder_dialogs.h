@@ -30,7 +30,8 @@ public:
 
     // Runs the dialog over `owner`. Nothing when it was cancelled; otherwise the path of the item chosen,
     // empty where that is no file-system folder.
-    virtual std::optional<QString> browseForFolder(QWidget* owner, const FolderCallback& callback) = 0;
+    [[nodiscard]] virtual std::optional<QString> browseForFolder(QWidget* owner,
+                                                                 const FolderCallback& callback) = 0;
 };
 
 } // namespace ql240

@@ -9,7 +9,6 @@ class Drives;
 class FolderDialogs;
 class Inhibitor;
 class MediaPlatform;
-class RunningWindows;
 class SensorLibrary;
 class UrlOpener;
 class WaveOut;
@@ -20,7 +19,6 @@ struct Host {
     FolderDialogs* folderDialogs = nullptr;
     Inhibitor* inhibitor = nullptr;
     MediaPlatform* media = nullptr;
-    RunningWindows* runningWindows = nullptr;
     SensorLibrary* sensorLibrary = nullptr;
     UrlOpener* urlOpener = nullptr;
     WaveOut* waveOut = nullptr;

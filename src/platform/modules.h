@@ -4,13 +4,14 @@
 // application object, after everything that came from them.
 #pragma once
 
+#include <QLoggingCategory>
 #include <QString>
 
 #include <memory>
-#include <optional>
 #include <utility>
 
 #include "platform/media_platform.h"
+#include "platform/wave_out.h"
 #include "platform/web_pages.h"
 
 namespace ql240 {
@@ -23,7 +24,8 @@ QString moduleFolderOf(const QString& programFolder);
 template <typename Interface>
 class LazyModule {
 public:
-    LazyModule(QString file, const char* factory) : m_file(std::move(file)), m_factory(factory) {}
+    LazyModule(QString file, const char* factory, const QLoggingCategory& (*log)())
+        : m_file(std::move(file)), m_factory(factory), m_log(log) {}
 
     // Null without the module.
     Interface* get();
@@ -31,11 +33,13 @@ public:
 private:
     QString m_file;
     const char* m_factory;
+    const QLoggingCategory& (*m_log)();
     bool m_tried = false;
     std::unique_ptr<Interface> m_made;
 };
 
-class MediaModule final : public MediaPlatform {
+// The sound output's volume, too: that of the program's own clips.
+class MediaModule final : public MediaPlatform, public WaveOut {
 public:
     explicit MediaModule(const QString& folder);
 
@@ -45,13 +49,16 @@ public:
     void warmUp() override;
     // Loads nothing: until the module is there, the volume is kept for it.
     void setOutputVolume(std::uint16_t left, std::uint16_t right) override;
+    std::uint32_t waveOutGetVolume(std::uint32_t device, std::uint32_t* volume) override;
+    std::uint32_t waveOutSetVolume(std::uint32_t device, std::uint32_t volume) override;
 
 private:
     MediaPlatform* loaded();
 
     LazyModule<MediaPlatform> m_module;
     MediaPlatform* m_loaded = nullptr;
-    std::optional<std::pair<std::uint16_t, std::uint16_t>> m_volume;
+    std::uint16_t m_left = 0xFFFF;
+    std::uint16_t m_right = 0xFFFF;
 };
 
 class MapModule final : public WebPages {

@@ -1,6 +1,6 @@
 // The sensor data inside a clip's container, behind the four calls of the camera maker's library that this
 // place was made for. Interface thread only; every call is synchronous. Positions are magnitudes with a
-// letter, in millionths of a degree; speeds are km/h; accelerations are raw counts, 128 a g.
+// letter, in millionths of a degree; speeds are km/h; accelerations are raw counts (kCountsPerG).
 #pragma once
 
 #include <cstdint>
@@ -11,6 +11,7 @@ class SensorLibrary {
 public:
     using Handle = std::uintptr_t;
     static constexpr int kCreateTimeSize = 64;
+    static constexpr double kCountsPerG = 128;
 
     virtual ~SensorLibrary() = default;
 

@@ -51,7 +51,7 @@ public:
 
     // A page whose base colour is transparent. Starts the engine when it is the first; null where there is
     // none.
-    virtual std::unique_ptr<WebPage> createPage(QWidget* parent, WebPageEvents events) = 0;
+    [[nodiscard]] virtual std::unique_ptr<WebPage> createPage(QWidget* parent, WebPageEvents events) = 0;
 };
 
 // What the map module offers: `extern "C" ql240::WebPages* ql240CreateWebPages()`; the caller owns the

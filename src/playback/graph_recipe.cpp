@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/logging.h"
 #include "platform/media_platform.h"
 
 namespace ql240 {
@@ -83,13 +84,20 @@ bool sameName(std::u16string_view a, std::u16string_view b) {
     return QStringView(a).compare(QStringView(b), Qt::CaseInsensitive) == 0;
 }
 
-Status join(IGraphBuilder& graph, const ComPtr<IPin>& output, const ComPtr<IPin>& input) {
-    return graph.ConnectDirect(output.get(), input.get(), nullptr);
+// Logs how a step of the recipe came out, and passes it on.
+Status logged(const char* step, std::u16string_view name, Status status) {
+    qCDebug(lcMedia) << "recipe:" << step << QStringView(name) << Qt::hex << Qt::showbase
+                     << static_cast<std::uint32_t>(status);
+    return status;
 }
 
-Status join(IGraphBuilder& graph, IBaseFilter& upstream, const char16_t* output, IBaseFilter& downstream,
-            const char16_t* input) {
-    return join(graph, findPinByName(upstream, output), findPinByName(downstream, input));
+NamedPin pinOf(IBaseFilter& filter, const char16_t* name, int skip = 0) {
+    return {findPinByName(filter, name, skip), name};
+}
+
+Status join(IGraphBuilder& graph, const NamedPin& output, const NamedPin& input) {
+    const Status status = graph.ConnectDirect(output.pin.get(), input.pin.get(), nullptr);
+    return logged("join", std::u16string(output.name) + u" to " + input.name, status);
 }
 
 } // namespace
@@ -117,7 +125,7 @@ Status GraphRecipe::addFilter(IGraphBuilder& graph, const Guid& classId, const c
                               ComPtr<IBaseFilter>& slot) {
     const Status status =
         m_platform.CoCreateInstance(classId, nullptr, ClassContext::All, IBaseFilter::kIid, slot.putVoid());
-    return failed(status) ? status : graph.AddFilter(slot.get(), name);
+    return logged("filter", name, failed(status) ? status : graph.AddFilter(slot.get(), name));
 }
 
 Status GraphRecipe::addSource(IGraphBuilder& graph, const std::u16string& path) {
@@ -125,7 +133,7 @@ Status GraphRecipe::addSource(IGraphBuilder& graph, const std::u16string& path) 
     if (failed(status))
         return status;
     const auto file = m_source.as<IFileSourceFilter>();
-    return file ? file->Load(path.c_str(), nullptr) : kStatusNoInterface;
+    return logged("load", path, file ? file->Load(path.c_str(), nullptr) : kStatusNoInterface);
 }
 
 Status GraphRecipe::addGrabber(IGraphBuilder& graph, int index) {
@@ -137,17 +145,23 @@ Status GraphRecipe::addGrabber(IGraphBuilder& graph, int index) {
     if (!grabber)
         return kStatusNoInterface;
     const Status typed = grabber->SetMediaType(&kGrabbedType);
-    return failed(typed) ? typed : grabber->SetBufferSamples(true);
+    return logged("picture format", {}, failed(typed) ? typed : grabber->SetBufferSamples(true));
 }
 
-Status GraphRecipe::joinVideoChain(IGraphBuilder& graph, int index, ComPtr<IPin> splitterPin) {
+Status GraphRecipe::joinVideoChain(IGraphBuilder& graph, int index, const NamedPin& source) {
     using namespace pin_name;
     auto& [decoder, grabber, converter, renderer] = m_video[static_cast<std::size_t>(index)];
     return Steps()
-        .then([&] { return join(graph, splitterPin, findPinByName(*decoder.get(), kDecoderIn)); })
-        .then([&] { return join(graph, *decoder.get(), kDecoderOut, *grabber.get(), kGrabberIn); })
-        .then([&] { return join(graph, *grabber.get(), kGrabberOut, *converter.get(), kConverterIn); })
-        .then([&] { return join(graph, *converter.get(), kConverterOut, *renderer.get(), kRendererIn); })
+        .then([&] { return join(graph, source, pinOf(*decoder.get(), kDecoderIn)); })
+        .then([&] {
+            return join(graph, pinOf(*decoder.get(), kDecoderOut), pinOf(*grabber.get(), kGrabberIn));
+        })
+        .then([&] {
+            return join(graph, pinOf(*grabber.get(), kGrabberOut), pinOf(*converter.get(), kConverterIn));
+        })
+        .then([&] {
+            return join(graph, pinOf(*converter.get(), kConverterOut), pinOf(*renderer.get(), kRendererIn));
+        })
         .status();
 }
 
@@ -162,10 +176,14 @@ Status GraphRecipe::buildAvi(IGraphBuilder& graph, const std::u16string& path) {
         .then([&] { return addGrabber(graph, 0); })
         .then([&] { return addFilter(graph, class_id::kColourConverter, kConverter, video.converter); })
         .then([&] {
-            return join(graph, *m_source.get(), pin_name::kSourceOut, *m_splitter.get(), pin_name::kAviIn);
+            return join(graph, pinOf(*m_source.get(), pin_name::kSourceOut),
+                        pinOf(*m_splitter.get(), pin_name::kAviIn));
         })
-        .then([&] { return joinVideoChain(graph, 0, findPinByName(*m_splitter.get(), pin_name::kAviVideo)); })
-        .then([&] { return graph.Render(findPinByName(*m_splitter.get(), pin_name::kAviSound).get()); })
+        .then([&] { return joinVideoChain(graph, 0, pinOf(*m_splitter.get(), pin_name::kAviVideo)); })
+        .then([&] {
+            const NamedPin sound = pinOf(*m_splitter.get(), pin_name::kAviSound);
+            return logged("render", sound.name, graph.Render(sound.pin.get()));
+        })
         .status();
 }
 
@@ -193,18 +211,23 @@ Status GraphRecipe::buildMp4(IGraphBuilder& graph, const std::u16string& path) {
     Steps steps;
     steps.then([&] { return addSource(graph, path); })
         .then([&] { return addFilter(graph, class_id::kMp4Splitter, filter_name::kMp4Splitter, m_splitter); })
-        .then([&] { return join(graph, *m_source.get(), kSourceOut, *m_splitter.get(), kMp4In); })
+        .then(
+            [&] { return join(graph, pinOf(*m_source.get(), kSourceOut), pinOf(*m_splitter.get(), kMp4In)); })
         .then([&] {
             m_videoStreamCount = countPinsByName(*m_splitter.get(), kMp4Video);
-            return m_videoStreamCount == 0 ? kStatusFail : kStatusOk;
+            return logged("video streams", QString::number(m_videoStreamCount).toStdU16String(),
+                          m_videoStreamCount == 0 ? kStatusFail : kStatusOk);
         })
         .then([&] { return addMp4Filters(graph); })
-        .then([&] { return join(graph, *m_splitter.get(), kMp4Sound, *m_audioDecoder.get(), kDecoderIn); })
         .then([&] {
-            return join(graph, *m_audioDecoder.get(), kDecoderOut, *m_audioRenderer.get(), kSoundIn);
+            return join(graph, pinOf(*m_splitter.get(), kMp4Sound), pinOf(*m_audioDecoder.get(), kDecoderIn));
+        })
+        .then([&] {
+            return join(graph, pinOf(*m_audioDecoder.get(), kDecoderOut),
+                        pinOf(*m_audioRenderer.get(), kSoundIn));
         });
     for (int i = 0; i < std::min(m_videoStreamCount, kMaxStreams); ++i)
-        steps.then([&] { return joinVideoChain(graph, i, findPinByName(*m_splitter.get(), kMp4Video, i)); });
+        steps.then([&] { return joinVideoChain(graph, i, pinOf(*m_splitter.get(), kMp4Video, i)); });
     return steps.status();
 }
 

@@ -13,6 +13,11 @@ namespace ql240 {
 
 class MediaPlatform;
 
+struct NamedPin {
+    ComPtr<IPin> pin; // null where its filter has none of that name
+    const char16_t* name;
+};
+
 class GraphRecipe {
 public:
     static constexpr int kMaxStreams = 2;
@@ -44,7 +49,7 @@ private:
     Status addSource(IGraphBuilder& graph, const std::u16string& path);
     Status addGrabber(IGraphBuilder& graph, int index);
     Status addMp4Filters(IGraphBuilder& graph);
-    Status joinVideoChain(IGraphBuilder& graph, int index, ComPtr<IPin> splitterPin);
+    Status joinVideoChain(IGraphBuilder& graph, int index, const NamedPin& source);
 
     MediaPlatform& m_platform;
     ComPtr<IBaseFilter> m_source;

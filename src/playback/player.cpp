@@ -8,6 +8,7 @@
 
 #include "clips/clip.h"
 #include "platform/host.h"
+#include "platform/logging.h"
 #include "platform/media_platform.h"
 #include "playback/graph_recipe.h"
 #include "playback/image_adjust.h"
@@ -34,8 +35,8 @@ bool isMp4Name(const QString& fileName) {
 
 ComPtr<IGraphBuilder> newGraph(MediaPlatform& platform) {
     ComPtr<IGraphBuilder> graph;
-    platform.CoCreateInstance(class_id::kFilterGraph, nullptr, ClassContext::InprocServer,
-                              IGraphBuilder::kIid, graph.putVoid());
+    mayFail(platform.CoCreateInstance(class_id::kFilterGraph, nullptr, ClassContext::InprocServer,
+                                      IGraphBuilder::kIid, graph.putVoid()));
     return graph;
 }
 
@@ -77,6 +78,7 @@ bool Player::open(const Clip* clip, const Handlers& handlers, WindowToken host) 
         m_clip = clip;
     else
         close();
+    qCDebug(lcMedia) << (opened ? "opened" : "failed to open") << clip->file().filePath();
     return opened;
 }
 
@@ -94,14 +96,14 @@ bool Player::openMp4(GraphRecipe& recipe, const Clip& clip, const Handlers& hand
             continue;
         makeBlackFrame(i, of<IBasicVideo>(m_renderer[at(i)]).get());
         if (const auto shown = window(i))
-            shown->put_AutoShow(false);
+            mayFail(shown->put_AutoShow(false));
     }
     return true;
 }
 
 bool Player::openAvi(GraphRecipe& recipe, const Clip& clip, const Handlers& handlers, WindowToken host) {
     // A clip whose sound can't be rendered plays without; what else failed shows in what there is to take.
-    recipe.buildAvi(*m_graph.get(), clip.file().absoluteFilePath().toStdU16String());
+    mayFail(recipe.buildAvi(*m_graph.get(), clip.file().absoluteFilePath().toStdU16String()));
     videoStreamCount = 1;
     takeStream(recipe, 0);
     updateVideoSizes();
@@ -110,7 +112,7 @@ bool Player::openAvi(GraphRecipe& recipe, const Clip& clip, const Handlers& hand
     if (!m_renderer[0])
         return false;
     if (const auto shown = ownedWindow(host, false))
-        shown->put_AutoShow(false);
+        mayFail(shown->put_AutoShow(false));
     return true;
 }
 
@@ -122,7 +124,7 @@ void Player::takeStream(GraphRecipe& recipe, int index) {
 void Player::installHandler(int index, const Handlers& handlers) {
     const auto grabber = of<ISampleGrabber>(m_grabber[at(index)]);
     if (grabber && handlers[at(index)])
-        grabber->SetCallback(handlers[at(index)], GrabberCallback::Buffer);
+        mayFail(grabber->SetCallback(handlers[at(index)], GrabberCallback::Buffer));
 }
 
 void Player::updateVideoSizes() {
@@ -159,7 +161,7 @@ void Player::close() {
         setVideoSize(i, QSize(0, 0));
     for (const auto& filter : m_grabber) {
         if (const auto grabber = of<ISampleGrabber>(filter))
-            grabber->SetCallback(nullptr, GrabberCallback::Sample);
+            mayFail(grabber->SetCallback(nullptr, GrabberCallback::Sample));
     }
     stop();
     for (int i = 0; i < kStreams; ++i) {
@@ -228,21 +230,21 @@ bool Player::seek(std::int32_t ms) {
 }
 
 Status Player::setRate(double rate) {
-    return m_graph ? m_graph.as<IMediaSeeking>()->SetRate(rate) : -1;
+    return m_graph ? m_graph.as<IMediaSeeking>()->SetRate(rate) : Status{-1};
 }
 
 std::int64_t Player::positionMs() const {
     std::int64_t position = 0;
     std::int64_t end = 0;
     if (m_graph)
-        m_graph.as<IMediaSeeking>()->GetPositions(&position, &end);
+        mayFail(m_graph.as<IMediaSeeking>()->GetPositions(&position, &end));
     return toMs(position);
 }
 
 std::int64_t Player::durationMs() const {
     std::int64_t end = 0;
     if (m_graph)
-        m_graph.as<IMediaSeeking>()->GetStopPosition(&end);
+        mayFail(m_graph.as<IMediaSeeking>()->GetStopPosition(&end));
     return toMs(end);
 }
 
@@ -285,8 +287,8 @@ ComPtr<IVideoWindow> Player::window(int index) const {
 ComPtr<IVideoWindow> Player::ownedWindow(WindowToken host, bool second) const {
     const auto shown = window(second ? 1 : 0);
     if (shown) {
-        shown->put_Owner(host);
-        shown->put_WindowStyle(kWindowStyleChild);
+        mayFail(shown->put_Owner(host));
+        mayFail(shown->put_WindowStyle(kWindowStyleChild));
     }
     return shown;
 }
@@ -295,24 +297,24 @@ bool Player::attachWindow(WindowToken host, const QRect& rect, bool second) {
     const auto shown = ownedWindow(host, second);
     if (!shown)
         return false;
-    shown->SetWindowPosition(rect.left(), rect.top(), rect.width(), rect.height());
-    shown->put_MessageDrain(host);
+    mayFail(shown->SetWindowPosition(rect.left(), rect.top(), rect.width(), rect.height()));
+    mayFail(shown->put_MessageDrain(host));
     return succeeded(shown->put_Visible(true));
 }
 
 void Player::moveWindow(WindowToken host, int x, int y, bool second) {
     if (const auto shown = ownedWindow(host, second)) {
-        shown->put_Left(x);
-        shown->put_Top(y);
-        shown->put_MessageDrain(host);
+        mayFail(shown->put_Left(x));
+        mayFail(shown->put_Top(y));
+        mayFail(shown->put_MessageDrain(host));
     }
 }
 
 void Player::resizeWindow(WindowToken host, int width, int height, bool second) {
     if (const auto shown = ownedWindow(host, second)) {
-        shown->put_Width(width);
-        shown->put_Height(height);
-        shown->put_MessageDrain(host);
+        mayFail(shown->put_Width(width));
+        mayFail(shown->put_Height(height));
+        mayFail(shown->put_MessageDrain(host));
     }
 }
 

@@ -34,7 +34,7 @@ public:
     Player& operator=(const Player&) = delete;
 
     // The caller closes before it opens another clip. `host` is the window that will show the pictures.
-    bool open(const Clip* clip, const Handlers& handlers, WindowToken host);
+    [[nodiscard]] bool open(const Clip* clip, const Handlers& handlers, WindowToken host);
     void close();
 
     // Transport: false while closed, or when the graph refused.
@@ -69,8 +69,9 @@ public:
 private:
     enum State : std::uint32_t { kStopping = 1, kStopped = 2, kPaused = 4 };
 
-    bool openMp4(GraphRecipe& recipe, const Clip& clip, const Handlers& handlers);
-    bool openAvi(GraphRecipe& recipe, const Clip& clip, const Handlers& handlers, WindowToken host);
+    [[nodiscard]] bool openMp4(GraphRecipe& recipe, const Clip& clip, const Handlers& handlers);
+    [[nodiscard]] bool openAvi(GraphRecipe& recipe, const Clip& clip, const Handlers& handlers,
+                               WindowToken host);
     void takeStream(GraphRecipe& recipe, int index);
     void installHandler(int index, const Handlers& handlers);
     void updateVideoSizes();

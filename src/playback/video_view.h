@@ -24,7 +24,7 @@ public:
     explicit VideoView(QWidget* parent = nullptr);
     ~VideoView() override;
 
-    bool openClip(const Clip* clip);
+    [[nodiscard]] bool openClip(const Clip* clip);
     void closeClip();
     Player* player() const { return m_player.get(); }
     void setSecondPlayer(Player* player);
@@ -48,6 +48,8 @@ public:
     void mouseMoveEvent(QMouseEvent* event) override;
 
 Q_SIGNALS:
+    // The view emits fileOpened() alone, after each clip that it has opened. The others are there for windows
+    // around it, in an order that is fixed.
     void clicked();
     void doubleClicked();
     void fileOpened();

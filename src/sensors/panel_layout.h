@@ -9,6 +9,7 @@
 #include <QSize>
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstdlib>
 
 namespace ql240::panel {
@@ -75,20 +76,18 @@ constexpr int traceY(int acceleration) {
 }
 
 // The left end of sample `index` of `count` in the trace of a panel of this width, rounded half up.
-constexpr int traceX(qint64 index, qint64 count, int width) {
+constexpr int traceX(std::int64_t index, std::int64_t count, int width) {
     return static_cast<int>((2 * index * (width - 2) + count) / (2 * count));
 }
 
 // The left edge of the progress cursor.
-constexpr int cursorX(qint64 value, qint64 maximum, int width) {
+constexpr int cursorX(std::int64_t value, std::int64_t maximum, int width) {
     const int span = width - 2;
-    if (maximum <= 0 || value <= 0) {
+    if (maximum <= 0 || value <= 0)
         return 2;
-    }
-    if (value == maximum) {
+    if (value == maximum)
         return span - 1;
-    }
-    return static_cast<int>(std::min<qint64>(value * span / maximum + 2, width));
+    return static_cast<int>(std::min<std::int64_t>(value * span / maximum + 2, width));
 }
 
 // The part of the strip that answers clicks, and the time a click there asks for. The cursor travels 12
@@ -96,7 +95,7 @@ constexpr int cursorX(qint64 value, qint64 maximum, int width) {
 constexpr QRect seekArea(QRect panel) {
     return panel.marginsRemoved(kSeekMargins);
 }
-constexpr int seekTarget(int x, qint64 minimum, qint64 maximum, int width) {
+constexpr int seekTarget(int x, std::int64_t minimum, std::int64_t maximum, int width) {
     return static_cast<int>((x - 2) * (maximum - minimum) / (width - 14));
 }
 

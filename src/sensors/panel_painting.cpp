@@ -1,14 +1,13 @@
 #include "sensors/panel_painting.h"
 
 #include <QPainter>
+#include <algorithm>
 
+#include "platform/sensor_library.h"
 #include "widgets/skin.h"
 
 namespace ql240 {
 namespace {
-
-// Counts to g. Both factors are exact, and so is their product: 1 g is 128 counts.
-constexpr double kGPerCount = 4.0 * 0.001953125;
 
 void paintGauges(QPainter& painter, const PanelImages& images) {
     painter.drawPixmap(panel::kSpeedDial, images.speedDial);
@@ -17,17 +16,14 @@ void paintGauges(QPainter& painter, const PanelImages& images) {
 }
 
 void paintSpeed(QPainter& painter, const PanelImages& images, int speed) {
-    for (int i = 0; i < panel::litSegments(speed); ++i) {
+    for (int i = 0; i < panel::litSegments(speed); ++i)
         painter.drawPixmap(panel::kSegments[i], images.segments[i]);
-    }
     const int hundreds = speed / 100 % 10;
     const int tens = speed / 10 % 10;
-    if (hundreds > 0) {
+    if (hundreds > 0)
         painter.drawPixmap(panel::kDigits[0], images.digits[hundreds]);
-    }
-    if (hundreds > 0 || tens > 0) {
+    if (hundreds > 0 || tens > 0)
         painter.drawPixmap(panel::kDigits[1], images.digits[tens]);
-    }
     painter.drawPixmap(panel::kDigits[2], images.digits[std::max(speed % 10, 0)]);
 }
 
@@ -55,24 +51,22 @@ PanelImages loadPanelImages() {
         .segments = {},
         .digits = {},
     };
-    for (int i = 0; i < panel::kSegmentCount; ++i) {
+    for (int i = 0; i < panel::kSegmentCount; ++i)
         images.segments[i] = load(QStringLiteral("s%1").arg(i + 1));
-    }
-    for (int i = 0; i < panel::kDigitCount; ++i) {
+    for (int i = 0; i < panel::kDigitCount; ++i)
         images.digits[i] = load(QStringLiteral("%1").arg(i));
-    }
     return images;
 }
 
-QString progressText(qint32 valueMs, qint32 maximumMs) {
+QString progressText(std::int32_t valueMs, std::int32_t maximumMs) {
     const auto two = [](int number) { return QString::number(number).rightJustified(2, QLatin1Char('0')); };
     return QStringLiteral("%1:%2/%3:%4")
         .arg(two(valueMs / 60000), two(valueMs % 60000 / 1000), two(maximumMs / 60000),
              two(maximumMs % 60000 / 1000));
 }
 
-QString accelerationText(qint16 raw) {
-    return QString::number(raw * kGPerCount, 'g', 3);
+QString accelerationText(std::int16_t raw) {
+    return QString::number(raw / SensorLibrary::kCountsPerG, 'g', 3);
 }
 
 QString degreeText(double degrees) {
@@ -80,15 +74,15 @@ QString degreeText(double degrees) {
 }
 
 void paintTrace(QPainter& painter, const SensorTrack& track, int width) {
-    const auto count = static_cast<qint64>(track.size());
+    const auto count = static_cast<std::int64_t>(track.size());
     SensorSample previous;
-    for (qint64 i = 0; i < count; ++i) {
+    for (std::int64_t i = 0; i < count; ++i) {
         const SensorSample& current = track[i];
         const int x1 = panel::traceX(i, count, width);
         const int x2 = panel::traceX(i + 1, count, width);
         const std::array axes{std::pair(previous.accX, current.accX), std::pair(previous.accY, current.accY),
                               std::pair(previous.accZ, current.accZ)};
-        for (size_t axis = 0; axis < axes.size(); ++axis) {
+        for (std::size_t axis = 0; axis < axes.size(); ++axis) {
             painter.setPen(panel::kTraceColours[axis]);
             painter.drawLine(x1, panel::traceY(axes[axis].first), x2, panel::traceY(axes[axis].second));
         }
@@ -98,17 +92,14 @@ void paintTrace(QPainter& painter, const SensorTrack& track, int width) {
 
 void paintInstruments(QPainter& painter, const PanelImages& images, const PanelState& state) {
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    if (state.enabled) {
+    if (state.enabled)
         paintGauges(painter, images);
-    }
-    if (state.hasFix) {
+    if (state.hasFix)
         painter.drawPixmap(panel::kGpsLamp, images.gpsLamp);
-    }
-    if (state.kilometres) {
+    if (state.kilometres)
         painter.drawPixmap(panel::kKmLabel, images.kmLabel);
-    } else {
+    else
         painter.drawPixmap(panel::kMphLabel, images.mphLabel);
-    }
     paintSpeed(painter, images, panel::shownSpeed(state.speedKmh, state.kilometres));
     painter.drawPixmap(panel::kPlayTimeLabel, images.playTimeLabel);
     painter.drawPixmap(panel::kModelLabel, images.modelLabel);

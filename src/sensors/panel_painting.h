@@ -6,6 +6,7 @@
 #include <QPixmap>
 #include <QString>
 #include <array>
+#include <cstdint>
 
 #include "sensors/panel_layout.h"
 #include "sensors/sensor_track.h"
@@ -36,12 +37,12 @@ struct PanelState {
     bool enabled = true; // the gauges show
     bool hasFix = false;
     bool kilometres = true;
-    qint32 speedKmh = 0;
-    qint32 progressMaximum = 0;
-    qint32 progressValue = 0;
-    qint16 accX = 0;
-    qint16 accY = 0;
-    qint16 accZ = 0;
+    std::int32_t speedKmh = 0;
+    std::int32_t progressMaximum = 0;
+    std::int32_t progressValue = 0;
+    std::int16_t accX = 0;
+    std::int16_t accY = 0;
+    std::int16_t accZ = 0;
     double latitude = 0.0;
     double longitude = 0.0;
     QString timeText;
@@ -50,10 +51,10 @@ struct PanelState {
 };
 
 // "mm:ss/mm:ss" of two times in ms; minutes go on past 59.
-QString progressText(qint32 valueMs, qint32 maximumMs);
+QString progressText(std::int32_t valueMs, std::int32_t maximumMs);
 
 // A raw acceleration in g as shown, three significant digits.
-QString accelerationText(qint16 raw);
+QString accelerationText(std::int16_t raw);
 
 // A degree as shown, six significant digits; empty for 0.
 QString degreeText(double degrees);

@@ -7,16 +7,17 @@
 #include <cmath>
 #include <limits>
 
+#include "platform/logging.h"
 #include "platform/sensor_library.h"
 
 namespace ql240 {
 namespace {
 
-constexpr qint64 kTailSize = 33006;
+constexpr std::int64_t kTailSize = 33006;
 constexpr QByteArrayView kMarker("ETKLP1");
 constexpr int kFieldsPerLine = 7;
-constexpr qint64 kLibraryStepMs = 100;
-constexpr qint64 kLibraryEndMs = 61000;
+constexpr std::int64_t kLibraryStepMs = 100;
+constexpr std::int64_t kLibraryEndMs = 61000;
 
 bool containsAfterStart(const QString& path, QLatin1StringView text) {
     return path.indexOf(text, 1) > 0;
@@ -25,10 +26,9 @@ bool containsAfterStart(const QString& path, QLatin1StringView text) {
 // The last `kTailSize` bytes of a regular file, nothing when it can't be read.
 QByteArray readTail(const QString& path) {
     QFile file(path);
-    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) {
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
         return {};
-    }
-    file.seek(std::max<qint64>(0, file.size() - kTailSize));
+    file.seek(std::max<std::int64_t>(0, file.size() - kTailSize));
     return file.read(kTailSize);
 }
 
@@ -38,7 +38,7 @@ double toNumber(QByteArrayView field) {
     const double value = field.toByteArray().toDouble();
     return std::isfinite(value) ? value : 0.0;
 }
-qint32 toInteger(QByteArrayView field) {
+std::int32_t toInteger(QByteArrayView field) {
     return field.toByteArray().toInt();
 }
 
@@ -46,10 +46,9 @@ qint32 toInteger(QByteArrayView field) {
 bool parseLine(QByteArrayView line, SensorSample& sample) {
     std::array<QByteArrayView, kFieldsPerLine> fields;
     qsizetype start = 0;
-    for (size_t i = 0; i < fields.size(); ++i) {
-        if (start > line.size()) {
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        if (start > line.size())
             return false;
-        }
         const qsizetype comma = line.indexOf(',', start);
         const qsizetype end = comma < 0 ? line.size() : comma;
         fields[i] = line.sliced(start, end - start);
@@ -58,25 +57,24 @@ bool parseLine(QByteArrayView line, SensorSample& sample) {
     sample.latitude = toNumber(fields[1]);
     sample.longitude = toNumber(fields[2]);
     sample.speed = toInteger(fields[3]);
-    sample.accX = static_cast<qint16>(toInteger(fields[4]));
-    sample.accY = static_cast<qint16>(toInteger(fields[5]));
-    sample.accZ = static_cast<qint16>(toInteger(fields[6]));
+    sample.accX = static_cast<std::int16_t>(toInteger(fields[4]));
+    sample.accY = static_cast<std::int16_t>(toInteger(fields[5]));
+    sample.accZ = static_cast<std::int16_t>(toInteger(fields[6]));
     return true;
 }
 
 // Appends a sample a line and returns how many there were.
-size_t appendLines(SensorTrack& track, QByteArrayView text) {
-    const size_t before = track.size();
+std::size_t appendLines(SensorTrack& track, QByteArrayView text) {
+    const std::size_t before = track.size();
     while (!text.isEmpty()) {
         const qsizetype feed = text.indexOf('\n');
         QByteArrayView line = feed < 0 ? text : text.first(feed);
         text = feed < 0 ? QByteArrayView() : text.sliced(feed + 1);
-        if (line.endsWith('\r')) {
+        if (line.endsWith('\r'))
             line.chop(1);
-        }
         SensorSample sample;
         if (!line.isEmpty() && parseLine(line, sample)) {
-            sample.timeMs = static_cast<qint32>(track.size()) + 1;
+            sample.timeMs = static_cast<std::int32_t>(track.size()) + 1;
             track.push_back(sample);
         }
     }
@@ -86,33 +84,31 @@ size_t appendLines(SensorTrack& track, QByteArrayView text) {
 // The camera starts to write samples late in clips of events and motion: a third more of the first one goes
 // in front.
 void padFront(SensorTrack& track) {
-    const size_t n = track.size();
-    size_t p = n / 3;
-    if (static_cast<double>(n) * 0.25 + 0.5 >= static_cast<double>(p + 1)) {
+    const std::size_t n = track.size();
+    std::size_t p = n / 3;
+    if (static_cast<double>(n) * 0.25 + 0.5 >= static_cast<double>(p + 1))
         ++p;
-    }
     const SensorSample first = track.front();
     track.insert(track.begin(), p + 1, first);
 }
 
-void spreadOver(SensorTrack& track, qint64 durationMs) {
-    const auto m = static_cast<qint64>(track.size());
-    const qint64 total = std::min(durationMs, std::numeric_limits<qint64>::max() - 100) + 100;
-    const qint64 q = total / m;
+void spreadOver(SensorTrack& track, std::int64_t durationMs) {
+    const auto m = static_cast<std::int64_t>(track.size());
+    const std::int64_t total = std::min(durationMs, std::numeric_limits<std::int64_t>::max() - 100) + 100;
+    const std::int64_t q = total / m;
     const bool roundUp =
         static_cast<double>(total) / static_cast<double>(m) + 0.5 >= static_cast<double>(q + 1);
-    const auto step = static_cast<quint64>(roundUp ? q + 1 : q);
-    for (size_t i = 0; i < track.size(); ++i) {
-        track[i].timeMs = static_cast<qint32>(i * step);
-    }
+    const auto step = static_cast<std::uint64_t>(roundUp ? q + 1 : q);
+    for (std::size_t i = 0; i < track.size(); ++i)
+        track[i].timeMs = static_cast<std::int32_t>(i * step);
 }
 
-double signedDegrees(qint32 millionths, std::int8_t letter, char positive) {
+double signedDegrees(std::int32_t millionths, std::int8_t letter, char positive) {
     const double degrees = millionths / 1000000.0;
     return letter == positive ? degrees : -degrees;
 }
 
-bool readLibrarySample(SensorLibrary& library, SensorLibrary::Handle handle, qint64 timeMs,
+bool readLibrarySample(SensorLibrary& library, SensorLibrary::Handle handle, std::int64_t timeMs,
                        SensorSample& sample) {
     std::int32_t latitude = 0;
     std::int32_t longitude = 0;
@@ -121,7 +117,7 @@ bool readLibrarySample(SensorLibrary& library, SensorLibrary::Handle handle, qin
     const int placed = library.getLatLonSpeed(handle, timeMs, &latitude, &longitude, &latitudeLetter,
                                               &longitudeLetter, &sample.speed);
     const int measured = library.getAccXYZ(handle, timeMs, &sample.accX, &sample.accY, &sample.accZ);
-    sample.timeMs = static_cast<qint32>(timeMs);
+    sample.timeMs = static_cast<std::int32_t>(timeMs);
     sample.latitude = signedDegrees(latitude, latitudeLetter, 'N');
     sample.longitude = signedDegrees(longitude, longitudeLetter, 'E');
     return placed != 0 && measured != 0;
@@ -129,25 +125,23 @@ bool readLibrarySample(SensorLibrary& library, SensorLibrary::Handle handle, qin
 
 } // namespace
 
-bool appendTrailerBytes(SensorTrack& track, QByteArrayView tail, bool startsLate, qint64 durationMs) {
+bool appendTrailerBytes(SensorTrack& track, QByteArrayView tail, bool startsLate, std::int64_t durationMs) {
     const qsizetype marker = tail.indexOf(kMarker);
-    if (marker <= 0) {
+    qCDebug(lcSensors) << "trailer at byte" << marker << "of the last" << tail.size();
+    if (marker <= 0)
         return false;
-    }
     const qsizetype start = std::min(marker + kMarker.size() + 1, tail.size());
     if (appendLines(track, tail.sliced(start)) > 0) {
-        if (startsLate) {
+        if (startsLate)
             padFront(track);
-        }
         spreadOver(track, durationMs);
     }
     return true;
 }
 
-bool appendTrailer(SensorTrack& track, const QString& path, qint64 durationMs) {
-    if (!containsAfterStart(path, QLatin1StringView(".avi"))) {
+bool appendTrailer(SensorTrack& track, const QString& path, std::int64_t durationMs) {
+    if (!containsAfterStart(path, QLatin1StringView(".avi")))
         return false;
-    }
     const bool startsLate = containsAfterStart(path, QLatin1StringView("EVT_")) ||
                             containsAfterStart(path, QLatin1StringView("MOT_"));
     return appendTrailerBytes(track, readTail(path), startsLate, durationMs);
@@ -155,33 +149,29 @@ bool appendTrailer(SensorTrack& track, const QString& path, qint64 durationMs) {
 
 bool appendLibrarySamples(SensorTrack& track, SensorLibrary& library, const QString& path) {
     const SensorLibrary::Handle handle = library.getInformationData(path.toLocal8Bit().constData());
-    if (handle == 0) {
+    if (handle == 0)
         return false;
-    }
     std::array<char, SensorLibrary::kCreateTimeSize> createTime{};
     library.getCreateTime(handle, createTime.data());
-    for (qint64 t = 0; t <= kLibraryEndMs; t += kLibraryStepMs) {
+    for (std::int64_t t = 0; t <= kLibraryEndMs; t += kLibraryStepMs) {
         SensorSample sample;
-        if (!readLibrarySample(library, handle, t, sample)) {
+        if (!readLibrarySample(library, handle, t, sample))
             break;
-        }
         track.push_back(sample);
     }
+    qCDebug(lcSensors) << "the library has" << track.size() << "samples";
     return true;
 }
 
-SensorSample sampleForTime(const SensorTrack& track, qint32 timeMs) {
-    if (timeMs < 0 || track.empty()) {
+SensorSample sampleForTime(const SensorTrack& track, std::int32_t timeMs) {
+    if (timeMs < 0 || track.empty())
         return {};
-    }
-    if (track.size() == 1) {
+    if (track.size() == 1)
         return track.front();
-    }
-    const qint32 step = track[1].timeMs;
-    if (step <= 0) {
+    const std::int32_t step = track[1].timeMs;
+    if (step <= 0)
         return {};
-    }
-    const auto index = static_cast<size_t>(timeMs / step);
+    const auto index = static_cast<std::size_t>(timeMs / step);
     return track[std::min(index, track.size() - 1)];
 }
 

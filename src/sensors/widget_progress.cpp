@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/host.h"
+#include "platform/waits.h"
 #include "widgets/fonts.h"
 #include "widgets/plain_text.h"
 
@@ -14,7 +15,6 @@ namespace {
 
 constexpr int kRepaintMs = 2000;
 constexpr int kModelLength = 5;
-constexpr std::chrono::milliseconds kCardPatience(50);
 
 QPoint placeOf(const QMouseEvent* event) {
     return event->position().toPoint();
@@ -40,20 +40,18 @@ WidgetProgressA::WidgetProgressA(QWidget* parent, CardLook cardLook)
     loadCardModel();
 }
 
-void WidgetProgressA::setRange(qint32 minimum, qint32 maximum) {
-    if (minimum > maximum || (minimum == m_minimum && maximum == m_maximum)) {
+void WidgetProgressA::setRange(std::int32_t minimum, std::int32_t maximum) {
+    if (minimum > maximum || (minimum == m_minimum && maximum == m_maximum))
         return;
-    }
     m_minimum = minimum;
     m_maximum = maximum;
     rebuildTimeText();
     m_textForced = true;
 }
 
-void WidgetProgressA::setValue(qint32 value) {
-    if (!m_textForced && (value == m_value || value < m_minimum || value > m_maximum)) {
+void WidgetProgressA::setValue(std::int32_t value) {
+    if (!m_textForced && (value == m_value || value < m_minimum || value > m_maximum))
         return;
-    }
     m_value = value;
     rebuildTimeText();
     update();
@@ -71,17 +69,15 @@ void WidgetProgressA::setClipPath(const QString& path) {
 void WidgetProgressA::setActive(bool on) {
     setEnabled(on);
     setAnimating(on);
-    if (!on) {
+    if (!on)
         zeroReadings();
-    }
 }
 
 void WidgetProgressA::setAnimating(bool on) {
-    if (on) {
+    if (on)
         m_repaintTimer.start(kRepaintMs);
-    } else {
+    else
         m_repaintTimer.stop();
-    }
 }
 
 void WidgetProgressA::resetIndicators() {
@@ -93,7 +89,7 @@ void WidgetProgressA::resetIndicators() {
     }
 }
 
-void WidgetProgressA::setSpeed(qint32 kmh) {
+void WidgetProgressA::setSpeed(std::int32_t kmh) {
     if (kmh != m_speed) {
         m_speed = kmh;
         update();
@@ -107,14 +103,14 @@ void WidgetProgressA::setKilometres(bool on) {
     }
 }
 
-void WidgetProgressA::loadSensorData(qint64 durationMs) {
+void WidgetProgressA::loadSensorData(std::int64_t durationMs) {
     if (!m_clipPath.isEmpty()) {
         appendTrack(durationMs);
         m_trace = QPixmap();
     }
 }
 
-void WidgetProgressA::appendTrack(qint64 durationMs) {
+void WidgetProgressA::appendTrack(std::int64_t durationMs) {
     if (appendTrailer(m_track, m_clipPath, durationMs)) {
         m_loaded = true;
         return;
@@ -132,10 +128,9 @@ void WidgetProgressA::clearSensorData() {
     update();
 }
 
-SensorSample WidgetProgressA::sampleAt(qint32 timeMs) {
-    if (!m_loaded) {
+SensorSample WidgetProgressA::sampleAt(std::int32_t timeMs) {
+    if (!m_loaded)
         return {};
-    }
     const SensorSample sample = sampleForTime(m_track, timeMs);
     m_latitude = sample.latitude;
     m_longitude = sample.longitude;
@@ -171,9 +166,8 @@ PanelState WidgetProgressA::state() const {
 void WidgetProgressA::mousePressEvent(QMouseEvent* event) {
     const bool left = event->button() == Qt::LeftButton;
     // It went down before, and nobody has seen it go up.
-    if (left && m_drag == Drag::Held) {
+    if (left && m_drag == Drag::Held)
         m_drag = Drag::None;
-    }
     if (left && !isInStrip(placeOf(event))) {
         QWidget::mousePressEvent(event);
         return;
@@ -193,9 +187,8 @@ void WidgetProgressA::mouseMoveEvent(QMouseEvent* event) {
         return;
     }
     const bool taken = dragging && panel::seekArea(rect()).contains(placeOf(event));
-    if (taken) {
+    if (taken)
         update();
-    }
     event->setAccepted(taken);
 }
 
@@ -234,20 +227,17 @@ void WidgetProgressA::paintEvent(QPaintEvent*) {
 // A healthy card answers before this returns, a dying reader whenever it does.
 void WidgetProgressA::loadCardModel() {
     m_modelWanted = !m_cardJobs.isIdle();
-    if (m_modelWanted || !m_cardLook) {
+    if (m_modelWanted || !m_cardLook)
         return;
-    }
     const auto version = std::make_shared<std::optional<QString>>();
     m_cardJobs.start([version, look = m_cardLook] { *version = look(); },
                      [this, version] {
-                         if (*version) {
+                         if (*version)
                              setModelFromVersion(**version);
-                         }
-                         if (m_modelWanted) {
+                         if (m_modelWanted)
                              loadCardModel();
-                         }
                      });
-    m_cardJobs.wait(kCardPatience);
+    m_cardJobs.wait(waits::kCardModel);
 }
 
 void WidgetProgressA::setModelFromVersion(const QString& versionText) {
@@ -257,9 +247,8 @@ void WidgetProgressA::setModelFromVersion(const QString& versionText) {
 
 void WidgetProgressA::rebuildTimeText() {
     const QString before = std::exchange(m_timeText, progressText(m_value, m_maximum));
-    if (m_timeText != before) {
+    if (m_timeText != before)
         tellGaugeChanged(this, *this);
-    }
 }
 
 QString WidgetProgressA::gaugeDetails() const {
@@ -268,9 +257,8 @@ QString WidgetProgressA::gaugeDetails() const {
     QStringList details{QStringLiteral("%1 %2").arg(speed).arg(shown.kilometres ? QStringLiteral("km/h")
                                                                                 : QStringLiteral("mph"))};
     details << (shown.hasFix ? tr("GPS position known") : tr("no GPS position"));
-    if (shown.hasFix) {
+    if (shown.hasFix)
         details << degreeText(shown.latitude) << degreeText(shown.longitude);
-    }
     details << tr("acceleration %1, %2, %3 g")
                    .arg(accelerationText(shown.accX), accelerationText(shown.accY),
                         accelerationText(shown.accZ));
@@ -280,9 +268,8 @@ QString WidgetProgressA::gaugeDetails() const {
 
 // As a click at that place of the strip.
 void WidgetProgressA::setGaugeValue(int value) {
-    if (value >= m_minimum && value <= m_maximum) {
+    if (value >= m_minimum && value <= m_maximum)
         Q_EMIT clicked(value);
-    }
 }
 
 void WidgetProgressA::zeroReadings() {

@@ -5,6 +5,7 @@
 
 #include <QTimer>
 #include <QWidget>
+#include <cstdint>
 #include <functional>
 #include <optional>
 
@@ -26,8 +27,8 @@ public:
     explicit WidgetProgressA(QWidget* parent = nullptr, CardLook cardLook = {});
 
     // Ignored when minimum > maximum. A change lets the next setValue through whatever its value.
-    void setRange(qint32 minimum, qint32 maximum);
-    void setValue(qint32 value);
+    void setRange(std::int32_t minimum, std::int32_t maximum);
+    void setValue(std::int32_t value);
     void setDateText(const QString& text);
     void setClipPath(const QString& path);
 
@@ -36,16 +37,16 @@ public:
     void setAnimating(bool on);
     void resetIndicators();
 
-    qint32 speed() const { return m_speed; }
-    void setSpeed(qint32 kmh);
+    std::int32_t speed() const { return m_speed; }
+    void setSpeed(std::int32_t kmh);
     bool kilometres() const { return m_kilometres; }
     void setKilometres(bool on);
 
     // The track: a load appends to it, from the trailer of the clip or through the sensor library.
-    void loadSensorData(qint64 durationMs);
+    void loadSensorData(std::int64_t durationMs);
     void clearSensorData();
     // The sample at a playback position; its values become the ones shown, except for the speed.
-    SensorSample sampleAt(qint32 timeMs);
+    SensorSample sampleAt(std::int32_t timeMs);
     const SensorTrack& sensorTrack() const { return m_track; }
 
     // What the panel shows at the moment.
@@ -78,16 +79,16 @@ private:
     void setModelFromVersion(const QString& versionText);
     void rebuildTimeText();
     void zeroReadings();
-    void appendTrack(qint64 durationMs);
+    void appendTrack(std::int64_t durationMs);
     const QPixmap& trace();
 
     bool m_loaded = false;
-    qint32 m_minimum = 0;
-    qint32 m_maximum = 0;
-    qint32 m_value = 0;
-    qint16 m_accX = 0;
-    qint16 m_accY = 0;
-    qint16 m_accZ = 0;
+    std::int32_t m_minimum = 0;
+    std::int32_t m_maximum = 0;
+    std::int32_t m_value = 0;
+    std::int16_t m_accX = 0;
+    std::int16_t m_accY = 0;
+    std::int16_t m_accZ = 0;
     double m_latitude = 0.0;
     double m_longitude = 0.0;
     QString m_timeText;
@@ -101,7 +102,7 @@ private:
     QTimer m_repaintTimer;
     bool m_kilometres = true;
     bool m_hasFix = false;
-    qint32 m_speed = 0;
+    std::int32_t m_speed = 0;
 
     // One look at the card at a time; another one that was asked for meanwhile follows it.
     CardLook m_cardLook;

@@ -69,6 +69,11 @@ std::optional<QString> openVersionText(CardFolder& updateFolder) {
     return text;
 }
 
+std::optional<QString> cardVersionText(Drives* drives) {
+    const QString card = findCardDrive(drives);
+    return card.isEmpty() ? std::nullopt : openVersionText(updateFolder(card));
+}
+
 QString readVersionText(const QString& updateFolder) {
     return openVersionText(updateFolder).value_or(QString());
 }

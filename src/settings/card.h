@@ -31,8 +31,11 @@ QString firstSettingFolder(Drives* drives);
 // The lines of "version.txt" in the update folder, joined by "\n" with none after the last. `openVersionText`
 // is nothing when the file does not open, `readVersionText` is empty then. Past limits::kVersionFileBytes the
 // file is not read.
-std::optional<QString> openVersionText(const QString& updateFolder);
-std::optional<QString> openVersionText(CardFolder& updateFolder);
+[[nodiscard]] std::optional<QString> openVersionText(const QString& updateFolder);
+[[nodiscard]] std::optional<QString> openVersionText(CardFolder& updateFolder);
 QString readVersionText(const QString& updateFolder);
+
+// The version file of the card among the drives; nothing where there is none.
+std::optional<QString> cardVersionText(Drives* drives);
 
 } // namespace ql240

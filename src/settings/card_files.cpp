@@ -35,10 +35,10 @@ int CardFiles::openDrive(const QByteArray& path) {
 
 int CardFiles::openBeneath(int folder, const char* name, int flags) {
     open_how how = {};
-    how.flags = quint64(flags) | O_CLOEXEC;
+    how.flags = static_cast<std::uint64_t>(flags) | O_CLOEXEC;
     how.mode = flags & O_CREAT ? kNewFile : 0;
     how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS;
-    return int(::syscall(SYS_openat2, folder, name, &how, sizeof how));
+    return static_cast<int>(::syscall(SYS_openat2, folder, name, &how, sizeof how));
 }
 
 // One entry at a time, none of them a link: so the older call is as safe. Some sandboxes answer EPERM to a
@@ -73,11 +73,11 @@ int CardFiles::open(int folder, const QByteArray& name, int flags) {
     return -1;
 }
 
-ssize_t CardFiles::read(int file, char* to, size_t count) {
+ssize_t CardFiles::read(int file, char* to, std::size_t count) {
     return ::read(file, to, count);
 }
 
-ssize_t CardFiles::write(int file, const char* from, size_t count) {
+ssize_t CardFiles::write(int file, const char* from, std::size_t count) {
     return ::write(file, from, count);
 }
 
@@ -129,7 +129,7 @@ bool CardFiles::list(int folder, const std::function<void(const QByteArray&)>& v
         const dirent* entry = ::readdir(entries.get());
         if (!entry)
             return errno == 0;
-        visit(QByteArray::fromRawData(entry->d_name, qsizetype(qstrlen(entry->d_name))));
+        visit(QByteArray::fromRawData(entry->d_name, static_cast<qsizetype>(qstrlen(entry->d_name))));
     }
     return false;
 }

@@ -19,12 +19,12 @@ public:
     virtual ~CardFiles() = default;
 
     // The drive's root. How the machine leads there is its own affair, by links too.
-    virtual int openDrive(const QByteArray& path);
-    virtual int openFolder(int folder, const QByteArray& name);
+    [[nodiscard]] virtual int openDrive(const QByteArray& path);
+    [[nodiscard]] virtual int openFolder(int folder, const QByteArray& name);
     // With O_CREAT always a new file.
-    virtual int open(int folder, const QByteArray& name, int flags);
-    virtual ssize_t read(int file, char* to, size_t count);
-    virtual ssize_t write(int file, const char* from, size_t count);
+    [[nodiscard]] virtual int open(int folder, const QByteArray& name, int flags);
+    virtual ssize_t read(int file, char* to, std::size_t count);
+    virtual ssize_t write(int file, const char* from, std::size_t count);
     virtual off_t size(int file);
     virtual int cut(int file, off_t size);
     virtual int sync(int file);

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "platform/logging.h"
+
 namespace ql240 {
 namespace {
 
@@ -23,7 +25,7 @@ QByteArray CardFile::readStart(qsizetype limit, bool* whole) {
     while (count > 0 && bytes.size() < limit) {
         char piece[4096];
         count = read(piece, sizeof piece);
-        bytes.append(piece, qMax<qsizetype>(0, count));
+        bytes.append(piece, std::max<qsizetype>(0, count));
     }
     if (whole)
         *whole = count == 0 && bytes.size() <= limit;
@@ -104,9 +106,20 @@ bool CardFolder::replace(const QByteArray& name, const std::function<bool(CardFi
             return false;
         written = write(file) && file.sync();
     }
-    if (!written || files().rename(handle(), aside, name) != 0)
+    written = written && files().rename(handle(), aside, name) == 0;
+    report(name, written);
+    if (!written)
         files().remove(handle(), aside);
     return true;
+}
+
+void CardFolder::report(const QByteArray& name, bool written) const {
+    const int error = errno;
+    const QString file = QFile::decodeName(m_path + '/' + name);
+    if (written)
+        qCDebug(lcCard) << "wrote" << file;
+    else
+        qCWarning(lcCard) << "didn't write" << file << qt_error_string(error);
 }
 
 void CardFolder::removeRest(const QByteArray& name) {

@@ -43,11 +43,11 @@ class CardFile : public CardHandle {
 public:
     using CardHandle::CardHandle;
 
-    ssize_t read(char* to, size_t count) { return files().read(handle(), to, count); }
+    ssize_t read(char* to, std::size_t count) { return files().read(handle(), to, count); }
     // What the file begins with, `limit` bytes at most; `whole` says whether that is all of it.
     QByteArray readStart(qsizetype limit, bool* whole = nullptr);
     bool write(const char* from, ssize_t count) {
-        return files().write(handle(), from, size_t(count)) == count;
+        return files().write(handle(), from, static_cast<std::size_t>(count)) == count;
     }
     // Writes `bytes` at the file's present position, cuts the file behind them; false when either failed.
     bool replaceBy(const QByteArray& bytes);
@@ -73,17 +73,19 @@ public:
 
     // Makes the drive's root, where that isn't open, with all folders above it.
     void makeDrive();
-    CardFolder folder(const QByteArray& name);
+    [[nodiscard]] CardFolder folder(const QByteArray& name);
     bool makeFolder(const QByteArray& name) { return files().makeFolder(handle(), name) == 0; }
-    CardFile openForReading(const QByteArray& name);
+    [[nodiscard]] CardFile openForReading(const QByteArray& name);
     // An existing file, in this very spelling.
-    CardFile openForWriting(const QByteArray& name);
+    [[nodiscard]] CardFile openForWriting(const QByteArray& name);
     // Has `write` fill a new file, which then takes the name and the place of an old one: on the disk before
     // that, for a card pulled out in between must not show half a file. False if the new one didn't open.
     bool replace(const QByteArray& name, const std::function<bool(CardFile&)>& write);
     // Takes away what an interrupted `replace` has left of `name`.
     void removeRest(const QByteArray& name);
     void sync() { files().syncFolder(handle()); }
+    // Logs what became of a file in it; right after what went wrong, for errno's sake.
+    void report(const QByteArray& name, bool written) const;
 
 private:
     CardFolder(CardFiles& files, int handle, QByteArray path)
@@ -96,6 +98,6 @@ private:
 };
 
 // The folder at `path`, whose parent is the drive's root.
-CardFolder cardFolderAt(CardFiles& files, const QByteArray& path);
+[[nodiscard]] CardFolder cardFolderAt(CardFiles& files, const QByteArray& path);
 
 } // namespace ql240

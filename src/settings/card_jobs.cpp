@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/logging.h"
 #include "settings/card.h"
 #include "settings/device_settings.h"
 
@@ -107,21 +108,25 @@ CardContents readCard(const QString& drive) {
     contents.updateFolder = QFile::decodeName(update.path());
     contents.versionText = openVersionText(update);
     contents.values = DeviceSettings(root);
+    qCDebug(lcCard) << drive << "read, version" << contents.versionText.value_or(QString());
     return contents;
 }
 
 bool saveCard(const CardContents& read, const SettingValues& values,
               const std::optional<QString>& clockText) {
     const auto drive = openDrive(read.drive);
-    if (!read.fileSystem || fileSystemOf(*drive) != read.fileSystem)
+    if (!read.fileSystem || fileSystemOf(*drive) != read.fileSystem) {
+        qCWarning(lcCard) << "another file system lies at" << read.drive << "by now: nothing is saved";
         return false;
+    }
     DeviceSettings settings(drive);
     static_cast<SettingValues&>(settings) = values;
     settings.reversalvalue = 0;
     settings.sharpnessvalue = 4;
     settings.mutevalue = values.speakervalue == 0 ? 1 : 0;
     settings.setTime(clockText.has_value(), clockText.value_or(QString()));
-    settings.save();
+    if (!settings.save() && clockText)
+        qCWarning(lcCard) << "the camera's clock isn't set";
     return true;
 }
 

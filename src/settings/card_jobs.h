@@ -6,6 +6,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <cstdint>
 #include <optional>
 
 #include "platform/drives.h"
@@ -17,9 +18,9 @@ namespace ql240 {
 struct FileSystemId {
     dev_t device = 0;
     ino_t folder = 0;
-    quint64 number = 0;
+    std::uint64_t number = 0;
     // Two cards in one reader differ by nothing else; the first is a FAT volume's, the second udev's.
-    quint32 serial = 0;
+    std::uint32_t serial = 0;
     QByteArray uuid;
 
     bool operator==(const FileSystemId&) const = default;
@@ -43,7 +44,8 @@ CardContents readCard(const QString& drive);
 // Writes `values`, and the camera's clock if there is a text for it, to the card that was read. False, and
 // nothing is written, if another file system lies under the drive's folder by now: that of another card, or
 // of the machine itself.
-bool saveCard(const CardContents& read, const SettingValues& values, const std::optional<QString>& clockText);
+[[nodiscard]] bool saveCard(const CardContents& read, const SettingValues& values,
+                            const std::optional<QString>& clockText);
 
 // Copies the picture that the user chose to the card, unless that has a screen saver or no folder for it.
 void copyScreenSaver(const QString& picture, const QString& card, Drives* drives);

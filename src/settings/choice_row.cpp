@@ -38,7 +38,7 @@ ChoiceRow::ChoiceRow(QWidget* window, RowOwner& owner, const OptionRow& row)
 
 int ChoiceRow::chosenIndex() const {
     const Choice* chosen = chosenChoice(m_row, m_owner.rowValues());
-    return chosen ? int(chosen - m_row.choices.data()) : -1;
+    return chosen ? static_cast<int>(chosen - m_row.choices.data()) : -1;
 }
 
 void ChoiceRow::choose(int index) {
@@ -46,12 +46,12 @@ void ChoiceRow::choose(int index) {
         return;
     if (m_row.kind == RowKind::TickBox)
         m_owner.choose(m_row, chosenIndex() < 0 ? m_row.choices.front().value : 0);
-    else if (index >= 0 && index < int(m_row.choices.size()))
-        m_owner.choose(m_row, m_row.choices[size_t(index)].value);
+    else if (index >= 0 && index < static_cast<int>(m_row.choices.size()))
+        m_owner.choose(m_row, m_row.choices[static_cast<std::size_t>(index)].value);
 }
 
 void ChoiceRow::step(int by) {
-    const int last = int(m_row.choices.size()) - 1;
+    const int last = static_cast<int>(m_row.choices.size()) - 1;
     const int chosen = chosenIndex();
     choose(chosen < 0 ? (by > 0 ? 0 : last) : std::clamp(chosen + by, 0, last));
 }
@@ -62,7 +62,7 @@ void ChoiceRow::keyPressEvent(QKeyEvent* event) {
         return QWidget::keyPressEvent(event);
     switch (event->key()) {
         case Qt::Key_Space:
-            return choose(ticks ? 0 : qMax(0, chosenIndex()));
+            return choose(ticks ? 0 : std::max(0, chosenIndex()));
         case Qt::Key_Left:
         case Qt::Key_Up:
             return step(-1);
@@ -72,7 +72,7 @@ void ChoiceRow::keyPressEvent(QKeyEvent* event) {
         case Qt::Key_Home:
             return choose(0);
         case Qt::Key_End:
-            return choose(int(m_row.choices.size()) - 1);
+            return choose(static_cast<int>(m_row.choices.size()) - 1);
         default:
             QWidget::keyPressEvent(event);
     }

@@ -61,7 +61,7 @@ public:
     QStringList keyBindingsForAction(const QString&) const override { return {}; }
 
 private:
-    const Choice& choice() const { return m_row->row().choices[size_t(m_index)]; }
+    const Choice& choice() const { return m_row->row().choices[static_cast<std::size_t>(m_index)]; }
 
     QPointer<ChoiceRow> m_row;
     int m_index;
@@ -70,7 +70,7 @@ private:
 class RowInterface : public QAccessibleWidget {
 public:
     explicit RowInterface(ChoiceRow* row) : QAccessibleWidget(row) {
-        for (int i = 0; !ticks() && i < int(row->row().choices.size()); ++i)
+        for (int i = 0; !ticks() && i < static_cast<int>(row->row().choices.size()); ++i)
             m_choices.append(QAccessible::registerAccessibleInterface(new ChoiceInterface(row, i)));
     }
     ~RowInterface() override {
@@ -87,7 +87,7 @@ public:
             return row()->row().name.text();
         const int chosen = row()->chosenIndex();
         return kind == QAccessible::Value && chosen >= 0 && !ticks()
-                   ? row()->row().choices[size_t(chosen)].name.text()
+                   ? row()->row().choices[static_cast<std::size_t>(chosen)].name.text()
                    : QString();
     }
 
@@ -99,13 +99,14 @@ public:
         return state;
     }
 
-    int childCount() const override { return int(m_choices.size()); }
+    int childCount() const override { return static_cast<int>(m_choices.size()); }
     QAccessibleInterface* child(int index) const override {
         return index >= 0 && index < m_choices.size() ? QAccessible::accessibleInterface(m_choices[index])
                                                       : nullptr;
     }
     int indexOfChild(const QAccessibleInterface* child) const override {
-        return int(m_choices.indexOf(QAccessible::uniqueId(const_cast<QAccessibleInterface*>(child))));
+        return static_cast<int>(
+            m_choices.indexOf(QAccessible::uniqueId(const_cast<QAccessibleInterface*>(child))));
     }
     QAccessibleInterface* childAt(int x, int y) const override {
         for (int i = 0; i < childCount(); ++i) {

@@ -38,7 +38,7 @@ constexpr Choice column(const Line& line, int index, int value, const char16_t* 
     constexpr std::array kTextX = {159, 256, 352};
     constexpr std::array kMarkX = {219, 315, 411};
     constexpr std::array kHitX = {168, 265, 361};
-    const auto at = size_t(index);
+    const auto at = static_cast<std::size_t>(index);
     return choiceIn(line, kTextX[at], 56, kMarkX[at], kHitX[at], value, fixedText(name));
 }
 
@@ -85,7 +85,7 @@ inline constexpr std::array kSpeaker = {
     choiceIn(kSpeakerLine, 455, 56, 511, 464, 4, fixedText(u"4")),
 };
 inline constexpr std::array kClock = {
-    Choice{1, languageText(10), {}, {135, 256, 16, 15}, {133, 256, 20, 19}},
+    Choice{1, languageText(UiText::TimeSetting), {}, {135, 256, 16, 15}, {133, 256, 20, 19}},
 };
 inline constexpr Line kShockLine = {371, 377, 371};
 inline constexpr std::array kShock = {
@@ -133,37 +133,38 @@ inline constexpr std::array kViewerSpeed = {
 
 // In the order in which a click is tested.
 inline constexpr std::array kRows = {
-    OptionRow{languageText(5), labelBox(61), &RowValues::resolutionvalue, kResolution},
+    OptionRow{languageText(UiText::Resolution), labelBox(61), &RowValues::resolutionvalue, kResolution},
     OptionRow{fixedText(u"영상화질"), labelBox(88), &RowValues::qualityvalue, kQuality},
     OptionRow{fixedText(u"녹화화질"), labelBox(114), &RowValues::encodingvalue, kEncoding,
               RowKind::ShownOnly},
-    OptionRow{languageText(7), labelBox(140), &RowValues::framevalue, kFrame},
+    OptionRow{languageText(UiText::VideoFrameRate), labelBox(140), &RowValues::framevalue, kFrame},
     OptionRow{fixedText(u"음성녹음"), labelBox(167), &RowValues::soundvalue, kSound},
     OptionRow{fixedText(u"음성안내 음량"), labelBox(194), &RowValues::speakervalue, kSpeaker},
-    OptionRow{languageText(10), labelBox(253), &RowValues::setsClock, kClock, RowKind::TickBox},
-    OptionRow{languageText(15), labelBox(371), &RowValues::sensitivityvalue, kShock},
+    OptionRow{languageText(UiText::TimeSetting), labelBox(253), &RowValues::setsClock, kClock,
+              RowKind::TickBox},
+    OptionRow{languageText(UiText::ShockSensitivity), labelBox(371), &RowValues::sensitivityvalue, kShock},
     OptionRow{fixedText(u"자동주차모드"), labelBox(398), &RowValues::autoparkingvalue, kAutoParking,
               RowKind::ShownOnly},
-    OptionRow{languageText(17), labelBox(424), &RowValues::parkingvalue, kParking},
-    OptionRow{languageText(16), labelBox(451), &RowValues::motionvalue, kMotion},
-    OptionRow{languageText(20), labelBox(501), &RowValues::speedValue, kSpeed},
+    OptionRow{languageText(UiText::ParkingWatch), labelBox(424), &RowValues::parkingvalue, kParking},
+    OptionRow{languageText(UiText::MotionSensitivity), labelBox(451), &RowValues::motionvalue, kMotion},
+    OptionRow{languageText(UiText::SpeedUnit), labelBox(501), &RowValues::speedValue, kSpeed},
     OptionRow{fixedText(u"고온보호설정"), labelBox(527), &RowValues::tempoffvalue, kHeat, RowKind::ShownOnly},
     OptionRow{fixedText(u"메모리파티션타입"), labelBox(553), &RowValues::partitionvalue, kPartition},
-    OptionRow{languageText(20), labelBox(664), &RowValues::viewerSpeedUnit, kViewerSpeed},
+    OptionRow{languageText(UiText::SpeedUnit), labelBox(664), &RowValues::viewerSpeedUnit, kViewerSpeed},
 };
 
 // The texts beside the rows. Their boxes reach under what stands to their right; their room doesn't.
 inline constexpr std::array kLabels = {
-    PageLabel{languageText(1), {26, 36, 250, kLineHeight}},
-    PageLabel{languageText(2), {24, 221, 250, kLineHeight}},
-    PageLabel{languageText(11), labelBox(286), Qt::AlignLeft, 80},
+    PageLabel{languageText(UiText::VideoAndSound), {26, 36, 250, kLineHeight}},
+    PageLabel{languageText(UiText::Time), {24, 221, 250, kLineHeight}},
+    PageLabel{languageText(UiText::DstSetting), labelBox(286), Qt::AlignLeft, 80},
     PageLabel{fixedText(u"~"), {262, 286, 250, kLineHeight}},
-    PageLabel{languageText(12), labelBox(316), Qt::AlignLeft, 94},
-    PageLabel{languageText(3), {24, 347, 250, kLineHeight}},
-    PageLabel{languageText(19), labelBox(476), Qt::AlignLeft, 96},
+    PageLabel{languageText(UiText::GmtSetting), labelBox(316), Qt::AlignLeft, 94},
+    PageLabel{languageText(UiText::Functions), {24, 347, 250, kLineHeight}},
+    PageLabel{languageText(UiText::BatteryPrevention), labelBox(476), Qt::AlignLeft, 96},
     PageLabel{fixedText(u"시큐리티LED"), labelBox(579), Qt::AlignLeft, 94},
-    PageLabel{languageText(4), {24, 605, 550, kLineHeight}, Qt::AlignLeft, 516},
-    PageLabel{languageText(22), labelBox(636), Qt::AlignLeft, 101},
+    PageLabel{languageText(UiText::Viewer), {24, 605, 550, kLineHeight}, Qt::AlignLeft, 516},
+    PageLabel{languageText(UiText::Language), labelBox(636), Qt::AlignLeft, 101},
     PageLabel{fixedText(u"QL240 Ver 1.02"), {9, 699, 250, kLineHeight}},
     PageLabel{fixedText(u"드라이브"), {102, 12, 56, kLineHeight}, Qt::AlignRight},
     PageLabel{fixedText(u"펌웨어"), {231, 12, 56, kLineHeight}, Qt::AlignRight},

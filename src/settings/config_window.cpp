@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "base/preferences.h"
 #include "platform/host.h"
 #include "settings/config_layout.h"
 #include "settings/dialog_parts.h"
@@ -54,7 +53,7 @@ ConfigWindow::ConfigWindow(QWidget* parent)
                skinPixmap(skinPath(QStringLiteral("check1")))};
 
     m_title = addTitle(this, config::kTitle, QString());
-    setTitle(m_title, uiText(0), config::kTitleRoom);
+    setTitle(m_title, uiText(UiText::Setting), config::kTitleRoom);
     addTopLists();
     addClock();
     addPageButtons();
@@ -76,13 +75,11 @@ ConfigWindow::ConfigWindow(QWidget* parent)
     connect(&m_card, &DialogCard::phaseChanged, this, &ConfigWindow::refresh);
     m_card.waitBriefly();
     setWindowTitle(tr("QL240 Setting"));
-    QString unit;
-    m_values.viewerSpeedUnit = readSpeedUnit(unit) && unit != QLatin1String("km") ? 2 : 1;
-    refresh();
+    setViewerSpeedUnit(storedSpeedUnit());
 }
 
-void ConfigWindow::setViewerSpeedUnit(qint32 unit) {
-    m_values.viewerSpeedUnit = unit;
+void ConfigWindow::setViewerSpeedUnit(SpeedUnit unit) {
+    m_values.viewerSpeedUnit = static_cast<int>(unit);
     refresh();
 }
 
@@ -167,7 +164,7 @@ void ConfigWindow::lockWidgets() {
 
 // A car has one battery system, and a page for each.
 void ConfigWindow::lockPageButtons() {
-    for (size_t i = 0; i < m_pageButtons.size(); ++i) {
+    for (std::size_t i = 0; i < m_pageButtons.size(); ++i) {
         const bool otherCar = (i == 4 && m_battery == u"24V") || (i == 5 && m_battery == u"12V");
         m_pageButtons[i]->setEnabled(m_card.isEditable() && !otherCar);
     }

@@ -9,6 +9,7 @@
 #include <array>
 
 #include "base/background_jobs.h"
+#include "base/preferences.h"
 #include "settings/choice_row.h"
 #include "settings/dialog_card.h"
 #include "widgets/window_helper.h"
@@ -22,16 +23,14 @@ class FlatField;
 class ImageButton;
 class SettingsPage;
 
-enum class SpeedUnit : qint32 { Kmh = 1, Mph = 2 };
-
 class ConfigWindow : public QDialog, private RowOwner {
     Q_OBJECT
 public:
     explicit ConfigWindow(QWidget* parent = nullptr);
 
     // The viewer's own speed unit: set before the dialog runs, read after it was accepted.
-    qint32 viewerSpeedUnit() const { return m_values.viewerSpeedUnit; }
-    void setViewerSpeedUnit(qint32 unit);
+    SpeedUnit viewerSpeedUnit() const { return static_cast<SpeedUnit>(m_values.viewerSpeedUnit); }
+    void setViewerSpeedUnit(SpeedUnit unit);
 
     const RowValues& values() const { return m_values; }
     const DialogCard& card() const { return m_card; }

@@ -7,6 +7,7 @@
 
 #include "base/preferences.h"
 #include "platform/host.h"
+#include "platform/waits.h"
 #include "settings/card.h"
 #include "settings/config_layout.h"
 #include "settings/config_window.h"
@@ -15,11 +16,6 @@
 #include "widgets/plain_text.h"
 
 namespace ql240 {
-namespace {
-
-constexpr std::chrono::milliseconds kBlink(80);
-
-} // namespace
 
 void ConfigWindow::fillDrives() {
     const QSignalBlocker quiet(m_drives);
@@ -90,21 +86,21 @@ bool ConfigWindow::apply() {
 }
 
 void ConfigWindow::applyPreferences() {
-    constexpr std::array kCodes = {"kr", "en", "ru", "ch", "es"};
-    const int index = m_languages->currentIndex();
-    const auto code = QString::fromLatin1(index < 0 ? "en" : kCodes[size_t(index)]);
+    const QString chosen = m_languages->currentData().toString();
+    const QString code = chosen.isEmpty() ? kUsualLanguage : chosen;
     setCurrentLanguage(code);
     writeLanguage(code);
-    writeSpeedUnit(m_values.viewerSpeedUnit == 1 ? QStringLiteral("km") : QStringLiteral("mph"));
+    storeSpeedUnit(viewerSpeedUnit());
 }
 
 void ConfigWindow::retranslate() {
-    setTitle(m_title, uiText(0), config::kTitleRoom);
-    m_ok->setText(uiText(23));
-    m_cancel->setText(uiText(24));
-    m_getTime->setText(uiText(13));
-    for (int i = 0; i < m_languages->count(); ++i)
-        m_languages->setItemText(i, uiText(39 + i));
+    setTitle(m_title, uiText(UiText::Setting), config::kTitleRoom);
+    m_ok->setText(uiText(UiText::Ok));
+    m_cancel->setText(uiText(UiText::Cancel));
+    m_getTime->setText(uiText(UiText::GetCurrentTime));
+    int index = 0;
+    for (const InterfaceLanguage& each : interfaceLanguages())
+        m_languages->setItemText(index++, uiText(each.name));
     nameForScreenReaders();
     update();
 }
@@ -113,7 +109,7 @@ void ConfigWindow::OnSlotsEditor() {
     const auto card = std::make_shared<QString>();
     m_copies.start([card, drives = host().drives] { *card = findCardDrive(drives); },
                    [this, card] { loadScreenSaver(*card); });
-    m_copies.wait(kBlink);
+    m_copies.wait(waits::kCardAnswer);
 }
 
 void ConfigWindow::loadScreenSaver(const QString& card) {

@@ -31,7 +31,7 @@ QLabel* labelOf(const QComboBox* list) {
 }
 
 ImagePaths withDisabled(ImagePaths images, const QString& name) {
-    images[size_t(ImageSlot::Disabled)] = skinPath(name);
+    images[static_cast<std::size_t>(ImageSlot::Disabled)] = skinPath(name);
     return images;
 }
 
@@ -53,7 +53,7 @@ void ConfigWindow::addClock() {
         field->setColours(kFaintText, Qt::white);
         field->setEnabled(false);
     }
-    m_getTime = addTextButton(this, "get_time_", config::kGetTime, uiText(13));
+    m_getTime = addTextButton(this, "get_time_", config::kGetTime, uiText(UiText::GetCurrentTime));
     connect(m_getTime, &QToolButton::clicked, this, &ConfigWindow::OnSlotsGetTime);
 }
 
@@ -70,7 +70,7 @@ void ConfigWindow::addPageButtons() {
                                             &ConfigWindow::OnSlotsBtn2, &ConfigWindow::OnSlotsBtn3,
                                             &ConfigWindow::OnSlotsBtn4, &ConfigWindow::OnSlotsBtn5,
                                             &ConfigWindow::OnSlotsBtn6};
-    for (size_t i = 0; i < kSlots.size(); ++i) {
+    for (std::size_t i = 0; i < kSlots.size(); ++i) {
         const config::PageButton& each = config::kPageButtons[i];
         m_pageButtons[i] = addTextButton(this, each.images, each.place, QString::fromUtf16(each.text));
         connect(m_pageButtons[i], &QToolButton::clicked, this, kSlots[i]);
@@ -87,14 +87,14 @@ void ConfigWindow::addOtherButtons() {
     connect(m_zone, &QToolButton::clicked, this, &ConfigWindow::OnSlotsGmt);
     m_screenSaver = new IconToolButton(this, images);
     m_screenSaver->setGeometry(config::kScreenSaver);
-    m_screenSaver->setText(uiText(38));
+    m_screenSaver->setText(uiText(UiText::Editor));
     m_screenSaver->setEnabled(false);
     m_screenSaver->hide();
     connect(m_screenSaver, &QToolButton::clicked, this, &ConfigWindow::OnSlotsEditor);
 
-    m_ok = addTextButton(this, "OK", config::kOk, uiText(23));
+    m_ok = addTextButton(this, "OK", config::kOk, uiText(UiText::Ok));
     connect(m_ok, &QToolButton::clicked, this, &ConfigWindow::OnSlotsOK);
-    m_cancel = addTextButton(this, "cancel", config::kCancel, uiText(24));
+    m_cancel = addTextButton(this, "cancel", config::kCancel, uiText(UiText::Cancel));
     connect(m_cancel, &QToolButton::clicked, this, &ConfigWindow::OnSlotsCancel);
     m_close = addCloseButton(this, config::kClose);
     connect(m_close, &QToolButton::clicked, this, &ConfigWindow::OnSlotsExit);
@@ -102,13 +102,12 @@ void ConfigWindow::addOtherButtons() {
 
 void ConfigWindow::addLanguageList() {
     m_languages = addList(this, config::kLanguageList, 10);
-    for (int id = 39; id <= 43; ++id)
-        m_languages->addItem(uiText(id));
+    for (const InterfaceLanguage& each : interfaceLanguages())
+        m_languages->addItem(uiText(each.name), QLatin1String(each.code));
     QString code;
     readLanguage(code);
-    const QStringList codes = {QStringLiteral("kr"), QStringLiteral("en"), QStringLiteral("ru"),
-                               QStringLiteral("ch"), QStringLiteral("es")};
-    m_languages->setCurrentIndex(codes.contains(code) ? int(codes.indexOf(code)) : 1);
+    const int known = m_languages->findData(code);
+    m_languages->setCurrentIndex(known >= 0 ? known : m_languages->findData(kUsualLanguage));
 }
 
 // Widgets without a text of their own are called by the painted text beside them.
@@ -116,11 +115,11 @@ void ConfigWindow::nameForScreenReaders() {
     labelOf(m_drives)->setText(QStringLiteral("드라이브"));
     labelOf(m_firmware)->setText(QStringLiteral("펌웨어"));
     labelOf(m_micom)->setText(QStringLiteral("마이콤"));
-    labelOf(m_languages)->setText(uiText(22));
-    m_clock->setAccessibleName(uiText(10));
+    labelOf(m_languages)->setText(uiText(UiText::Language));
+    m_clock->setAccessibleName(uiText(UiText::TimeSetting));
     for (FlatField* field : m_dst)
-        field->setAccessibleName(uiText(11));
-    m_zone->setAccessibleDescription(uiText(12));
+        field->setAccessibleName(uiText(UiText::DstSetting));
+    m_zone->setAccessibleDescription(uiText(UiText::GmtSetting));
 }
 
 } // namespace ql240

@@ -2,8 +2,10 @@
 
 #include <QDateTime>
 #include <QFile>
+#include <algorithm>
 
 #include "platform/limits.h"
+#include "platform/logging.h"
 #include "settings/card_folder.h"
 #include "settings/setting_text.h"
 
@@ -19,8 +21,8 @@ bool readByte(CardFolder& folder, const SettingKey& key, SettingValues& values) 
     CardFile file = folder.openForReading(byteFileName(key));
     char byte = 0;
     if (file.isOpen() && file.read(&byte, 1) == 1)
-        values.*key.value =
-            key.files & kByteUnsigned ? int(uchar(byte)) : int(static_cast<signed char>(byte));
+        values.*key.value = key.files & kByteUnsigned ? static_cast<int>(static_cast<unsigned char>(byte))
+                                                      : static_cast<int>(static_cast<signed char>(byte));
     return file.isOpen();
 }
 
@@ -33,11 +35,13 @@ bool writeFile(CardFolder& folder, const QByteArray& name, const QByteArray& byt
         return folder.replace(name, replace);
     const QByteArray spelled = existing.value_or(name);
     CardFile file = folder.openForWriting(spelled);
-    if (!file.isOpen())
+    if (!file.isOpen()) {
+        folder.report(spelled, false);
         return false;
+    }
     if (bytes.size() > 1 && file.size() != bytes.size())
         return folder.replace(spelled, replace);
-    file.replaceBy(bytes);
+    folder.report(spelled, file.replaceBy(bytes));
     folder.removeRest(name);
     return true;
 }
@@ -45,7 +49,7 @@ bool writeFile(CardFolder& folder, const QByteArray& name, const QByteArray& byt
 std::shared_ptr<CardFolder> driveOf(const QByteArray& folder, CardFiles& files) {
     if (folder.isEmpty())
         return nullptr;
-    return std::make_shared<CardFolder>(files, folder.left(qMax<qsizetype>(1, folder.lastIndexOf('/'))));
+    return std::make_shared<CardFolder>(files, folder.left(std::max<qsizetype>(1, folder.lastIndexOf('/'))));
 }
 
 } // namespace
@@ -130,13 +134,18 @@ bool DeviceSettings::save() {
     if (!m_drive)
         return false;
     CardFolder folder = madeFolder();
-    if (!folder.isOpen())
+    if (!folder.isOpen()) {
+        qCWarning(lcCard) << "no settings folder at" << QFile::decodeName(folder.path());
         return false;
+    }
     const SettingValues fixed;
     for (const SettingKey& key : kSettingKeys) {
         const SettingValues& source = key.files & kByteRead ? *this : fixed;
-        if (key.files & kByteWritten)
-            writeFile(folder, byteFileName(key), QByteArray(1, char(uchar(source.*key.value))));
+        if (!(key.files & kByteWritten))
+            continue;
+        qCDebug(lcCard) << key.name << "is" << source.*key.value;
+        writeFile(folder, byteFileName(key),
+                  QByteArray(1, static_cast<char>(static_cast<unsigned char>(source.*key.value))));
     }
     const bool clockOpened = m_setsClock && writeFile(folder, "settime.dat", m_clockText.toLocal8Bit());
     folder.sync();

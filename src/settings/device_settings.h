@@ -32,7 +32,7 @@ public:
     // Writes the byte files and, if the clock is to be set, "settime.dat". Each file on the card is either as
     // it was or new at every moment; one that can't be written is left out. The result says whether
     // "settime.dat" opened.
-    bool save();
+    [[nodiscard]] bool save();
 
     bool setsClock() const { return m_setsClock; }
     const QString& clockText() const { return m_clockText; } // "yyyy-MM-dd-hh-mm-ss"

@@ -9,15 +9,13 @@
 #include <utility>
 #include <vector>
 
+#include "platform/waits.h"
 #include "settings/card.h"
 
 namespace ql240 {
 namespace {
 
 using Phase = DialogCard::Phase;
-
-constexpr std::chrono::milliseconds kBlink(80);
-constexpr std::chrono::seconds kReadLimit(2); // when a drive counts as one that doesn't answer
 
 bool mayFollow(Phase from, Phase to) {
     switch (to) {
@@ -131,7 +129,7 @@ void DialogCard::keepDrives(const QList<DriveInfo>& drives) {
 void DialogCard::read(const QList<int>& indices) {
     enter(Phase::Reading);
     m_answers.clear();
-    m_patience.start(kReadLimit);
+    m_patience.start(waits::kSilentDrive);
     for (const int index : indices) {
         m_answers[index] = std::nullopt;
         const auto contents = std::make_shared<CardContents>();
@@ -159,16 +157,16 @@ void DialogCard::pick(int index) {
 }
 
 bool DialogCard::waitBriefly() {
-    return m_reading.wait(kBlink);
+    return m_reading.wait(waits::kCardAnswer);
 }
 
-void DialogCard::keepContents(int index, const CardContents& contents) {
-    m_answers[index] = contents;
-    const std::optional<int> card = decided();
-    if (!card && m_phase != Phase::NoAnswer)
+void DialogCard::keepContents(int drive, const CardContents& contents) {
+    m_answers[drive] = contents;
+    const auto [index, isCertain] = card();
+    if (!isCertain && m_phase != Phase::NoAnswer)
         return;
-    m_current = card.value_or(likely());
-    if (card) {
+    m_current = index;
+    if (isCertain) {
         m_patience.stop();
         enter(Phase::Shown);
     }
@@ -177,30 +175,21 @@ void DialogCard::keepContents(int index, const CardContents& contents) {
 }
 
 void DialogCard::losePatience() {
-    m_current = likely();
+    m_current = card().index;
     enter(Phase::NoAnswer);
     Q_EMIT loaded();
     Q_EMIT phaseChanged();
 }
 
-// The last drive with a version file is the card, the first drive if none has one. Nothing while a drive that
-// could still change this hasn't answered.
-std::optional<int> DialogCard::decided() const {
+// The last drive with a version file, the first drive if none has one.
+DialogCard::Choice DialogCard::card() const {
+    bool isCertain = true;
     for (auto answer = m_answers.rbegin(); answer != m_answers.rend(); ++answer) {
-        if (!answer->second)
-            return std::nullopt;
-        if (answer->second->versionText)
-            return answer->first;
+        if (answer->second && answer->second->versionText)
+            return {answer->first, isCertain};
+        isCertain = isCertain && answer->second;
     }
-    return m_answers.begin()->first;
-}
-
-// As far as is known by now.
-int DialogCard::likely() const {
-    const auto card = std::find_if(m_answers.rbegin(), m_answers.rend(), [](const auto& answer) {
-        return answer.second && answer.second->versionText;
-    });
-    return card == m_answers.rend() ? m_answers.begin()->first : card->first;
+    return {m_answers.begin()->first, isCertain};
 }
 
 bool DialogCard::settle() {
@@ -226,7 +215,7 @@ bool DialogCard::save(const SettingValues& values, const std::optional<QString>&
             enter(Phase::Shown);
             Q_EMIT phaseChanged();
         });
-    m_writing.wait(kBlink);
+    m_writing.wait(waits::kCardAnswer);
     return m_phase == Phase::Shown || await();
 }
 

@@ -70,10 +70,10 @@ public:
 
     // Waits until there is a drive to save to, or none at all; begins no wait for one that is known not to
     // answer. False if `leave` came first.
-    bool settle();
+    [[nodiscard]] bool settle();
     // Saves to the drive shown, if any; false if `leave` came before the end. Writing goes on all the same:
     // half a save helps nobody.
-    bool save(const SettingValues& values, const std::optional<QString>& clockText);
+    [[nodiscard]] bool save(const SettingValues& values, const std::optional<QString>& clockText);
     // Ends `settle` and `save`.
     void leave();
 
@@ -89,10 +89,14 @@ private:
     void enter(Phase next);
     void keepDrives(const QList<DriveInfo>& drives);
     void read(const QList<int>& indices);
-    void keepContents(int index, const CardContents& contents);
+    void keepContents(int drive, const CardContents& contents);
     void losePatience();
-    std::optional<int> decided() const;
-    int likely() const;
+    // The drive that counts as the card, as far as is known by now; `isCertain` if no answer can change it.
+    struct Choice {
+        int index;
+        bool isCertain;
+    };
+    Choice card() const;
     bool await();
 
     Drives* m_drives;

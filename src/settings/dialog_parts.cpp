@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QScreen>
+#include <algorithm>
 
 #include "settings/option_rows.h"
 #include "widgets/fonts.h"
@@ -69,8 +70,8 @@ void centreOverParent(QWidget* window) {
     QRect place(QPoint(), window->size());
     place.moveCenter(below->geometry().center());
     const QRect screen = below->screen()->availableGeometry();
-    place.moveLeft(qMax(screen.left(), qMin(place.left(), screen.right() + 1 - place.width())));
-    place.moveTop(qMax(screen.top(), qMin(place.top(), screen.bottom() + 1 - place.height())));
+    place.moveLeft(std::max(screen.left(), std::min(place.left(), screen.right() + 1 - place.width())));
+    place.moveTop(std::max(screen.top(), std::min(place.top(), screen.bottom() + 1 - place.height())));
     window->move(place.topLeft());
 }
 

@@ -2,6 +2,7 @@
 
 #include <QFontMetrics>
 #include <QPainter>
+#include <algorithm>
 
 #include "widgets/fonts.h"
 
@@ -17,7 +18,7 @@ bool surelyFits(const QFont& font, const QString& text, int width) {
 }
 
 void paintText(QPainter& painter, const QRect& box, Qt::Alignment align, const QString& text, int width) {
-    const int flags = int(align | Qt::AlignVCenter) | Qt::TextDontClip;
+    const int flags = static_cast<int>(align | Qt::AlignVCenter) | Qt::TextDontClip;
     const QFont usual = painter.font();
     if (surelyFits(usual, text, width)) {
         painter.drawText(box, flags, text);
@@ -34,7 +35,7 @@ int widthToChoices(const OptionRow& row) {
     for (const Choice& choice : row.choices) {
         const QRect place = choice.text | choice.mark;
         if (place.left() > row.nameBox.left())
-            right = qMin(right, place.left());
+            right = std::min(right, place.left());
     }
     return right - row.nameBox.left();
 }
@@ -47,7 +48,7 @@ QFont fittingFont(QFont font, const QString& text, int width) {
         return font;
     // Straight to the size that should do: each size tried has its font loaded.
     const int smallest = fontPixels(kSmallestPoints);
-    int size = qMax(smallest, font.pixelSize() * width / needed);
+    int size = std::max(smallest, font.pixelSize() * width / needed);
     font.setPixelSize(size);
     while (size > smallest && QFontMetrics(font).horizontalAdvance(text) > width)
         font.setPixelSize(--size);
@@ -81,7 +82,7 @@ QRect boundsOf(const OptionRow& row) {
     QRect name = row.nameBox;
     // A name beside its choices ends with them; its box may reach under other widgets.
     if (choices.right() > name.left() && choices.top() < name.bottom() && choices.bottom() > name.top())
-        name.setRight(qMin(name.right(), choices.right()));
+        name.setRight(std::min(name.right(), choices.right()));
     return name | choices;
 }
 
@@ -94,7 +95,7 @@ int roomForName(const OptionRow& row, const QFontMetrics& metrics) {
         const int text = choice.text.right() + 1 - metrics.horizontalAdvance(choice.name.text());
         const int left = choice.text.isNull() ? choice.mark.left() : text;
         if (left > row.nameBox.left())
-            right = qMin(right, left - kGap);
+            right = std::min(right, left - kGap);
     }
     return right - row.nameBox.left();
 }

@@ -18,7 +18,7 @@ namespace ql240 {
 
 // What the rows show: the camera's settings, and what the dialog alone holds.
 struct RowValues : SettingValues {
-    int viewerSpeedUnit = 1; // 1 km/h, 2 mph
+    int viewerSpeedUnit = 1; // a SpeedUnit
     int setsClock = 0;       // 1: the camera's clock is to be set
 
     bool operator==(const RowValues&) const = default;

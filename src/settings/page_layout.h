@@ -40,12 +40,12 @@ constexpr Choice onScale(const Scale& scale, int x, int value, const char16_t* n
             {x + scale.hit.x(), hitY, scale.hit.width(), scale.hit.height()}};
 }
 
-template <size_t count>
+template <std::size_t count>
 constexpr std::array<Choice, count> choicesOn(const Scale& scale, const std::array<int, count>& xs,
                                               const std::array<int, count>& values,
                                               const std::array<const char16_t*, count>& names) {
     std::array<Choice, count> choices = {};
-    for (size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < count; ++i)
         choices[i] = onScale(scale, xs[i], values[i], names[i]);
     return choices;
 }
@@ -55,10 +55,10 @@ inline constexpr QRect kHitBattery(-10, 65, 20, 40);
 inline constexpr std::array kOneToTen = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
 inline constexpr std::array kOneToTenNames = {u"1", u"2", u"3", u"4", u"5", u"6", u"7", u"8", u"9", u"10"};
 
-template <size_t count>
+template <std::size_t count>
 constexpr std::array<Choice, count> numbered(const Scale& scale, const std::array<int, count>& xs) {
     std::array<Choice, count> choices = {};
-    for (size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < count; ++i)
         choices[i] = onScale(scale, xs[i], kOneToTen[i], kOneToTenNames[i]);
     return choices;
 }

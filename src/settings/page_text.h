@@ -9,17 +9,17 @@
 namespace ql240 {
 
 struct PageText {
-    const char16_t* words = nullptr;
-    int id = -1;
+    const char16_t* words = u""; // null: the table's entry
+    UiText entry = {};
 
-    QString text() const { return words ? QString::fromUtf16(words) : uiText(id); }
+    QString text() const { return words ? QString::fromUtf16(words) : uiText(entry); }
 };
 
 constexpr PageText fixedText(const char16_t* words) {
-    return {words, -1};
+    return {words, {}};
 }
-constexpr PageText languageText(int id) {
-    return {nullptr, id};
+constexpr PageText languageText(UiText entry) {
+    return {nullptr, entry};
 }
 
 } // namespace ql240

@@ -1,5 +1,6 @@
 #include "settings/setting_text.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 
@@ -12,7 +13,7 @@ bool isSpace(char byte) {
 }
 
 char lowered(char byte) {
-    return byte >= 'A' && byte <= 'Z' ? char(byte + ('a' - 'A')) : byte;
+    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte;
 }
 
 } // namespace
@@ -39,14 +40,14 @@ void DecimalReader::feed(char byte) {
             return;
     }
     if (digit && m_phase == Phase::Digits)
-        m_magnitude = qMin(m_magnitude * 10 + (byte - '0'), qint64(1) << 40);
+        m_magnitude = std::min(m_magnitude * 10 + (byte - '0'), static_cast<std::int64_t>(1) << 40);
 }
 
 int DecimalReader::value() const {
-    const qint64 value = m_negative ? -m_magnitude : m_magnitude;
+    const std::int64_t value = m_negative ? -m_magnitude : m_magnitude;
     const bool complete = m_phase == Phase::Digits || m_phase == Phase::After;
     const bool fits = value >= std::numeric_limits<int>::min() && value <= std::numeric_limits<int>::max();
-    return complete && fits ? int(value) : 0;
+    return complete && fits ? static_cast<int>(value) : 0;
 }
 
 void SettingTextReader::feed(QByteArrayView bytes) {
@@ -54,7 +55,7 @@ void SettingTextReader::feed(QByteArrayView bytes) {
     const char* const end = at + bytes.size();
     while (at < end) {
         if (m_part == Part::Nothing) {
-            at = static_cast<const char*>(std::memchr(at, '\n', size_t(end - at)));
+            at = static_cast<const char*>(std::memchr(at, '\n', static_cast<std::size_t>(end - at)));
             if (!at)
                 return;
         }
@@ -73,9 +74,9 @@ void SettingTextReader::feedKey(char byte) {
         m_part = m_headLength > 0 && mayMatch() ? Part::Value : Part::Nothing;
         return;
     }
-    if (m_headLength < qsizetype(m_head.size())) {
-        m_head[size_t(m_headLength++)] = lowered(byte);
-        if (m_headLength == qsizetype(m_head.size()) && !mayMatch())
+    if (m_headLength < static_cast<qsizetype>(m_head.size())) {
+        m_head[static_cast<std::size_t>(m_headLength++)] = lowered(byte);
+        if (m_headLength == static_cast<qsizetype>(m_head.size()) && !mayMatch())
             m_part = Part::Nothing;
     }
 }
@@ -95,7 +96,7 @@ void SettingTextReader::endLine() {
 // A prefix test: the line of "sensitivityvalue1" is one of "sensitivityvalue" too.
 bool SettingTextReader::lineBeginsWith(const char* key) const {
     qsizetype at = 0;
-    while (key[at] != '\0' && at < m_headLength && m_head[size_t(at)] == lowered(key[at]))
+    while (key[at] != '\0' && at < m_headLength && m_head[static_cast<std::size_t>(at)] == lowered(key[at]))
         ++at;
     return key[at] == '\0';
 }

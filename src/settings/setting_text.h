@@ -4,6 +4,7 @@
 
 #include <QByteArrayView>
 #include <array>
+#include <cstdint>
 
 #include "settings/setting_values.h"
 
@@ -20,7 +21,7 @@ private:
     enum class Phase { Before, Sign, Digits, After, Bad };
     Phase m_phase = Phase::Before;
     bool m_negative = false;
-    qint64 m_magnitude = 0;
+    std::int64_t m_magnitude = 0;
 };
 
 class SettingTextReader {

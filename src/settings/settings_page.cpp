@@ -1,6 +1,5 @@
 #include "settings/settings_page.h"
 
-#include <QKeyEvent>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPainter>
@@ -12,16 +11,16 @@
 namespace ql240 {
 
 SettingsPage::SettingsPage(QWidget* parent, const pages::PageLayout& layout)
-    : QDialog(parent, Qt::FramelessWindowHint),
-      m_layout(layout),
-      m_background(skinPixmap(skinPath(QLatin1String(layout.background)))) {
+    : ConfirmedDialog(parent, QLatin1String(layout.background)), m_layout(layout) {
     m_marks.chosen = skinPixmap(skinPath(QStringLiteral("check")));
     setFont(uiFont(8));
     resize(layout.size);
     centreOverParent(this);
     setWindowTitle(QString::fromUtf16(layout.title));
     addTitle(this, layout.titleBox, windowTitle());
-    addButtons();
+    ImageButton* cancel = addButtons(layout.ok, layout.cancel, layout.close);
+    if (layout.enterCancels)
+        cancel->setFocus();
     m_rows = addChoiceRows(this, *this, layout.rows);
     setTabOrderByPlace(this);
     // Opened by a key, the page shows at once where the next key goes.
@@ -29,17 +28,6 @@ SettingsPage::SettingsPage(QWidget* parent, const pages::PageLayout& layout)
                  parent && parent->window()->testAttribute(Qt::WA_KeyboardFocusChange));
     if (!m_rows.isEmpty())
         m_rows.first()->setFocus();
-}
-
-void SettingsPage::addButtons() {
-    ImageButton* ok = addTextButton(this, "OK", m_layout.ok, uiText(23));
-    connect(ok, &QToolButton::clicked, this, &SettingsPage::OnSlotsOK);
-    ImageButton* cancel = addTextButton(this, "cancel", m_layout.cancel, uiText(24));
-    connect(cancel, &QToolButton::clicked, this, &SettingsPage::OnSlotsCancel);
-    if (m_layout.enterCancels)
-        cancel->setFocus();
-    ImageButton* close = addCloseButton(this, m_layout.close);
-    connect(close, &QToolButton::clicked, this, &SettingsPage::OnSlotsCancel);
 }
 
 void SettingsPage::setValues(const RowValues& values) {
@@ -58,29 +46,15 @@ void SettingsPage::refresh() {
     update();
 }
 
-void SettingsPage::OnSlotsOK() {
-    m_confirmed = true;
-    accept();
-}
-
-void SettingsPage::OnSlotsCancel() {
-    m_confirmed = false;
-    reject();
-}
-
-void SettingsPage::OnSlotsApply() {
-    m_confirmed = true;
-}
-
 void SettingsPage::choose(const OptionRow& row, int value) {
     m_values.*row.value = value;
     refresh();
 }
 
-void SettingsPage::paintEvent(QPaintEvent*) {
+void SettingsPage::paintEvent(QPaintEvent* event) {
+    ConfirmedDialog::paintEvent(event);
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawPixmap(QRect(QPoint(), m_layout.size), m_background);
     painter.setFont(uiFont(8));
     painter.setPen(kPageText);
     paintLabels(painter, m_layout.labels);
@@ -98,18 +72,11 @@ void SettingsPage::mouseReleaseEvent(QMouseEvent* event) {
     refresh();
 }
 
-void SettingsPage::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape)
+void SettingsPage::enter() {
+    if (m_layout.enterCancels)
         OnSlotsCancel();
-    else if (!isEnter(event))
-        QDialog::keyPressEvent(event);
-    else if (!clickFocusedButton(this))
-        return m_layout.enterCancels ? OnSlotsCancel() : OnSlotsOK();
-}
-
-void SettingsPage::closeEvent(QCloseEvent* event) {
-    m_confirmed = false;
-    QDialog::closeEvent(event);
+    else
+        OnSlotsOK();
 }
 
 } // namespace ql240

@@ -1,51 +1,39 @@
-// A small modal page over the settings dialog: rows of painted marks on a background, OK, Cancel and close.
+// A small modal page over the settings dialog: rows of painted marks.
 // It edits its own copy of the values and never touches the card; the dialog hands values in before it runs
 // and takes them back if it was confirmed. Interface thread only.
 #pragma once
 
-#include <QDialog>
-#include <QPixmap>
-
 #include "settings/choice_row.h"
+#include "settings/confirmed_dialog.h"
 #include "settings/page_layout.h"
 
 namespace ql240 {
 
-class SettingsPage : public QDialog, private RowOwner {
+class SettingsPage : public ConfirmedDialog, private RowOwner {
     Q_OBJECT
 public:
-    bool isConfirmed() const { return m_confirmed; }
     const RowValues& values() const { return m_values; }
     void setValues(const RowValues& values);
     // Sets what this page edits, and nothing else.
     void handBack(RowValues& values) const;
-
-public Q_SLOTS:
-    void OnSlotsOK();
-    void OnSlotsCancel();
-    void OnSlotsApply();
 
 protected:
     SettingsPage(QWidget* parent, const pages::PageLayout& layout);
 
     void paintEvent(QPaintEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
-    void closeEvent(QCloseEvent* event) override;
+    void enter() override;
 
 private:
     const RowValues& rowValues() const override { return m_values; }
     bool isOperable(const OptionRow&) const override { return true; }
     void choose(const OptionRow& row, int value) override;
-    void addButtons();
     void refresh();
 
     const pages::PageLayout& m_layout;
-    QPixmap m_background;
     MarkImages m_marks;
     RowValues m_values;
     QList<ChoiceRow*> m_rows;
-    bool m_confirmed = false;
 };
 
 } // namespace ql240

@@ -149,7 +149,8 @@ inline constexpr std::array<HourBar, 25> kHourBars = {{
 // The bar whose group holds `row` (from 1): the last that doesn't begin behind it.
 constexpr int barOfRow(int row) {
     int bar = 0;
-    while (bar + 1 < int(kHourBars.size()) && kHourBars[size_t(bar + 1)].firstRow <= row)
+    while (bar + 1 < static_cast<int>(kHourBars.size()) &&
+           kHourBars[static_cast<std::size_t>(bar + 1)].firstRow <= row)
         ++bar;
     return bar;
 }

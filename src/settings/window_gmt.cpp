@@ -1,8 +1,7 @@
 #include "settings/window_gmt.h"
 
-#include <QKeyEvent>
 #include <QLabel>
-#include <QPainter>
+#include <algorithm>
 
 #include "base/language.h"
 #include "settings/choice_row.h"
@@ -11,7 +10,6 @@
 #include "settings/option_rows.h"
 #include "settings/time_zones.h"
 #include "widgets/fonts.h"
-#include "widgets/skin.h"
 
 namespace ql240 {
 namespace {
@@ -24,15 +22,16 @@ constexpr int kFirstBar = 21; // +9, the camera's home
 
 } // namespace
 
-WindowGMT::WindowGMT(QWidget* parent)
-    : QDialog(parent, Qt::FramelessWindowHint), m_background(skinPixmap(skinPath(QStringLiteral("gmt_bg")))) {
+WindowGMT::WindowGMT(QWidget* parent) : ConfirmedDialog(parent, QStringLiteral("gmt_bg")) {
     setFont(uiFont(9));
     useDialogColours(this);
     setAutoFillBackground(true);
     setFixedSize(kSize);
     centreOverParent(this);
     addTitle(this, {60, 5, 250, 24}, QStringLiteral("GMT Seting"));
-    addButtons();
+    addButtons({415, 329, 61, 28}, {480, 329, 61, 28}, {597, 8, 21, 19});
+    ImageButton* apply = addTextButton(this, "apply", {545, 329, 61, 28}, uiText(UiText::Apply));
+    connect(apply, &QToolButton::clicked, this, &WindowGMT::OnSlotsApply);
     addBars();
     addZoneList();
     selectBar(kFirstBar);
@@ -40,22 +39,11 @@ WindowGMT::WindowGMT(QWidget* parent)
     m_zones->setFocus();
 }
 
-void WindowGMT::addButtons() {
-    ImageButton* ok = addTextButton(this, "OK", {415, 329, 61, 28}, uiText(23));
-    connect(ok, &QToolButton::clicked, this, &WindowGMT::OnSlotsOK);
-    ImageButton* cancel = addTextButton(this, "cancel", {480, 329, 61, 28}, uiText(24));
-    connect(cancel, &QToolButton::clicked, this, &WindowGMT::OnSlotsCancel);
-    ImageButton* apply = addTextButton(this, "apply", {545, 329, 61, 28}, uiText(25));
-    connect(apply, &QToolButton::clicked, this, &WindowGMT::OnSlotsApply);
-    ImageButton* close = addCloseButton(this, {597, 8, 21, 19});
-    connect(close, &QToolButton::clicked, this, &WindowGMT::OnSlotsCancel);
-}
-
 void WindowGMT::addBars() {
     QFont font = uiFont(9); // the same for all bars: as small as the narrowest needs it
     for (const HourBar& bar : kHourBars)
         font = fittingFont(font, QLatin1String(bar.text), bar.width - kLabelGap);
-    for (size_t k = 0; k < kHourBars.size(); ++k) {
+    for (std::size_t k = 0; k < kHourBars.size(); ++k) {
         const HourBar& bar = kHourBars[k];
         m_bars[k] = new IconToolButtonA(this, QLatin1String(bar.text));
         m_bars[k]->setFont(font);
@@ -67,8 +55,8 @@ void WindowGMT::addBars() {
 
 void WindowGMT::addZoneList() {
     m_zones = new FlatList(this, {29, 336, 373, 16}, 10);
-    m_zones->setAccessibleName(uiText(12));
-    setAccessibleName(uiText(12)); // the window has no title
+    m_zones->setAccessibleName(uiText(UiText::GmtSetting));
+    setAccessibleName(uiText(UiText::GmtSetting)); // the window has no title
     for (const TimeZone& zone : kTimeZones)
         m_zones->addItem(QLatin1String(zone.name), QLatin1String(zone.code));
     connect(m_zones, &QComboBox::textActivated, this, &WindowGMT::OnSlotsGMT);
@@ -95,20 +83,6 @@ int WindowGMT::selectedBias() const {
     return 0;
 }
 
-void WindowGMT::OnSlotsOK() {
-    m_confirmed = true;
-    accept();
-}
-
-void WindowGMT::OnSlotsCancel() {
-    m_confirmed = false;
-    reject();
-}
-
-void WindowGMT::OnSlotsApply() {
-    m_confirmed = true;
-}
-
 void WindowGMT::OnSlotsButton() {
     selectBar(sender()->objectName().toInt());
 }
@@ -118,8 +92,8 @@ void WindowGMT::OnSlotsGMT(QString) {
 }
 
 void WindowGMT::markBar(int bar) {
-    for (size_t k = 0; k < m_bars.size(); ++k)
-        m_bars[k]->setEnabled(int(k) != bar);
+    for (std::size_t k = 0; k < m_bars.size(); ++k)
+        m_bars[k]->setEnabled(static_cast<int>(k) != bar);
 }
 
 void WindowGMT::markBarOfZone() {
@@ -127,32 +101,12 @@ void WindowGMT::markBarOfZone() {
 }
 
 void WindowGMT::selectBar(int bar) {
-    const int known = qMin(bar, int(kHourBars.size()) - 1);
+    const int known = std::min(bar, static_cast<int>(kHourBars.size()) - 1);
     // A disabled button can't keep the keyboard.
-    if (m_bars[size_t(known)]->hasFocus())
+    if (m_bars[static_cast<std::size_t>(known)]->hasFocus())
         m_zones->setFocus();
     markBar(known);
-    m_zones->setCurrentIndex(kHourBars[size_t(known)].firstRow - 1);
-}
-
-void WindowGMT::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawPixmap(rect(), m_background);
-}
-
-void WindowGMT::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape)
-        OnSlotsCancel();
-    else if (!isEnter(event))
-        QDialog::keyPressEvent(event);
-    else if (!clickFocusedButton(this))
-        OnSlotsOK();
-}
-
-void WindowGMT::closeEvent(QCloseEvent* event) {
-    m_confirmed = false;
-    QDialog::closeEvent(event);
+    m_zones->setCurrentIndex(kHourBars[static_cast<std::size_t>(known)].firstRow - 1);
 }
 
 } // namespace ql240

@@ -1,9 +1,9 @@
 // Choice of a time zone, by the bar of a whole hour or from the list of named zones. Interface thread only.
 #pragma once
 
-#include <QDialog>
-#include <QPixmap>
 #include <array>
+
+#include "settings/confirmed_dialog.h"
 
 class QComboBox;
 
@@ -11,12 +11,11 @@ namespace ql240 {
 
 class IconToolButtonA;
 
-class WindowGMT : public QDialog {
+class WindowGMT : public ConfirmedDialog {
     Q_OBJECT
 public:
     explicit WindowGMT(QWidget* parent);
 
-    bool isConfirmed() const { return m_confirmed; }
     // Makes the zone of that code current and marks its bar; an unknown code leaves the zone as it is.
     // Nothing happens if both texts are empty.
     void preselect(const QString& code, const QString& other);
@@ -24,19 +23,10 @@ public:
     int selectedBias() const;
 
 public Q_SLOTS:
-    void OnSlotsOK();
-    void OnSlotsCancel();
-    void OnSlotsApply();
     void OnSlotsButton();
     void OnSlotsGMT(QString name);
 
-protected:
-    void paintEvent(QPaintEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
-    void closeEvent(QCloseEvent* event) override;
-
 private:
-    void addButtons();
     void addBars();
     void addZoneList();
     // The marked bar is the disabled one.
@@ -44,10 +34,8 @@ private:
     void markBarOfZone();
     void selectBar(int bar);
 
-    QPixmap m_background;
     std::array<IconToolButtonA*, 25> m_bars = {};
     QComboBox* m_zones = nullptr;
-    bool m_confirmed = false;
 };
 
 } // namespace ql240

@@ -104,7 +104,7 @@ void tellGaugeChanged(QWidget* widget, const AccessibleGauge& gauge) {
 
 void describePart(QWidget* widget, const QString& name, QAccessible::Role role) {
     installAccessibleParts();
-    widget->setProperty(kRole, int(role));
+    widget->setProperty(kRole, static_cast<int>(role));
     widget->setAccessibleName(name);
 }
 

@@ -28,7 +28,7 @@ std::array<SkinPicture, 4> skinPictures(const ImagePaths& paths) {
 
 template <typename Picture>
 const Picture& pictureFor(const std::array<Picture, 4>& pictures, ImageSlot slot) {
-    return pictures[static_cast<size_t>(slot)];
+    return pictures[static_cast<std::size_t>(slot)];
 }
 
 void drawScaled(QPainter& painter, const QRect& rect, const SkinPicture& picture) {

@@ -62,7 +62,6 @@ private Q_SLOTS:
         m_home = std::make_unique<QTemporaryDir>();
         QVERIFY(QDir(m_home->path()).mkpath(QStringLiteral("QL240")));
         m_windows = std::make_unique<LocalRunningWindows>(m_home->path());
-        host().runningWindows = m_windows.get();
     }
 
     void cleanup() {
@@ -137,7 +136,7 @@ private Q_SLOTS:
 
     // The dialog that a viewer opens has the settings tool's title.
     void settingsStartFocusesTheViewersDialog() {
-        InstanceWindows instances({kViewer, kSetting});
+        InstanceWindows instances(*m_windows, {kViewer, kSetting});
         QWidget viewer;
         viewer.setWindowTitle(kViewer);
         viewer.show();
@@ -163,7 +162,7 @@ private Q_SLOTS:
     void titleGoesToTheDialogThatStaysOpen() {
         QProcess* tool = start({QStringLiteral("setting")});
         QTRY_VERIFY_WITH_TIMEOUT(isRunning(kSetting), kBoundMs);
-        InstanceWindows instances({kViewer, kSetting});
+        InstanceWindows instances(*m_windows, {kViewer, kSetting});
         ConfigWindow dialog;
         dialog.show();
         tool->kill();
@@ -178,7 +177,7 @@ private Q_SLOTS:
         if (QGuiApplication::platformName() != QLatin1String("xcb"))
             QSKIP("X11 only");
         constexpr std::uint32_t clickTime = 4711;
-        InstanceWindows instances({kViewer, kSetting});
+        InstanceWindows instances(*m_windows, {kViewer, kSetting});
         ConfigWindow dialog;
         dialog.show();
         ActivationRequests requests;
@@ -191,7 +190,7 @@ private Q_SLOTS:
         LinuxHost platform;
         platform.enterApplication();
         const Host& table = host();
-        QVERIFY(table.drives && table.folderDialogs && table.inhibitor && table.runningWindows);
+        QVERIFY(table.drives && table.folderDialogs && table.inhibitor);
         QVERIFY(table.sensorLibrary && table.urlOpener && table.waveOut);
         QVERIFY(table.media && table.webPages);
     }

@@ -2,9 +2,9 @@
 
 #include "base/language.h"
 #include "base/preferences.h"
-#include "mainwindow/card_model.h"
 #include "mainwindow/picture_adjustment.h"
 #include "mainwindow/viewer.h"
+#include "settings/card.h"
 #include "settings/config_window.h"
 #include "support/made_card.h"
 #include "support/modal.h"
@@ -58,14 +58,14 @@ void TestMainWindowSettings::settingsAcceptedThenCancelled() {
     viewer().show();
     openCard();
     QVERIFY(viewer().panel()->kilometres());
-    qint32 offered = 0;
+    SpeedUnit offered{};
     inSettings([&](ConfigWindow& dialog) {
         offered = dialog.viewerSpeedUnit();
         setCurrentLanguage(QStringLiteral("kr"));
-        dialog.setViewerSpeedUnit(2);
+        dialog.setViewerSpeedUnit(SpeedUnit::Mph);
         dialog.accept();
     });
-    QCOMPARE(offered, 1);
+    QCOMPARE(offered, SpeedUnit::Kmh);
     QVERIFY(!viewer().window->isPlaying());
     QVERIFY(!viewer().panel()->kilometres());
     QString unit;
@@ -74,10 +74,10 @@ void TestMainWindowSettings::settingsAcceptedThenCancelled() {
     QCOMPARE(viewer().window->button(ButtonId::Play)->accessibleName(), QStringLiteral("재생"));
     inSettings([&](ConfigWindow& dialog) {
         offered = dialog.viewerSpeedUnit();
-        dialog.setViewerSpeedUnit(1);
+        dialog.setViewerSpeedUnit(SpeedUnit::Kmh);
         dialog.reject();
     });
-    QCOMPARE(offered, 2);
+    QCOMPARE(offered, SpeedUnit::Mph);
     QVERIFY(!viewer().panel()->kilometres());
     QVERIFY(readSpeedUnit(unit));
     QCOMPARE(unit, QStringLiteral("mph"));
@@ -125,8 +125,8 @@ void TestMainWindowSettings::cardModel() {
             cards[i].put(QStringLiteral("update/version.txt"), versions[i]);
         viewer().drives.drives << DriveInfo{cards[i].drive(), {}, {}};
     }
-    QTEST(cardModelLook(&viewer().drives)().value_or(QStringLiteral("none")), "text");
-    QVERIFY(!cardModelLook(nullptr)());
+    QTEST(cardVersionText(&viewer().drives).value_or(QStringLiteral("none")), "text");
+    QVERIFY(!cardVersionText(nullptr));
 }
 
 // A dying card reader holds up neither the window nor the first clip; its answer counts when it comes.

@@ -17,7 +17,6 @@
 #include "mainwindow/my_list_widget.h"
 #include "platform/host.h"
 #include "platform/modules.h"
-#include "platform/wave_out.h"
 #include "playback/video_view.h"
 #include "playback/widget_volume.h"
 #include "sensors/map_view.h"
@@ -25,6 +24,7 @@
 #include "support/fake_drives.h"
 #include "support/fake_folder_dialogs.h"
 #include "support/fake_sensor_library.h"
+#include "support/fake_wave_out.h"
 #include "support/fake_web_pages.h"
 #include "support/fake_window_dialogs.h"
 #include "support/test_clips.h"
@@ -38,7 +38,7 @@ struct Viewer {
     FakeSensorLibrary sensors;
     FakeUrlOpener urls;
     FakeWebPages pages;
-    OutputVolume volume;
+    FakeWaveOut volume;
     Answers answers;
     std::unique_ptr<MainWindow> window;
 

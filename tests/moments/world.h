@@ -13,11 +13,11 @@
 #include "moments/steps.h"
 #include "moments/timed_media.h"
 #include "platform/folder_dialogs.h"
-#include "platform/wave_out.h"
 #include "playback/video_view.h"
 #include "support/fake_drives.h"
 #include "support/fake_inhibitor.h"
 #include "support/fake_sensor_library.h"
+#include "support/fake_wave_out.h"
 #include "support/fake_web_pages.h"
 #include "support/fake_window_dialogs.h"
 
@@ -86,7 +86,7 @@ public:
     FakeWebPages pages;
     FakeUrlOpener urls;
     FakeInhibitor inhibitor;
-    OutputVolume volume;
+    FakeWaveOut volume;
     std::function<void(const QString& text)> onWarn = [](const QString&) {};
     std::unique_ptr<MainWindow> window;
 

@@ -10,13 +10,13 @@ public:
     ql240::Status CoCreateInstance(const ql240::Guid&, ql240::IUnknown*, ql240::ClassContext,
                                    const ql240::Guid&, void** object) override {
         *object = nullptr;
-        return m_told;
+        return static_cast<ql240::Status>(m_told);
     }
     void warmUp() override { m_told += 0x10000; }
     void setOutputVolume(std::uint16_t left, std::uint16_t right) override { m_told = left * 0x100 + right; }
 
 private:
-    ql240::Status m_told = 0;
+    int m_told = 0;
 };
 
 } // namespace

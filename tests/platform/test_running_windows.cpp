@@ -21,7 +21,7 @@ struct Received {
     QByteArray token;
     int count = 0;
 
-    RunningWindows::MessageHandler handler() {
+    MessageHandler handler() {
         return [this](int number, const QByteArray& text) {
             message = number;
             token = text;
@@ -160,7 +160,7 @@ private:
     }
 
     // The sender waits for the answer, so it needs a thread beside the announcing one.
-    static void send(RunningWindows& windows, int message) {
+    static void send(LocalRunningWindows& windows, int message) {
         std::atomic<bool> done = false;
         std::thread sender([&] {
             if (auto window = windows.findWindow(kTitle))

@@ -56,8 +56,8 @@ enum class Container { Avi, Mp4 };
 // A recipe and the graph that it fills.
 struct Build {
     explicit Build(FakeMedia& platform) : media(platform), recipe(platform) {
-        media.CoCreateInstance(class_id::kFilterGraph, nullptr, ClassContext::InprocServer,
-                               IGraphBuilder::kIid, graph.putVoid());
+        mayFail(media.CoCreateInstance(class_id::kFilterGraph, nullptr, ClassContext::InprocServer,
+                                       IGraphBuilder::kIid, graph.putVoid()));
         media.takeLog();
     }
     Status run(Container container) {

@@ -135,7 +135,7 @@ int saveWith(const QString& folder, Fault fault, int operation) {
     FaultyFiles files;
     DeviceSettings record = changedRecord(folder, files);
     files.arm(fault, operation);
-    record.save();
+    (void)record.save();
     return files.count();
 }
 
@@ -307,7 +307,7 @@ private Q_SLOTS:
             files.make();
             if (!fillUp(card.path("setting"), freePages))
                 return QStringLiteral("cannot fill the file system");
-            changedRecord(card.path("setting")).save();
+            (void)changedRecord(card.path("setting")).save();
             const Outcome result = outcome(files);
             card.put("fates", result.fates);
             return result.notNew == notNew ? result.error : QStringLiteral("%1 not new").arg(result.notNew);

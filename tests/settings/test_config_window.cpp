@@ -375,8 +375,8 @@ private Q_SLOTS:
             if (*stored)
                 writeSpeedUnit(QLatin1String(stored));
             ConfigWindow window;
-            QCOMPARE(window.viewerSpeedUnit(), unit);
-            window.setViewerSpeedUnit(3 - unit);
+            QCOMPARE(static_cast<int>(window.viewerSpeedUnit()), unit);
+            window.setViewerSpeedUnit(static_cast<SpeedUnit>(3 - unit));
             window.Onapply();
             QString kept;
             QVERIFY(readSpeedUnit(kept));

@@ -8,9 +8,9 @@
 #include <QElapsedTimer>
 #include <algorithm>
 
-#include "mainwindow/card_model.h"
 #include "mainwindow/picture_adjustment.h"
 #include "platform/limits.h"
+#include "settings/card.h"
 #include "settings/card_files.h"
 #include "settings/card_jobs.h"
 #include "settings/config_layout.h"
@@ -105,7 +105,7 @@ private Q_SLOTS:
         const QString shown = useDialog();
         m_longestTurn = qMax(m_longestTurn, turns.longestMs());
         const auto adjustment = readCardAdjustment(host().drives);
-        const auto model = cardModelLook(host().drives)();
+        const auto model = cardVersionText(host().drives);
         const bool isGiant = part == Trapped::Files && trap == int(traps().size()) - 1;
         for (const QString& drive :
              isGiant ? QStringList() : QStringList{other.path(QStringLiteral("card")), made.card.drive()})

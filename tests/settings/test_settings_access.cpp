@@ -157,7 +157,7 @@ private Q_SLOTS:
         for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
             WindowBtn7 warning(nullptr);
             showActive(warning);
-            QCOMPARE(nameOf(warning.focusWidget()), uiText(24));
+            QCOMPARE(nameOf(warning.focusWidget()), uiText(UiText::Cancel));
             QTest::keyClick(&warning, key);
             QVERIFY(!warning.isVisible());
             QVERIFY(!warning.isConfirmed());

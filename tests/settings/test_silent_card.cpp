@@ -63,7 +63,7 @@ private Q_SLOTS:
         click(window, kVga);
         QCOMPARE(window.values().resolutionvalue, 3);
         click(window, {320, 675});
-        QCOMPARE(window.viewerSpeedUnit(), 2);
+        QCOMPARE(window.viewerSpeedUnit(), SpeedUnit::Mph);
         time.restart();
         window.OnSlotsOK();
         QVERIFY(time.elapsed() < kSoonMs);

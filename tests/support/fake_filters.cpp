@@ -229,7 +229,7 @@ public:
             pins[*fetched] = m_filter->pins[m_next++].get();
             pins[*fetched]->AddRef();
         }
-        return *fetched == count ? kStatusOk : 1;
+        return *fetched == count ? kStatusOk : Status{1};
     }
 
 private:

@@ -153,7 +153,7 @@ Status FakeMedia::CoCreateInstance(const Guid& classId, IUnknown*, ClassContext 
 std::vector<std::uint8_t> FakeMedia::deliver(int stream, std::vector<std::uint8_t> frame, double time) {
     FakeGrabber& grabber = grabbers[static_cast<std::size_t>(stream)];
     if (grabber.callback)
-        grabber.callback->BufferCB(time, frame.data(), static_cast<std::int32_t>(frame.size()));
+        mayFail(grabber.callback->BufferCB(time, frame.data(), static_cast<std::int32_t>(frame.size())));
     grabber.kept = frame;
     return frame;
 }

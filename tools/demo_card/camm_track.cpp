@@ -1,13 +1,13 @@
 #include "demo_card/camm_track.h"
 
-#include <QtCore/QFile>
-#include <QtCore/QSaveFile>
-#include <QtCore/QtEndian>
+#include <QFile>
+#include <QSaveFile>
+#include <QtEndian>
 
 namespace ql240::demo {
 namespace {
 
-constexpr qint64 kMacEpochSeconds = -2082844800; // 1904-01-01 in Unix time
+constexpr std::int64_t kMacEpochSeconds = -2082844800; // 1904-01-01 in Unix time
 constexpr int kHeader = 8;
 constexpr int kMovieHeader = 108; // of version 0, which 32-bit times have
 
@@ -17,34 +17,34 @@ struct Box {
     bool isValid() const { return size >= kHeader; }
 };
 
-QByteArray u16(quint16 value) {
+QByteArray u16(std::uint16_t value) {
     QByteArray bytes(2, 0);
     qToBigEndian(value, bytes.data());
     return bytes;
 }
 
-QByteArray u32(quint32 value) {
+QByteArray u32(std::uint32_t value) {
     QByteArray bytes(4, 0);
     qToBigEndian(value, bytes.data());
     return bytes;
 }
 
 QByteArray box(const char* type, const QByteArray& body) {
-    return u32(quint32(body.size() + kHeader)) + QByteArray(type, 4) + body;
+    return u32(static_cast<std::uint32_t>(body.size() + kHeader)) + QByteArray(type, 4) + body;
 }
 
-QByteArray fullBox(const char* type, quint32 flags, const QByteArray& body) {
+QByteArray fullBox(const char* type, std::uint32_t flags, const QByteArray& body) {
     return box(type, u32(flags) + body);
 }
 
-quint32 u32At(const QByteArray& bytes, qsizetype offset) {
-    return qFromBigEndian<quint32>(bytes.constData() + offset);
+std::uint32_t u32At(const QByteArray& bytes, qsizetype offset) {
+    return qFromBigEndian<std::uint32_t>(bytes.constData() + offset);
 }
 
 // The first box of the type among those that lie between two offsets.
 Box findBox(const QByteArray& bytes, const char* type, qsizetype from, qsizetype to) {
     while (from + kHeader <= to) {
-        const Box found{from, qsizetype(u32At(bytes, from))};
+        const Box found{from, static_cast<qsizetype>(u32At(bytes, from))};
         if (!found.isValid() || from + found.size > to)
             return {};
         if (bytes.mid(from + 4, 4) == type)
@@ -54,8 +54,8 @@ Box findBox(const QByteArray& bytes, const char* type, qsizetype from, qsizetype
     return {};
 }
 
-quint32 macTime(const QDateTime& time) {
-    return quint32(time.toSecsSinceEpoch() - kMacEpochSeconds);
+std::uint32_t macTime(const QDateTime& time) {
+    return static_cast<std::uint32_t>(time.toSecsSinceEpoch() - kMacEpochSeconds);
 }
 
 // Creation and modification time of mvhd, tkhd and mdhd lie behind the version and flags.
@@ -68,21 +68,23 @@ void setTimes(QByteArray& moov, const QDateTime& created) {
         }
 }
 
-QByteArray sampleTable(const QList<QByteArray>& samples, int sampleMs, quint32 offset) {
-    const quint32 count = quint32(samples.size());
+QByteArray sampleTable(const QList<QByteArray>& samples, int sampleMs, std::uint32_t offset) {
+    const std::uint32_t count = static_cast<std::uint32_t>(samples.size());
     QByteArray sizes = u32(0) + u32(count);
     for (const QByteArray& sample : samples)
-        sizes += u32(quint32(sample.size()));
+        sizes += u32(static_cast<std::uint32_t>(sample.size()));
     const QByteArray entry = box("camm", QByteArray(6, 0) + u16(1));
-    return box("stbl", fullBox("stsd", 0, u32(1) + entry) +
-                           fullBox("stts", 0, u32(1) + u32(count) + u32(quint32(sampleMs))) +
-                           fullBox("stsc", 0, u32(1) + u32(1) + u32(count) + u32(1)) +
-                           fullBox("stsz", 0, sizes) + fullBox("stco", 0, u32(1) + u32(offset)));
+    return box("stbl",
+               fullBox("stsd", 0, u32(1) + entry) +
+                   fullBox("stts", 0, u32(1) + u32(count) + u32(static_cast<std::uint32_t>(sampleMs))) +
+                   fullBox("stsc", 0, u32(1) + u32(1) + u32(count) + u32(1)) + fullBox("stsz", 0, sizes) +
+                   fullBox("stco", 0, u32(1) + u32(offset)));
 }
 
-QByteArray media(const QList<QByteArray>& samples, int sampleMs, quint32 offset, const QByteArray& times) {
-    constexpr quint16 undefinedLanguage = 0x55c4;
-    const quint32 milliseconds = quint32(samples.size() * sampleMs);
+QByteArray media(const QList<QByteArray>& samples, int sampleMs, std::uint32_t offset,
+                 const QByteArray& times) {
+    constexpr std::uint16_t undefinedLanguage = 0x55c4;
+    const std::uint32_t milliseconds = static_cast<std::uint32_t>(samples.size() * sampleMs);
     const QByteArray references = box("dinf", fullBox("dref", 0, u32(1) + fullBox("url ", 1, {})));
     return box(
         "mdia",
@@ -91,7 +93,8 @@ QByteArray media(const QList<QByteArray>& samples, int sampleMs, quint32 offset,
             box("minf", fullBox("nmhd", 0, {}) + references + sampleTable(samples, sampleMs, offset)));
 }
 
-QByteArray track(quint32 id, quint32 duration, const QByteArray& times, const QByteArray& mediaBox) {
+QByteArray track(std::uint32_t id, std::uint32_t duration, const QByteArray& times,
+                 const QByteArray& mediaBox) {
     const QByteArray matrix =
         u32(0x10000) + QByteArray(12, 0) + u32(0x10000) + QByteArray(12, 0) + u32(0x40000000);
     return box("trak", fullBox("tkhd", 3,
@@ -100,20 +103,21 @@ QByteArray track(quint32 id, quint32 duration, const QByteArray& times, const QB
                            mediaBox);
 }
 
-QByteArray withTrack(QByteArray moov, const QList<QByteArray>& samples, int sampleMs, quint32 offset,
+QByteArray withTrack(QByteArray moov, const QList<QByteArray>& samples, int sampleMs, std::uint32_t offset,
                      const QDateTime& created) {
     const Box header = findBox(moov, "mvhd", kHeader, moov.size());
     if (header.size < kMovieHeader || moov[header.offset + kHeader] != 0)
         return {};
-    const quint32 timescale = u32At(moov, header.offset + 20);
+    const std::uint32_t timescale = u32At(moov, header.offset + 20);
     const qsizetype nextId = header.offset + header.size - 4;
-    const quint32 id = u32At(moov, nextId);
-    const quint32 duration = quint32(quint64(samples.size()) * quint64(sampleMs) * timescale / 1000);
+    const std::uint32_t id = u32At(moov, nextId);
+    const std::uint32_t duration = static_cast<std::uint32_t>(
+        static_cast<std::uint64_t>(samples.size()) * static_cast<std::uint64_t>(sampleMs) * timescale / 1000);
     const QByteArray times = u32(macTime(created)) + u32(macTime(created));
     moov.replace(nextId, 4, u32(id + 1));
     setTimes(moov, created);
     moov += track(id, duration, times, media(samples, sampleMs, offset, times));
-    return moov.replace(0, 4, u32(quint32(moov.size())));
+    return moov.replace(0, 4, u32(static_cast<std::uint32_t>(moov.size())));
 }
 
 } // namespace
@@ -127,8 +131,8 @@ bool addCammTrack(const QString& path, const QList<QByteArray>& samples, int sam
     const Box moov = findBox(bytes, "moov", 0, bytes.size());
     if (!moov.isValid() || moov.offset + moov.size != bytes.size())
         return false;
-    const QByteArray index =
-        withTrack(bytes.mid(moov.offset), samples, sampleMs, quint32(moov.offset + kHeader), created);
+    const QByteArray index = withTrack(bytes.mid(moov.offset), samples, sampleMs,
+                                       static_cast<std::uint32_t>(moov.offset + kHeader), created);
     if (index.isEmpty())
         return false;
     QSaveFile result(path);

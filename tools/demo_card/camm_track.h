@@ -1,11 +1,10 @@
+// Adds a camera motion metadata track to a finished MP4 file (ISO/IEC 14496-12) whose index comes last.
 #pragma once
 
-// Adds a camera motion metadata track to a finished MP4 file (ISO/IEC 14496-12) whose index comes last.
-
-#include <QtCore/QByteArray>
-#include <QtCore/QDateTime>
-#include <QtCore/QList>
-#include <QtCore/QString>
+#include <QByteArray>
+#include <QDateTime>
+#include <QList>
+#include <QString>
 
 namespace ql240::demo {
 

@@ -1,6 +1,7 @@
 #include "demo_card/caption.h"
 
-#include <QtGui/QPainter>
+#include <QPainter>
+#include <algorithm>
 #include <string_view>
 
 namespace ql240::demo {
@@ -14,12 +15,13 @@ QImage dots(const QString& text, QRgb colour) {
     static const QImage characters(QStringLiteral(":/demo_card/characters.xpm"));
     QImage strip = characters.convertToFormat(QImage::Format_Indexed8);
     strip.setColorTable({0, colour});
-    QImage picture(int(text.size()) * kAdvance, strip.height(), QImage::Format_ARGB32_Premultiplied);
+    QImage picture(static_cast<int>(text.size()) * kAdvance, strip.height(),
+                   QImage::Format_ARGB32_Premultiplied);
     picture.fill(0);
     QPainter painter(&picture);
     for (int i = 0; i < text.size(); ++i)
         if (const auto at = kCharacters.find(text[i].toLatin1()); at != std::string_view::npos)
-            painter.drawImage(i * kAdvance, 0, strip, int(at) * kAdvance, 0, kAdvance);
+            painter.drawImage(i * kAdvance, 0, strip, static_cast<int>(at) * kAdvance, 0, kAdvance);
     return picture;
 }
 
@@ -40,7 +42,7 @@ void paintDots(QImage& picture, QPoint topLeft, int dot, const QString& text) {
 void burnCaption(QImage& picture, const DrivePlan& plan, const DriveState& state, const QString& camera,
                  int frameNumber) {
     const int dot = std::max(1, picture.height() / 240);
-    const QDateTime clock = plan.start.addMSecs(qint64(state.time * 1000));
+    const QDateTime clock = plan.start.addMSecs(static_cast<std::int64_t>(state.time * 1000));
     const QString fix = state.fix ? QStringLiteral("%1km/h  N%2 E%3")
                                         .arg(qRound(state.speed * 3.6), 3)
                                         .arg(state.position.latitude, 0, 'f', 5)
@@ -50,8 +52,8 @@ void burnCaption(QImage& picture, const DrivePlan& plan, const DriveState& state
     const QString frame = QStringLiteral("%1 #%2").arg(camera).arg(frameNumber, 5, 10, QLatin1Char('0'));
     const int y = picture.height() - 12 * dot;
     const int margin = 6 * dot;
-    const int right = picture.width() - int(frame.size()) * kAdvance * dot - margin;
-    const bool fits = margin + int(text.size()) * kAdvance * dot < right;
+    const int right = picture.width() - static_cast<int>(frame.size()) * kAdvance * dot - margin;
+    const bool fits = margin + static_cast<int>(text.size()) * kAdvance * dot < right;
     paintDots(picture, {margin, y}, dot, text);
     paintDots(picture, {right, fits ? y : margin}, dot, frame);
 }

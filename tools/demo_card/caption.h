@@ -1,8 +1,7 @@
+// The camera's line of text: clock, speed and position, frame number; in dots of its own, without a font.
 #pragma once
 
-// The camera's line of text: clock, speed and position, frame number; in dots of its own, without a font.
-
-#include <QtGui/QImage>
+#include <QImage>
 
 #include "demo_card/drive.h"
 

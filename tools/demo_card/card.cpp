@@ -1,11 +1,11 @@
 #include "demo_card/card.h"
 
-#include <QtCore/QDir>
-#include <QtCore/QFile>
-#include <QtCore/QFileInfo>
-#include <QtCore/QMutex>
-#include <QtCore/QTemporaryDir>
-#include <QtCore/QThreadPool>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QMutex>
+#include <QTemporaryDir>
+#include <QThreadPool>
 
 #include "settings/setting_values.h"
 
@@ -29,7 +29,7 @@ bool writeFile(const QString& path, const QByteArray& content) {
 
 bool writeByteFile(const QDir& folder, const char* key, int value) {
     const QString name = QStringLiteral("set%1.dat").arg(QLatin1String(key));
-    return writeFile(folder.filePath(name), QByteArray(1, char(value)));
+    return writeFile(folder.filePath(name), QByteArray(1, static_cast<char>(value)));
 }
 
 bool writeSettings(const QDir& folder) {

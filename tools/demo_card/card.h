@@ -1,13 +1,12 @@
-#pragma once
-
 // The demo card: the folders and files of the camera's memory card.
 //
 //   VIDEO/                the clips
 //   setting/              setting.dat and a byte file for each setting
 //   update/version.txt
 //   IMAGE/
+#pragma once
 
-#include <QtCore/QString>
+#include <QString>
 
 #include "demo_card/clip_maker.h"
 
@@ -23,6 +22,6 @@ bool writeCardFiles(const QString& folder);
 
 // A whole card in place of what is there, which stays untouched unless everything worked. Returns what went
 // wrong.
-QString makeCard(const QString& folder, const QList<ClipPlan>& clips, Progress& progress);
+[[nodiscard]] QString makeCard(const QString& folder, const QList<ClipPlan>& clips, Progress& progress);
 
 } // namespace ql240::demo

@@ -3,8 +3,9 @@
 #include <gst/app/gstappsrc.h>
 #include <gst/gst.h>
 
-#include <QtCore/QFile>
-#include <QtGui/QImage>
+#include <QFile>
+#include <QImage>
+#include <algorithm>
 
 #include "demo_card/yuv.h"
 
@@ -72,7 +73,7 @@ QString pipelineText(const ClipFormat& format) {
 struct ClipEncoder::Pipeline {
     ClipFormat format;
     GstElement* bin = nullptr;
-    QList<qint64> frames; // given so far, for each video
+    QList<std::int64_t> frames; // given so far, for each video
     QString error;
 
     bool fail(const QString& text) {
@@ -173,10 +174,10 @@ bool ClipEncoder::addFrame(int video, const QImage& picture) {
         return m_pipeline->fail(QStringLiteral("out of memory"));
     convertToI420(picture, yuvMatrixFor(format, size), {map.data, map.size});
     gst_buffer_unmap(buffer, &map);
-    const auto time = [&](qint64 frame) {
+    const auto time = [&](std::int64_t frame) {
         return gst_util_uint64_scale(guint64(frame), GST_SECOND, guint64(format.frameRate));
     };
-    const qint64 number = m_pipeline->frames[video]++;
+    const std::int64_t number = m_pipeline->frames[video]++;
     GST_BUFFER_PTS(buffer) = time(number);
     GST_BUFFER_DURATION(buffer) = time(number + 1) - time(number);
     return m_pipeline->push(QStringLiteral("v%1").arg(video), buffer);

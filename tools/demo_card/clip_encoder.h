@@ -1,13 +1,12 @@
-#pragma once
-
 // Writes one clip file through a media pipeline: H.264 and AAC in MP4, or Motion-JPEG and 16-bit PCM in AVI.
 // Sound, if any, is given whole before the pictures. Used by one thread; addFrame() waits while the encoder
 // is busy.
+#pragma once
 
-#include <QtCore/QByteArray>
-#include <QtCore/QList>
-#include <QtCore/QSize>
-#include <QtCore/QString>
+#include <QByteArray>
+#include <QList>
+#include <QSize>
+#include <QString>
 #include <memory>
 
 class QImage;

@@ -1,6 +1,6 @@
 #include "demo_card/clip_maker.h"
 
-#include <QtCore/QFile>
+#include <QFile>
 #include <memory>
 #include <vector>
 
@@ -22,12 +22,12 @@ QString encodeClip(const ClipPlan& plan, const Drive& drive, const QString& path
     for (int frame = 0; frame < plan.frames(); ++frame) {
         if (progress.cancelled)
             return QStringLiteral("interrupted");
-        for (size_t video = 0; video < scenes.size(); ++video) {
-            const double time = plan.span.from + double(frame) / plan.format.frameRate;
+        for (std::size_t video = 0; video < scenes.size(); ++video) {
+            const double time = plan.span.from + static_cast<double>(frame) / plan.format.frameRate;
             QImage& picture = scenes[video]->paint(time);
             burnCaption(picture, drive.plan(), drive.at(time),
                         video == 0 ? QStringLiteral("FRONT") : QStringLiteral("REAR"), frame);
-            if (!encoder.addFrame(int(video), picture))
+            if (!encoder.addFrame(static_cast<int>(video), picture))
                 return encoder.errorText();
         }
         ++progress.framesDone;

@@ -1,8 +1,7 @@
+// Makes one clip file: paints its pictures, synthesises its sound, encodes both and adds the sensor data.
 #pragma once
 
-// Makes one clip file: paints its pictures, synthesises its sound, encodes both and adds the sensor data.
-
-#include <QtCore/QString>
+#include <QString>
 #include <atomic>
 
 #include "demo_card/clips.h"
@@ -16,6 +15,6 @@ struct Progress {
 };
 
 // An empty text, or what went wrong.
-QString makeClip(const ClipPlan& plan, const QString& path, Progress& progress);
+[[nodiscard]] QString makeClip(const ClipPlan& plan, const QString& path, Progress& progress);
 
 } // namespace ql240::demo

@@ -1,6 +1,6 @@
 #include "demo_card/clips.h"
 
-#include <QtCore/QTimeZone>
+#include <QTimeZone>
 #include <array>
 
 namespace ql240::demo {
@@ -68,7 +68,7 @@ Vehicle oncoming(CarLook look, float side, double startPlace, double kmh) {
     return {.look = look,
             .place = moves({{0, startPlace}, {seconds, startPlace - kmh / 3.6 * seconds}}),
             .relative = false,
-            .side = double(side),
+            .side = static_cast<double>(side),
             .oncoming = true,
             .braking = {}};
 }
@@ -92,8 +92,8 @@ void addOncomingTraffic(World& world, float first, float laneWidth, double kmh) 
     double place = 40;
     for (int i = 0; i < 34; ++i) {
         const int lane = i * 5 % 3 % 2;
-        world.vehicles.append(
-            oncoming(looks[i % 8], -(first + laneWidth * float(lane)), place, kmh * (lane ? 1 : 1.12)));
+        world.vehicles.append(oncoming(looks[i % 8], -(first + laneWidth * static_cast<float>(lane)), place,
+                                       kmh * (lane ? 1 : 1.12)));
         place += 22 + 30 * hashNoise(world.seed, i);
     }
 }

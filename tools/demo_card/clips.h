@@ -1,9 +1,9 @@
+// The clips of the demo card: drives through Seoul on an April day, with what is met on the way.
 #pragma once
 
-// The clips of the demo card: drives through Seoul on an April day, with what is met on the way.
-
-#include <QtCore/QList>
-#include <QtCore/QString>
+#include <QList>
+#include <QString>
+#include <cstdint>
 
 #include "demo_card/clip_encoder.h"
 #include "demo_card/drive.h"
@@ -20,8 +20,8 @@ struct ClipPlan {
     ClipFormat format; // with one video, or two: front and rear
     QList<TimeSpan> indicator;
 
-    QDateTime start() const { return drive.start.addMSecs(qint64(span.from * 1000)); }
-    int frames() const { return int((span.to - span.from) * format.frameRate); }
+    QDateTime start() const { return drive.start.addMSecs(static_cast<std::int64_t>(span.from * 1000)); }
+    int frames() const { return static_cast<int>((span.to - span.from) * format.frameRate); }
 };
 
 QList<ClipPlan> demoClips();

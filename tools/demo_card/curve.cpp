@@ -54,15 +54,16 @@ double Curve::operator()(double at) const {
 
 double hashNoise(std::uint32_t seed, std::int64_t index) {
     // The finalizer of SplitMix64.
-    std::uint64_t x = (std::uint64_t(seed) << 32) ^ (std::uint64_t(index) * 0x9e3779b97f4a7c15u);
+    std::uint64_t x =
+        (static_cast<std::uint64_t>(seed) << 32) ^ (static_cast<std::uint64_t>(index) * 0x9e3779b97f4a7c15u);
     x = (x ^ (x >> 30)) * 0xbf58476d1ce4e5b9u;
     x = (x ^ (x >> 27)) * 0x94d049bb133111ebu;
-    return double((x ^ (x >> 31)) >> 11) * 0x1p-53;
+    return static_cast<double>((x ^ (x >> 31)) >> 11) * 0x1p-53;
 }
 
 double smoothNoise(std::uint32_t seed, double at) {
     const double base = std::floor(at);
-    const auto index = std::int64_t(base);
+    const auto index = static_cast<std::int64_t>(base);
     const double from = hashNoise(seed, index);
     return 2 * (from + (hashNoise(seed, index + 1) - from) * easeInOut(at - base)) - 1;
 }

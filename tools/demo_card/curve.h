@@ -1,9 +1,8 @@
-#pragma once
-
 // Smooth functions of one variable through given keys, and repeatable noise: what drives, cameras and traffic
 // are described with.
+#pragma once
 
-#include <QtCore/QList>
+#include <QList>
 #include <cstdint>
 
 namespace ql240::demo {

@@ -39,7 +39,7 @@ Drive::Drive(DrivePlan plan) : m_plan(std::move(plan)) {
 
 void Drive::integrate() {
     Point point{0, m_plan.bearingDeg * pi / 180, 0, 0, 0};
-    const int steps = int(std::ceil(m_plan.seconds / kStep)) + 1;
+    const int steps = static_cast<int>(std::ceil(m_plan.seconds / kStep)) + 1;
     for (int i = 0; i <= steps; ++i) {
         m_points.append(point);
         const double time = i * kStep;
@@ -62,7 +62,7 @@ void Drive::findBumps() {
                                           [&](const Point& point) { return point.distance >= bump; });
         if (reached == m_points.end())
             continue;
-        const double time = double(reached - m_points.begin()) * kStep;
+        const double time = static_cast<double>(reached - m_points.begin()) * kStep;
         m_bumps.append({time, 0.18 * speedAt(time), 2.4, 0.3});
     }
 }
@@ -74,8 +74,8 @@ bool Drive::hasFix(double time, double distance) const {
 
 Drive::Point Drive::pointAt(double time) const {
     const double index = time / kStep;
-    const auto i = std::min(qsizetype(index), m_points.size() - 2);
-    const double part = index - double(i);
+    const auto i = std::min(static_cast<qsizetype>(index), m_points.size() - 2);
+    const double part = index - static_cast<double>(i);
     const Point& from = m_points[i];
     const Point& to = m_points[i + 1];
     const auto mix = [part](double a, double b) { return a + (b - a) * part; };

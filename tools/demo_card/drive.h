@@ -1,11 +1,10 @@
-#pragma once
-
 // One drive of the demo card: what the car does over time, and where. Picture, sound and sensor data of a
 // clip are all taken from the same Drive, so that they agree. Metres, seconds, radians; right and forward are
 // positive.
+#pragma once
 
-#include <QtCore/QDateTime>
-#include <QtCore/QList>
+#include <QDateTime>
+#include <QList>
 #include <optional>
 
 #include "demo_card/curve.h"

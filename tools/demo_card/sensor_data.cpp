@@ -1,15 +1,16 @@
 #include "demo_card/sensor_data.h"
 
-#include <QtCore/QtEndian>
+#include <QtEndian>
 #include <cmath>
+
+#include "platform/sensor_library.h"
 
 namespace ql240::demo {
 namespace {
 
 constexpr double kGravity = 9.80665;
-constexpr double kCountsPerG = 128;
-constexpr qint64 kGpsEpochSeconds = 315964800; // 1980-01-06 in Unix time
-constexpr int kLeapSeconds2013 = 16;           // GPS time runs ahead of UTC by these
+constexpr std::int64_t kGpsEpochSeconds = 315964800; // 1980-01-06 in Unix time
+constexpr int kLeapSeconds2013 = 16;                 // GPS time runs ahead of UTC by these
 
 class LittleEndian {
 public:
@@ -28,28 +29,31 @@ private:
 };
 
 void appendAcceleration(QByteArray& sample, const DriveState& state) {
-    LittleEndian(sample) << quint16(0) << quint16(3) << float(state.rightAcc) << float(state.forwardAcc)
-                         << float(state.upAcc);
+    LittleEndian(sample) << static_cast<std::uint16_t>(0) << static_cast<std::uint16_t>(3)
+                         << static_cast<float>(state.rightAcc) << static_cast<float>(state.forwardAcc)
+                         << static_cast<float>(state.upAcc);
 }
 
 void appendGps(QByteArray& sample, const DriveState& state, const DrivePlan& plan) {
-    const double unixTime = double(plan.start.toMSecsSinceEpoch()) / 1000 + state.time;
-    const double gpsTime = unixTime - double(kGpsEpochSeconds) + kLeapSeconds2013;
+    const double unixTime = static_cast<double>(plan.start.toMSecsSinceEpoch()) / 1000 + state.time;
+    const double gpsTime = unixTime - static_cast<double>(kGpsEpochSeconds) + kLeapSeconds2013;
     const double speed = state.fix ? state.speed : 0;
     const GeoPosition position = state.fix ? state.position : GeoPosition();
-    LittleEndian(sample) << quint16(0) << quint16(6) << gpsTime << qint32(state.fix ? 3 : 0)
-                         << position.latitude << position.longitude << float(state.fix ? plan.altitude : 0.0)
-                         << float(state.fix ? 2.5f : 0.0f) << float(state.fix ? 4.0f : 0.0f)
-                         << float(speed * std::sin(state.heading)) << float(speed * std::cos(state.heading))
-                         << 0.0f << 0.3f;
+    LittleEndian(sample) << static_cast<std::uint16_t>(0) << static_cast<std::uint16_t>(6) << gpsTime
+                         << static_cast<std::int32_t>(state.fix ? 3 : 0) << position.latitude
+                         << position.longitude << static_cast<float>(state.fix ? plan.altitude : 0.0)
+                         << static_cast<float>(state.fix ? 2.5f : 0.0f)
+                         << static_cast<float>(state.fix ? 4.0f : 0.0f)
+                         << static_cast<float>(speed * std::sin(state.heading))
+                         << static_cast<float>(speed * std::cos(state.heading)) << 0.0f << 0.3f;
 }
 
 int counts(double acceleration) {
-    return int(std::lround(acceleration / kGravity * kCountsPerG));
+    return static_cast<int>(std::lround(acceleration / kGravity * SensorLibrary::kCountsPerG));
 }
 
 QByteArray trailerLine(const DriveState& state, const DrivePlan& plan) {
-    const QDateTime clock = plan.start.addMSecs(qint64(state.time * 1000));
+    const QDateTime clock = plan.start.addMSecs(static_cast<std::int64_t>(state.time * 1000));
     const GeoPosition position = state.fix ? state.position : GeoPosition();
     return clock.toString(QStringLiteral("yyyyMMdd$hhmmss")).toLatin1() + ',' +
            QByteArray::number(position.latitude, 'f', 6) + ',' +
@@ -63,7 +67,7 @@ QByteArray trailerLine(const DriveState& state, const DrivePlan& plan) {
 
 QList<QByteArray> cammSamples(const Drive& drive, TimeSpan span) {
     QList<QByteArray> samples;
-    const int count = int((span.to - span.from) * 1000) / kCammSampleMs;
+    const int count = static_cast<int>((span.to - span.from) * 1000) / kCammSampleMs;
     for (int i = 0; i < count; ++i) {
         const DriveState state = drive.at(span.from + i * kCammSampleMs / 1000.0);
         QByteArray sample;
@@ -78,7 +82,7 @@ QList<QByteArray> cammSamples(const Drive& drive, TimeSpan span) {
 QByteArray sensorTrailer(const Drive& drive, TimeSpan span) {
     QByteArray trailer = "ETKLP1\n";
     // The viewer puts lines / 3 + 1 copies of the first line in front.
-    const int lines = int((span.to - span.from) * 10) * 3 / 4;
+    const int lines = static_cast<int>((span.to - span.from) * 10) * 3 / 4;
     const int first = lines / 3 + 1;
     for (int i = 0; i < lines; ++i)
         trailer += trailerLine(drive.at(span.from + (first + i) / 10.0), drive.plan());

@@ -1,10 +1,9 @@
-#pragma once
-
 // The drive as the camera's two kinds of clips record it: samples of a camera motion metadata (CAMM) track
 // for MP4 files, and the text trailer of AVI files.
+#pragma once
 
-#include <QtCore/QByteArray>
-#include <QtCore/QList>
+#include <QByteArray>
+#include <QList>
 
 #include "demo_card/drive.h"
 

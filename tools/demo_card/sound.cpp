@@ -57,7 +57,7 @@ class Road {
 public:
     explicit Road(double rate) : m_low(320, rate), m_lower(140, rate), m_wind(1800, rate) {}
 
-    double sample(double speed, qint64 index) {
+    double sample(double speed, std::int64_t index) {
         const double white = 2 * hashNoise(77, index) - 1;
         const double rumble = m_lower(m_low(white));
         const double wind = m_wind(white);
@@ -83,7 +83,7 @@ double indicatorTick(double time, const QList<TimeSpan>& spans) {
     return 0;
 }
 
-double thud(double since, qint64 index) {
+double thud(double since, std::int64_t index) {
     if (since < 0 || since > 1.5)
         return 0;
     const double body =
@@ -96,21 +96,21 @@ double thud(double since, qint64 index) {
 } // namespace
 
 QByteArray driveSound(const Drive& drive, TimeSpan span, int rate, const QList<TimeSpan>& indicator) {
-    const qint64 count = qint64((span.to - span.from) * rate);
-    QByteArray samples(count * qsizetype(sizeof(qint16)), Qt::Uninitialized);
-    auto* out = reinterpret_cast<qint16*>(samples.data());
+    const std::int64_t count = static_cast<std::int64_t>((span.to - span.from) * rate);
+    QByteArray samples(count * static_cast<qsizetype>(sizeof(std::int16_t)), Qt::Uninitialized);
+    auto* out = reinterpret_cast<std::int16_t*>(samples.data());
     Engine engine(rate);
     Road road(rate);
     DriveState state;
-    for (qint64 i = 0; i < count; ++i) {
-        const double time = span.from + double(i) / rate;
+    for (std::int64_t i = 0; i < count; ++i) {
+        const double time = span.from + static_cast<double>(i) / rate;
         if (i % 64 == 0)
             state = drive.at(time);
         double value = engine.sample(state.speed, state.forwardAcc) + road.sample(state.speed, i);
         value += indicatorTick(time, indicator);
         if (drive.plan().impactTime)
             value += thud(time - *drive.plan().impactTime, i);
-        out[i] = qint16(std::lround(std::tanh(value) * 30000));
+        out[i] = static_cast<std::int16_t>(std::lround(std::tanh(value) * 30000));
     }
     return samples;
 }

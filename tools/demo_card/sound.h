@@ -1,8 +1,7 @@
+// The sound of a drive: engine, tyres and wind by speed, the indicator's ticks, a thud at the impact.
 #pragma once
 
-// The sound of a drive: engine, tyres and wind by speed, the indicator's ticks, a thud at the impact.
-
-#include <QtCore/QByteArray>
+#include <QByteArray>
 
 #include "demo_card/drive.h"
 

@@ -1,6 +1,7 @@
 #include "demo_card/yuv.h"
 
-#include <QtGui/QRgb>
+#include <QRgb>
+#include <algorithm>
 
 namespace ql240::demo {
 namespace {
@@ -11,7 +12,7 @@ constexpr YuvMatrix matrix(double kr, double kb, double lumaScale, double chroma
                            const char* name) {
     constexpr double one = 65536;
     const double kg = 1 - kr - kb;
-    const auto fixed = [](double value) { return int(value < 0 ? value - 0.5 : value + 0.5); };
+    const auto fixed = [](double value) { return static_cast<int>(value < 0 ? value - 0.5 : value + 0.5); };
     const double y = one * lumaScale;
     const double u = one * chromaScale / (2 * (1 - kb));
     const double v = one * chromaScale / (2 * (1 - kr));
@@ -31,19 +32,20 @@ inline int weigh(const int (&k)[3], int r, int g, int b) {
 }
 
 inline int red(QRgb c) {
-    return int(c >> 16 & 255);
+    return static_cast<int>(c >> 16 & 255);
 }
 inline int green(QRgb c) {
-    return int(c >> 8 & 255);
+    return static_cast<int>(c >> 8 & 255);
 }
 inline int blue(QRgb c) {
-    return int(c & 255);
+    return static_cast<int>(c & 255);
 }
 
 void lumaRow(const QRgb* from, int width, const YuvMatrix& m, uchar* to) {
     const int bias = (m.lumaOffset << 16) + (1 << 15);
     for (int x = 0; x < width; ++x)
-        to[x] = uchar((weigh(m.y, red(from[x]), green(from[x]), blue(from[x])) + bias) >> 16);
+        to[x] = static_cast<unsigned char>((weigh(m.y, red(from[x]), green(from[x]), blue(from[x])) + bias) >>
+                                           16);
 }
 
 // Each chroma sample is taken from the mean of its four pixels, whose sum makes the shift 18.
@@ -57,8 +59,8 @@ void chromaRow(const QRgb* upper, const QRgb* lower, int pairs, const YuvMatrix&
         const int r = red(a) + red(b) + red(c) + red(d);
         const int g = green(a) + green(b) + green(c) + green(d);
         const int l = blue(a) + blue(b) + blue(c) + blue(d);
-        u[x] = uchar(qMin((weigh(m.u, r, g, l) + bias) >> 18, 255));
-        v[x] = uchar(qMin((weigh(m.v, r, g, l) + bias) >> 18, 255));
+        u[x] = static_cast<unsigned char>(std::min((weigh(m.u, r, g, l) + bias) >> 18, 255));
+        v[x] = static_cast<unsigned char>(std::min((weigh(m.v, r, g, l) + bias) >> 18, 255));
     }
 }
 
@@ -74,13 +76,15 @@ void convertToI420(const QImage& picture, const YuvMatrix& matrix, std::span<uch
     const int width = picture.width();
     const int height = picture.height();
     uchar* const y = planes.data();
-    uchar* const u = y + size_t(width) * size_t(height);
-    uchar* const v = u + size_t(width / 2) * size_t(height / 2);
+    uchar* const u = y + static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+    uchar* const v = u + static_cast<std::size_t>(width / 2) * static_cast<std::size_t>(height / 2);
     const auto row = [&](int line) { return reinterpret_cast<const QRgb*>(picture.constScanLine(line)); };
     for (int line = 0; line < height; line += 2) {
-        lumaRow(row(line), width, matrix, y + size_t(line) * size_t(width));
-        lumaRow(row(line + 1), width, matrix, y + size_t(line + 1) * size_t(width));
-        const size_t chroma = size_t(line / 2) * size_t(width / 2);
+        lumaRow(row(line), width, matrix,
+                y + static_cast<std::size_t>(line) * static_cast<std::size_t>(width));
+        lumaRow(row(line + 1), width, matrix,
+                y + static_cast<std::size_t>(line + 1) * static_cast<std::size_t>(width));
+        const std::size_t chroma = static_cast<std::size_t>(line / 2) * static_cast<std::size_t>(width / 2);
         chromaRow(row(line), row(line + 1), width / 2, matrix, u + chroma, v + chroma);
     }
 }

@@ -1,9 +1,8 @@
+// Conversion of painted pictures to what the encoders take: planar Y'CbCr 4:2:0 (I420).
 #pragma once
 
-// Conversion of painted pictures to what the encoders take: planar Y'CbCr 4:2:0 (I420).
-
-#include <QtCore/QSize>
-#include <QtGui/QImage>
+#include <QImage>
+#include <QSize>
 #include <span>
 
 #include "demo_card/clip_encoder.h"

@@ -4,6 +4,7 @@
 #include <QFontMetricsF>
 #include <QPainterPath>
 #include <QSvgRenderer>
+#include <algorithm>
 
 namespace ql240::skin {
 
@@ -23,8 +24,8 @@ void Canvas::outline(const QRectF& rect, double radius, const QColor& color, dou
     const double half = width / 2;
     m_painter.setPen(QPen(color, width));
     m_painter.setBrush(Qt::NoBrush);
-    m_painter.drawRoundedRect(rect.adjusted(half, half, -half, -half), qMax(0.0, radius - half),
-                              qMax(0.0, radius - half));
+    m_painter.drawRoundedRect(rect.adjusted(half, half, -half, -half), std::max(0.0, radius - half),
+                              std::max(0.0, radius - half));
 }
 
 void Canvas::fill(const QRectF& rect, double radius, const QBrush& brush) {
@@ -54,11 +55,10 @@ void Canvas::text(const QRectF& box, Qt::Alignment align, const QString& text, d
     const QFontMetricsF metrics(font);
     const QRectF bounds = path.boundingRect();
     double x = box.left() - bounds.left();
-    if (align & Qt::AlignHCenter) {
+    if (align & Qt::AlignHCenter)
         x = box.center().x() - bounds.center().x();
-    } else if (align & Qt::AlignRight) {
+    else if (align & Qt::AlignRight)
         x = box.right() - bounds.right();
-    }
     const double baseline = box.center().y() + metrics.capHeight() / 20;
     m_painter.fillPath(path.translated(x, baseline), color);
 }
@@ -69,18 +69,16 @@ QString Canvas::svgPath(const QString& name) const {
 
 bool Canvas::art(const QString& name, const QRectF& rect) {
     QSvgRenderer renderer;
-    if (!QFileInfo::exists(svgPath(name)) || !renderer.load(svgPath(name))) {
+    if (!QFileInfo::exists(svgPath(name)) || !renderer.load(svgPath(name)))
         return false;
-    }
     renderer.render(&m_painter, rect);
     return true;
 }
 
 bool Canvas::glyph(const QString& name, const QRectF& rect, const QColor& color) {
     QSvgRenderer renderer;
-    if (!QFileInfo::exists(svgPath(name)) || !renderer.load(svgPath(name))) {
+    if (!QFileInfo::exists(svgPath(name)) || !renderer.load(svgPath(name)))
         return false;
-    }
     const double scale = m_painter.transform().m11();
     QImage mask((rect.size() * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
     mask.fill(Qt::transparent);
@@ -96,9 +94,8 @@ bool Canvas::glyph(const QString& name, const QRectF& rect, const QColor& color)
 
 bool Canvas::glyphCentred(const QString& name, const QRectF& rect, const QColor& color) {
     QSvgRenderer renderer;
-    if (!QFileInfo::exists(svgPath(name)) || !renderer.load(svgPath(name))) {
+    if (!QFileInfo::exists(svgPath(name)) || !renderer.load(svgPath(name)))
         return false;
-    }
     const QSizeF size = renderer.viewBoxF().size();
     const QPointF corner(rect.left() + std::floor((rect.width() - size.width()) / 2),
                          rect.top() + std::floor((rect.height() - size.height()) / 2));
@@ -117,9 +114,8 @@ double ShapeArguments::number() {
     const QString text = word();
     bool isNumber = false;
     const double value = text.toDouble(&isNumber);
-    if (!isNumber) {
+    if (!isNumber)
         fail(QStringLiteral("\"%1\" is no number").arg(text));
-    }
     return value;
 }
 
@@ -132,16 +128,14 @@ QRectF ShapeArguments::rect() {
 
 QColor ShapeArguments::color() {
     const QString name = word();
-    if (!m_palette.contains(name)) {
+    if (!m_palette.contains(name))
         fail(QStringLiteral("\"%1\" is no colour of the palette").arg(name));
-    }
     return m_palette.value(name);
 }
 
 void ShapeArguments::fail(const QString& what) {
-    if (m_error.isEmpty()) {
+    if (m_error.isEmpty())
         m_error = QStringLiteral("line %1: %2: %3").arg(m_shape.line).arg(m_shape.verb, what);
-    }
 }
 
 } // namespace ql240::skin

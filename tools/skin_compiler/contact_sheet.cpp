@@ -1,6 +1,7 @@
 #include "contact_sheet.h"
 
 #include <QPainter>
+#include <algorithm>
 
 #include "skin_writer.h"
 
@@ -30,7 +31,7 @@ int place(std::vector<Cell>& cells) {
     int rowHeight = 0;
     bool isTallRow = false;
     for (Cell& cell : cells) {
-        const int width = qMax(cell.image.width(), kNarrowest);
+        const int width = std::max(cell.image.width(), kNarrowest);
         const bool isTall = cell.image.height() >= kTall;
         if (corner.x() + width + kGap > kSheetWidth || isTall != isTallRow) {
             isTallRow = isTall;
@@ -39,7 +40,7 @@ int place(std::vector<Cell>& cells) {
         }
         cell.corner = corner;
         corner.rx() += width + kGap;
-        rowHeight = qMax(rowHeight, cell.image.height() + kCaption + kGap);
+        rowHeight = std::max(rowHeight, cell.image.height() + kCaption + kGap);
     }
     return corner.y() + rowHeight;
 }
@@ -50,9 +51,8 @@ QImage contactSheet(const PictureTable& table, const QString& sourceFolder, QStr
     std::vector<Cell> cells;
     for (const Picture& picture : table.pictures) {
         const QImage image = renderPicture(picture, table.palette, sourceFolder, 1, error);
-        if (image.isNull()) {
+        if (image.isNull())
             return {};
-        }
         cells.push_back({{}, caption(picture), image});
     }
     QImage sheet(kSheetWidth, place(cells), QImage::Format_RGB32);

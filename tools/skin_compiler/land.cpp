@@ -8,9 +8,8 @@ namespace ql240::skin {
 QList<QPolygonF> readLand(const QString& sourceFolder) {
     QFile file(sourceFolder + QStringLiteral("/world.txt"));
     QList<QPolygonF> land;
-    if (!file.open(QIODevice::ReadOnly)) {
+    if (!file.open(QIODevice::ReadOnly))
         return land;
-    }
     while (!file.atEnd()) {
         const QString line = QString::fromUtf8(file.readLine()).section(QLatin1Char('#'), 0, 0).trimmed();
         QPolygonF polygon;
@@ -18,9 +17,8 @@ QList<QPolygonF> readLand(const QString& sourceFolder) {
             polygon << QPointF(point.section(QLatin1Char(','), 0, 0).toDouble(),
                                point.section(QLatin1Char(','), 1, 1).toDouble());
         }
-        if (polygon.size() > 2) {
+        if (polygon.size() > 2)
             land << polygon;
-        }
     }
     return land;
 }

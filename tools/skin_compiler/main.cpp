@@ -28,21 +28,18 @@ int draw(const PictureTable& table, const QString& source, const QString& output
 
 int check(const PictureTable& table, const QString&, const QString& code) {
     const UsageReport report = checkUsage(table, readSources(code));
-    for (const QString& name : report.missing) {
+    for (const QString& name : report.missing)
         fail(QStringLiteral("\"%1\" is asked for, but is not in the picture table").arg(name));
-    }
-    for (const QString& path : report.unused) {
+    for (const QString& path : report.unused)
         fail(QStringLiteral("nothing in the code asks for \"%1\"").arg(path));
-    }
     return report.missing.isEmpty() && report.unused.isEmpty() ? 0 : 1;
 }
 
 int drawContactSheet(const PictureTable& table, const QString& source, const QString& path) {
     QString error;
     const QImage sheet = contactSheet(table, source, error);
-    if (sheet.isNull()) {
+    if (sheet.isNull())
         return fail(error);
-    }
     return sheet.save(path) ? 0 : fail(QStringLiteral("%1: can't be written").arg(path));
 }
 
@@ -62,13 +59,11 @@ int run(const QStringList& arguments) {
         return fail(QStringLiteral(
             "expected draw, check, contact-sheet or icons, a source folder and one more path"));
     }
-    if (QFontInfo(QFont(QStringLiteral("Open Sans"))).family() != QLatin1String("Open Sans")) {
+    if (QFontInfo(QFont(QStringLiteral("Open Sans"))).family() != QLatin1String("Open Sans"))
         return fail(QStringLiteral("the font \"Open Sans\" is not installed"));
-    }
     QFile file(arguments[2] + QStringLiteral("/pictures.txt"));
-    if (!file.open(QIODevice::ReadOnly)) {
+    if (!file.open(QIODevice::ReadOnly))
         return fail(file.fileName() + QStringLiteral(": ") + file.errorString());
-    }
     QString error;
     const std::optional<PictureTable> table = parsePictureTable(QString::fromUtf8(file.readAll()), error);
     return table ? command(*table, arguments[2], arguments[3]) : fail(error);

@@ -22,9 +22,8 @@ constexpr NamedShape kShapes[] = {
 
 PaintFunction findShape(const QString& verb) {
     for (const NamedShape& shape : kShapes) {
-        if (verb == QLatin1String(shape.verb)) {
+        if (verb == QLatin1String(shape.verb))
             return shape.paint;
-        }
     }
     return nullptr;
 }

@@ -6,9 +6,8 @@ namespace {
 enum Look { Normal, Hover, Pressed };
 
 Qt::Alignment alignment(const QString& word) {
-    if (word == QLatin1String("left")) {
+    if (word == QLatin1String("left"))
         return Qt::AlignLeft;
-    }
     return word == QLatin1String("right") ? Qt::AlignRight : Qt::AlignHCenter;
 }
 
@@ -30,11 +29,10 @@ void paintKeyGround(Canvas& canvas, const QRectF& rect, Look look) {
 // A key without ground of its own until the pointer is on it: the small commands of the title bars. An
 // outline would stand too close to the glyph.
 void paintFlatGround(Canvas& canvas, const QRectF& rect, Look look) {
-    if (look == Hover) {
+    if (look == Hover)
         canvas.shade(rect, kRadius, canvas.color("keyHoverTop"), canvas.color("keyHover"));
-    } else if (look == Pressed) {
+    else if (look == Pressed)
         paintKeyGround(canvas, rect, look);
-    }
 }
 
 // A key on which the program writes (200, 200, 200): its pressed look is sunken and stays dark.
@@ -109,16 +107,14 @@ void paintText(Canvas& canvas, ShapeArguments& arguments) {
 void paintGlyph(Canvas& canvas, ShapeArguments& arguments) {
     const QString name = arguments.word();
     const QRectF rect = arguments.rect();
-    if (!canvas.glyphCentred(name, rect, arguments.color())) {
+    if (!canvas.glyphCentred(name, rect, arguments.color()))
         arguments.fail(QStringLiteral("no glyph \"%1\"").arg(name));
-    }
 }
 
 void paintArt(Canvas& canvas, ShapeArguments& arguments) {
     const QString name = arguments.word();
-    if (!canvas.art(name, arguments.rect())) {
+    if (!canvas.art(name, arguments.rect()))
         arguments.fail(QStringLiteral("no drawing \"%1\"").arg(name));
-    }
 }
 
 void paintButton(Canvas& canvas, ShapeArguments& arguments) {
@@ -142,9 +138,8 @@ void paintButton(Canvas& canvas, ShapeArguments& arguments) {
     if (!arguments.atEnd()) {
         static constexpr const char* kGlyphColors[] = {"textBright", "accentLight", "base"};
         const QString glyph = arguments.word();
-        if (!canvas.glyphCentred(glyph, all, canvas.color(kGlyphColors[look]))) {
+        if (!canvas.glyphCentred(glyph, all, canvas.color(kGlyphColors[look])))
             arguments.fail(QStringLiteral("no glyph \"%1\"").arg(glyph));
-        }
     }
 }
 

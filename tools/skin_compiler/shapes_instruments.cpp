@@ -1,6 +1,7 @@
 #include <QPainterPath>
 #include <QRadialGradient>
 #include <QtMath>
+#include <algorithm>
 
 #include "land.h"
 #include "shapes.h"
@@ -75,9 +76,8 @@ QPainterPath barPath(int bar) {
 void paintBars(Canvas& canvas, int digit, QPointF at, const QColor& color) {
     static constexpr int kBars[] = {0x77, 0x24, 0x5d, 0x6d, 0x2e, 0x6b, 0x7b, 0x25, 0x7f, 0x6f};
     for (int bar = 0; bar < 7; ++bar) {
-        if (kBars[digit] & (1 << bar)) {
+        if (kBars[digit] & (1 << bar))
             canvas.painter().fillPath(barPath(bar).translated(at), color);
-        }
     }
 }
 
@@ -163,7 +163,7 @@ QList<EarthDot> visibleLand(const QList<QPolygonF>& land) {
     QList<EarthDot> dots;
     for (double north = -85; north < 90; north += kStep) {
         const double phi = qDegreesToRadians(north);
-        const int count = qMax(1, qRound(360 * qCos(phi) / kStep));
+        const int count = std::max(1, qRound(360 * qCos(phi) / kStep));
         for (int i = 0; i < count; ++i) {
             const double east = i * 360.0 / count - 180;
             const double lambda = qDegreesToRadians(east - kEyeEast);
@@ -185,13 +185,11 @@ void paintDial(Canvas& canvas, ShapeArguments& arguments) {
     movePainter(canvas, arguments);
     const bool lit = readLit(arguments);
     paintFace(canvas, kDialCentre, kDialRim, lit);
-    for (int index = 0; index < kSegments; ++index) {
+    for (int index = 0; index < kSegments; ++index)
         canvas.painter().fillPath(segmentPath(index), canvas.color("unlit", lit ? 1.0 : 0.6));
-    }
     paintDialNumbers(canvas, lit);
-    for (const QPointF& place : kDigits) {
+    for (const QPointF& place : kDigits)
         paintBars(canvas, 8, place, canvas.color("unlit", 0.55));
-    }
     paintLampLens(canvas, false);
 }
 
@@ -222,9 +220,8 @@ void paintAxes(Canvas& canvas, ShapeArguments& arguments) {
         canvas.painter().setPen(QPen(canvas.color(lit ? "line" : "unlit"), 1));
         canvas.painter().drawEllipse(centre + QPointF(0, 8), radius, radius * 0.5);
     }
-    if (!lit) {
+    if (!lit)
         return;
-    }
     const QPointF origin = centre + QPointF(0, 8);
     paintArrow(canvas, origin, origin + QPointF(0, -42), canvas.color("axisZ"), QStringLiteral("Z"));
     paintArrow(canvas, origin, origin + QPointF(-34, 19), canvas.color("axisX"), QStringLiteral("X"));

@@ -88,13 +88,12 @@ void paintTickBox(Canvas& canvas, ShapeArguments& arguments) {
     const bool ticked = look == QLatin1String("ticked");
     const bool off = look == QLatin1String("off");
     canvas.fill(box, kRadius / 2, canvas.color(ticked ? "accent" : (off ? "key" : "well")));
-    if (ticked) {
+    if (ticked)
         canvas.glyphCentred(QStringLiteral("tick"), box, canvas.color("base"));
-    } else if (off) {
+    else if (off)
         canvas.fill(QRectF(box.center() - QPointF(3, 1), QSizeF(6, 2)), 1, canvas.color("textDim"));
-    } else {
+    else
         canvas.outline(box, kRadius / 2, canvas.color("ring"), 1.2);
-    }
 }
 
 // world X Y SCALE SPACING: the land as dots around longitude and latitude 0 at (X, Y), SCALE pixels a degree

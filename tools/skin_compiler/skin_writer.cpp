@@ -28,9 +28,9 @@ QImage quickToRead(const QImage& image) {
         for (int x = 0; x < plain.width(); ++x) {
             opaque = opaque && qAlpha(line[x]) == 255;
             if (palette.size() <= kLargestPalette && !palette.contains(line[x]))
-                palette.insert(line[x], int(palette.size()));
+                palette.insert(line[x], static_cast<int>(palette.size()));
             if (palette.size() <= kLargestPalette)
-                indices[x] = uchar(palette.value(line[x]));
+                indices[x] = static_cast<unsigned char>(palette.value(line[x]));
         }
     }
     if (palette.size() > kLargestPalette)
@@ -56,10 +56,11 @@ QByteArray icoBytes(const QImage& image) {
     QByteArray bytes;
     QDataStream stream(&bytes, QIODevice::WriteOnly);
     stream.setByteOrder(QDataStream::LittleEndian);
-    const auto edge = [](int pixels) { return static_cast<quint8>(pixels == 256 ? 0 : pixels); };
-    stream << quint16(0) << quint16(1) << quint16(1);
-    stream << edge(image.width()) << edge(image.height()) << quint8(0) << quint8(0) << quint16(1)
-           << quint16(32) << quint32(png.size()) << quint32(22);
+    const auto edge = [](int pixels) { return static_cast<std::uint8_t>(pixels == 256 ? 0 : pixels); };
+    stream << static_cast<std::uint16_t>(0) << static_cast<std::uint16_t>(1) << static_cast<std::uint16_t>(1);
+    stream << edge(image.width()) << edge(image.height()) << static_cast<std::uint8_t>(0)
+           << static_cast<std::uint8_t>(0) << static_cast<std::uint16_t>(1) << static_cast<std::uint16_t>(32)
+           << static_cast<std::uint32_t>(png.size()) << static_cast<std::uint32_t>(22);
     stream.writeRawData(png.constData(), static_cast<int>(png.size()));
     return bytes;
 }
@@ -76,9 +77,8 @@ bool writeFile(const QString& path, const QByteArray& bytes, QString& error) {
 
 QByteArray resourceList(const QStringList& paths) {
     QString list = QStringLiteral("<RCC>\n<qresource prefix=\"/\">\n");
-    for (const QString& path : paths) {
+    for (const QString& path : paths)
         list += QStringLiteral("<file>%1</file>\n").arg(path);
-    }
     return (list + QStringLiteral("</qresource>\n</RCC>\n")).toUtf8();
 }
 
@@ -97,9 +97,8 @@ QImage renderPicture(const Picture& picture, const Palette& palette, const QStri
         painter.save();
         paint ? paint(canvas, arguments) : arguments.fail(QStringLiteral("no such shape"));
         painter.restore();
-        if (!arguments.atEnd()) {
+        if (!arguments.atEnd())
             arguments.fail(QStringLiteral("too many arguments"));
-        }
         if (!arguments.error().isEmpty()) {
             error = arguments.error();
             return {};
@@ -115,16 +114,13 @@ bool writeSkin(const PictureTable& table, const QString& sourceFolder, const QDi
         const bool isIcon = picture.path.endsWith(QLatin1String(".ico"));
         for (int scale = 1; scale <= (isIcon ? 1 : 2); ++scale) {
             const QImage image = renderPicture(picture, table.palette, sourceFolder, scale, error);
-            if (image.isNull()) {
+            if (image.isNull())
                 return false;
-            }
             QString path = QStringLiteral("gfx_r/") + picture.path;
-            if (scale == 2) {
+            if (scale == 2)
                 path.replace(QLatin1String(".png"), QLatin1String("@2x.png"));
-            }
-            if (!writeFile(output.filePath(path), isIcon ? icoBytes(image) : pngBytes(image), error)) {
+            if (!writeFile(output.filePath(path), isIcon ? icoBytes(image) : pngBytes(image), error))
                 return false;
-            }
             paths << path;
         }
     }

@@ -32,12 +32,10 @@ bool hasSkinShape(const QString& text) {
 
 bool isAskedFor(const Picture& picture, const QString& name) {
     const QString own = pictureName(picture.path);
-    if (name == own || (!picture.stem.isEmpty() && name == picture.stem)) {
+    if (name == own || (!picture.stem.isEmpty() && name == picture.stem))
         return true;
-    }
-    if (!name.contains(QLatin1String("%1"))) {
+    if (!name.contains(QLatin1String("%1")))
         return false;
-    }
     QString pattern = QRegularExpression::escape(name);
     pattern.replace(QLatin1String("\\%1"), QLatin1String("\\d+"));
     return QRegularExpression(QRegularExpression::anchoredPattern(pattern)).match(own).hasMatch();
@@ -45,9 +43,8 @@ bool isAskedFor(const Picture& picture, const QString& name) {
 
 void addResourcePaths(const QString& literal, QStringList& paths) {
     static const QRegularExpression path(QStringLiteral(":/?gfx_r/[\\w%./]+"));
-    for (auto match = path.globalMatch(literal); match.hasNext();) {
+    for (auto match = path.globalMatch(literal); match.hasNext();)
         paths << pictureName(match.next().captured());
-    }
 }
 
 } // namespace
@@ -61,16 +58,14 @@ NamedPictures namedPictures(const QString& source) {
         const QRegularExpressionMatch next = match.next();
         const QString before = source.mid(previousEnd, next.capturedStart() - previousEnd);
         previousEnd = next.capturedEnd();
-        if (!next.hasCaptured(2) && !next.hasCaptured(3)) {
+        if (!next.hasCaptured(2) && !next.hasCaptured(3))
             continue;
-        }
         const QString literal = next.hasCaptured(3) ? next.captured(3) : next.captured(2);
         QStringList required;
         addResourcePaths(literal, required);
         if (required.isEmpty() &&
-            (hasSkinShape(literal) || (call.match(before).hasMatch() && !literal.isEmpty()))) {
+            (hasSkinShape(literal) || (call.match(before).hasMatch() && !literal.isEmpty())))
             required << pictureName(literal);
-        }
         named.required << required;
         named.mentioned << required << pictureName(literal);
     }
@@ -84,16 +79,14 @@ UsageReport checkUsage(const PictureTable& table, const NamedPictures& named) {
         const bool known = std::any_of(pictures.begin(), pictures.end(),
                                        [&](const Picture& picture) { return isAskedFor(picture, name); });
         // The folders of the resource paths are no pictures.
-        if (!known && !name.isEmpty() && !name.endsWith(QLatin1Char('/'))) {
+        if (!known && !name.isEmpty() && !name.endsWith(QLatin1Char('/')))
             report.missing << name;
-        }
     }
     for (const Picture& picture : pictures) {
         const bool asked = std::any_of(named.mentioned.begin(), named.mentioned.end(),
                                        [&](const QString& name) { return isAskedFor(picture, name); });
-        if (!asked && !table.askedForOutside.contains(picture.path)) {
+        if (!asked && !table.askedForOutside.contains(picture.path))
             report.unused << picture.path;
-        }
     }
     for (const QString& path : table.askedForOutside) {
         const bool known = std::any_of(pictures.begin(), pictures.end(),

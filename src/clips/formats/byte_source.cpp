@@ -21,6 +21,7 @@ ByteSource::ByteSource(QIODevice& device)
 
 qsizetype ByteSource::read(qint64 offset, std::span<char> to) {
     const auto wanted = static_cast<qint64>(to.size());
+    m_lastEnd = offset;
     if (offset < 0 || offset >= m_size || wanted > m_bytesLeft || m_readsLeft <= 0) {
         return 0;
     }
@@ -30,6 +31,7 @@ qsizetype ByteSource::read(qint64 offset, std::span<char> to) {
     }
     const qint64 got = std::max<qint64>(0, m_device.read(to.data(), std::min(wanted, m_size - offset)));
     m_bytesLeft -= got;
+    m_lastEnd = offset + got;
     return got;
 }
 

@@ -7,6 +7,7 @@
 #include <array>
 #include <optional>
 #include <span>
+#include <utility>
 
 namespace ql240::sensorfiles {
 
@@ -28,11 +29,15 @@ public:
     // Fills `to` from `offset` on and returns how many bytes there were.
     qsizetype read(qint64 offset, std::span<char> to);
 
+    // Where the last read ended; nothing where none was asked for since this was called last.
+    std::optional<qint64> takeLastEnd() { return std::exchange(m_lastEnd, std::nullopt); }
+
 private:
     QIODevice& m_device;
     qint64 m_size;
     qint64 m_bytesLeft;
     int m_readsLeft;
+    std::optional<qint64> m_lastEnd;
 };
 
 // The bytes of one range in order, through a small window. Numbers are big-endian, as in boxes.

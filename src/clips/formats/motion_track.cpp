@@ -10,7 +10,6 @@ namespace ql240::sensorfiles {
 namespace {
 
 constexpr double kStandardGravity = 9.80665; // m/s²
-constexpr double kCountsPerG = 128.0;
 constexpr double kKmhPerMetreAS = 3.6;
 
 // Whole sizes by type, header included: angles, exposure, turning rates, acceleration, position of the

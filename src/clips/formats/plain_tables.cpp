@@ -14,7 +14,7 @@ namespace {
 constexpr qint64 kAccelerationStepMs = 200;
 // Up to the first behind the time that anybody asks for.
 constexpr qint64 kAccelerations = limits::kSensorTrackMs / kAccelerationStepMs + 2;
-constexpr double kCountsPerUnit = 128.0 / 16.0;
+constexpr double kCountsPerUnit = kCountsPerG / 16.0;
 
 SecondRecord readPosition(std::span<const char> bytes) {
     const auto part = [&](size_t offset) { return static_cast<quint8>(bytes[offset]); };

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "clips/formats/sensor_formats.h"
+#include "platform/logging.h"
 
 namespace ql240 {
 
@@ -18,14 +19,18 @@ SensorLibrary::Handle SensorFileLibrary::getInformationData(const char* path) {
     QFile file(name);
     // Only a regular file: anything else may block or never end.
     if (!QFileInfo(name).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+        qCWarning(lcSensors) << name << "doesn't open:" << file.errorString();
         return 0;
     }
+    qCDebug(lcSensors) << "reading" << name;
     return readClip(file);
 }
 
 SensorLibrary::Handle SensorFileLibrary::readClip(QIODevice& device) {
     ByteSource source(device);
     const ClipLayout clip = readClipLayout(source);
+    qCDebug(lcSensors) << clip.tracks.size() << "tracks," << clip.freeBoxes.size() << "free boxes in"
+                       << source.size() << "bytes";
     m_records = readSensorRecords(source, clip);
     m_createdAt =
         clip.createdAt ? QDateTime::fromSecsSinceEpoch(*clip.createdAt, QTimeZone::utc()) : QDateTime();

@@ -8,8 +8,11 @@
 #include <vector>
 
 #include "platform/limits.h"
+#include "platform/sensor_library.h"
 
 namespace ql240::sensorfiles {
+
+inline constexpr double kCountsPerG = SensorLibrary::kCountsPerG;
 
 struct Position {
     qint32 latitude = 0; // north positive; both 0 without a fix

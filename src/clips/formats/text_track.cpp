@@ -11,7 +11,6 @@
 namespace ql240::sensorfiles {
 namespace {
 
-constexpr double kCountsPerG = 128.0;
 constexpr QByteArrayView kSensorWord("gsensori,");
 
 bool endsLine(char c) {

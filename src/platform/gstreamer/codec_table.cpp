@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <memory>
 #include <span>
+
+#include "platform/logging.h"
 
 namespace ql240::gstreamer {
 
@@ -44,6 +47,12 @@ bool matches(const Codec& codec, const GstStructure* stream) {
            (gst_structure_get_int(stream, "mpegversion", &version) && version == codec.mpegVersion);
 }
 
+// As GStreamer writes them.
+QString textOf(const GstCaps* caps) {
+    const std::unique_ptr<gchar, decltype(&g_free)> text(gst_caps_to_string(caps), g_free);
+    return QString::fromUtf8(text.get());
+}
+
 } // namespace
 
 std::optional<std::vector<const char*>> decoderChain(StreamKind kind, const GstCaps* caps) {
@@ -53,10 +62,13 @@ std::optional<std::vector<const char*>> decoderChain(StreamKind kind, const GstC
     const auto codecs = kind == StreamKind::Pictures ? std::span<const Codec>(kPictureCodecs) : kSoundCodecs;
     const auto codec = std::find_if(codecs.begin(), codecs.end(),
                                     [stream](const Codec& known) { return matches(known, stream); });
-    if (codec == codecs.end())
+    if (codec == codecs.end()) {
+        qCWarning(lcMedia) << "no decoder for" << textOf(caps);
         return std::nullopt;
+    }
     std::vector<const char*> chain(codec->factories.begin(), codec->factories.end());
     chain.erase(std::remove(chain.begin(), chain.end(), nullptr), chain.end());
+    qCDebug(lcMedia) << "decoder of" << textOf(caps) << chain;
     return chain;
 }
 

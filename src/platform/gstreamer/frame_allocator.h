@@ -9,6 +9,6 @@
 
 namespace ql240::gstreamer {
 
-Handle<GstAllocator> newFrameAllocator();
+[[nodiscard]] Handle<GstAllocator> newFrameAllocator();
 
 } // namespace ql240::gstreamer

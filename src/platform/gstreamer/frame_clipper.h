@@ -38,7 +38,7 @@ public:
     // lock, under which finishMove lets the other one come; the pipeline settles behind that. No lock: the
     // picture shows `ns` already.
     bool canMoveTo(GstClockTime ns);
-    std::unique_lock<std::mutex> beginMove(GstClockTime ns);
+    [[nodiscard]] std::unique_lock<std::mutex> beginMove(GstClockTime ns);
     void finishMove();
     // Since the last seek: the stream isn't in step with the others any more.
     bool hasMoved() const { return m_hasMoved; }

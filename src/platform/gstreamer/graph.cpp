@@ -9,6 +9,7 @@
 
 #include "platform/gstreamer/audio_filters.h"
 #include "platform/gstreamer/c_border.h"
+#include "platform/gstreamer/gst_log.h"
 #include "platform/gstreamer/source_filters.h"
 #include "platform/gstreamer/video_filters.h"
 
@@ -32,6 +33,8 @@ Graph::Graph() : m_pipeline(GST_ELEMENT(gst_object_ref_sink(gst_pipeline_new(nul
 // The threads end before anything that they call goes.
 Graph::~Graph() {
     gst_bus_set_sync_handler(m_bus.get(), nullptr, nullptr, nullptr);
+    while (takeMessage()) { // for the log, which an open that failed has told nothing yet
+    }
     for (const auto& filter : m_filters) {
         if (auto* splitter = dynamic_cast<Splitter*>(filter.get()))
             splitter->letGo();
@@ -80,8 +83,8 @@ Status Graph::Render(IPin* output) {
         return kStatusInvalidPointer;
     const ComPtr<IBaseFilter> decoder(new AudioDecoder);
     const ComPtr<IBaseFilter> sound(new AudioRenderer);
-    AddFilter(decoder.get(), u"Audio Decoder");
-    AddFilter(sound.get(), u"Default DirectSound Device");
+    mayFail(AddFilter(decoder.get(), u"Audio Decoder"));
+    mayFail(AddFilter(sound.get(), u"Default DirectSound Device"));
     const Status decoded = ConnectDirect(output, asFilter(decoder).inputPin(), nullptr);
     return failed(decoded)
                ? decoded
@@ -264,13 +267,15 @@ void Graph::passToSound(GstMessage* message) const {
 }
 
 MessageHandle Graph::takeMessage() {
-    if (GstMessage* early = gst_bus_pop(m_bus.get())) // from before the first run
-        return MessageHandle(early);
-    const std::scoped_lock lock(m_messagesMutex);
-    if (m_messages.empty())
-        return nullptr;
-    MessageHandle message = std::move(m_messages.front());
-    m_messages.pop_front();
+    MessageHandle message(gst_bus_pop(m_bus.get())); // from before the first run
+    if (!message) {
+        const std::scoped_lock lock(m_messagesMutex);
+        if (m_messages.empty())
+            return nullptr;
+        message = std::move(m_messages.front());
+        m_messages.pop_front();
+    }
+    logError("clip:", message.get());
     return message;
 }
 

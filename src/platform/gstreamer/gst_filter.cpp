@@ -6,7 +6,7 @@ namespace ql240::gstreamer {
 
 namespace {
 
-constexpr Status kStatusNoMorePins = 1;
+constexpr Status kStatusNoMorePins{1};
 
 // A list of pins as it was when asked for.
 class PinList final : public ComObject<IEnumPins> {

@@ -32,26 +32,26 @@ using SampleHandle = Handle<GstSample>;
 using MessageHandle = Handle<GstMessage>;
 
 // A handle with a reference of its own to an object that somebody else holds.
-inline ElementHandle share(GstElement* element) {
+[[nodiscard]] inline ElementHandle share(GstElement* element) {
     return ElementHandle(GST_ELEMENT(gst_object_ref(element)));
 }
-inline PadHandle share(GstPad* pad) {
+[[nodiscard]] inline PadHandle share(GstPad* pad) {
     return PadHandle(GST_PAD(gst_object_ref(pad)));
 }
-inline BufferHandle share(GstBuffer* buffer) {
+[[nodiscard]] inline BufferHandle share(GstBuffer* buffer) {
     return BufferHandle(gst_buffer_ref(buffer));
 }
-inline CapsHandle share(GstCaps* caps) {
+[[nodiscard]] inline CapsHandle share(GstCaps* caps) {
     return CapsHandle(gst_caps_ref(caps));
 }
 
 // A new element that the caller owns (not floating); empty if the plugin is missing.
-inline ElementHandle makeElement(const char* factory) {
+[[nodiscard]] inline ElementHandle makeElement(const char* factory) {
     GstElement* element = gst_element_factory_make(factory, nullptr);
     return ElementHandle(element ? GST_ELEMENT(gst_object_ref_sink(element)) : nullptr);
 }
 
-inline PadHandle staticPad(GstElement* element, const char* name) {
+[[nodiscard]] inline PadHandle staticPad(GstElement* element, const char* name) {
     return PadHandle(gst_element_get_static_pad(element, name));
 }
 

@@ -26,9 +26,9 @@ std::int64_t pixelsIn(const guint8* at, const guint8* end) {
         if (!at || end - at < kFrameHeader)
             break;
         if (beginsFrame(at[1]))
-            most = std::max(most,
-                            std::int64_t(qFromBigEndian<quint16>(at + 5)) * qFromBigEndian<quint16>(at + 7));
-        const std::ptrdiff_t size = hasLength(at[1]) ? 2 + qFromBigEndian<quint16>(at + 2) : 1;
+            most = std::max(most, static_cast<std::int64_t>(qFromBigEndian<std::uint16_t>(at + 5)) *
+                                      qFromBigEndian<std::uint16_t>(at + 7));
+        const std::ptrdiff_t size = hasLength(at[1]) ? 2 + qFromBigEndian<std::uint16_t>(at + 2) : 1;
         at += std::min(size, end - at);
     }
     return most;

@@ -11,6 +11,7 @@
 #include <gst/app/gstappsrc.h>
 
 #include "platform/gstreamer/c_border.h"
+#include "platform/gstreamer/gst_log.h"
 #include "platform/limits.h"
 
 namespace ql240::gstreamer {
@@ -199,7 +200,8 @@ bool SoundOutput::Line::isBehind() const {
 GstBusSyncReply SoundOutput::Line::messagePosted(GstBus*, GstMessage* message, gpointer self) {
     auto* line = static_cast<Line*>(self);
     if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR && !line->m_hasFailed.exchange(true)) {
-        answerToC(true, [line] {
+        answerToC(true, [line, message] {
+            logError("sound:", message);
             line->ask([](Asked&) {});
             return true;
         });

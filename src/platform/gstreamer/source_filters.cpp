@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "platform/gstreamer/c_border.h"
+#include "platform/gstreamer/gst_log.h"
 #include "platform/limits.h"
 
 namespace ql240::gstreamer {
@@ -136,6 +137,8 @@ bool Splitter::waitForPads() {
         static_cast<GstMessageType>(GST_MESSAGE_APPLICATION | GST_MESSAGE_ERROR | GST_MESSAGE_EOS);
     const GstClockTime limit = static_cast<GstClockTime>(kTimeLimit.count()) * GST_MSECOND;
     const MessageHandle message(gst_bus_timed_pop_filtered(bus.get(), limit, wanted));
+    if (message)
+        logError("clip:", message.get());
     return message && GST_MESSAGE_TYPE(message.get()) == GST_MESSAGE_APPLICATION;
 }
 

@@ -1,19 +1,21 @@
 #include "platform/gstreamer/transport.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
+
+#include "platform/logging.h"
+#include "platform/waits.h"
 
 namespace ql240::gstreamer {
 
 namespace {
 
 using Answer = Streams::Answer;
-using namespace std::chrono_literals;
 
-// What never comes doesn't hold later seeks for ever. A move takes some 10 ms; one that gets stuck may still
-// arrive as a seek.
-constexpr std::chrono::milliseconds kPatience = 3s;
-constexpr std::chrono::milliseconds kPatienceWithMoves = 1s;
+double inMs(std::int64_t units) {
+    return static_cast<double>(units) / 10'000;
+}
 
 bool isOlder(std::uint32_t number, std::uint32_t than) {
     return static_cast<std::int32_t>(number - than) < 0;
@@ -50,10 +52,12 @@ bool Transport::start(const std::function<void()>& release) {
 bool Transport::applyState() {
     switch (m_streams.setRunning(m_state == GraphState::Running, !isInFlight())) {
         case Answer::Awaited:
-            if (isAtRest())
+            if (isAtRest()) {
                 m_phase = Phase::Changing;
+                m_sent.start();
+            }
             if (isInFlight())
-                m_patience.start(kPatience);
+                m_patience.start(waits::kSeek);
             return true;
         case Answer::Refused:
             end();
@@ -76,7 +80,7 @@ bool Transport::setState(GraphState state) {
         m_waiting = 0;
         if (m_phase == Phase::Ended)
             m_phase = Phase::Settled;
-    } else if (state == GraphState::Running && isPlayingElsewhere()) {
+    } else if (state == GraphState::Running && isElsewhere()) {
         m_waiting = here;
         sendWaiting();
     }
@@ -86,12 +90,23 @@ bool Transport::setState(GraphState state) {
     return accepted;
 }
 
-// Whether the streams, let go from here, would play from another point than the picture's.
-bool Transport::isPlayingElsewhere() const {
-    if (m_phase == Phase::Fetching || m_phase == Phase::Moving)
-        return true;
-    return m_phase == Phase::Stuck ||
-           (m_phase == Phase::Settled && m_current && !m_streams.areInStepAt(*m_current));
+// Whether the streams stand elsewhere than at the position, so that a seek has to bring them there: to play
+// on from the picture that is seen, or, where decoding is slower than time goes on, to see the picture of a
+// pause.
+bool Transport::isElsewhere() const {
+    switch (m_phase) {
+        case Phase::Stuck:
+        case Phase::Fetching:
+        case Phase::Moving:
+            return true;
+        case Phase::Settled:
+            return m_current && !m_streams.areInStepAt(*m_current);
+        case Phase::Changing:
+            return m_state != GraphState::Running && !m_waiting && !m_current &&
+                   m_streams.lagBehind(position());
+        default:
+            return false;
+    }
 }
 
 bool Transport::seek(std::int64_t target) {
@@ -118,10 +133,12 @@ bool Transport::sendWaiting() {
 bool Transport::sendSeek(std::int64_t target) {
     const std::int64_t here = position();
     const auto [answer, number] = m_streams.seek(target, m_rate);
-    if (answer == Answer::Refused)
+    if (answer == Answer::Refused) {
         m_last = here;
-    else
+        qCWarning(lcMedia) << "seek to" << inMs(target) << "ms refused";
+    } else {
         await(Phase::Seeking, target, number);
+    }
     return answer != Answer::Refused;
 }
 
@@ -138,22 +155,28 @@ void Transport::await(Phase phase, std::int64_t target, std::uint32_t number) {
     m_phase = phase;
     m_current = target;
     m_number = number;
-    m_patience.start(phase == Phase::Moving ? kPatienceWithMoves : kPatience);
+    m_sent.start();
+    m_patience.start(phase == Phase::Moving ? waits::kMove : waits::kSeek);
 }
 
 void Transport::arrived(std::uint32_t number) {
     if (!isInFlight() || isOlder(number, m_number))
         return;
+    report("took");
     if (m_phase == Phase::Seeking && !m_waiting && fetchLastPictures())
         return;
-    if (m_phase == Phase::Changing && isPictureLate())
+    if (m_phase == Phase::Changing && isElsewhere())
         m_waiting = position();
     settle();
 }
 
-// Decoding slower than time goes on leaves the picture behind the position that a pause holds.
-bool Transport::isPictureLate() const {
-    return m_state != GraphState::Running && !m_waiting && !m_current && m_streams.lagBehind(position());
+// One line for each state change, seek and move, once it is known what became of it.
+void Transport::report(const char* outcome) const {
+    Q_ASSERT(isInFlight());
+    constexpr std::array kNames{"state change at", "seek to", "seek for the last pictures at", "move to"};
+    const auto kind = static_cast<std::size_t>(m_phase) - static_cast<std::size_t>(Phase::Changing);
+    qCDebug(lcMedia) << kNames[kind] << inMs(m_current.value_or(m_last)) << "ms" << outcome
+                     << m_sent.elapsed() << "ms";
 }
 
 // A picture stream that ends before the clip does keeps its last picture on screen: that comes from there,
@@ -175,6 +198,7 @@ void Transport::settle(Phase phase) {
 
 // What a move doesn't bring, a seek does.
 void Transport::giveUp() {
+    report("given up after");
     if (m_phase == Phase::Moving && !m_waiting)
         m_waiting = m_current;
     if (m_waiting)
@@ -224,6 +248,7 @@ void Transport::ended(std::uint32_t number) {
 
 // The end of the streams, or an error after a good open: the clip is over.
 void Transport::end() {
+    qCDebug(lcMedia) << "the clip is over";
     m_patience.stop();
     m_current.reset();
     m_last = m_duration;

@@ -3,9 +3,9 @@
 // that waits. Interface thread; times in units of 100 ns.
 #pragma once
 
+#include <QElapsedTimer>
 #include <QTimer>
 
-#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -56,8 +56,7 @@ private:
     bool isAtRest() const { return m_phase == Phase::Settled || m_phase == Phase::Stuck; }
     bool isInFlight() const { return m_phase >= Phase::Changing && m_phase <= Phase::Moving; }
     bool isUnderWay() const { return m_phase >= Phase::Seeking && m_phase <= Phase::Moving; }
-    bool isPlayingElsewhere() const;
-    bool isPictureLate() const;
+    bool isElsewhere() const;
     bool applyState();
     bool sendSeek(std::int64_t target);
     bool move(std::int64_t target);
@@ -67,6 +66,7 @@ private:
     bool fetchLastPictures();
     void end();
     std::int64_t clamped(std::int64_t target) const;
+    void report(const char* outcome) const;
 
     Streams& m_streams;
     const std::int64_t m_duration;
@@ -78,6 +78,7 @@ private:
     std::optional<std::int64_t> m_waiting; // for what is in flight
     mutable std::int64_t m_last = 0;       // for when the streams don't know
     QTimer m_patience;                     // for what is in flight
+    QElapsedTimer m_sent;                  // when that was sent
 };
 
 } // namespace ql240::gstreamer

@@ -1,55 +1,33 @@
 #include "platform/linux/desktop_inhibitor.h"
 
 #include <QDBusConnection>
-#include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusUnixFileDescriptor>
-#include <QFile>
 #include <QPointer>
 #include <array>
+
+#include "platform/linux/message_bus.h"
+#include "platform/logging.h"
 
 namespace ql240 {
 namespace {
 
-struct Service {
-    const char* name;
-    const char* path;
-    const char* interface;
-};
+constexpr BusService kScreenSaver{"org.freedesktop.ScreenSaver", "/org/freedesktop/ScreenSaver",
+                                  "org.freedesktop.ScreenSaver"};
+constexpr BusService kPowerManagement{"org.freedesktop.PowerManagement",
+                                      "/org/freedesktop/PowerManagement/Inhibit",
+                                      "org.freedesktop.PowerManagement.Inhibit"};
+constexpr BusService kLogin{"org.freedesktop.login1", "/org/freedesktop/login1",
+                            "org.freedesktop.login1.Manager"};
 
-constexpr Service kBus{"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus"};
-constexpr Service kScreenSaver{"org.freedesktop.ScreenSaver", "/org/freedesktop/ScreenSaver",
-                               "org.freedesktop.ScreenSaver"};
-constexpr Service kPowerManagement{"org.freedesktop.PowerManagement",
-                                   "/org/freedesktop/PowerManagement/Inhibit",
-                                   "org.freedesktop.PowerManagement.Inhibit"};
-constexpr Service kLogin{"org.freedesktop.login1", "/org/freedesktop/login1",
-                         "org.freedesktop.login1.Manager"};
-
-QDBusMessage call(const Service& service, const char* method, const QVariantList& arguments = {}) {
-    QDBusMessage message =
-        QDBusMessage::createMethodCall(QLatin1String(service.name), QLatin1String(service.path),
-                                       QLatin1String(service.interface), QLatin1String(method));
+// Starts no service that doesn't run.
+QDBusMessage call(const BusService& service, const char* method, const QVariantList& arguments) {
+    QDBusMessage message = busCall(service, method, arguments);
     message.setAutoStartService(false);
-    message.setArguments(arguments);
     return message;
 }
 
-QString sessionBusAddress() {
-    const QString given = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
-    const QString usual = qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/bus");
-    if (!given.isEmpty() || !QFile::exists(usual))
-        return given;
-    return QStringLiteral("unix:path=") + usual;
-}
-
-QString systemBusAddress() {
-    const QString given = qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS");
-    return given.isEmpty() ? QStringLiteral("unix:path=/var/run/dbus/system_bus_socket") : given;
-}
-
-// A connection that nothing waits for: opened as to a peer, since joining a bus in the usual way blocks until
-// the bus answers.
+// A connection that nothing waits for.
 QDBusConnection joinedBus(const QString& address, const QString& name) {
     QDBusConnection bus(name);
     if (bus.isConnected() || address.isEmpty())
@@ -57,14 +35,14 @@ QDBusConnection joinedBus(const QString& address, const QString& name) {
     QDBusConnection::disconnectFromPeer(name);
     bus = QDBusConnection::connectToPeer(address, name);
     if (bus.isConnected())
-        bus.asyncCall(call(kBus, "Hello"));
+        bus.asyncCall(busHello());
     return bus;
 }
 
 // One request to one service. Deletes itself once it is let go and the service has answered.
 class Inhibition : public QObject {
 public:
-    Inhibition(const QDBusConnection& bus, const Service& service, const QVariantList& arguments)
+    Inhibition(const QDBusConnection& bus, const BusService& service, const QVariantList& arguments)
         : m_bus(bus), m_service(service) {
         auto* answer = new QDBusPendingCallWatcher(bus.asyncCall(call(service, "Inhibit", arguments)), this);
         connect(answer, &QDBusPendingCallWatcher::finished, this, &Inhibition::take);
@@ -82,6 +60,7 @@ private:
         const QDBusMessage reply = answer->reply();
         if (reply.type() == QDBusMessage::ReplyMessage)
             m_held = reply.arguments().value(0);
+        qCDebug(lcDesktop) << m_service.name << "to staying awake:" << reply.errorMessage() << m_held;
         if (!m_wanted)
             end();
     }
@@ -94,7 +73,7 @@ private:
     }
 
     QDBusConnection m_bus;
-    const Service& m_service;
+    const BusService& m_service;
     QVariant m_held;
     bool m_wanted = true;
     bool m_answered = false;
@@ -120,7 +99,7 @@ public:
     Q_DISABLE_COPY_MOVE(Hold)
 
 private:
-    static Inhibition* ask(const QDBusConnection& bus, const Service& service,
+    static Inhibition* ask(const QDBusConnection& bus, const BusService& service,
                            const QVariantList& arguments) {
         return bus.isConnected() ? new Inhibition(bus, service, arguments) : nullptr;
     }

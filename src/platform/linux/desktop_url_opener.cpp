@@ -3,13 +3,17 @@
 #include <QDesktopServices>
 #include <QUrl>
 
+#include "platform/logging.h"
+
 namespace ql240 {
 
 bool DesktopUrlOpener::openUrl(const QString& address) {
     // Anything else the desktop would hand to some other program.
     const QUrl url(address, QUrl::StrictMode);
     const bool isWeb = url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
-    return isWeb && !url.host().isEmpty() && QDesktopServices::openUrl(url);
+    const bool opened = isWeb && !url.host().isEmpty() && QDesktopServices::openUrl(url);
+    qCDebug(lcDesktop) << (opened ? "opened" : "didn't open") << address;
+    return opened;
 }
 
 } // namespace ql240

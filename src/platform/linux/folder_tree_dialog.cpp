@@ -9,9 +9,9 @@
 #include <QStyle>
 #include <QTreeWidget>
 #include <QVBoxLayout>
-#include <chrono>
 #include <memory>
 
+#include "platform/waits.h"
 #include "widgets/plain_text.h"
 
 namespace ql240 {
@@ -20,10 +20,6 @@ namespace {
 constexpr int kPathRole = Qt::UserRole;
 constexpr int kReadRole = Qt::UserRole + 1;
 constexpr QSize kSize(560, 480);
-
-// What answers at once is waited for, so that nothing flickers.
-using namespace std::chrono_literals;
-constexpr auto kPatience = 15ms;
 
 using Places = QList<std::pair<QString, QString>>; // names and paths
 
@@ -128,7 +124,7 @@ void FolderTreeDialog::addPlaces() {
                         for (const auto& [name, path] : *volumes)
                             addPlace(row++, name, path);
                     });
-    m_readers.wait(kPatience);
+    m_readers.wait(waits::kTreeFolder);
 }
 
 void FolderTreeDialog::addPlace(int row, const QString& name, const QString& path) {
@@ -142,7 +138,7 @@ void FolderTreeDialog::readFolder(QTreeWidgetItem* item) {
     const auto names = std::make_shared<QStringList>();
     m_readers.start([names, path = pathOf(item)] { *names = foldersIn(path); },
                     [this, names, item] { fill(item, *names); });
-    m_readers.wait(kPatience);
+    m_readers.wait(waits::kTreeFolder);
 }
 
 void FolderTreeDialog::fill(QTreeWidgetItem* item, const QStringList& names) {
@@ -191,7 +187,7 @@ void FolderTreeDialog::setSelection(const QString& path) {
     m_selection.forget();
     m_selection.start([levels, way, path = pathOf(item)] { *levels = levelsOfWay(path, way); },
                       [this, levels, item, way] { select(item, way, *levels); });
-    m_selection.wait(kPatience);
+    m_selection.wait(waits::kTreeFolder);
 }
 
 void FolderTreeDialog::select(QTreeWidgetItem* item, const QStringList& way,
@@ -235,7 +231,7 @@ void FolderTreeDialog::takeTypedPath() {
     m_selection.start(
         [isFolder, typed] { *isFolder = QDir::isAbsolutePath(typed) && QFileInfo(typed).isDir(); },
         [this, isFolder, typed] { takeTypedPath(typed, *isFolder); });
-    m_selection.wait(kPatience);
+    m_selection.wait(waits::kTreeFolder);
 }
 
 // A folder becomes the selection; anything else is what the caller wants of it.

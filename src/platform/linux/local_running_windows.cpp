@@ -5,8 +5,8 @@
 #include <QStandardPaths>
 #include <QWindow>
 
-#include "platform/linux/window_socket.h"
 #include "platform/linux/x11_activation.h"
+#include "platform/logging.h"
 
 namespace ql240 {
 namespace {
@@ -33,16 +33,21 @@ QByteArray LocalRunningWindows::socketPath(const QString& title) const {
     return QFile::encodeName(m_folder + QLatin1Char('/') + name + QStringLiteral(".sock"));
 }
 
-std::unique_ptr<RunningWindow> LocalRunningWindows::findWindow(const QString& title) {
-    UniqueFd socket = WindowClient::connectTo(socketPath(title));
+std::optional<RunningWindow> LocalRunningWindows::findWindow(const QString& title) const {
+    UniqueFd socket = RunningWindow::connectTo(socketPath(title));
+    qCDebug(lcDesktop) << title << (socket.isValid() ? "runs already" : "doesn't run yet");
     if (!socket.isValid())
-        return nullptr;
-    return std::make_unique<WindowClient>(std::move(socket), m_token);
+        return std::nullopt;
+    return RunningWindow(std::move(socket), m_token);
 }
 
-std::shared_ptr<void> LocalRunningWindows::announceWindow(const QString& title, MessageHandler handler) {
+std::shared_ptr<WindowServer> LocalRunningWindows::announceWindow(const QString& title,
+                                                                  MessageHandler handler) const {
     auto server = std::make_shared<WindowServer>(socketPath(title), std::move(handler));
-    return server->isPossible() ? server : nullptr;
+    if (server->isPossible())
+        return server;
+    qCWarning(lcDesktop) << title << "can't be announced in" << m_folder;
+    return nullptr;
 }
 
 void LocalRunningWindows::activate(QWindow& window, const QByteArray& token) {

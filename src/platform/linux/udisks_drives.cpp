@@ -2,7 +2,6 @@
 
 #include <QDBusArgument>
 #include <QDBusConnection>
-#include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QFile>
 #include <QMap>
@@ -12,6 +11,9 @@
 #include <limits>
 #include <vector>
 
+#include "platform/linux/message_bus.h"
+#include "platform/logging.h"
+
 namespace ql240 {
 namespace {
 
@@ -20,32 +22,31 @@ constexpr int kNoLimit = std::numeric_limits<int>::max(); // for the bus library
 using Interfaces = QMap<QString, QVariantMap>;
 using ManagedObjects = QMap<QString, Interfaces>;
 
-// A connection of its own for each question: the shared one of the process would outlive a restarted bus. It
-// is opened as to a peer and says hello itself, since that part of joining a bus otherwise gives up after 25
-// s on a bus that accepts and then keeps silent.
+// A connection of its own for each question: the shared one of the process would outlive a restarted bus. No
+// call gives up, since the bus or the service may wake late.
 class BusConnection {
 public:
-    BusConnection() : m_name(uniqueName()), m_bus(QDBusConnection::connectToPeer(address(), m_name)) {}
+    BusConnection()
+        : m_name(uniqueName()), m_bus(QDBusConnection::connectToPeer(systemBusAddress(), m_name)) {}
     ~BusConnection() { QDBusConnection::disconnectFromPeer(m_name); }
     Q_DISABLE_COPY_MOVE(BusConnection)
 
     bool join() {
-        if (!m_bus.isConnected())
+        if (!m_bus.isConnected()) {
+            qCWarning(lcCard) << "no system bus at" << systemBusAddress();
             return false;
-        const auto hello = QDBusMessage::createMethodCall(
-            QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-            QStringLiteral("org.freedesktop.DBus"), QStringLiteral("Hello"));
-        return ask(hello).type() == QDBusMessage::ReplyMessage;
+        }
+        return ask(busHello()).type() == QDBusMessage::ReplyMessage;
     }
 
-    QDBusMessage ask(const QDBusMessage& question) { return m_bus.call(question, QDBus::Block, kNoLimit); }
+    QDBusMessage ask(const QDBusMessage& question) {
+        const QDBusMessage answer = m_bus.call(question, QDBus::Block, kNoLimit);
+        if (answer.type() == QDBusMessage::ErrorMessage)
+            qCWarning(lcCard) << question.member() << answer.errorName() << answer.errorMessage();
+        return answer;
+    }
 
 private:
-    static QString address() {
-        const QString given = qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS");
-        return given.isEmpty() ? QStringLiteral("unix:path=/var/run/dbus/system_bus_socket") : given;
-    }
-
     static QString uniqueName() {
         static std::atomic<unsigned> count = 0;
         return QStringLiteral("ql240-drives-%1").arg(++count);
@@ -148,8 +149,14 @@ QList<DriveInfo> removableVolumes(const ManagedObjects& objects) {
     std::stable_sort(volumes.begin(), volumes.end(),
                      [](const Volume& a, const Volume& b) { return a.device < b.device; });
     QList<DriveInfo> drives;
-    for (const Volume& volume : volumes)
+    qCDebug(lcCard) << "the drive service named" << objects.size() << "objects," << volumes.size()
+                    << "of them volumes of a card or stick";
+    for (const Volume& volume : volumes) {
+        qCDebug(lcCard) << QString::fromLocal8Bit(volume.device) << volume.info.drive
+                        << QString::fromLocal8Bit(volume.info.fileSystem)
+                        << QString::fromLocal8Bit(volume.info.label);
         drives.append(volume.info);
+    }
     return drives;
 }
 
@@ -159,9 +166,9 @@ QList<DriveInfo> UDisksDrives::removableDrives() {
     BusConnection bus;
     if (!bus.join())
         return {};
-    const auto question = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.UDisks2"), QStringLiteral("/org/freedesktop/UDisks2"),
-        QStringLiteral("org.freedesktop.DBus.ObjectManager"), QStringLiteral("GetManagedObjects"));
+    const QDBusMessage question =
+        busCall({"org.freedesktop.UDisks2", "/org/freedesktop/UDisks2", "org.freedesktop.DBus.ObjectManager"},
+                "GetManagedObjects");
     return removableVolumes(managedObjects(bus.ask(question)));
 }
 

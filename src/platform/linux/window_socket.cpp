@@ -7,6 +7,7 @@
 #include <sys/un.h>
 
 #include <QTimer>
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -25,7 +26,7 @@ bool makeAddress(const QByteArray& path, sockaddr_un& address) {
     address.sun_family = AF_UNIX;
     if (path.size() >= static_cast<qsizetype>(sizeof address.sun_path))
         return false;
-    std::memcpy(address.sun_path, path.constData(), static_cast<size_t>(path.size()));
+    std::memcpy(address.sun_path, path.constData(), static_cast<std::size_t>(path.size()));
     return true;
 }
 
@@ -42,7 +43,7 @@ bool belongsToUser(const UniqueFd& socket) {
 // One accepted connection: lives until its line is handled, the peer hangs up, or its time is over.
 class Client : public QObject {
 public:
-    Client(UniqueFd socket, RunningWindows::MessageHandler handler, QObject* parent)
+    Client(UniqueFd socket, MessageHandler handler, QObject* parent)
         : QObject(parent),
           m_socket(std::move(socket)),
           m_handler(std::move(handler)),
@@ -79,14 +80,14 @@ private:
     }
 
     UniqueFd m_socket;
-    RunningWindows::MessageHandler m_handler;
+    MessageHandler m_handler;
     QSocketNotifier m_notifier;
     QByteArray m_line;
 };
 
 } // namespace
 
-WindowServer::WindowServer(QByteArray path, RunningWindows::MessageHandler handler)
+WindowServer::WindowServer(QByteArray path, MessageHandler handler)
     : m_path(std::move(path)), m_handler(std::move(handler)) {
     m_retry.setInterval(kRetryMs);
     connect(&m_retry, &QTimer::timeout, this, &WindowServer::takeTurn);
@@ -134,7 +135,7 @@ void WindowServer::acceptClient() {
         new Client(std::move(client), m_handler, this);
 }
 
-UniqueFd WindowClient::connectTo(const QByteArray& path) {
+UniqueFd RunningWindow::connectTo(const QByteArray& path) {
     sockaddr_un address;
     UniqueFd socket = newSocket();
     if (!makeAddress(path, address) || !socket.isValid())
@@ -143,10 +144,11 @@ UniqueFd WindowClient::connectTo(const QByteArray& path) {
     return result == 0 && belongsToUser(socket) ? std::move(socket) : UniqueFd();
 }
 
-void WindowClient::sendMessage(int message) {
+void RunningWindow::sendMessage(int message) const {
     const QByteArray line =
         QByteArray::number(message) + ' ' + m_token.left(limits::kWindowMessageBytes / 2) + '\n';
-    if (send(m_socket.get(), line.constData(), static_cast<size_t>(line.size()), MSG_NOSIGNAL) != line.size())
+    if (send(m_socket.get(), line.constData(), static_cast<std::size_t>(line.size()), MSG_NOSIGNAL) !=
+        line.size())
         return;
     pollfd waiting{m_socket.get(), POLLIN, 0};
     poll(&waiting, 1, kAnswerWaitMs);

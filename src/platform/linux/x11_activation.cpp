@@ -35,7 +35,7 @@ xcb_window_t rootOf(xcb_connection_t* connection, xcb_window_t window) {
 
 std::uint32_t timeOfStartUpId(const QByteArray& id) {
     const qsizetype mark = id.lastIndexOf(kTimeMark);
-    return mark < 0 ? 0 : id.mid(mark + qsizetype(qstrlen(kTimeMark))).toUInt();
+    return mark < 0 ? 0 : id.mid(mark + static_cast<qsizetype>(qstrlen(kTimeMark))).toUInt();
 }
 
 void activateOnX11(const QWindow& window, std::uint32_t time) {

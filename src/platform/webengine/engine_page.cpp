@@ -4,11 +4,13 @@
 #include <QWebEngineSettings>
 #include <QWebEngineView>
 
+#include "platform/logging.h"
+
 namespace ql240 {
 
 namespace {
 
-// Keeps the page where it is: links go to the owner, new windows nowhere, script messages into silence.
+// Keeps the page where it is: links go to the owner, new windows nowhere, script messages into the log.
 class FixedPage final : public QWebEnginePage {
 public:
     FixedPage(QWebEngineProfile* profile, QObject* parent, std::function<void(const QUrl&)> linkClicked)
@@ -23,8 +25,10 @@ protected:
         return false;
     }
     QWebEnginePage* createWindow(WebWindowType) override { return nullptr; }
-    void javaScriptConsoleMessage(JavaScriptConsoleMessageLevel, const QString&, int,
-                                  const QString&) override {}
+    void javaScriptConsoleMessage(JavaScriptConsoleMessageLevel, const QString& text, int line,
+                                  const QString& source) override {
+        qCDebug(lcMap) << "script:" << text << source << line;
+    }
 
 private:
     std::function<void(const QUrl&)> m_linkClicked;
@@ -55,9 +59,15 @@ EnginePage::EnginePage(QWebEngineProfile& profile, QWidget* parent, WebPageEvent
     m_view->setContextMenuPolicy(Qt::NoContextMenu);
     m_view->setAcceptDrops(false);
     QObject::connect(page, &QWebEnginePage::loadFinished, m_view,
-                     [finished = std::move(events.loadFinished)](bool ok) { finished(ok); });
+                     [finished = std::move(events.loadFinished)](bool ok) {
+                         qCDebug(lcMap) << (ok ? "page loaded" : "page not loaded");
+                         finished(ok);
+                     });
     QObject::connect(page, &QWebEnginePage::renderProcessTerminated, m_view,
-                     [gone = std::move(events.renderProcessGone)] { gone(); });
+                     [gone = std::move(events.renderProcessGone)](auto status, int code) {
+                         qCWarning(lcMap) << "the page's process has ended:" << status << code;
+                         gone();
+                     });
 }
 
 EnginePage::~EnginePage() {

@@ -20,7 +20,8 @@ constexpr char kUserAgent[] = "QL240-Viewer/" QL240_VERSION " (Linux desktop)";
 QtMessageHandler g_forward = nullptr;
 
 // While it starts, the engine tells how it is going to draw, and that it found no graphics driver, which it
-// was told to do without. Qt 6.8's asks for one by OpenGL, then by Vulkan. The program logs nothing.
+// was told to do without. Qt 6.8's asks for one by OpenGL, then by Vulkan. What a rule has switched on
+// passes.
 bool isChatter(const QMessageLogContext& context, const QString& text) {
     constexpr std::array beginnings{
         "No suitable graphics backend found",

@@ -7,6 +7,8 @@
 #include <QWebEngineUrlRequestJob>
 #include <QWebEngineUrlScheme>
 
+#include "platform/logging.h"
+
 namespace ql240 {
 
 namespace {
@@ -51,6 +53,7 @@ void MapRequests::interceptRequest(QWebEngineUrlRequestInfo& info) {
         url.setScheme(QString::fromLatin1(MapFiles::scheme()));
         info.redirect(url);
     } else if (!ours && url.scheme() != QLatin1String("data") && !isTile(info)) {
+        qCDebug(lcMap) << "blocked" << url;
         info.block(true);
     }
 }

@@ -1,8 +1,8 @@
 #include "demo_card/scene/art.h"
 
-#include <QtCore/QFile>
-#include <QtGui/QPainter>
-#include <QtSvg/QSvgRenderer>
+#include <QFile>
+#include <QPainter>
+#include <QSvgRenderer>
 
 namespace ql240::demo {
 namespace {
@@ -71,9 +71,9 @@ CarArt carOf(const CarModel& model) {
                pictureOf(part("", "front")),
                {},
                WallCover(side.paint(), flank),
-               float(end.width()),
-               float(end.height()),
-               float(flank.width()),
+               static_cast<float>(end.width()),
+               static_cast<float>(end.height()),
+               static_cast<float>(flank.width()),
                model.cabinFromBack};
     if (model.cabinFromBack > 0)
         art.cabin = pictureOf(part(model.kind, "cabin"));
@@ -87,7 +87,7 @@ WallCover coverOf(const QString& name, float lampLight) {
     QImage wall = Drawing(name + QStringLiteral("#wall")).paint();
     QPainter painter(&wall);
     painter.fillRect(wall.rect(), QColor::fromRgbF(0, 0, 0, 0.86f * lampLight));
-    painter.setOpacity(double(lampLight));
+    painter.setOpacity(static_cast<double>(lampLight));
     drawing.render(&painter, QStringLiteral("lit"));
     painter.end();
     return {wall, drawing.metres()};
@@ -107,7 +107,7 @@ const Picture& Art::picture(const QString& name, Rgb colour) {
 }
 
 const CarArt& Art::car(CarLook look) {
-    return ensured(m_cars, look, [&] { return carOf(kModels[int(look)]); });
+    return ensured(m_cars, look, [&] { return carOf(kModels[static_cast<int>(look)]); });
 }
 
 const WallCover& Art::cover(const QString& name, float lampLight) {

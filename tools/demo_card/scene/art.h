@@ -1,8 +1,7 @@
-#pragma once
-
 // The drawings that scenes are put together from, in their own colours; the light is added when they are
 // painted. A name is a file of the folder art, or "file#part" for one element of it. Its pixels are the
 // file's units; what it leaves open (currentColor) is painted in the colour that is asked for.
+#pragma once
 
 #include <map>
 

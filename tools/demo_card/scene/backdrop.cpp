@@ -1,6 +1,7 @@
 #include "demo_card/scene/backdrop.h"
 
-#include <QtGui/QPainter>
+#include <QPainter>
+#include <algorithm>
 #include <cmath>
 
 namespace ql240::demo {
@@ -17,9 +18,9 @@ float noise2(std::uint32_t seed, float x, float y) {
     const float left = std::floor(x);
     const float low = std::floor(y);
     const auto row = [&](float at) {
-        const auto corner = std::int64_t(left) * 7919 + std::int64_t(at);
-        return std::lerp(float(hashNoise(seed, corner)), float(hashNoise(seed, corner + 7919)),
-                         smooth(0, 1, x - left));
+        const auto corner = static_cast<std::int64_t>(left) * 7919 + static_cast<std::int64_t>(at);
+        return std::lerp(static_cast<float>(hashNoise(seed, corner)),
+                         static_cast<float>(hashNoise(seed, corner + 7919)), smooth(0, 1, x - left));
     };
     return std::lerp(row(low), row(low + 1), smooth(0, 1, y - low));
 }
@@ -44,11 +45,14 @@ Backdrop::Backdrop(const World& world, Art& art, QSize size, float focal, double
     : m_focal(focal),
       m_lowest(lowestHeading),
       m_seed(world.seed * 13 + (backwards ? 5 : 0)),
-      m_picture(size.width() + int(std::ceil((highestHeading - lowestHeading) * double(focal))) + 2 * kMargin,
-                int(size.height() * 0.47) + 2 * kMargin, QImage::Format_RGB32),
+      m_picture(
+          size.width() +
+              static_cast<int>(std::ceil((highestHeading - lowestHeading) * static_cast<double>(focal))) +
+              2 * kMargin,
+          static_cast<int>(size.height() * 0.47) + 2 * kMargin, QImage::Format_RGB32),
       m_horizon(m_picture.height() - kMargin),
-      m_sun(float(m_picture.width()) * 0.36f),
-      m_unit(float(size.height())) {
+      m_sun(static_cast<float>(m_picture.width()) * 0.36f),
+      m_unit(static_cast<float>(size.height())) {
     paintSky(world.palette, !backwards);
     paintHorizon(world.palette, art);
 }
@@ -56,14 +60,15 @@ Backdrop::Backdrop(const World& world, Art& art, QSize size, float focal, double
 void Backdrop::paintSky(const Palette& p, bool withSun) {
     for (int y = 0; y < m_picture.height(); ++y) {
         auto* row = reinterpret_cast<QRgb*>(m_picture.scanLine(y));
-        const float height = std::max(0.0f, float(m_horizon - y)) / float(m_horizon);
+        const float height =
+            std::max(0.0f, static_cast<float>(m_horizon - y)) / static_cast<float>(m_horizon);
         const Rgb sky = skyAt(p, height);
         const float far = 1 / (height + 0.16f); // clouds are smaller towards the horizon
         for (int x = 0; x < m_picture.width(); ++x) {
-            const float away =
-                withSun ? std::hypot((float(x) - m_sun) / m_unit, float(m_horizon - y) / m_unit - p.sunHeight)
-                        : 9;
-            const float n = cloudNoise(m_seed, (float(x) / m_unit - 3) * far * 0.9f, far * 2.2f);
+            const float away = withSun ? std::hypot((static_cast<float>(x) - m_sun) / m_unit,
+                                                    static_cast<float>(m_horizon - y) / m_unit - p.sunHeight)
+                                       : 9;
+            const float n = cloudNoise(m_seed, (static_cast<float>(x) / m_unit - 3) * far * 0.9f, far * 2.2f);
             const float cover = smooth(0.62f - 0.3f * p.cloudiness, 0.82f - 0.25f * p.cloudiness, n) *
                                 smooth(0.02f, 0.2f, height);
             const Rgb cloud =
@@ -92,15 +97,15 @@ void Backdrop::paintHorizon(const Palette& palette, Art& art) {
 }
 
 int Backdrop::left(double heading) const {
-    return kMargin + int(std::lround((heading - m_lowest) * double(m_focal)));
+    return kMargin + static_cast<int>(std::lround((heading - m_lowest) * static_cast<double>(m_focal)));
 }
 
 float Backdrop::sunColumn(double heading) const {
-    return m_sun - float(left(heading));
+    return m_sun - static_cast<float>(left(heading));
 }
 
 void Backdrop::paint(Canvas& canvas, double heading, float horizon) const {
-    const int top = m_horizon - int(std::lround(horizon));
+    const int top = m_horizon - static_cast<int>(std::lround(horizon));
     QPainter(&canvas.image()).drawImage(0, -top, m_picture, left(heading), 0, canvas.width());
 }
 

@@ -1,7 +1,6 @@
-#pragma once
-
 // What is too far to move with the car: sky, clouds, sun, hills and skyline, painted once as a wide picture
 // that shifts with the heading.
+#pragma once
 
 #include "demo_card/scene/art.h"
 

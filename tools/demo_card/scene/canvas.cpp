@@ -1,5 +1,6 @@
 #include "demo_card/scene/canvas.h"
 
+#include <algorithm>
 #include <cmath>
 #include <tuple>
 
@@ -28,7 +29,7 @@ inline QRgb shaded(QRgb c, const FixedShade& s) {
 }
 
 inline QRgb over(QRgb top, QRgb below) {
-    const unsigned keep = 256 - unsigned(qAlpha(top));
+    const unsigned keep = 256 - static_cast<unsigned>(qAlpha(top));
     const unsigned rb = ((below & 0xff00ff) * keep >> 8) & 0xff00ff;
     const unsigned ag = ((below >> 8 & 0xff00ff) * keep) & 0xff00ff00;
     return qAlpha(top) == 255 ? top : (top + (rb | ag)) | 0xff000000;
@@ -44,7 +45,7 @@ inline QRgb blend(QRgb a, QRgb b, unsigned part) {
 
 QImage shaded(QImage picture, const FixedShade& shade) {
     auto* pixels = reinterpret_cast<QRgb*>(picture.bits());
-    std::transform(pixels, pixels + picture.sizeInBytes() / qsizetype(sizeof(QRgb)), pixels,
+    std::transform(pixels, pixels + picture.sizeInBytes() / static_cast<qsizetype>(sizeof(QRgb)), pixels,
                    [&](QRgb c) { return shaded(c, shade); });
     return picture;
 }
@@ -74,26 +75,26 @@ Canvas::Canvas(QSize size)
 
 void Canvas::span(int y, float x0, float x1, Rgb colour, float opacity) {
     x0 = std::max(x0, 0.0f);
-    x1 = std::min(x1, float(width()));
+    x1 = std::min(x1, static_cast<float>(width()));
     if (x1 <= x0 || y < 0 || y >= height())
         return;
-    QRgb* const row = m_pixels + qsizetype(y) * width();
+    QRgb* const row = m_pixels + static_cast<qsizetype>(y) * width();
     const QRgb pixel = toPixel(colour);
     const auto cover = [&](int x, float part) {
-        row[x] = blend(row[x], pixel, unsigned(part * opacity * 256)) | 0xff000000;
+        row[x] = blend(row[x], pixel, static_cast<unsigned>(part * opacity * 256)) | 0xff000000;
     };
-    const int first = int(x0);
-    const int last = int(x1);
+    const int first = static_cast<int>(x0);
+    const int last = static_cast<int>(x1);
     if (first == last)
         return cover(first, x1 - x0);
-    cover(first, float(first + 1) - x0);
+    cover(first, static_cast<float>(first + 1) - x0);
     if (opacity >= 1)
         std::fill(row + first + 1, row + last, pixel);
     else
         for (int x = first + 1; x < last; ++x)
             cover(x, 1);
     if (last < width())
-        cover(last, x1 - float(last));
+        cover(last, x1 - static_cast<float>(last));
 }
 
 struct Canvas::Column {
@@ -107,29 +108,33 @@ struct Canvas::Column {
 
 void Canvas::wallColumn(Column c) {
     const float perPixel = c.high / (c.bottom - c.top); // metres
-    const float coverHigh = float(c.cover->metres.height());
-    const float down = perPixel * float(c.cover->turned.levelFor(0).width()) / coverHigh;
-    const QImage& level = c.cover->turned.levelFor(double(std::max(down, c.texelsPerPixel)) * 0.8);
-    const int u = int(std::fmod(c.along / float(c.cover->metres.width()), 1.0f) * float(level.height()));
+    const float coverHigh = static_cast<float>(c.cover->metres.height());
+    const float down = perPixel * static_cast<float>(c.cover->turned.levelFor(0).width()) / coverHigh;
+    const QImage& level =
+        c.cover->turned.levelFor(static_cast<double>(std::max(down, c.texelsPerPixel)) * 0.8);
+    const int u = static_cast<int>(std::fmod(c.along / static_cast<float>(c.cover->metres.width()), 1.0f) *
+                                   static_cast<float>(level.height()));
     const auto* texels = reinterpret_cast<const QRgb*>(level.constScanLine(std::min(u, level.height() - 1)));
     const int size = level.width();
-    const int first = std::max(0, int(std::floor(c.top)));
-    const int end = std::min(height(), int(std::ceil(c.bottom)));
+    const int first = std::max(0, static_cast<int>(std::floor(c.top)));
+    const int end = std::min(height(), static_cast<int>(std::ceil(c.bottom)));
     const int stride = width();
     // The cover hangs from the wall's foot, so that floors meet the ground.
     const float whole = c.high / coverHigh;
-    const float offset = (std::ceil(whole) - whole) * float(size);
-    const float step = perPixel / coverHigh * float(size);
-    float v = std::fmod(offset + std::max(0.0f, float(first) + 0.5f - c.top) * step, float(size));
-    QRgb* pixel = m_pixels + qsizetype(first) * stride + c.x;
+    const float offset = (std::ceil(whole) - whole) * static_cast<float>(size);
+    const float step = perPixel / coverHigh * static_cast<float>(size);
+    float v = std::fmod(offset + std::max(0.0f, static_cast<float>(first) + 0.5f - c.top) * step,
+                        static_cast<float>(size));
+    QRgb* pixel = m_pixels + static_cast<qsizetype>(first) * stride + c.x;
     for (int y = first; y < end; ++y, pixel += stride) {
-        QRgb colour = texels[std::min(int(v), size - 1)];
-        const float covered = std::min(c.bottom, float(y + 1)) - std::max(c.top, float(y));
+        QRgb colour = texels[std::min(static_cast<int>(v), size - 1)];
+        const float covered =
+            std::min(c.bottom, static_cast<float>(y + 1)) - std::max(c.top, static_cast<float>(y));
         if (covered < 1)
-            colour = blend(0, colour, unsigned(covered * 256));
+            colour = blend(0, colour, static_cast<unsigned>(covered * 256));
         *pixel = over(shaded(colour, c.shade), *pixel);
-        for (v += step; v >= float(size);)
-            v -= float(size);
+        for (v += step; v >= static_cast<float>(size);)
+            v -= static_cast<float>(size);
     }
 }
 
@@ -146,13 +151,14 @@ void Canvas::wall(const Projection& projection, WallEnd a, WallEnd b, float bott
     const float x0 = projection.column(a.right, a.forward);
     const float x1 = projection.column(b.right, b.forward);
     const FixedShade fixed(shade);
-    const int end = std::min(width(), int(std::ceil(x1 - 0.5f)));
-    const float texels = float(cover.turned.levelFor(0).height()) / float(cover.metres.width());
+    const int end = std::min(width(), static_cast<int>(std::ceil(x1 - 0.5f)));
+    const float texels =
+        static_cast<float>(cover.turned.levelFor(0).height()) / static_cast<float>(cover.metres.width());
     // 1 / depth and place / depth are linear over the columns.
     const float depthStep = (1 / b.forward - 1 / a.forward) / (x1 - x0);
     const float placeStep = (b.along / b.forward - a.along / a.forward) / (x1 - x0);
-    for (int x = std::max(0, int(std::ceil(x0 - 0.5f))); x < end; ++x) {
-        const float away = float(x) + 0.5f - x0;
+    for (int x = std::max(0, static_cast<int>(std::ceil(x0 - 0.5f))); x < end; ++x) {
+        const float away = static_cast<float>(x) + 0.5f - x0;
         const float depth = 1 / (1 / a.forward + depthStep * away);
         const float along = (a.along / a.forward + placeStep * away) * depth;
         const float step = std::abs(placeStep - along * depthStep) * depth * texels;

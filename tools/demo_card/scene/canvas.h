@@ -1,11 +1,10 @@
-#pragma once
-
 // The picture that a scene is painted into, and the few operations that do the painting: level spans for the
 // ground, upright walls in perspective, scaled pictures. All clip to the picture. One canvas a thread.
+#pragma once
 
-#include <QtCore/QRectF>
-#include <QtGui/QImage>
-#include <QtGui/QPainter>
+#include <QImage>
+#include <QPainter>
+#include <QRectF>
 
 #include "demo_card/scene/rgb.h"
 
@@ -16,7 +15,7 @@ class Mipmap {
 public:
     explicit Mipmap(const QImage& picture);
 
-    double aspect() const { return double(m_levels[0].width()) / m_levels[0].height(); }
+    double aspect() const { return static_cast<double>(m_levels[0].width()) / m_levels[0].height(); }
     // The version in which a pixel of the screen takes at most about one pixel, if there is one that large.
     const QImage& levelFor(double pixelsPerPixel) const;
 

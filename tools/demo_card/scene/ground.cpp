@@ -1,5 +1,6 @@
 #include "demo_card/scene/ground.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace ql240::demo {
@@ -15,7 +16,7 @@ float dashCover(double from, double to, double period, double on) {
         const double whole = std::floor(at / period);
         return whole * on + std::min(at - whole * period, on);
     };
-    return float((covered(to) - covered(from)) / (to - from));
+    return static_cast<float>((covered(to) - covered(from)) / (to - from));
 }
 
 // One line of the picture and the strip of a level surface that it shows.
@@ -36,15 +37,15 @@ struct Row {
 
 Row rowAt(const RoadView& view, int y, float height = 0) {
     const Projection& p = view.projection();
-    const float away = std::abs(float(y) + 0.5f - p.horizon);
+    const float away = std::abs(static_cast<float>(y) + 0.5f - p.horizon);
     const auto depthAt = [&](float rows) {
         return p.focal * std::abs(p.eye - height) / std::max(rows, 0.15f);
     };
     const float depth = depthAt(away);
     const RoadView::Node node = view.nodeAtDepth(depth);
     const float half = std::min((depthAt(away - 0.5f) - depthAt(away + 0.5f)) / 2 / node.cosine, 40.0f);
-    const auto [from, to] =
-        std::minmax({view.placeOf(double(node.ahead - half)), view.placeOf(double(node.ahead + half))});
+    const auto [from, to] = std::minmax({view.placeOf(static_cast<double>(node.ahead - half)),
+                                         view.placeOf(static_cast<double>(node.ahead + half))});
     return {y, depth, from, to, view.viewSide(p.focal / (depth * node.cosine)), p.column(node.right, depth)};
 }
 
@@ -58,9 +59,9 @@ void paintMarks(Canvas& canvas, const Marks& marks, const Row& row, const Shade&
                             : mark.shape == GroundMark::Shape::Tip   ? 1 - part
                                                                      : 1;
         const float middle = (mark.left + mark.right) / 2;
-        const float half = (mark.right - mark.left) / 2 * float(wide);
+        const float half = (mark.right - mark.left) / 2 * static_cast<float>(wide);
         row.fill(canvas, middle - half, middle + half, shade(mark.colour),
-                 mark.opacity * float(both / (row.to - row.from)));
+                 mark.opacity * static_cast<float>(both / (row.to - row.from)));
     }
 }
 
@@ -70,17 +71,18 @@ void paintWater(Canvas& canvas, const Palette& palette, const Row& row, double t
     row.fill(canvas, -1e4f, -12.6f, mix(palette.skyLow * 0.86f, palette.skyTop, 0.25f + 0.6f * near));
     const float bank = row.column(-12.6f);
     for (int i = 0; i < 20; ++i) {
-        const auto key = (std::int64_t(row.y) * 64 + i) * 4096 + std::int64_t(time * 9) + i % 3;
+        const auto key =
+            (static_cast<std::int64_t>(row.y) * 64 + i) * 4096 + static_cast<std::int64_t>(time * 9) + i % 3;
         const double spread = (hashNoise(31, key) + hashNoise(32, key) - 1) * (40 + row.y % 400);
-        const float x = sunColumn + float(spread);
-        const float end = x + 3 + 14 * near * float(hashNoise(34, key));
+        const float x = sunColumn + static_cast<float>(spread);
+        const float end = x + 3 + 14 * near * static_cast<float>(hashNoise(34, key));
         if (row.perMetre > 0 ? end < bank : x > bank)
             canvas.span(row.y, x, end, palette.sun, 0.7f);
     }
 }
 
 void paintRow(Canvas& canvas, const World& world, const Marks& marks, const Row& row) {
-    const Shade shade = world.shadeAt(row.place(), double(row.depth));
+    const Shade shade = world.shadeAt(row.place(), static_cast<double>(row.depth));
     const float bands = 0.95f + 0.10f * dashCover(row.from, row.to, 14, 7);
     constexpr float far = 1e4f;
     row.fill(canvas, -far, 0, shade(world.leftGround * bands));
@@ -105,7 +107,8 @@ void paintGround(Canvas& canvas, const World& world, const RoadView& view, doubl
     Marks visible;
     std::copy_if(world.marks.begin(), world.marks.end(), std::back_inserter(visible),
                  [from = from, to = to](const GroundMark& mark) { return mark.to > from && mark.from < to; });
-    for (int y = std::max(0, int(std::floor(view.projection().horizon))); y < canvas.height(); ++y) {
+    for (int y = std::max(0, static_cast<int>(std::floor(view.projection().horizon))); y < canvas.height();
+         ++y) {
         const Row row = rowAt(view, y);
         paintRow(canvas, world, visible, row);
         if (world.waterLeft)
@@ -120,10 +123,10 @@ void paintCeiling(Canvas& canvas, const World& world, const RoadView& view, doub
     const auto rowOf = [&](double ahead) {
         return p.row(tunnel.height, std::max(view.nodeAt(ahead).forward, 0.4f));
     };
-    const int end = std::min(canvas.height(), int(std::ceil(rowOf(farAhead))));
-    for (int y = std::max(0, int(std::floor(rowOf(nearAhead)))); y < end; ++y) {
+    const int end = std::min(canvas.height(), static_cast<int>(std::ceil(rowOf(farAhead))));
+    for (int y = std::max(0, static_cast<int>(std::floor(rowOf(nearAhead)))); y < end; ++y) {
         const Row row = rowAt(view, y, tunnel.height);
-        const Shade shade = world.shadeAt(row.place(), double(row.depth));
+        const Shade shade = world.shadeAt(row.place(), static_cast<double>(row.depth));
         row.fill(canvas, tunnel.left, tunnel.right, shade(hex(0x8c877c)));
         for (float part : {0.25f, 0.75f}) {
             const float lamp = tunnel.left + (tunnel.right - tunnel.left) * part;

@@ -1,6 +1,5 @@
-#pragma once
-
 // Paints everything that lies flat: the road with its markings, what is beside it, and a tunnel's ceiling.
+#pragma once
 
 #include "demo_card/scene/road_view.h"
 #include "demo_card/scene/world.h"

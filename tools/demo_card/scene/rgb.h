@@ -1,8 +1,7 @@
+// Colours as light intensities: 0 … 1, more is overexposed.
 #pragma once
 
-// Colours as light intensities: 0 … 1, more is overexposed.
-
-#include <QtGui/QColor>
+#include <QColor>
 #include <algorithm>
 
 namespace ql240::demo {
@@ -12,7 +11,8 @@ struct Rgb {
 };
 
 constexpr Rgb hex(unsigned rrggbb) {
-    return {float(rrggbb >> 16 & 255) / 255, float(rrggbb >> 8 & 255) / 255, float(rrggbb & 255) / 255};
+    return {static_cast<float>(rrggbb >> 16 & 255) / 255, static_cast<float>(rrggbb >> 8 & 255) / 255,
+            static_cast<float>(rrggbb & 255) / 255};
 }
 
 constexpr Rgb operator+(Rgb a, Rgb b) {
@@ -32,7 +32,9 @@ constexpr Rgb mix(Rgb a, Rgb b, float part) {
 }
 
 inline QRgb toPixel(Rgb c) {
-    const auto byte = [](float level) { return int(std::clamp(level, 0.0f, 1.0f) * 255 + 0.5f); };
+    const auto byte = [](float level) {
+        return static_cast<int>(std::clamp(level, 0.0f, 1.0f) * 255 + 0.5f);
+    };
     return qRgb(byte(c.r), byte(c.g), byte(c.b));
 }
 

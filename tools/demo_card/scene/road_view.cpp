@@ -20,31 +20,33 @@ RoadView::Node between(const RoadView::Node& a, const RoadView::Node& b, float p
 
 RoadView::RoadView(const Drive& drive, const DriveState& state, QSize size, bool backwards)
     : m_place(state.distance), m_backwards(backwards) {
-    const float focal = float(size.width()) * 0.62f;
+    const float focal = static_cast<float>(size.width()) * 0.62f;
     const double nose = backwards ? -state.pitch : state.pitch;
-    m_projection = {focal, float(size.width()) / 2, float(size.height() * 0.47 + nose * double(focal)),
-                    kEyeHeight + float(state.heave)};
+    m_projection = {focal, static_cast<float>(size.width()) / 2,
+                    static_cast<float>(size.height() * 0.47 + nose * static_cast<double>(focal)),
+                    kEyeHeight + static_cast<float>(state.heave)};
     double angle = -state.yaw;
     double right = backwards ? state.lane : -state.lane;
     double forward = 0;
     for (int i = 0; i < kNodes; ++i) {
-        const double ahead = i * double(kStep);
-        if (std::cos(angle) < double(kSharpest))
+        const double ahead = i * static_cast<double>(kStep);
+        if (std::cos(angle) < static_cast<double>(kSharpest))
             break;
-        m_nodes.append(
-            {float(ahead), float(right), float(forward), float(std::sin(angle)), float(std::cos(angle))});
-        const double bend = drive.plan().curvature(placeOf(ahead + double(kStep) / 2));
-        const double turn = (backwards ? -bend : bend) * double(kStep);
-        right += std::sin(angle + turn / 2) * double(kStep);
-        forward += std::cos(angle + turn / 2) * double(kStep);
+        m_nodes.append({static_cast<float>(ahead), static_cast<float>(right), static_cast<float>(forward),
+                        static_cast<float>(std::sin(angle)), static_cast<float>(std::cos(angle))});
+        const double bend = drive.plan().curvature(placeOf(ahead + static_cast<double>(kStep) / 2));
+        const double turn = (backwards ? -bend : bend) * static_cast<double>(kStep);
+        right += std::sin(angle + turn / 2) * static_cast<double>(kStep);
+        forward += std::cos(angle + turn / 2) * static_cast<double>(kStep);
         angle += turn;
     }
 }
 
 RoadView::Node RoadView::nodeAt(double ahead) const {
-    const double index = std::clamp(ahead / double(kStep), 0.0, double(m_nodes.size() - 1) - 1e-6);
-    const auto i = qsizetype(index);
-    return between(m_nodes[i], m_nodes[i + 1], float(index - double(i)));
+    const double index =
+        std::clamp(ahead / static_cast<double>(kStep), 0.0, static_cast<double>(m_nodes.size() - 1) - 1e-6);
+    const auto i = static_cast<qsizetype>(index);
+    return between(m_nodes[i], m_nodes[i + 1], static_cast<float>(index - static_cast<double>(i)));
 }
 
 RoadView::Node RoadView::nodeAtDepth(float forward) const {

@@ -1,11 +1,10 @@
-#pragma once
-
 // Where the road lies in a camera's picture at one moment: the camera, and the road's middle as a chain of
 // nodes in camera space. "Ahead" is the distance along the road in the direction of the view, "side" the
 // distance right of the road's middle as seen; for the rear camera both run against the drive.
+#pragma once
 
-#include <QtCore/QList>
-#include <QtCore/QSize>
+#include <QList>
+#include <QSize>
 #include <algorithm>
 
 #include "demo_card/drive.h"

@@ -1,5 +1,6 @@
 #include "demo_card/scene/scene.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace ql240::demo {
@@ -31,7 +32,7 @@ QImage& Scene::paint(double time) {
     gatherThings(time);
     const auto& nodes = m_view->nodes();
     for (qsizetype i = nodes.size() - 2; i >= 0; --i)
-        paintSegment(double(nodes[i].ahead), double(nodes[i + 1].ahead));
+        paintSegment(static_cast<double>(nodes[i].ahead), static_cast<double>(nodes[i + 1].ahead));
     paintCockpit(state);
     return m_canvas.image();
 }
@@ -54,7 +55,7 @@ void Scene::gatherThings(double time) {
         const double place = vehicle.place(time) + (vehicle.relative ? m_drive.at(time).distance : 0);
         if (vehicle.oncoming && m_world.inTunnel(place))
             continue; // in the other tube
-        const double length = double(m_art.car(vehicle.look).length);
+        const double length = static_cast<double>(m_art.car(vehicle.look).length);
         add(m_view->aheadOf(m_backwards ? place + length : place), length,
             [=, this, &vehicle] { paintVehicle(vehicle, place, time); });
     }
@@ -81,7 +82,7 @@ void Scene::paintWall(const Wall& wall, double nearAhead, double farAhead) {
     const double from = std::max(nearAhead, wallNear);
     const auto end = [&](double ahead, float side, double along) {
         const RoadView::Spot spot = m_view->spot(ahead, m_view->viewSide(side));
-        return WallEnd{spot.right, spot.forward, float(along)};
+        return WallEnd{spot.right, spot.forward, static_cast<float>(along)};
     };
     const auto paint = [&](const WallEnd& a, const WallEnd& b, float light) {
         Shade shade = m_world.shadeAt(m_view->placeOf(from), from);
@@ -96,7 +97,7 @@ void Scene::paintWall(const Wall& wall, double nearAhead, double farAhead) {
     paint(along(from), along(std::min(farAhead, wallFar)), 1);
     if (wall.depth != 0 && wallNear >= nearAhead && wallNear < farAhead) // looks away from the street's light
         paint(end(wallNear, wall.side, 0),
-              end(wallNear, wall.side + wall.depth, double(std::abs(wall.depth))), 0.82f);
+              end(wallNear, wall.side + wall.depth, static_cast<double>(std::abs(wall.depth))), 0.82f);
 }
 
 // The own headlights on the road.
@@ -105,8 +106,8 @@ void Scene::paintBeams() {
     const Rgb light = kBeam * kAsphalt * (0.7f * m_world.palette.lampLight);
     if (m_beams)
         m_canvas.picture(m_art.picture(QStringLiteral("beams")).image,
-                         QRectF(0, double(m_view->projection().horizon), wide, wide * 0.406), {light, {}, 0},
-                         false, QPainter::CompositionMode_Plus);
+                         QRectF(0, static_cast<double>(m_view->projection().horizon), wide, wide * 0.406),
+                         {light, {}, 0}, false, QPainter::CompositionMode_Plus);
 }
 
 // The bonnet, or the rear window's frame.

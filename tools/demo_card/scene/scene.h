@@ -1,6 +1,5 @@
-#pragma once
-
 // One camera's pictures of a drive through a world.
+#pragma once
 
 #include <functional>
 #include <optional>

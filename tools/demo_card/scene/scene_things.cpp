@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 
 #include "demo_card/scene/scene.h"
@@ -19,7 +20,7 @@ bool within(const QList<TimeSpan>& spans, double time) {
 
 // With the own headlights on what stands ahead.
 Shade Scene::shadeAt(double place, const RoadView::Spot& spot) const {
-    Shade shade = m_world.shadeAt(place, double(spot.forward));
+    Shade shade = m_world.shadeAt(place, static_cast<double>(spot.forward));
     if (!m_beams)
         return shade;
     const float away = spot.right / (2.2f + 0.16f * spot.forward);
@@ -32,11 +33,12 @@ QRectF Scene::paintUpright(const Picture& picture, const RoadView::Spot& spot, f
                            const Shade& shade, bool mirrored) {
     const Projection& p = m_view->projection();
     const float forward = std::max(spot.forward, 0.3f);
-    const double low = double(p.row(bottom, forward));
-    const double high = double(p.row(bottom + height, forward));
+    const double low = static_cast<double>(p.row(bottom, forward));
+    const double high = static_cast<double>(p.row(bottom + height, forward));
     const double width = (low - high) * picture.image.aspect();
     const double foot = mirrored ? 1 - picture.foot : picture.foot;
-    const QRectF area(double(p.column(spot.right, forward)) - width * foot, high, width, low - high);
+    const QRectF area(static_cast<double>(p.column(spot.right, forward)) - width * foot, high, width,
+                      low - high);
     if (spot.forward > kNearest)
         m_canvas.picture(picture.image, area, shade, mirrored);
     return area;
@@ -49,8 +51,8 @@ void Scene::paintGlow(QPointF middle, double radius, Rgb colour) {
 }
 
 void Scene::paintStanding(const Standing& standing, double place, double time) {
-    const float side = m_view->viewSide(float(standing.side(time)));
-    const float moved = side - m_view->viewSide(float(standing.side(time - 0.1)));
+    const float side = m_view->viewSide(static_cast<float>(standing.side(time)));
+    const float moved = side - m_view->viewSide(static_cast<float>(standing.side(time - 0.1)));
     const bool strides = std::abs(moved) > 0.02f && std::fmod(time, 0.56) < 0.28;
     const Picture& picture =
         m_art.picture(strides ? QStringLiteral("walker#stride") : standing.drawing, standing.coat);
@@ -87,36 +89,39 @@ void Scene::paintSignal(const Signal& signal, double time) {
 void Scene::paintVehicle(const Vehicle& vehicle, double place, double time) {
     const CarArt& art = m_art.car(vehicle.look);
     const Projection& p = m_view->projection();
-    const double nearAhead = m_view->aheadOf(m_backwards ? place + double(art.length) : place);
-    const float side = m_view->viewSide(float(vehicle.side(time)));
+    const double nearAhead = m_view->aheadOf(m_backwards ? place + static_cast<double>(art.length) : place);
+    const float side = m_view->viewSide(static_cast<float>(vehicle.side(time)));
     const bool front = vehicle.oncoming != m_backwards;
     const bool braking = within(vehicle.braking, time);
     const RoadView::Spot nearest = m_view->spot(std::max(nearAhead, 0.0), side);
     const Shade shade = shadeAt(place, nearest);
     const float shadowEnd = std::max(nearest.forward - 0.5f, 1.2f);
-    const double half = double(p.focal * art.width * 0.62f / shadowEnd);
-    const double middle = double(p.column(nearest.right, shadowEnd));
-    const double low = double(p.row(0, shadowEnd));
-    const double high = double(p.row(0, std::max(nearest.forward + art.length, 2.0f)));
+    const double half = static_cast<double>(p.focal * art.width * 0.62f / shadowEnd);
+    const double middle = static_cast<double>(p.column(nearest.right, shadowEnd));
+    const double low = static_cast<double>(p.row(0, shadowEnd));
+    const double high = static_cast<double>(p.row(0, std::max(nearest.forward + art.length, 2.0f)));
     m_canvas.picture(m_art.picture(QStringLiteral("shadow")).image,
                      QRectF(middle - half, high, 2 * half, low - high), {});
     paintFlank(art, nearAhead, nearest.right > 0 ? side - art.width / 2 : side + art.width / 2, front, shade);
     if (art.cabin && nearAhead > 0)
-        paintUpright(*art.cabin, m_view->spot(nearAhead + double(front ? 1.35f : art.cabinFromBack), side), 0,
-                     art.height, shade);
-    if (nearAhead < double(kNearest))
+        paintUpright(*art.cabin,
+                     m_view->spot(nearAhead + static_cast<double>(front ? 1.35f : art.cabinFromBack), side),
+                     0, art.height, shade);
+    if (nearAhead < static_cast<double>(kNearest))
         return;
     const Picture& end = front ? art.front : braking ? art.braking : art.back;
     paintVehicleLamps(paintUpright(end, nearest, 0, art.height, shade), front, braking);
 }
 
 void Scene::paintFlank(const CarArt& art, double nearAhead, float side, bool front, const Shade& shade) {
-    const double length = double(art.length);
+    const double length = static_cast<double>(art.length);
     const auto end = [&](double ahead) {
         RoadView::Spot spot = m_view->spot(std::max(ahead, 0.0), side);
-        spot.forward += float(std::min(ahead, 0.0)); // beside the camera the road is taken as straight
+        spot.forward +=
+            static_cast<float>(std::min(ahead, 0.0)); // beside the camera the road is taken as straight
         const double fromRear = front ? nearAhead + length - ahead : ahead - nearAhead;
-        return WallEnd{spot.right, spot.forward, float(std::clamp(fromRear, 0.01, length - 0.01))};
+        return WallEnd{spot.right, spot.forward,
+                       static_cast<float>(std::clamp(fromRear, 0.01, length - 0.01))};
     };
     m_canvas.wall(m_view->projection(), end(nearAhead), end(nearAhead + length), 0, art.height, art.side,
                   shade);

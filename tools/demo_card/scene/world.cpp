@@ -1,5 +1,6 @@
 #include "demo_card/scene/world.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -28,8 +29,10 @@ void addWear(World& world, float half, Dice& dice) {
     for (double at = kBehind; at < kAhead; at += dice(9, 17))
         world.marks.append({at, at + 0.12, -half, half, kTrack * 0.75f, 0.55f});
     for (double at = kBehind; at < kAhead; at += dice(25, 60)) {
-        const float from = float(dice(-double(half), double(half) - 3));
-        world.marks.append({at, at + dice(2, 7), from, from + float(dice(1.2, 3)), kTrack * 0.86f, 0.6f});
+        const float from =
+            static_cast<float>(dice(-static_cast<double>(half), static_cast<double>(half) - 3));
+        world.marks.append(
+            {at, at + dice(2, 7), from, from + static_cast<float>(dice(1.2, 3)), kTrack * 0.86f, 0.6f});
     }
 }
 
@@ -43,17 +46,17 @@ World road(const Palette& palette, std::uint32_t seed, float lane, int lanes, Rg
     world.palette = palette;
     world.seed = seed;
     world.leftGround = world.rightGround = ground;
-    const float half = lane * float(lanes);
+    const float half = lane * static_cast<float>(lanes);
     world.stripes = {{-half - 0.2f, half + 0.2f, kKerb}, {-half, half, kAsphalt}};
     for (float s : {-1.0f, 1.0f}) {
         addLine(world, s * 0.2f, kYellow);
         addLine(world, s * (half - 0.22f), kWhite);
         for (int i = 0; i < lanes; ++i) {
-            const float middle = s * lane * (float(i) + 0.5f);
+            const float middle = s * lane * (static_cast<float>(i) + 0.5f);
             for (float wheel : {middle - 0.8f, middle + 0.8f})
                 world.stripes.append({wheel - 0.3f, wheel + 0.3f, kTrack});
             if (i > 0)
-                addLine(world, s * lane * float(i), kWhite, Stripe::Kind::Dashes);
+                addLine(world, s * lane * static_cast<float>(i), kWhite, Stripe::Kind::Dashes);
         }
     }
     addWear(world, half - 0.2f, dice);
@@ -67,8 +70,9 @@ void addTreeShadow(World& world, double at, float side, float height) {
     const float opacity = world.palette.shadows * 0.75f;
     world.marks.append({at - 0.12, at + 0.12, side, tip, dark, opacity});
     for (const auto& [shift, size] : {std::pair(-0.7, 1.5), std::pair(0.9, 1.7), std::pair(0.1, 2.3)})
-        world.marks.append({at + shift - size * 0.7, at + shift + size * 0.7, tip - float(size),
-                            tip + float(size + shift), dark, opacity, GroundMark::Shape::Ellipse});
+        world.marks.append({at + shift - size * 0.7, at + shift + size * 0.7, tip - static_cast<float>(size),
+                            tip + static_cast<float>(size + shift), dark, opacity,
+                            GroundMark::Shape::Ellipse});
 }
 
 void addTrees(World& world, float side, double every, const char* kind, Dice& dice, float base = 0) {
@@ -76,7 +80,7 @@ void addTrees(World& world, float side, double every, const char* kind, Dice& di
         for (double at = kBehind + dice(0, 4); at < kAhead; at += every * dice(0.85, 1.15)) {
             if (world.inJunction(at, 6) || world.inTunnel(at) || (world.waterLeft && s < 0))
                 continue;
-            const float high = float(dice(6.2, 8.6));
+            const float high = static_cast<float>(dice(6.2, 8.6));
             world.standing.append({QLatin1String(kind), at, s, high, base});
             if (world.palette.shadows > 0 && side < 12)
                 addTreeShadow(world, at, s, high);
@@ -106,14 +110,14 @@ void addZebra(World& world, double at, float half) {
 
 // Crossings, stop lines, and arrows before them.
 void addJunction(World& world, const TimeSpan& junction, float lane, int lanes) {
-    const float half = lane * float(lanes);
+    const float half = lane * static_cast<float>(lanes);
     addZebra(world, junction.from - 5, half);
     addZebra(world, junction.to + 1, half);
     world.marks += {{junction.from - 7.6, junction.from - 7.1, 0.2f, half, kWhite, 0.95f},
                     {junction.to + 7.1, junction.to + 7.6, -half, -0.2f, kWhite, 0.95f}};
     for (int i = 0; i < lanes; ++i)
         for (double at : {junction.from - 16, junction.from - 42}) {
-            const float middle = lane * (float(i) + 0.5f);
+            const float middle = lane * (static_cast<float>(i) + 0.5f);
             world.marks +=
                 {{at, at + 3, middle - 0.09f, middle + 0.09f, kWhite, 0.9f},
                  {at + 3, at + 5, middle - 0.42f, middle + 0.42f, kWhite, 0.9f, GroundMark::Shape::Tip}};
@@ -126,9 +130,9 @@ void addHouses(World& world, float side, Dice& dice, double lowest, double highe
     for (float s : {-1.0f, 1.0f})
         for (double at = kBehind; at < kAhead;) {
             const double length = dice(16, 38);
-            const float wall = s * (side + float(dice(0, 2.5)));
-            const QString kind = QLatin1String(kinds[int(dice(0, 5))]);
-            const float high = float(dice(lowest, highest));
+            const float wall = s * (side + static_cast<float>(dice(0, 2.5)));
+            const QString kind = QLatin1String(kinds[static_cast<int>(dice(0, 5))]);
+            const float high = static_cast<float>(dice(lowest, highest));
             if (!world.inJunction(at, 2) && !world.inJunction(at + length, 2))
                 world.walls += {{at, at + length, wall, 4.2f, high, kind, 12 * s},
                                 {at, at + length, wall, 0, 4.2f, QStringLiteral("shops"), 12 * s}};
@@ -161,17 +165,19 @@ Rgb World::lightAt(double at) const {
     for (double lamp : lamps)
         if (std::abs(at - lamp) < 27)
             pool += std::exp(-(at - lamp) * (at - lamp) / 81);
-    const Rgb light = palette.light + kSodium * (palette.lampLight * 0.62f * std::min(float(pool), 1.0f));
+    const Rgb light =
+        palette.light + kSodium * (palette.lampLight * 0.62f * std::min(static_cast<float>(pool), 1.0f));
     // The daylight reaches a few metres into a tunnel; its lamps hang every 8 m.
     const double inside = std::min(at - tunnel.from, tunnel.to - at);
-    const float depth = tunnel.to > 0 ? float(std::clamp(inside / 9 + 0.3, 0.0, 1.0)) : 0;
-    const float wave = 0.88f + 0.12f * float(std::cos(at * std::numbers::pi / 4));
+    const float depth = tunnel.to > 0 ? static_cast<float>(std::clamp(inside / 9 + 0.3, 0.0, 1.0)) : 0;
+    const float wave = 0.88f + 0.12f * static_cast<float>(std::cos(at * std::numbers::pi / 4));
     return mix(light, kSodium * (0.78f * wave), depth);
 }
 
 Shade World::shadeAt(double at, double distance) const {
     const float reach = inTunnel(at) ? palette.hazeDistance * 4 : palette.hazeDistance;
-    return {lightAt(at), palette.haze, float(1 - std::exp(-std::max(0.0, distance) / double(reach)))};
+    return {lightAt(at), palette.haze,
+            static_cast<float>(1 - std::exp(-std::max(0.0, distance) / static_cast<double>(reach)))};
 }
 
 World avenueWorld(const Palette& palette, const QList<TimeSpan>& junctions, std::uint32_t seed) {
@@ -217,8 +223,8 @@ World riverWorld(const Palette& palette, std::uint32_t seed) {
                    {kBehind, kAhead, 0, 0, 0.85f, QStringLiteral("guard-rail")},
                    {kBehind, kAhead, 13.6f, 0, 4.6f, QStringLiteral("barrier")}};
     for (double at = kBehind; at < kAhead; at += dice(48, 64))
-        world.walls.append(
-            {at, at + 32, 34 + float(dice(0, 14)), 0, float(dice(38, 52)), QStringLiteral("flats"), 11});
+        world.walls.append({at, at + 32, 34 + static_cast<float>(dice(0, 14)), 0,
+                            static_cast<float>(dice(38, 52)), QStringLiteral("flats"), 11});
     addTrees(world, 12.2f, 14, "maple", dice);
     addLamps(world, 11.2f, 36);
     addSigns(world, "post", kBehind, 12, -11.9f, 1);

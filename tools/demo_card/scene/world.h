@@ -1,10 +1,9 @@
-#pragma once
-
 // What stands and moves along a drive's road. Places are given as the distance along the road (m, from the
 // drive's start) and the side (m, right of the road's middle). Drawings are named as Art takes them.
+#pragma once
 
-#include <QtCore/QList>
-#include <QtCore/QString>
+#include <QList>
+#include <QString>
 
 #include "demo_card/drive.h"
 #include "demo_card/scene/rgb.h"
