@@ -192,7 +192,8 @@ int main(int argc, char** argv) {
     qputenv("QT_NO_GLIB", "1");
     qputenv("QT_HASH_SEED", "0");
     qputenv("ALSOFT_LOGLEVEL", "0");
-    qputenv("QT_LOGGING_RULES", "qt.qpa.*=false");
+    if (qEnvironmentVariableIsEmpty("QT_LOGGING_RULES"))
+        qputenv("QT_LOGGING_RULES", "qt.qpa.*=false");
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     QCommandLineParser parser;

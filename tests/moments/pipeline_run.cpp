@@ -63,6 +63,7 @@ private:
     Viewer viewer;
     std::vector<TestClipSpec> m_kinds;
     QString m_failure;
+    const char* m_action = "start";
     bool m_wasPlaying = true; // since the last seek or step
     int m_row = 0;
     qint64 m_positionMs = 0;
@@ -124,7 +125,7 @@ PipelineRun::PipelineRun(quint32 seed) : m_kinds(clipKinds()) {
 
 void PipelineRun::fail(const QString& what) {
     if (m_failure.isEmpty())
-        m_failure = what;
+        m_failure = QStringLiteral("%1, after \"%2\"").arg(what, QLatin1String(m_action));
 }
 
 // As the keyboard repeats it: the pictures come meanwhile.
@@ -173,9 +174,10 @@ void PipelineRun::checkPaused() {
                         .arg(shownFrame()));
     const qint64 before = viewer.player()->positionMs();
     QTest::qWait(30);
-    // A pause of the last moment may find that the clip has ended.
+    // A pause of the last moment may find that the clip has ended, and the next one follows.
+    const qint64 end = viewer.player()->durationMs();
     const qint64 now = viewer.player()->positionMs();
-    if (now != before && now != viewer.player()->durationMs())
+    if (now != before && now != end && before != end)
         fail(QStringLiteral("paused at %1, it went on").arg(before));
 }
 
@@ -215,6 +217,7 @@ QString PipelineRun::play(const std::vector<Step>& steps) {
         if (!m_failure.isEmpty())
             return m_failure;
         const PipelineAction& action = kActions[step.action];
+        m_action = action.name;
         luck.reseed(step.luck);
         m_soughtMs.reset();
         m_since.start();

@@ -39,7 +39,7 @@ struct FakeStreams final : Streams {
     bool pauseIsAwaited = false;
     std::int64_t lastPicture = -1; // where a stream has ended
     std::int64_t playedTo = 0;
-    std::int64_t lateStopBy = 0; // time goes on while they are told to stop
+    std::int64_t lateStopBy = 0; // how far time goes on while they stop
     std::int64_t picture = 1000;
     QStringList log;
     QString stood;

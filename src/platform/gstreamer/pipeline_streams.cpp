@@ -1,5 +1,7 @@
 #include "platform/gstreamer/pipeline_streams.h"
 
+#include <gst/base/gstbasesink.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -46,10 +48,32 @@ void PipelineStreams::awaitChange() const {
     gst_element_get_state(m_pipeline, nullptr, nullptr, kMoment);
 }
 
+// A sink whose thread has been let go, but hasn't woken up yet, counts as stopped when a pause follows, and
+// plays on in the paused pipeline when it does wake up. Before the pause that keeps the frame that is due,
+// behind it what a change to playing, still going on, has let go.
+void PipelineStreams::holdSinks() const {
+    const GstIteratorForeachFunction hold = [](const GValue* item, gpointer) {
+        auto* sink = static_cast<GstElement*>(g_value_get_object(item));
+        if (!GST_IS_BASE_SINK(sink))
+            return;
+        GST_BASE_SINK_PREROLL_LOCK(sink);
+        GST_BASE_SINK(sink)->need_preroll = TRUE;
+        GST_BASE_SINK_PREROLL_UNLOCK(sink);
+    };
+    GstIterator* sinks = gst_bin_iterate_sinks(GST_BIN(m_pipeline));
+    gst_iterator_foreach(sinks, hold, nullptr);
+    gst_iterator_free(sinks);
+}
+
 Streams::Answer PipelineStreams::setRunning(bool running, bool settled) {
     if (settled)
         awaitChange();
-    switch (gst_element_set_state(m_pipeline, running ? GST_STATE_PLAYING : GST_STATE_PAUSED)) {
+    if (!running)
+        holdSinks();
+    const auto change = gst_element_set_state(m_pipeline, running ? GST_STATE_PLAYING : GST_STATE_PAUSED);
+    if (!running)
+        holdSinks();
+    switch (change) {
         case GST_STATE_CHANGE_ASYNC:
             return Answer::Awaited;
         case GST_STATE_CHANGE_FAILURE:

@@ -28,6 +28,7 @@ public:
 
 private:
     void awaitChange() const;
+    void holdSinks() const;
 
     GstElement* m_pipeline;
     const Splitter& m_splitter;

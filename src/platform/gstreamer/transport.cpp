@@ -71,7 +71,8 @@ bool Transport::setState(GraphState state) {
     if (m_state == state && state != GraphState::Stopped)
         return true;
     const std::int64_t here = position();
-    if (m_state == GraphState::Running && !isInFlight()) { // time has gone on since the last seek
+    const bool wasRunning = m_state == GraphState::Running;
+    if (wasRunning && !isInFlight()) { // time has gone on since the last seek
         m_last = here;
         m_current.reset();
     }
@@ -85,9 +86,18 @@ bool Transport::setState(GraphState state) {
         sendWaiting();
     }
     const bool accepted = applyState();
-    if (accepted && state == GraphState::Paused && !m_current && m_phase != Phase::Ended)
-        m_last = std::clamp(m_streams.stoppedAt(), m_last, m_duration);
+    if (accepted && wasRunning && m_phase != Phase::Ended)
+        stand();
     return accepted;
+}
+
+// Time may have gone on since a seek whose arrival isn't known yet.
+void Transport::stand() {
+    const std::int64_t stopped = std::min(m_streams.stoppedAt(), m_duration);
+    if (m_current && stopped <= *m_current)
+        return;
+    m_last = std::max(stopped, m_current.value_or(m_last));
+    m_current.reset();
 }
 
 // Whether the streams stand elsewhere than at the position, so that a seek has to bring them there: to play
@@ -231,11 +241,9 @@ std::int64_t Transport::position() const {
         return 0;
     if (m_current && (m_state != GraphState::Running || isUnderWay()))
         return *m_current;
-    // A pause doesn't turn time back, though the picture that it holds may have begun before it.
-    const std::int64_t earliest = m_current.value_or(m_state == GraphState::Running ? 0 : m_last);
-    const auto told = isInFlight() ? std::nullopt : m_streams.position();
-    if (told)
-        m_last = std::clamp(*told, earliest, m_duration);
+    const bool goesOn = m_state == GraphState::Running && !isInFlight();
+    if (const auto told = goesOn ? m_streams.position() : std::nullopt)
+        m_last = std::clamp(*told, m_current.value_or(0), m_duration);
     else if (m_current)
         m_last = *m_current;
     return m_last;

@@ -58,6 +58,7 @@ private:
     bool isUnderWay() const { return m_phase >= Phase::Seeking && m_phase <= Phase::Moving; }
     bool isElsewhere() const;
     bool applyState();
+    void stand();
     bool sendSeek(std::int64_t target);
     bool move(std::int64_t target);
     void await(Phase phase, std::int64_t target, std::uint32_t number);
