@@ -1,5 +1,5 @@
 #!/bin/sh
-# Sets everything up where needed and starts the viewer; with an argument ("./run.sh settings") the settings tool.
+# Sets everything up as needed and starts the viewer, or with an argument ("./run.sh settings") the settings tool.
 set -eu
 cd "$(dirname "$0")"
 

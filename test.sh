@@ -1,6 +1,6 @@
 #!/bin/sh
-# Sets everything up where needed and runs every test, then all but the map's again under the address and undefined
-# behaviour sanitizers; needs no display. "./test.sh NAME" runs the tests whose names match.
+# Sets everything up as needed and runs every test, then all except the map's again under the address and undefined
+# behaviour sanitizers. Needs no display. "./test.sh NAME" runs the tests whose names match.
 set -eu
 cd "$(dirname "$0")"
 

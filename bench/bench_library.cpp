@@ -1,5 +1,5 @@
-// What listing a folder of 10,000 clips costs, against reading the directory with file sizes in the same run,
-// and how soon the window's list shows it. Prints "figure<TAB>value<TAB>limit" lines.
+// Listing a folder of 10,000 clips, against reading the directory with file sizes in the same run, and the
+// time until the window's list shows it. Prints "figure<TAB>value<TAB>limit" lines.
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -26,7 +26,7 @@ using namespace ql240;
 constexpr int kClips = 10000;
 constexpr int kRuns = 15;
 
-// In an order that has nothing to do with the names', as on a card that has been written round and round.
+// In an order unrelated to the names, as on a card that has been overwritten many times.
 bool makeClips(const QTemporaryDir& folder) {
     std::vector<int> numbers(kClips);
     std::iota(numbers.begin(), numbers.end(), 0);

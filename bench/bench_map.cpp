@@ -1,6 +1,6 @@
-// What the map costs: moving ten times a second with and without street tiles, at rest, its memory, and how
-// long its start keeps the interface thread from anything else. All processes together, as a share of one
-// core. Prints "figure<TAB>value<TAB>limit" lines. The tile server is part of this program and of the figure.
+// The cost of the map: moving ten times a second with and without street tiles, at rest, its memory, and how
+// long its start blocks the interface thread. All processes together, as a share of one core. Prints
+// "figure<TAB>value<TAB>limit" lines. The tile server is part of this program and of the figures.
 #include <unistd.h>
 
 #include <QApplication>
@@ -64,7 +64,7 @@ void runFor(int ms) {
     loop.exec();
 }
 
-// A drive at 60 km/h, straight on and around bends in turn.
+// A drive at 60 km/h, with straight stretches and bends.
 SensorTrack drive() {
     SensorTrack track;
     double latitude = 37.5665;
@@ -83,7 +83,7 @@ SensorTrack drive() {
     return track;
 }
 
-// The share of a core that all processes take while the map follows the track; none leaves it at rest.
+// The share of a core that all processes use while the map follows the track; with an empty track, at rest.
 double shareWhileMoving(MapView& map, const SensorTrack& track) {
     map.setTrack(track);
     runFor(kSettleMs);

@@ -1,4 +1,4 @@
-// What a repaint of the dashboard panel costs, against drawing one picture of its size. Prints
+// Repainting the dashboard panel, against drawing one picture of its size. Prints
 // "figure<TAB>value<TAB>limit" lines.
 #include <QApplication>
 #include <QElapsedTimer>
@@ -19,7 +19,7 @@ using namespace ql240;
 constexpr int kRounds = 41;
 constexpr int kRepaints = 50;
 
-// A clip as full as they come: 611 samples that all differ.
+// A clip with the maximum of 611 samples, all different.
 class FullLibrary : public SensorLibrary {
 public:
     Handle getInformationData(const char*) override { return 1; }

@@ -1,6 +1,5 @@
-// What reading the sensor data of a one-gigabyte clip costs: time, bytes read from the file and memory,
-// measured in a process of its own that has read a short clip before. Prints "figure<TAB>value<TAB>limit"
-// lines.
+// Reading the sensor data of a clip of one gigabyte: time, bytes read from the file and memory, measured in a
+// process that has read a short clip before. Prints "figure<TAB>value<TAB>limit" lines.
 #include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
@@ -17,7 +16,7 @@ using namespace ql240;
 constexpr qint64 kGigabyte = 1 << 30;
 constexpr int kSamples = 6000;
 
-// So many records of acceleration and position each, a hundred a second.
+// `samples` records each of acceleration and position, a hundred per second.
 madeclips::Mp4 motionClip(qint64 picture, int samples) {
     madeclips::Track track;
     track.durations = {10};
@@ -40,7 +39,7 @@ QString writeClip(const QString& path, const madeclips::Mp4& clip) {
     return path;
 }
 
-// A number of one of the kernel's tables about this process.
+// A number from one of this process's tables in /proc.
 qint64 processNumber(const char* table, QByteArrayView name) {
     QFile file(QStringLiteral("/proc/self/%1").arg(QLatin1StringView(table)));
     file.open(QIODevice::ReadOnly);

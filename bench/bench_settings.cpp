@@ -1,6 +1,6 @@
-// What opening the settings dialog costs, with a card of 26 byte files, against an empty dialog of its size.
-// The card lies behind a drives service on a bus of the benchmark's own. Prints "figure<TAB>value<TAB>limit"
-// lines; values without a limit are for reading the others.
+// Opening the settings dialog with a card of 26 byte files, against an empty dialog of its size. The card is
+// served by a drives service on a private bus. Prints "figure<TAB>value<TAB>limit" lines; values without a
+// limit help to interpret the others.
 #include <QApplication>
 #include <QDialog>
 #include <QElapsedTimer>
@@ -34,7 +34,7 @@ void print(const char* figure, double value, const char* limit = "") {
     std::printf("%s\t%.2f\t%s\n", figure, value, limit);
 }
 
-// Ends the waiting at a dialog's first paint.
+// Ends the wait at a dialog's first paint.
 class PaintWatch : public QObject {
 public:
     bool painted = false;

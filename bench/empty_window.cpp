@@ -1,4 +1,4 @@
-// The peer of start_up.py: a window of the viewer's size with nothing in it.
+// The peer of start_up.py: an empty window of the viewer's size.
 #include <QApplication>
 #include <QWidget>
 

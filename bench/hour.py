@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""What the viewer holds while it plays: memory, threads and descriptors of all its processes.
+"""What the viewer uses while it plays: memory, threads and descriptors of all its processes.
 
-usage: in_xvfb.sh hour.py VIEWER [MINUTES]     plays a list of 60 clips of one minute each, an hour unless told
+usage: in_xvfb.sh hour.py VIEWER [MINUTES]     plays a list of 60 clips of one minute each, by default for an hour
        in_xvfb.sh hour.py VIEWER 1080p         half a minute of 1080p, with the dashboard and the map
 
 Memory is the sum of the PSS over the viewer and the web engine's processes. The long run compares the medians of its
-first sixth with those of its last, by what is the processes' own: their share of the libraries grows when another
-program that uses these ends. Prints "figure<TAB>value<TAB>limit" lines.
+first and last sixth, counting only private memory: the share of common libraries grows when another program that uses
+them ends. Prints "figure<TAB>value<TAB>limit" lines.
 """
 import os, statistics, subprocess, sys, tempfile, time
 
@@ -29,7 +29,7 @@ def rmc(second):
 
 
 def positions(kind, seconds):
-    """What the camera puts into a clip for the dashboard and the map."""
+    """The sensor data of a clip, as the camera writes it."""
     if kind == "avi":
         lines = (f"12:29$1229{i // 10 % 60:02},{37.5 + i * 2e-5:.6f},{127.02 + i * 3e-5:.6f},{i // 10},{i % 90},-3,128\n"
                  for i in range(seconds * 10))
@@ -65,7 +65,7 @@ def make_list(folder):
 
 
 def processes(root):
-    """The process and everything below it."""
+    """The process and all its descendants."""
     parents = {}
     for entry in filter(str.isdigit, os.listdir("/proc")):
         try:
@@ -120,7 +120,7 @@ def open_window(title):
 
 
 def start_playing(viewer, home, card):
-    """Opens the folder as a user does: the button, then OK on the folder chosen last."""
+    """Opens the folder like a user: presses the button, then OK on the last folder."""
     os.mkdir(os.path.join(home, "QL240"))
     with open(os.path.join(home, "QL240", "local.ini"), "w") as preferences:
         preferences.write(f"[global]\nlanguage=en\n[storage]\nlastfolder={card}\n")

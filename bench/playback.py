@@ -9,7 +9,7 @@ is that of the whole process tree.
 import json, os, random, resource, socket, statistics, subprocess, sys, tempfile, time
 
 FF = "ffmpeg -loglevel error -nostdin -y -fflags +bitexact".split()
-# As a camera's encoder does it: CABAC, deblocking, a key frame a second, no B-frames.
+# Like a camera's encoder: CABAC, deblocking, a keyframe per second, no B-frames.
 X264 = "-c:v libx264 -preset veryfast -profile:v main -pix_fmt yuv420p -g 30 -keyint_min 30 -sc_threshold 0 -bf 0".split()
 SOUND = "-f lavfi -i sine=frequency=440:sample_rate=32000:duration={d}"
 AAC = "-c:a aac -b:a 64k -ac 1".split()
@@ -17,7 +17,7 @@ AAC = "-c:a aac -b:a 64k -ac 1".split()
 
 def make_clip(folder, streams, seconds=20):
     path = os.path.join(folder, f"{streams}.mp4")
-    noise = ",noise=alls=6:allf=t"  # brings the bit rate to that of a camera
+    noise = ",noise=alls=6:allf=t"  # raises the bit rate to a camera's
     pictures = [f"testsrc2=s=1920x1080:r=30:d={seconds}{noise}", f"testsrc=s=1920x1080:r=30:d={seconds}{noise}"]
     inputs = [word for p in pictures[:streams] for word in ("-f", "lavfi", "-i", p)]
     inputs += SOUND.format(d=seconds).split()
@@ -67,7 +67,7 @@ class Mpv:
         self.lines = self.socket.makefile("r")
 
     def timed(self, *command, event="playback-restart"):
-        """Milliseconds from the command to the event that tells that its picture is out."""
+        """Milliseconds from the command to the event that reports its picture."""
         start = time.perf_counter()
         self.socket.sendall((json.dumps({"command": command}) + "\n").encode())
         while json.loads(self.lines.readline()).get("event") != event:
@@ -75,7 +75,7 @@ class Mpv:
         return (time.perf_counter() - start) * 1000
 
     def stepped(self, command):
-        """Milliseconds from a frame step to the new time that is told with its picture."""
+        """Milliseconds from a frame step to the new time reported with its picture."""
         self.socket.sendall(b'{"command":["observe_property",1,"time-pos"]}\n')
         while json.loads(self.lines.readline()).get("event") != "property-change":
             pass
@@ -117,7 +117,7 @@ def open_clip(driver, mpv, clip):
 
 
 def decoding_ms(clip, *options):
-    """Milliseconds that the decoder takes for a clip's frames on two threads, with nothing before or behind it."""
+    """Milliseconds that the decoder takes for a clip's frames on two threads, with no other work."""
     command = ["ffmpeg", "-hide_banner", "-nostdin", "-benchmark", "-threads", "2", *options, "-i", clip, "-map", "0:v",
                "-f", "null", "-"]
     words = subprocess.run(command, check=True, capture_output=True, text=True).stderr.split()
@@ -125,7 +125,7 @@ def decoding_ms(clip, *options):
 
 
 def seek_floor(clip, positions, rate=30, seconds=20):
-    """Milliseconds of decoding from the key frame, one a second, to the frame of each position."""
+    """Milliseconds of decoding to the frame of each position from the keyframe before it, one per second."""
     keys = statistics.median(decoding_ms(clip, "-skip_frame", "nokey") for _ in range(5))
     every = statistics.median(decoding_ms(clip) for _ in range(5))
     key, other = keys / seconds, (every - keys) / (seconds * (rate - 1))
@@ -142,7 +142,7 @@ def seek(driver, mpv, clip, seeded):
 
 
 def step(driver, mpv, clip, seeded):
-    """Ten steps from each of six places, one way and the other; the seek to the place isn't counted."""
+    """Ten steps from each of six positions, in both directions; the seek to the position isn't counted."""
     for sign, name, command, limit in ((1, "forward", "frame-step", 1.0), (-1, "back", "frame-back-step", 0.4)):
         ours, theirs, numbers = [], [], []
         for _ in range(6):

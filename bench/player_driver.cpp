@@ -1,5 +1,5 @@
-// Drives the product's own views for the playback benchmark: plays a clip to its end, or measures how long
-// its first picture and the pictures of exact seeks take to be painted. Prints milliseconds, one a line.
+// Drives the viewer's own views for the playback benchmark: plays a clip to its end, or measures how long the
+// first picture and the pictures of exact seeks take to be painted. Prints milliseconds, one value per line.
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
@@ -22,8 +22,7 @@ namespace {
 
 constexpr int kTimeLimitMs = 20000;
 
-// Tells when a new picture has been painted: the renderer's window gets an event of its own for it, then
-// paints.
+// Notices when a new picture has been painted: the renderer's window gets an event for it and then paints.
 class PaintWatch : public QObject {
 public:
     explicit PaintWatch(VideoView& view) { view.installEventFilter(this); }
@@ -36,7 +35,7 @@ public:
         QTimer::singleShot(kTimeLimitMs, &loop, [&] { loop.exit(1); });
         const bool painted = loop.exec() == 0;
         m_done = nullptr;
-        QApplication::processEvents(); // a picture that follows close behind isn't the next one's
+        QApplication::processEvents(); // a picture right after this one must not count as the next
         return painted;
     }
 

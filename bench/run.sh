@@ -1,5 +1,5 @@
 #!/bin/sh
-# Runs every benchmark, one after the other, and writes docs/PERFORMANCE.md. Leave the machine alone meanwhile.
+# Runs every benchmark, one after the other, and writes docs/PERFORMANCE.md. Don't use the machine meanwhile.
 set -eu
 cd "$(dirname "$0")/.."
 scripts/bootstrap.sh bench

@@ -14,7 +14,7 @@ def visible(title):
 
 
 def memory_mb(pid):
-    # All that is resident: the proportional share would depend on who else has the toolkit's libraries mapped.
+    # RSS, since PSS would depend on which other processes have Qt's libraries mapped.
     with open(f"/proc/{pid}/smaps_rollup") as table:
         return next(int(line.split()[1]) for line in table if line.startswith("Rss:")) / 1024
 

@@ -1,4 +1,4 @@
-# What can be switched, and the compiler settings that hold for every target.
+# Build options, and the compiler settings for every target.
 option(QL240_BUILD_TESTS "Build the tests" ON)
 option(QL240_BUILD_BENCHMARKS "Build the benchmarks" ON)
 option(QL240_WEB_ENGINE "Build the map module, which needs Qt WebEngine" ON)
@@ -21,11 +21,11 @@ if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
 endif()
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Woverloaded-virtual)
-# Some of the product's arithmetic is fixed to the last bit: no contraction, no re-association.
+# Parts of the arithmetic are defined to the last bit: no contraction to fused multiply-add.
 add_compile_options(-ffp-contract=off)
 add_compile_definitions(QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_DISABLE_DEPRECATED_BEFORE=0x060400)
-# No errors of what a newer compiler than those of Debian 12 and 13 finds, or what a newer library has come to deprecate
-# or wants to be looked at: that is for the next release, not for who builds this one.
+# Warnings are errors only with the compilers of Debian 12 and 13, and never for deprecations or unused results in
+# newer libraries: those are for the next release, not for people who build this one.
 if(QL240_WARNINGS_AS_ERRORS)
     if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "GNU" OR CMAKE_CXX_COMPILER_VERSION VERSION_LESS 15)
         add_compile_options(-Werror -Wno-error=deprecated-declarations -Wno-error=unused-result)

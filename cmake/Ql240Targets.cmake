@@ -1,4 +1,4 @@
-# ql240_add_library(name SOURCES … [PUBLIC …] [PRIVATE …]): one static library of a folder under src/.
+# ql240_add_library(name SOURCES … [PUBLIC …] [PRIVATE …]): the static library of a folder under src/.
 function(ql240_add_library name)
     cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
     add_library(${name} STATIC ${ARG_SOURCES})
@@ -7,8 +7,8 @@ function(ql240_add_library name)
     target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
 endfunction()
 
-# ql240_test(name SOURCES … LIBRARIES … [LABELS …] [TIMEOUT seconds] [ENVIRONMENT …]): one Qt Test program, run
-# by CTest without a display, with locale, time zone, fonts and home folders fixed.
+# ql240_test(name SOURCES … LIBRARIES … [LABELS …] [TIMEOUT seconds] [ENVIRONMENT …]): one Qt Test program, which
+# CTest runs without a display, with fixed locale, time zone, fonts and home folders.
 function(ql240_test name)
     cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
@@ -24,8 +24,8 @@ function(ql240_test name)
         LABELS "${ARG_LABELS}" ENVIRONMENT "${ARG_ENVIRONMENT}")
 endfunction()
 
-# ql240_desktop_test(name desktop…): runs the test program `name` on real desktops too, x11 or wayland, as
-# name_<desktop>; skipped where they are not installed.
+# ql240_desktop_test(name desktop…): also runs the test program `name` on real desktops, x11 or wayland, as
+# name_<desktop>; skipped where these are not installed.
 function(ql240_desktop_test name)
     foreach(desktop ${ARGN})
         add_test(NAME ${name}_${desktop}

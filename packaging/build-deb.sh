@@ -1,6 +1,5 @@
 #!/bin/sh
-# Builds the Debian package into build/package and checks it. Runs as any user; what is missing for it is installed
-# as for run.sh.
+# Builds the Debian package into build/package and checks it. Needs no root; installs missing build tools like run.sh.
 set -eu
 cd "$(dirname "$0")/.."
 
@@ -9,7 +8,7 @@ work=$PWD/build/package
 tree=$work/ql240-viewer
 rm -rf "$work"
 mkdir -p "$tree"
-# Without the build folder, and as it stands: also what isn't committed yet.
+# Copies the working tree, including uncommitted changes, without the build folder.
 tar -cf - --exclude=./build --exclude=./.git --exclude=./.cache . | tar -xf - -C "$tree"
 cp -r packaging/debian "$tree/debian"
 

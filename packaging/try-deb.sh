@@ -1,12 +1,12 @@
 #!/bin/sh
-# Tries the package on a fresh Debian 12: installs it there, starts the viewer from its desktop entry, plays the
-# recordings of a card, starts the settings tool by the entry's action, removes everything and looks for left-overs.
+# Tries the package on a fresh Debian 12: installs it, starts the viewer from its desktop entry, plays the recordings
+# of a card, starts the settings tool through the entry's action, purges the package and looks for left-overs.
 #
 #   packaging/try-deb.sh CARD PICTURES
 #
-# CARD is a folder as ql240-demo-card makes it, PICTURES where viewer.png and settings.png go. Needs root and
-# debootstrap. The fresh system is made in a folder that is deleted again, unless ROOT names one to be kept and used
-# again; it comes from where this machine has its packages from, unless MIRROR names another place.
+# CARD is a folder made by ql240-demo-card; viewer.png and settings.png are written to PICTURES. Needs root and
+# debootstrap. The system is installed into a temporary folder, or into ROOT, which is kept and reused. Its packages
+# come from this machine's Debian mirror unless MIRROR names another one.
 set -eu
 
 [ $# -eq 2 ] || { sed -n '2,/^set -eu/{/^set -eu/d;s/^# \{0,1\}//;p}' "$0" >&2; exit 2; }
@@ -70,6 +70,6 @@ left=$(find / -xdev \( -path /tmp -o -path /proc \) -prune -o -iname '*ql240*' -
 [ -z "$left" ] || { echo "left behind: $left"; exit 1; }
 echo "installed, played, removed without a trace"
 INSIDE
-# A process space of its own, so that nothing outlives the trial.
+# In a PID namespace of its own, so that no process outlives the trial.
 unshare --pid --fork --mount --kill-child chroot "$root" sh /tmp/try/inside.sh
 cp "$root/tmp/try/viewer.png" "$root/tmp/try/settings.png" "$pictures/"

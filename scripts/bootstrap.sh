@@ -1,6 +1,6 @@
 #!/bin/sh
-# Installs the Debian packages that the program needs: bootstrap.sh [run] [test] [bench] [package] [fuzz]. Says what
-# it installs; where nothing is missing it does nothing. Asks for rights through sudo only where it isn't root.
+# Installs the Debian packages that are needed: bootstrap.sh [run] [test] [bench] [package] [fuzz]. Prints what it
+# installs; does nothing if nothing is missing. Uses sudo only if not root.
 set -eu
 
 run="g++ cmake ninja-build pkg-config

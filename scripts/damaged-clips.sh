@@ -1,6 +1,7 @@
 #!/bin/sh
-# Opens, plays, seeks, steps and closes damaged clips, all in one process: damaged-clips.sh [COUNT [PRESET]], by default
-# 3000 with the dev preset, and puts the figures into docs/damaged-clips.md. With the asan preset it only prints them.
+# Opens, plays, seeks, steps and closes damaged clips, all in one process: damaged-clips.sh [COUNT [PRESET]], by
+# default 3000 with the dev preset. Writes the figures to docs/damaged-clips.md; with the asan preset only prints
+# them.
 set -eu
 cd "$(dirname "$0")/.."
 

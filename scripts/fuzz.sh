@@ -1,8 +1,8 @@
 #!/bin/sh
-# Runs the fuzz targets, which clang-14 builds: fuzz.sh [SECONDS [TARGET…]], by default every target for 600 seconds,
-# QL240_FUZZ_JOBS (1) at a time. Prints how many inputs each has tried. What a target fails on, and all inputs that reach
-# new code, stay in build/fuzz/found/<target>; the corpus in the tree is only read. Leaks are looked for by the replaying
-# tests: after every input it costs most of the time where the toolkit keeps something.
+# Runs the fuzz targets, built with clang-14: fuzz.sh [SECONDS [TARGET…]], by default every target for 600 seconds,
+# QL240_FUZZ_JOBS (1) at a time. Prints how many inputs each has tried. Failing inputs, and all inputs that reach new
+# code, are kept in build/fuzz/found/<target>; the corpus in the tree is only read. Leaks are checked by the replaying
+# tests instead: a check after every input would take most of the time, because Qt keeps some memory.
 set -eu
 cd "$(dirname "$0")/.."
 
@@ -21,7 +21,7 @@ fi
 
 seconds=${1:-600}
 [ $# -eq 0 ] || shift
-# shellcheck disable=SC2046 – one word a target
+# shellcheck disable=SC2046 – one word per target
 [ $# -gt 0 ] || set -- $(basename -s .cpp -a tests/fuzz/fuzz_*.cpp)
 
 scripts/bootstrap.sh run fuzz

@@ -1,9 +1,9 @@
 #!/bin/sh
-# Plays random runs on the viewer's windows and says which of them found something wrong, shortened to a few steps:
+# Plays random runs on the viewer's windows and reports those that found a fault, reduced to a few steps:
 #
 #   scripts/moments.sh [COUNT] [--preset dev|asan|tsan] [--pipeline] [--from SEED]
 #
-# Over fakes and on a clock of its own, unless --pipeline asks for real clips in real time.
+# Runs over fakes with a virtual clock; with --pipeline, over real clips in real time.
 set -eu
 cd "$(dirname "$0")/.."
 
@@ -25,6 +25,6 @@ done
 scripts/bootstrap.sh test
 cmake --preset "$preset" > /dev/null
 cmake --build "build/$preset" --target random_moments
-# As the presets' tests have it.
+# As in the presets' tests.
 [ "$preset" != tsan ] || export TSAN_OPTIONS=die_after_fork=0:ignore_noninstrumented_modules=1 G_SLICE=always-malloc
 exec tests/support/run_test.sh "build/$preset/tests/random_moments" $pipeline --seeds "$count" --from "$from"

@@ -1,5 +1,6 @@
 #!/bin/sh
-# Runs the tests of playback and recipes under the thread sanitizer: test-threads.sh [NAME] for those whose names match.
+# Runs the tests of playback and recipes under the thread sanitizer: test-threads.sh [NAME] runs those whose names
+# match.
 set -eu
 cd "$(dirname "$0")/.."
 

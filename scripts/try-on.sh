@@ -1,11 +1,11 @@
 #!/bin/sh
-# Tries the README's commands on a fresh Debian: makes one, starts the viewer by ./run.sh on a virtual display there,
-# ends it, runs ./test.sh, builds the package.
+# Tries the README's commands on a fresh Debian system: starts the viewer with ./run.sh on a virtual display and ends
+# it, runs ./test.sh, builds the package.
 #
 #   scripts/try-on.sh bookworm|trixie [FOLDER]
 #
-# Needs root and debootstrap. The fresh system is made in a folder that is deleted again, unless FOLDER names one to be
-# kept and used again; it comes from where this machine has its packages from, unless MIRROR names another place.
+# Needs root and debootstrap. The system is installed into a temporary folder, or into FOLDER, which is kept and
+# reused. Its packages come from this machine's Debian mirror unless MIRROR names another one.
 set -eu
 
 case ${1:-} in
@@ -22,7 +22,7 @@ fi
 cd "$(dirname "$0")/.."
 mirror=${MIRROR:-$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Label: Debian' 'Component: main' | head -n 1)}
 
-# Each in a mount space of its own, so that nothing stays mounted.
+# In a mount namespace of its own, so that nothing stays mounted.
 [ -x "$root/usr/bin/apt-get" ] || unshare --mount debootstrap --variant=minbase "$release" "$root" "$mirror"
 tree=$root/usr/src/ql240-viewer
 rm -rf "$tree"
@@ -51,7 +51,7 @@ built=$(wc -l < /tmp/try/run.log)
 DISPLAY=:$(cat /tmp/try/display) timeout 60 xdotool search --sync --onlyvisible --name '^QL240 Viewer$' > /dev/null
 i=0
 until grep -qs '[Q]tWebEngineProcess' /proc/[0-9]*/cmdline; do kill -0 "$viewer"; i=$((i + 1)); [ $i -lt 600 ]; sleep 0.1; done
-sleep 5 # for what it may still have to say
+sleep 5 # time for late output
 kill "$viewer"
 wait "$viewer" || [ $? -eq 143 ]
 kill "$display"
@@ -63,6 +63,6 @@ echo "./run.sh: the viewer stood, its map engine ran, and neither said a word"
 ./test.sh
 packaging/build-deb.sh
 INSIDE
-# A process space of its own as well, so that nothing outlives the trial.
+# In a PID namespace of its own too, so that no process outlives the trial.
 unshare --pid --fork --mount --kill-child sh -c 'mount --rbind /dev "$1/dev"; exec chroot "$1" sh /tmp/try/inside.sh' \
     sh "$root"

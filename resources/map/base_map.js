@@ -1,6 +1,5 @@
-// The map that needs no network: land, borders and names from the program's own data, drawn tile by tile, and a
-// graticule over them. Coordinates of the data are kept as fractions of the Mercator square: x from 0 at 180° W to 1
-// at 180° E, y from 0 in the north.
+// The offline map: land, borders and names from the program's own data, drawn tile by tile, with a graticule on top.
+// Coordinates are fractions of the Mercator square: x from 0 at 180° W to 1 at 180° E, y from 0 in the north.
 "use strict";
 
 const BaseMap = (function () {
@@ -22,7 +21,7 @@ const BaseMap = (function () {
         return 0.5 - Math.log((1 + s) / (1 - s)) / (4 * Math.PI);
     }
 
-    // An array of points as x, y, x, y, … with the box around them.
+    // Points as x, y, x, y, … with their bounding box.
     function line(points) {
         const box = {left: Infinity, right: -Infinity, top: Infinity, bottom: -Infinity};
         for (let i = 0; i < points.length; i += 2) {
@@ -38,7 +37,7 @@ const BaseMap = (function () {
         return a.left < b.right && b.left < a.right && a.top < b.bottom && b.top < a.bottom;
     }
 
-    // TopoJSON keeps every stretch of outline once, as whole numbers, each point relative to the one before.
+    // TopoJSON stores each shared piece of outline once, as integers, each point relative to the previous one.
     function decodeArc(arc, transform) {
         const points = new Float64Array(arc.length * 2);
         let x = 0, y = 0;
@@ -51,14 +50,14 @@ const BaseMap = (function () {
         return unrolled(points);
     }
 
-    // Outlines that cross 180° go on past the square's side instead of jumping to the other one.
+    // Makes outlines that cross 180° continue past the square's edge instead of jumping to the other side.
     function unrolled(points) {
         for (let i = 2; i < points.length; i += 2)
             points[i] -= Math.round(points[i] - points[i - 2]);
         return points;
     }
 
-    // Each line, and once more a world further for what sticks out of the square's side.
+    // The lines, plus copies shifted by a world width of those that extend past the square's sides.
     function withOverhang(lines) {
         const shifted = (one, by) => line(one.points.map((value, i) => i % 2 ? value : value + by));
         return lines.concat(lines.filter(one => one.box.right > 1).map(one => shifted(one, -1)),
@@ -77,7 +76,7 @@ const BaseMap = (function () {
             }
         }
         unrolled(points);
-        // A ring around the pole doesn't come back to where it began.
+        // A ring around the pole doesn't end where it began: close it along the square's lower edge.
         const last = points[points.length - 2];
         if (Math.abs(last - points[0]) > 0.5)
             points.push(last, 1, points[0], 1);
@@ -111,7 +110,7 @@ const BaseMap = (function () {
         return (sign === "-" ? -1 : 1) * (Number(degrees) + Number(minutes) / 60 + Number(seconds || 0) / 3600);
     }
 
-    // The table of time zones names a city a zone, a country's first the one most people live in.
+    // The time zone table has one city per zone; a country's first one is usually its most populous.
     function decodeCities(text) {
         const row = /^(\w\w)\t([+-])(\d\d)(\d\d)(\d\d)?([+-])(\d{3})(\d\d)(\d\d)?\t(\S+)/gm;
         const seen = new Set(), first = [], others = [];
@@ -127,7 +126,7 @@ const BaseMap = (function () {
         return first.concat(others);
     }
 
-    // Which names fit at a zoom: each takes its place unless an earlier one has it.
+    // The names that fit at a zoom level: each is placed unless it overlaps one placed before.
     function placeNames(data, zoom, brush) {
         const size = TILE * 2 ** zoom, placed = [];
         function place(name) {
@@ -184,7 +183,7 @@ const BaseMap = (function () {
         }
     }
 
-    // Paints one tile: coords are Leaflet's, the brush's origin is the tile's corner.
+    // Paints one tile; coords are Leaflet's, the brush's origin is the tile's corner.
     function paintTile(brush, data, coords, names) {
         const size = TILE * 2 ** coords.z;
         const left = coords.x * TILE, top = coords.y * TILE;
@@ -219,7 +218,7 @@ const BaseMap = (function () {
         return brush;
     }
 
-    // Gives a tile's pixels back as soon as it is off the map: the collector sees a small object and takes its time.
+    // Frees a tile's pixels as soon as it leaves the map: the garbage collector sees only a small object and waits.
     function freeTiles(layer) {
         layer.on("tileunload", function (event) {
             event.tile.width = event.tile.height = 0;
@@ -247,7 +246,7 @@ const BaseMap = (function () {
         return Math.abs(value) + "°" + (value === 0 ? "" : letters[value > 0 ? 0 : 1]);
     }
 
-    // Lines of latitude and longitude with their degrees at the map's left and upper edge.
+    // Lines of latitude and longitude with their degrees at the map's left and upper edges.
     const Graticule = L.Layer.extend({
         getEvents: function () {
             return {moveend: this._draw, zoomend: this._draw, resize: this._draw};
@@ -274,13 +273,13 @@ const BaseMap = (function () {
             for (let at = Math.ceil(bounds.getSouth() / step) * step; at <= bounds.getNorth(); at += step) {
                 const y = Math.round(this._map.latLngToContainerPoint([at, 0]).y) + 0.5;
                 brush.strokeRect(-1, y, size.x + 2, 0);
-                if (y < size.y - 24)    // the scale bar's place
+                if (y < size.y - 24)    // leaves room for the scale bar
                     brush.fillText(degreeText(at, "NS"), 2, y - 2);
             }
         }
     });
 
-    // The zoom at which the map around a place says something: closer where names are close together.
+    // The zoom that shows enough names around a place: closer where cities are dense.
     function zoomFor(place, map) {
         const size = map.getSize(), x = mercatorX(place.lng), y = mercatorY(place.lat);
         const names = cities.filter(city => Math.abs(city.x - x) * TILE * 32 < size.x / 2 &&
@@ -288,7 +287,7 @@ const BaseMap = (function () {
         return names.length > 1 ? 5 : 4;
     }
 
-    // Fetches the data and gives the two layers to `done`.
+    // Fetches the data and passes a group of the two layers to `done`.
     function load(folder, done) {
         Promise.all([fetch(folder + "countries.json").then(answer => answer.json()),
                      fetch(folder + "cities.txt").then(answer => answer.text())])

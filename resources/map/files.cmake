@@ -1,4 +1,4 @@
-# The files behind the map page, under the addresses that the page names.
+# The files served to the map page, by the addresses that it uses.
 set(QL240_LEAFLET_DIR /usr/share/javascript/leaflet CACHE PATH "Folder of leaflet.min.js and leaflet.css")
 set(QL240_ZONEINFO_DIR /usr/share/zoneinfo CACHE PATH "Folder of zone.tab, the source of the city names")
 

@@ -1,13 +1,13 @@
-// The map in the page's element: the car in its middle, on street tiles where a tile server answers, on the base map
-// otherwise. The page drives it by KORVAMAP.initMap and MapMoveToAuto, the program by setTiles and setTrack.
+// The map in the page's element, with the car at its centre: street tiles while a tile server answers, otherwise the
+// base map. The page calls KORVAMAP.initMap and MapMoveToAuto, the program calls setTiles and setTrack.
 "use strict";
 
 const KORVAMAP = (function () {
     const folder = "http://map.ql240.invalid/BlackBox/ajaxMap/newMap/";
-    const levelToZoom = 7;          // level 9 shows a few streets, as zoom 16 of the usual tile scheme does
+    const levelToZoom = 7;          // level 9 shows a few streets, like zoom 16 of the usual tile scheme
     const streetLimits = [3, 19], baseLimits = [2, 8];
-    const retryMs = 30000;          // between two tries for a tile server that doesn't answer
-    const answerMs = 8000;          // a view whose tiles take longer has none
+    const retryMs = 30000;          // between attempts to reach a tile server that doesn't answer
+    const answerMs = 8000;          // the street map is given up when tiles take longer
     const failuresInARow = 4;
     const attribution = '© <a href="https://www.openstreetmap.org/copyright">OpenStreetMap</a> contributors';
     const tileBrightness = 0.82;
@@ -19,9 +19,9 @@ const KORVAMAP = (function () {
     let position = null, heading = 0, track = [], trackBounds = null, level = 9;
     let tiles = null, tileTemplate = "", tileLimits = null, onStreets = false;
     let probe = null, probeTimer = 0, refusals = 0, tileWatch = 0, failures = 0, waitingSince = 0;
-    let streetZoom = level + levelToZoom, baseZoom = 0;    // 0: whichever shows enough
+    let streetZoom = level + levelToZoom, baseZoom = 0;    // 0: as BaseMap.zoomFor says
 
-    // Touches its element only when what it shows has changed: a layout of the page costs more than a move of the map.
+    // Updates its element only if the text or width has changed: a page layout costs more than moving the map.
     const Scale = L.Control.Scale.extend({
         _updateScale: function (element, text, ratio) {
             const shown = text + Math.round(ratio * this.options.maxWidth);
@@ -31,7 +31,7 @@ const KORVAMAP = (function () {
         }
     });
 
-    // The clip's track, drawn tile by tile like the map under it, so that moving the map draws nothing anew.
+    // The clip's track, drawn in tiles like the map below it, so that moving the map redraws nothing.
     const TrackLayer = L.GridLayer.extend({
         options: {pane: "overlayPane", keepBuffer: 1, updateInterval: 50, minZoom: 0, maxZoom: 19},
         createTile: function (coords) {
@@ -41,7 +41,7 @@ const KORVAMAP = (function () {
         }
     });
 
-    // Street tiles, dimmed once when they come: as bright as they are made, they would outshine the dark windows.
+    // Street tiles, dimmed once when they arrive: at full brightness they would outshine the dark windows.
     const StreetLayer = L.TileLayer.extend({
         createTile: function (coords, done) {
             const tile = document.createElement("canvas");
@@ -106,7 +106,7 @@ const KORVAMAP = (function () {
         document.head.appendChild(link);
     }
 
-    // May be called again and again: only the first call makes anything.
+    // May be called repeatedly; only the first call creates the map.
     function initMap(id, x, y, zoom, callback) {
         if (!map)
             makeMap(document.getElementById(id));
@@ -135,7 +135,7 @@ const KORVAMAP = (function () {
         });
     }
 
-    // The user's own choice, by the wheel or a double click.
+    // The zoom that the user has chosen by wheel or double click.
     function rememberZoom() {
         if (onStreets)
             streetZoom = map.getZoom();
@@ -143,7 +143,7 @@ const KORVAMAP = (function () {
             baseZoom = map.getZoom();
     }
 
-    // Shows the layers of the present state at the car's position.
+    // Shows the layers of the current state at the car's position.
     function showLayers() {
         const limits = onStreets ? streetLimits : baseLimits;
         map.off("zoomend", rememberZoom);
@@ -171,8 +171,8 @@ const KORVAMAP = (function () {
         return Math.atan2(x, y) * 180 / Math.PI;
     }
 
-    // Where the clip's track leads at a place on it, so that a step back doesn't turn the car: over a stretch on which
-    // positions rounded to a metre don't matter. Null beside the track.
+    // The direction of the track at a place on it, so that a step back doesn't turn the car. Measured to a point far
+    // enough away that positions rounded to a metre don't matter. Null off the track.
     function wayHeading(place) {
         const away = point => place.distanceTo(point) >= 8;
         for (const segment of track) {
@@ -187,7 +187,7 @@ const KORVAMAP = (function () {
         return null;
     }
 
-    // Beside a track the heading follows a movement of at least two metres, not the noise of a car that stands.
+    // Off the track, the heading follows movements of at least two metres, so that noise doesn't turn a standing car.
     function turnTo(place) {
         const along = wayHeading(place);
         if (along === null && car.from && car.from.distanceTo(place) < 2)
@@ -199,7 +199,7 @@ const KORVAMAP = (function () {
         car.from = place;
     }
 
-    // Damaged clips and those made to do harm tell of others, for which there would be no end to the tiles.
+    // Damaged or malicious clips contain other positions, for which Leaflet would request tiles without end.
     function isOnEarth(point) {
         return Math.abs(point[0]) <= 90 && Math.abs(point[1]) <= 180;
     }
@@ -231,8 +231,8 @@ const KORVAMAP = (function () {
             arrow.style.transform = turn;
     }
 
-    // Centres the car, unless it is less than a pixel away from the middle or the user holds the map. Every move has
-    // the page drawn anew, which is what a map that follows costs.
+    // Centres the car, unless it is less than a pixel off centre or the user is dragging the map. Every move repaints
+    // the page, which is the main cost of following the car.
     function follow() {
         const offset = map.latLngToContainerPoint(position).subtract(map.getSize().divideBy(2));
         if (map.dragging.moving() || Math.max(Math.abs(offset.x), Math.abs(offset.y)) < 1)
@@ -253,13 +253,13 @@ const KORVAMAP = (function () {
         collect();
     }
 
-    // What the moves along the last clip's track have left behind, in a few milliseconds.
+    // Collects the garbage left from the last clip's track, which takes a few milliseconds.
     function collect() {
         if (typeof gc === "function")
             gc();
     }
 
-    // Beside the base map, whose scale shows no driving: the whole track on its own, with the car's place in it.
+    // With the base map, whose scale is too small to show driving: an inset with the whole track and the car on it.
     function drawWay() {
         if (onStreets || !position || !trackBounds) {
             if (way)
@@ -278,7 +278,7 @@ const KORVAMAP = (function () {
         way.track = track;
     }
 
-    // From [latitude, longitude] to the panel's pixels, the track as large as it fits.
+    // Projects [latitude, longitude] to the inset's pixels; the track fills the inset.
     function wayProjection(bounds) {
         const middle = bounds.getCenter(), narrow = Math.cos(middle.lat * Math.PI / 180), margin = 11;
         const width = Math.max(1e-4, (bounds.getEast() - bounds.getWest()) * narrow);
@@ -299,8 +299,8 @@ const KORVAMAP = (function () {
         brush.fill(arrow);
     }
 
-    // Tiles are first asked for when a single one has come, so a server that is away costs nothing and hides nothing.
-    // `limits`: how many bytes a tile may have, and how many pixels a side.
+    // Switches to street tiles only after a single tile has arrived, so an unreachable server costs little and hides
+    // nothing. `limits`: the most bytes of a tile, and its allowed side lengths in pixels.
     function setTiles(template, limits) {
         tileTemplate = template;
         tileLimits = limits;
@@ -381,7 +381,8 @@ const KORVAMAP = (function () {
         retryLater();
     }
 
-    // A server that takes requests and answers none: back to the base map before the old tiles have left the view.
+    // For a server that accepts requests but doesn't answer: returns to the base map before the old tiles leave the
+    // view.
     function watchTiles() {
         if (waitingSince && Date.now() - waitingSince > answerMs)
             giveUp();

@@ -1,4 +1,4 @@
-// What the page needs of a document library: $(document).ready(handler).
+// The part of a document library that the page uses: $(document).ready(handler).
 "use strict";
 
 function $(page) {

@@ -1,10 +1,10 @@
-// Tile pictures from a server that may answer anything: no more bytes are read than a tile may have, a redirect is
-// followed nowhere, and a picture is decoded only when its header says the size of a tile. The server has to allow
-// other origins' scripts to read its tiles, as those that serve maps in web pages do.
+// Fetches tile pictures from an untrusted server: reads no more bytes than a tile may have, follows no redirect, and
+// decodes a picture only if its header declares a tile's size. The server has to allow scripts of other origins to
+// read its tiles (CORS), as servers of web maps do.
 "use strict";
 
 const TilePictures = (function () {
-    const waitMs = 8000;            // a tile that takes longer counts as none
+    const waitMs = 8000;            // a tile that takes longer has failed
 
     function startsWith(bytes, text, at) {
         return Array.from(text).every((letter, i) => bytes.getUint8(at + i) === letter.charCodeAt(0));
@@ -14,7 +14,7 @@ const TilePictures = (function () {
         return [bytes.getUint32(16), bytes.getUint32(20)];
     }
 
-    // In the frame header, behind segments that say how long they are.
+    // From the frame header, after segments that contain their length.
     function jpegSize(bytes) {
         for (let at = 2;; at += 2 + bytes.getUint16(at + 2)) {
             const marker = bytes.getUint16(at);
@@ -35,7 +35,7 @@ const TilePictures = (function () {
         throw new Error("no picture");
     }
 
-    // Throws where there is no header to the end.
+    // Throws if the header is incomplete or unknown.
     function sizeOf(bytes) {
         if (startsWith(bytes, "\x89PNG\r\n\x1a\n", 0) && startsWith(bytes, "IHDR", 12))
             return pngSize(bytes);
@@ -69,7 +69,7 @@ const TilePictures = (function () {
         throw new Error("not as its header says");
     }
 
-    // The picture at an address, to be closed by the one who asked; fails when `stop` (an AbortController) says so.
+    // The decoded picture at an address; the caller closes it. Rejects when `stop` (an AbortController) is aborted.
     async function take(address, limits, stop) {
         const patience = setTimeout(() => stop.abort(), waitMs);
         try {
@@ -81,7 +81,7 @@ const TilePictures = (function () {
             return await decode(await readUpTo(limits.bytes, answer), limits.sides);
         } finally {
             clearTimeout(patience);
-            stop.abort();           // the rest of an answer that isn't wanted
+            stop.abort();           // cancels the rest of an unwanted answer
         }
     }
 

@@ -11,8 +11,8 @@ namespace {
 
 constexpr int kPagePoints = 10;
 
-// Qt calls this itself when it first needs a font; whoever comes second finds the work done. It is looked up,
-// not linked: where Qt was built without fontconfig there is nothing to do.
+// Qt calls FcInit itself when it first needs a font; the second call finds the work done. Resolved at run
+// time, not linked, because Qt may have been built without fontconfig.
 void readFontConfiguration() {
     using Initialise = int (*)();
     if (const auto initialise = reinterpret_cast<Initialise>(::dlsym(RTLD_DEFAULT, "FcInit")))

@@ -1,6 +1,6 @@
-// Reads the system's font configuration on a thread while the application object is made and the splash
-// screen shown: the first text waits for it otherwise, for about a third of the start. Made first of all in a
-// process.
+// Reads the system's font configuration on a thread of its own while the application object is created and
+// the splash screen shown. Otherwise the first text drawn waits for it, about a third of the start-up time.
+// Construct it before anything else in the process.
 #pragma once
 
 #include <future>
@@ -14,13 +14,14 @@ public:
     ~FontWarmUp();
     FontWarmUp(const FontWarmUp&) = delete;
     FontWarmUp& operator=(const FontWarmUp&) = delete;
-    // Once the application object and the font substitutes are there: goes on with the skin's own fonts.
+    // Call once the application object and the font substitutes exist: the thread goes on to load the skin's
+    // fonts.
     void continueWithFonts();
-    // Waits for the thread's end; to be called before the application object goes.
+    // Joins the thread; call before the application object is destroyed.
     void finish();
 
 private:
-    std::promise<bool> m_application; // true: its object is there
+    std::promise<bool> m_application; // true: the application object exists
     bool m_told = false;
     std::thread m_thread;
 };

@@ -12,7 +12,7 @@ namespace {
 void bringToFront(QWidget* window, const QByteArray& token) {
     window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
     window->raise();
-    // A dialog that keeps the window from input must not end up behind it.
+    // Keep the modal dialog that blocks this window on top of it.
     QWidget* modal = QApplication::activeModalWidget();
     if (modal && modal != window) {
         window->activateWindow();
@@ -34,7 +34,8 @@ bool InstanceWindows::eventFilter(QObject* object, QEvent* event) {
     if (type != QEvent::Show && type != QEvent::Hide)
         return false;
     auto* window = qobject_cast<QWidget*>(object);
-    // Hidden and shown by the window system (another desktop, minimised), it is still there.
+    // Spontaneous show and hide events (another desktop, minimised) come from the window system: the window
+    // still exists.
     if (!window || !window->isWindow() || event->spontaneous())
         return false;
     if (type == QEvent::Hide)

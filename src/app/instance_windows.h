@@ -1,6 +1,6 @@
 // Announces every top-level window of this process that is shown under one of the instance titles, and brings
-// it to the front when another process hands its focus over. Interface thread only; made after the
-// application object.
+// it to the front when another process asks it to take the focus. Construct after the application object.
+// Interface thread only.
 #pragma once
 
 #include <QHash>

@@ -18,11 +18,11 @@ LinuxHost::LinuxHost() : m_runningWindows(LocalRunningWindows::userFolder()) {
 
 LinuxHost::~LinuxHost() {
     leaveApplication();
-    host() = {}; // what it pointed to goes with this object
+    host() = {}; // its implementations end with this object
 }
 
 bool LinuxHost::initialise() {
-    // Qt would end the process by a signal instead of saying so.
+    // Without a display Qt would abort the process instead of returning an error.
     for (const char* variable : {"QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "DISPLAY"}) {
         if (!qEnvironmentVariableIsEmpty(variable))
             return true;

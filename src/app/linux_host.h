@@ -1,5 +1,5 @@
-// Fills the host table with what a Linux desktop offers, for as long as it lives. Made before the application
-// object, one in a process. Interface thread only.
+// Fills the host table with the Linux desktop's implementations for its own lifetime. One per process,
+// constructed before the application object. Interface thread only.
 #pragma once
 
 #include <memory>
@@ -24,7 +24,7 @@ public:
     // False when there is no display to show a window on.
     bool initialise();
 
-    // Completes the table with what needs the application object, and must go before it.
+    // Adds the entries that need the application object, and removes them before it is destroyed.
     void enterApplication();
     void leaveApplication();
 

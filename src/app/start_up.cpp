@@ -31,14 +31,14 @@ namespace {
 constexpr int kNoPlatform = 1;
 constexpr int kHandedOver = 0;
 
-// Every clip brings threads of its own, and the C library gives them memory pools that never shrink again.
-// Two pools do, also for the map engine's processes, which inherit the variable.
+// Every clip starts threads of its own, and glibc gives each a malloc arena that never shrinks. Two arenas
+// are enough, also for the web engine's processes, which inherit the variable.
 void limitMemoryPools() {
     mallopt(M_ARENA_MAX, 2);
     qputenv("MALLOC_ARENA_MAX", "2");
 }
 
-// Where nothing can play sound, the last library that is asked would complain of it with every clip.
+// Without a sound output, GStreamer tries OpenAL last, which would print a complaint for every clip.
 void silenceComplaints() {
     constexpr char logLevel[] = "ALSOFT_LOGLEVEL";
     if (!qEnvironmentVariableIsSet(logLevel))
@@ -52,7 +52,7 @@ QString settingTitle() {
     return QStringLiteral("QL240 Setting");
 }
 
-// Without a display to connect to, Qt would end the process by a signal.
+// When Qt cannot connect to the display it calls qFatal(), which would abort the process.
 void endOnFatal(QtMsgType type, const QMessageLogContext&, const QString& text) {
     std::fputs(qUtf8Printable(text + QLatin1Char('\n')), stderr);
     if (type == QtFatalMsg)
@@ -79,13 +79,14 @@ int runViewer(const LinuxHost& platform, QSplashScreen& splash) {
     if (handOver(platform, viewerTitle()))
         return kHandedOver;
     MainWindow window(nullptr, Qt::FramelessWindowHint);
-    // Nothing of the media module delays the sight of the window, nor the first clip after it.
+    // Loads the media module after the first paint, so that it delays neither the window nor the first clip.
     QObject::connect(&window, &MainWindow::firstPainted, &window, [] { host().media->warmUp(); });
     window.setWindowTitle(QCoreApplication::translate("ql240::MainWindow", "QL240 Viewer"));
     window.show();
     QCoreApplication::processEvents();
     splash.finish(&window);
-    // Closed by now, it has said so before there was an event loop to end.
+    // If the window is closed already, quit() came before there was an event loop to end, and exec() would
+    // never return.
     return window.isVisible() ? QCoreApplication::exec() : 0;
 }
 
@@ -106,7 +107,7 @@ int startUp(int argc, char** argv) {
     if (!platform.initialise())
         return kNoPlatform;
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-    // The environment is complete before a second thread reads it.
+    // Set all environment variables before a second thread reads the environment.
     prepareStyle();
     prepareWebEngine();
     FontWarmUp fonts;
@@ -114,13 +115,13 @@ int startUp(int argc, char** argv) {
     const QtMessageHandler usual = qInstallMessageHandler(endOnFatal);
     QApplication application(argc, argv);
     qInstallMessageHandler(usual);
-    // By this the desktop finds entry and icon of a window.
+    // The desktop finds a window's launcher entry and icon by this name.
     QGuiApplication::setDesktopFileName(QStringLiteral("ql240-viewer"));
     platform.enterApplication();
     applyStyle();
     fonts.continueWithFonts();
     const auto fontsFirst = qScopeGuard([&fonts] { fonts.finish(); });
-    // Reading it loads Qt's picture plugins; no window needs to wait for that.
+    // Loading the icon also loads Qt's image plugins; no window needs to wait for that.
     QTimer::singleShot(0, &application, [] {
         QApplication::setWindowIcon(QIcon(skinPixmap(QStringLiteral(":/gfx_r/icon/ico_256.ico"))));
     });
@@ -129,7 +130,7 @@ int startUp(int argc, char** argv) {
     splash.show();
 
     InstanceWindows instances(platform.runningWindows(), {viewerTitle(), settingTitle()});
-    // Qt has taken its own options out.
+    // Qt has already removed its own options from argc.
     const int result = argc == 1 ? runViewer(platform, splash) : runSettings(platform);
     platform.leaveApplication();
     finishSaves();

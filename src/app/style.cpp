@@ -13,7 +13,7 @@
 namespace ql240 {
 namespace {
 
-// Dialogs stand out from the skinned windows, which are (9, 9, 9), and fields from dialogs.
+// The skinned windows are (9, 9, 9): dialogs are lighter than they are, and input fields darker than dialogs.
 constexpr QColor kWindow(34, 34, 33);
 constexpr QColor kField(9, 9, 9);
 constexpr QColor kRaised(48, 48, 47);
@@ -36,7 +36,7 @@ QPalette darkPalette() {
     return palette;
 }
 
-// Message boxes, dialogs and hover texts as parts of the skin: one stroke, no pictures of the desktop's own.
+// Makes dialogs, message boxes and tooltips match the skin: flat borders and the skin's own icons.
 class SkinStyle : public QProxyStyle {
 public:
     SkinStyle() : QProxyStyle(QStringLiteral("Fusion")) {}

@@ -1,14 +1,14 @@
-// How the program's standard parts look beside the skin: dialogs, message boxes, menus. Interface thread
-// only.
+// The look of Qt's standard widgets beside the skin: dialogs, message boxes, menus. Interface thread only.
 #pragma once
 
 namespace ql240 {
 
-// Before the application object is made: fixes the meaning of point sizes, as the skinned windows are fixed
-// in pixels.
+// Call before the application object is created: fixes point sizes to 96 DPI, since the skinned windows are
+// laid out in pixels.
 void prepareStyle();
 
-// After it was made: fonts, a dark palette on the skin's colours, and no text from outside taken for markup.
+// Call after it: sets fonts and a dark palette in the skin's colours, and shows text from outside as plain
+// text.
 void applyStyle();
 
 } // namespace ql240

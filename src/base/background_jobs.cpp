@@ -22,7 +22,7 @@ void runJob(std::function<void()> job) {
         std::thread(std::move(job)).detach();
 }
 
-// What is left of the time that the thread may stand still before its event loop turns again.
+// What is left of the time for which the thread may block before its event loop runs again.
 class Standstill : public QObject {
 public:
     static Standstill& ofThread() {
@@ -37,14 +37,15 @@ public:
     void end() { m_left -= std::min(m_left, std::chrono::milliseconds(m_began.elapsed())); }
 
 private:
-    // The event loop comes and goes with the application.
+    // The event dispatcher is created and destroyed with the application object.
     void listen() {
         auto* loop = QAbstractEventDispatcher::instance();
         if (!loop || loop == m_loop)
             return;
         m_loop = loop;
         m_left = kLongestStandstill;
-        // Not as it is about to block: events posted and timers due can be handled before and behind that.
+        // Not on aboutToBlock(): the loop may block without having handled posted events and due timers
+        // first.
         connect(loop, &QAbstractEventDispatcher::awake, this, [this] { m_left = kLongestStandstill; });
     }
 
@@ -64,7 +65,7 @@ struct BackgroundJobs::Mailbox {
     std::mutex mutex;
     std::condition_variable arrived;
     std::vector<std::function<void()>> ends;
-    BackgroundJobs* owner = nullptr; // null once nobody listens
+    BackgroundJobs* owner = nullptr; // null once the owner is gone or has dropped these jobs
 };
 
 BackgroundJobs::BackgroundJobs(QObject* parent) : QObject(parent), m_mailbox(std::make_shared<Mailbox>()) {

@@ -1,6 +1,6 @@
-// Work off the interface thread, for what a dying card reader or a slow network may hold for minutes. Each
-// job has a thread of its own, which is left behind when nobody waits for it any more; answers come on the
-// thread of the object that asked. Used by one thread; owned by whoever asks.
+// Runs work off the interface thread that a failing card reader or a slow network may block for minutes. Each
+// job has a thread of its own, which is detached and left behind when its result is no longer wanted; results
+// arrive on the thread of the object that asked. Each object belongs to one thread.
 #pragma once
 
 #include <QDeadlineTimer>
@@ -11,36 +11,37 @@
 
 namespace ql240 {
 
-// How long waiting for jobs may keep the interface from answering.
+// How long waiting for jobs may keep the interface from responding.
 inline constexpr std::chrono::milliseconds kLongestStandstill{100};
 
-// What runs the jobs. Without one they run on threads, a thread each.
+// Runs the jobs. Without one, each job gets a thread of its own.
 class JobRunner {
 public:
     virtual ~JobRunner() = default;
     // Calls `job` once, at some later time, on any thread.
     virtual void run(std::function<void()> job) = 0;
-    // Returns when `isDone` holds, or false when the time is up. Called on the thread that waits for jobs.
+    // Returns true once `isDone` holds, false on timeout. Called on the thread that waits for jobs.
     virtual bool wait(QDeadlineTimer until, const std::function<bool()>& isDone) = 0;
 };
 
-// Lets `runner` run all jobs from now on; null for threads again. For tests that decide when a job ends.
+// Makes `runner` run all jobs from now on; null restores threads. For tests that decide when a job ends.
 void setJobRunner(JobRunner* runner);
 
-// Runs functions on threads and brings their ends back. Destroyed, it waits for none of them.
+// Runs functions on threads and their continuations on this object's thread. The destructor doesn't wait for
+// them.
 class BackgroundJobs : public QObject {
     Q_OBJECT
 public:
     explicit BackgroundJobs(QObject* parent = nullptr);
     ~BackgroundJobs() override;
 
-    // Runs `work` on a thread; `then` follows on this object's thread, unless `forget` comes first.
+    // Runs `work` on a thread, then `then` on this object's thread, unless `forget` is called first.
     void start(std::function<void()> work, std::function<void()> then);
-    // From now on no `then` of the jobs started so far is called.
+    // Drops the `then` of all jobs started so far.
     void forget();
     bool isIdle() const { return m_running == 0; }
-    // Blocks until all jobs have ended and their `then` was called; false if the time ran out before. All
-    // waits between two turns of the event loop share kLongestStandstill, whoever waits.
+    // Blocks until all jobs have ended and their `then` was called; false on timeout. All waits on a thread
+    // between two iterations of its event loop share kLongestStandstill.
     bool wait(std::chrono::milliseconds limit);
 
 private:

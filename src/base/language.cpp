@@ -14,7 +14,7 @@ QString& languageSlot() {
     return code;
 }
 
-// Kikuyu stands there by the product's own rule.
+// Kikuyu selecting Russian is intended.
 constexpr std::array kLanguages = std::to_array<InterfaceLanguage>({
     {"kr", UiText::Korean, &UiTextRow::korean, QLocale::Korean, {}},
     {"en", UiText::English, &UiTextRow::english, QLocale::English, {}},
@@ -23,7 +23,7 @@ constexpr std::array kLanguages = std::to_array<InterfaceLanguage>({
     {"es", UiText::Spanish, &UiTextRow::english, QLocale::Spanish, {}},
 });
 
-// An unknown code reads the Korean texts.
+// An unknown code selects Korean.
 const char* UiTextRow::*columnOf(const QString& code) {
     const auto* found = std::ranges::find_if(
         kLanguages, [&](const InterfaceLanguage& each) { return code == QLatin1String(each.code); });

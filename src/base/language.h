@@ -1,6 +1,6 @@
-// The interface language, one for the whole process, and the text table that follows it. Interface thread
-// only. Codes: "kr", "en", "ru", "ch", "es". Texts already shown do not change with the language; who shows
-// them asks anew.
+// The interface language, one for the whole process, and the texts in it. Interface thread only. Codes: "kr",
+// "en", "ru", "ch", "es". Texts on screen do not follow a change of language by themselves: widgets ask
+// again.
 #pragma once
 
 #include <QLocale>
@@ -30,25 +30,24 @@ struct InterfaceLanguage {
     const char* code;
     UiText name;
     const char* UiTextRow::*texts;
-    QLocale::Language system; // of the users who begin with it
+    QLocale::Language system; // users with this system language start with it
     std::optional<QLocale::Language> alsoFor;
 };
 
 // In the order in which they are offered.
 std::span<const InterfaceLanguage> interfaceLanguages();
-// For users whose own isn't among them.
+// For users whose language isn't among them.
 inline constexpr QLatin1StringView kUsualLanguage("en");
 
 void setCurrentLanguage(const QString& code);
 
-// Empty until start-up has chosen one.
+// Empty until start-up has set one.
 QString currentLanguage();
 
-// A text in the current language; Chinese and Spanish read the English texts, an unknown code the Korean
-// ones.
+// A text in the current language. Chinese and Spanish fall back to English, an unknown code to Korean.
 QString uiText(UiText text);
 
-// The interface language for someone whose system speaks `language`.
+// The interface language for a user whose system language is `language`.
 QString languageCodeFor(QLocale::Language language);
 
 } // namespace ql240

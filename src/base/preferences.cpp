@@ -16,7 +16,7 @@ constexpr QLatin1StringView kTileUrlKey("map/tileurl");
 constexpr QLatin1StringView kKilometres("km");
 constexpr QLatin1StringView kMiles("mph");
 
-// An unquoted comma in a file edited by hand makes the toolkit see a list.
+// QSettings reads an unquoted comma, as in a file edited by hand, as a list.
 QString asText(const QVariant& value) {
     return value.typeId() == QMetaType::QStringList ? value.toStringList().join(QStringLiteral(", "))
                                                     : value.toString();

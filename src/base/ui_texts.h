@@ -1,4 +1,4 @@
-// The texts of the settings windows and the hover texts of the main window's buttons, in the order of UiText.
+// The texts of the settings windows and the tooltips of the main window's buttons, in the order of UiText.
 // UTF-8.
 #pragma once
 

@@ -1,5 +1,5 @@
-// One recording of the camera: its file and its category. Never changes once made; belongs to the folder's
-// collection that made it, everything else refers to it by pointer.
+// One recording of the camera: its file and its category. Immutable. Owned by the ClipFolder that created it;
+// everything else holds a pointer to it.
 #pragma once
 
 #include <QFileInfo>
@@ -9,12 +9,12 @@ namespace ql240 {
 
 enum ClipCategory : std::int32_t { kOtherClip = 0, kDrivingClip = 1, kEventClip = 2 };
 
-// The category that a file name (without folder) stands for: "REC_…" driving, "EVS_…" event, case ignored.
+// The category of a file name (without folder): "REC_…" driving, "EVS_…" event, case-insensitive.
 std::int32_t clipCategory(const QString& fileName);
 
 class Clip {
 public:
-    // Path, name and size stay what `file` has seen of them.
+    // Keeps the path, name and size that `file` has cached.
     explicit Clip(const QFileInfo& file) : m_file(file), m_category(clipCategory(file.fileName())) {}
 
     const QFileInfo& file() const { return m_file; }

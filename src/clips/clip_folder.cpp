@@ -15,7 +15,7 @@ std::vector<std::unique_ptr<Clip>>& retiredClips() {
 
 } // namespace
 
-// Cheaper than the directory's own name filters, which run two regular expressions an entry.
+// Cheaper than QDir's name filters, which match two regular expressions for every entry.
 bool namedLikeRecording(const QString& fileName) {
     return fileName.endsWith(QLatin1String(".mp4"), Qt::CaseInsensitive) ||
            fileName.endsWith(QLatin1String(".avi"), Qt::CaseInsensitive);
@@ -42,7 +42,7 @@ FolderListing listFolder(const QString& path, const std::atomic<bool>* cancelled
             continue;
         listing.hasNames = true;
         const QFileInfo file = entries.fileInfo();
-        // Asking for the size makes the record keep what the file system says now.
+        // size() makes QFileInfo cache what the file system reports now.
         if (file.size() > 0 && file.isFile())
             listing.recordings << file;
     }

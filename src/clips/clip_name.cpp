@@ -6,7 +6,7 @@ QString clipDateText(const QString& fileName) {
     QString text = fileName;
     for (const char* part : {"REC_", "EVS_", ".mp4", "_"})
         text.remove(QLatin1String(part));
-    // Inserting behind the end fills the gap with spaces.
+    // insert() past the end pads with spaces.
     text.insert(4, QLatin1Char('.'));
     text.insert(7, QLatin1Char('.'));
     return text.left(10);

@@ -1,7 +1,6 @@
-// The open clip as everything outside the player may know it: which recording, when it began, whether it
-// plays and where it was last found. The main window feeds it with what its commands, steps, seeks and ticks
-// have come to; whoever wants to know listens. Belongs to the main window, refers to the clip. Interface
-// thread only.
+// The open clip as seen from outside the player: which recording it is, when it starts, whether it plays and
+// its last known position. The main window updates it after its commands, steps, seeks and timer ticks; other
+// parts connect to its signals. Owned by the main window; doesn't own the clip. Interface thread only.
 #pragma once
 
 #include <QDateTime>
@@ -23,22 +22,22 @@ public:
 
     // Null while closed.
     const Clip* clip() const { return m_clip; }
-    // By the camera's clock, as the file's name has it; invalid where it doesn't.
+    // By the camera's clock, from the file name; invalid if that has no time stamp.
     const QDateTime& start() const { return m_start; }
     Phase phase() const { return m_phase; }
     bool isPlaying() const { return m_phase == Phase::Playing; }
     std::int64_t positionMs() const { return m_positionMs; }
 
-    // Once everything about the clip has been read; a clip that was open is closed first.
+    // Call once everything about the clip has been read. Closes the clip that was open.
     void open(const Clip& clip);
     void close();
-    // How a clip was found. What is found of another clip than the open one, or of none, is dropped.
+    // Updates phase and position. Ignored unless `clip` is the open clip.
     void find(const Clip* clip, bool playing, std::int64_t positionMs);
 
 Q_SIGNALS:
     void opened();
     void closed();
-    // Also to and from Closed.
+    // Also emitted to and from Closed.
     void phaseChanged(ql240::ClipSession::Phase phase);
     void moved(std::int64_t positionMs);
 

@@ -1,5 +1,5 @@
-// The commands that have a key, in one table: the window runs them by it, the list lets their keys through by
-// it.
+// The commands that have a key, in one table: the window runs commands by it, and the clip list passes their
+// keys on by it.
 #pragma once
 
 #include <QKeyEvent>
@@ -31,9 +31,9 @@ struct Command {
     const char* name;
     Qt::Key key;
     Qt::KeyboardModifier modifier;
-    bool repeats; // while the key is held
-    bool yields;  // to somebody who types a name in the list: the key may stand within one
-    std::optional<layout::ButtonId> button; // nothing where none, or not always the same one, stands for it
+    bool repeats; // while the key is held down
+    bool yields;  // while a name is being typed in the list, which may contain this character
+    std::optional<layout::ButtonId> button; // empty if the command has no button, or not always the same one
 };
 
 inline constexpr std::array kCommands = std::to_array<Command>({
@@ -61,11 +61,11 @@ inline constexpr std::array kCommands = std::to_array<Command>({
     {CommandId::FullScreen, "Full screen", Qt::Key_F, Qt::NoModifier, false, true, std::nullopt},
 });
 
-// The command of a key press, null where it is none. Shift and the number block make no difference.
+// The command for a key press, or null. Shift and the keypad make no difference.
 const Command* commandOf(const QKeyEvent& event);
 
-// Whether the list leaves the key to the window. A command's key without a modifier isn't the list's with
-// one either.
+// Whether the list leaves the key to the window. A key whose command has no modifier is left to it with a
+// modifier too.
 bool passesList(const QKeyEvent& event, bool typing);
 
 } // namespace ql240

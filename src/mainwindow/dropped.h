@@ -1,4 +1,4 @@
-// What a drag over the window brings. Interface thread only.
+// What is dragged over the window. Interface thread only.
 #pragma once
 
 #include <QString>
@@ -8,14 +8,14 @@ class QMimeData;
 
 namespace ql240 {
 
-// A folder, or the folder of a clip and the clip's name in it.
+// A folder, or a clip's folder and its name in it.
 struct Dropped {
     QString folder;
     QString clipName;
 };
 
-// Nothing where the data bring neither. What doesn't answer at once is what its name says: the reader of
-// folders waits for it then.
+// Nothing if the data has neither. When the file system is slow, decides by name alone; FolderReader waits
+// for it later.
 std::optional<Dropped> droppedOf(const QMimeData& data);
 
 } // namespace ql240

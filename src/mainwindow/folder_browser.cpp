@@ -12,7 +12,7 @@
 namespace ql240 {
 namespace {
 
-// OK is open while the folder holds recordings; until a slow one has answered it is closed.
+// OK is enabled if the folder holds recordings; it stays disabled until a slow folder has been read.
 void enableOkForRecordings(FolderDialog& dialog, BackgroundJobs& jobs, const QString& path) {
     const auto holds = std::make_shared<bool>(false);
     jobs.forget();

@@ -1,5 +1,5 @@
-// The dialog in which the user picks a folder of recordings: opens on the last folder chosen in any run,
-// allows OK only on a folder that holds recordings, and remembers the choice. Interface thread only.
+// The dialog in which the user picks a folder of recordings. Opens on the folder chosen last in any run,
+// enables OK only for a folder that holds recordings, and remembers the choice. Interface thread only.
 #pragma once
 
 #include <QString>
@@ -10,10 +10,10 @@ namespace ql240 {
 
 class FolderBrowser {
 public:
-    // `owner` is the window that the dialog belongs to; may be null.
+    // `owner` is the dialog's parent window; may be null.
     explicit FolderBrowser(QWidget* owner) : m_owner(owner) {}
 
-    // True when a folder was chosen; path() is empty otherwise.
+    // True if a folder was chosen; otherwise path() is empty.
     bool exec();
     const QString& path() const { return m_path; }
 

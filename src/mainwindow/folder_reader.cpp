@@ -36,7 +36,7 @@ void FolderReader::read(const QString& path, const Then& then) {
         [path, listing = m_listing, unwanted = m_unwanted] { *listing = listFolder(path, unwanted.get()); },
         [this] { arrive(); });
     m_jobs.wait(waits::kFolderListing);
-    // What was handed over may have begun another reading.
+    // The continuation may have started another read.
     if (number == m_number && m_phase != Phase::Idle)
         showWait(path);
 }
@@ -55,7 +55,7 @@ void FolderReader::arrive() {
 void FolderReader::handOver() {
     const auto listing = m_listing;
     const auto then = std::exchange(m_then, {});
-    stop(); // what shows of the wait goes before anybody is asked anything
+    stop(); // hide the busy note before the continuation opens a dialog
     then(*listing);
 }
 

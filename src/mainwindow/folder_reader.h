@@ -1,6 +1,6 @@
-// Lists a folder for the window off the interface thread. A listing that lasts shows itself, with a way to
-// leave it; one that arrives while the user is being asked something waits for the answer. At most one at a
-// time: a new one takes the place of the last. Interface thread only.
+// Lists a folder for the window off the interface thread. A slow listing shows a note with a Cancel button;
+// one that arrives while a dialog is open is held until that closes. A new listing replaces the one in
+// progress. Interface thread only.
 #pragma once
 
 #include <atomic>
@@ -25,13 +25,13 @@ public:
 
     explicit FolderReader(const Questions& questions);
 
-    // Where the wait shows itself; the note belongs to the window.
+    // Where the busy note appears; `window` owns it.
     void showWaitIn(QWidget* window, const QRect& place);
 
-    // `then` follows at once where the folder answers at once, else when it does, and never after stop().
+    // Calls `then` before returning if the folder answers at once, otherwise later; never after stop().
     void read(const QString& path, const Then& then);
     void stop();
-    // Until the listing has been handed over.
+    // True until the listing has been handed over.
     bool isReading() const { return m_phase != Phase::Idle; }
 
 private:

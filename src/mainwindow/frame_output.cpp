@@ -30,7 +30,7 @@ QString secondSnapshotPath(const QString& path) {
     const qsizetype cut = suffix.isEmpty() ? path.size() : path.size() - suffix.size() - 1;
     for (int number = 2;; ++number) {
         const QString second = path.left(cut) + QStringLiteral("_%1").arg(number) + path.mid(cut);
-        // A link to what isn't there yet would have the file made there.
+        // Saving through a dangling link would create the file that it points to.
         if (const QFileInfo file(second); !file.exists() && !file.isSymLink())
             return second;
     }

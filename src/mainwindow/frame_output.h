@@ -1,4 +1,4 @@
-// What becomes of a frame outside the viewer: its file's name, its place on a printed page. Plain functions.
+// A frame outside the viewer: its file name, its place on a printed page. Plain functions.
 #pragma once
 
 #include <QDateTime>
@@ -14,12 +14,11 @@ using FramePair = std::array<QImage, 2>;
 // "QL240yyyyMMddhhmmss.jpg"
 QString snapshotName(const QDateTime& time);
 
-// The second stream's file beside the first one's: "_2" before the suffix, or the next number that is
-// free.
+// The second stream's file beside the first one's: "_2" before the suffix, or the next unused number.
 QString secondSnapshotPath(const QString& path);
 
-// Where the frames of `count` streams go on a page whose printable rectangle is `page`: each fills the width
-// or the height it can, the second below the first. A null frame gets an empty rectangle.
+// Where the frames of `count` streams go on a page whose printable rectangle is `page`: each is scaled to
+// fit, the second below the first. A null frame gets an empty rectangle.
 std::array<QRect, 2> printPlaces(const QRect& page, const FramePair& frames, int count);
 
 } // namespace ql240

@@ -11,11 +11,11 @@ bool FullScreen::agrees() const {
 }
 
 void FullScreen::enter() {
-    // The window system may have left full screen on its own, and the size that it gave is no one's choice.
+    // If the window system has left full screen on its own, the present geometry is not the user's choice.
     if (m_phase == Phase::Normal)
         m_normalGeometry = m_window.geometry();
     m_phase = Phase::Full;
-    // A fixed size would keep the window system from filling the screen.
+    // With a fixed size, the window system could not make the window fill the screen.
     m_window.setMinimumSize(0, 0);
     m_window.setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
     m_window.showFullScreen();

@@ -1,5 +1,5 @@
-// Whether a window of fixed size stands in full screen, and the geometry that it comes back to. The window
-// system grants full screen in its own time, and may take it away again. Interface thread only.
+// Whether a fixed-size window is in full screen, and the geometry to restore. The window system grants full
+// screen asynchronously and may leave it on its own. Interface thread only.
 #pragma once
 
 #include <QRect>
@@ -12,7 +12,7 @@ class FullScreen {
 public:
     explicit FullScreen(QWidget& window) : m_window(window) {}
 
-    // As the user wants it; `agrees` with what the window system has done so far.
+    // What the user asked for; `agrees` says whether the window system has complied so far.
     bool isWanted() const { return m_phase == Phase::Full; }
     bool agrees() const;
 

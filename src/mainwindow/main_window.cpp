@@ -29,7 +29,7 @@ namespace {
 constexpr QColor kBackgroundColour(9, 9, 9);
 constexpr char kLabelStyle[] = R"(color: rgb(220,220,220); font-family: "Segoe UI", Arial; font-size: 10pt;)";
 
-// A path of which the end, which says most, stays in sight.
+// A path elided at the left, since its end is the most telling part.
 class PathLabel : public QLabel {
 public:
     using QLabel::QLabel;
@@ -103,7 +103,7 @@ void MainWindow::makeWidgets() {
     m_progressPanel->setKilometres(storedSpeedUnit() == SpeedUnit::Kmh);
     m_volume = new WidgetVolume(this);
     m_volume->setGeometry(layout::kVolume);
-    // A drag across it while it is off doesn't move the window.
+    // Dragging over the disabled gauge doesn't move the window.
     m_volume->setAttribute(Qt::WA_NoMousePropagation);
     connect(m_progressPanel, &WidgetProgressA::clicked, this, &MainWindow::OnSlotsProgress);
 

@@ -1,6 +1,5 @@
-// The viewer's only main window: the video, the dashboard, the map and the clip list in one frameless skin,
-// with every command on them. Owns its children, the open folder's collection and the window helper.
-// Interface thread only.
+// The viewer's only main window: video, dashboard, map and clip list in one frameless skin, with every
+// command on them. Owns its child widgets, the open ClipFolder and the window helper. Interface thread only.
 #pragma once
 
 #include <QMainWindow>
@@ -40,14 +39,13 @@ public:
 
     void setDialogs(std::unique_ptr<WindowDialogs> dialogs);
 
-    // Opens the folder and plays the clip named, the first one where there is none of that name. A folder
-    // that takes its time is opened when it has been read; until then the list is empty and the user can
-    // cancel.
+    // Opens the folder and plays the clip of that name, or the first clip if there is none. A slow folder is
+    // opened once it has been read; until then the list is empty and the user can cancel.
     void openFolder(const QString& path, const QString& clipName = {});
     bool isReadingFolder() const { return m_folderReader.isReading(); }
 
     QAbstractButton* button(layout::ButtonId id) const { return m_buttons.at(id); }
-    // As the buttons show it; full screen leaves that as it was.
+    // As the buttons show it; unchanged by full screen.
     bool isPlaying() const { return m_playing; }
     const ClipSession& session() const { return m_session; }
     const PictureAdjustment& pictureAdjustment() const { return m_adjustment; }
@@ -79,11 +77,11 @@ public Q_SLOTS:
     void OnTimeoutRefreshMap();
     void OnTimeoutRefreshMapB();
 
-    // Fills two images with the streams' last frames; false when there is none.
+    // Fills two images with the streams' last frames; false when there are none.
     bool getSnap(QImage* images);
 
 Q_SIGNALS:
-    // Once, when the window stands on the screen for the first time.
+    // Emitted once, after the window was first painted.
     void firstPainted();
 
 protected:
@@ -125,7 +123,7 @@ private:
     void releaseFolder();
     void adjustPicture();
     void stepFrame(bool forward);
-    // What the commands, the tick, seeks and steps have come to; `playing` as they left it.
+    // Updates the session after commands, ticks, seeks and steps; `playing` is the state they left.
     void feedSession(bool playing);
     VideoView* zoomTarget() const;
     VideoView* bigView() const;
@@ -156,7 +154,7 @@ private:
     PictureAdjustment m_adjustment;
     ClipSession m_session;
     bool m_painted = false;
-    std::optional<Dropped> m_dropped; // while it is dragged over the window
+    std::optional<Dropped> m_dropped; // while dragged over the window
 };
 
 } // namespace ql240

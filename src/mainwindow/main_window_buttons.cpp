@@ -30,7 +30,7 @@ void MainWindowButtons::make(QWidget* window) {
         made->setAccessibleName(tr(row.name));
         made->setGeometry(row.place);
     }
-    controlAt(ButtonId::Volume)->setLatched(false); // stands for a mode, as pan does
+    controlAt(ButtonId::Volume)->setLatched(false); // a toggle, like pan
     retranslateButtons();
 }
 

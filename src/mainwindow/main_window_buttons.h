@@ -1,5 +1,5 @@
-// The main window's buttons: made, placed and named by the layout's table. Their widgets belong to the
-// window. Interface thread only.
+// The main window's buttons, created, placed and named from the layout's table. The window owns the widgets.
+// Interface thread only.
 #pragma once
 
 #include <QCoreApplication>
@@ -18,13 +18,13 @@ class MainWindowButtons {
     Q_DECLARE_TR_FUNCTIONS(ql240::MainWindow)
 public:
     void make(QWidget* window);
-    // Sets the hover texts in the current language.
+    // Sets the tooltips in the current language.
     void retranslateButtons();
-    // Shows one button in place of another; the focus goes on to it.
+    // Shows `next` in place of `old` and moves the focus to it.
     void replace(layout::ButtonId old, layout::ButtonId next);
 
     QAbstractButton* at(layout::ButtonId id) const { return m_buttons[static_cast<std::size_t>(id)]; }
-    // Every button but the logo is of this class.
+    // The button as a ClearButton, which all but the logo are.
     ClearButton* controlAt(layout::ButtonId id) const;
 
 private:

@@ -30,7 +30,7 @@ void MainWindow::openFolder(const QString& path, const QString& clipName) {
     readFolder(path, clipName, false);
 }
 
-// To be remembered is a folder that turns out to hold recordings.
+// With `remember`, stores the folder as the last one once it turns out to hold recordings.
 void MainWindow::readFolder(const QString& path, const QString& clipName, bool remember) {
     m_folderReader.stop();
     m_clipList->clear();
@@ -62,12 +62,12 @@ void MainWindow::showFolder(std::unique_ptr<ClipFolder> folder, const QString& c
         m_clipList->appendClip(clip);
     }
     m_clipList->setCurrentRow(m_clipList->rowOf(wanted));
-    if (m_folder) // opening the clip may have asked the user something
+    if (m_folder) // opening the clip may have run a dialog, in which the folder was closed
         showFolderPath(m_folder->path());
 }
 
 void MainWindow::showFolderPath(const QString& path) {
-    // What the local encoding lacks shows as question marks.
+    // Characters that the local encoding lacks show as question marks.
     m_folderLabel->setText(shownText(QString::fromLocal8Bit(path.toLocal8Bit())));
     m_folderLabel->setToolTip(hoverText(path));
     m_folderLabel->setAccessibleName(path.isEmpty() ? tr("No folder") : tr("Folder %1").arg(shownText(path)));
@@ -90,7 +90,7 @@ void MainWindow::OnSlotsfile_open() {
 void MainWindow::OnSlotsselectFile(QListWidgetItem* current, QListWidgetItem*) {
     closeCurrent();
     if (current) {
-        current->setSelected(true); // ahead of a message about its clip
+        current->setSelected(true); // before a message box about its clip
         m_progressPanel->clearSensorData();
         loadClip(MyListWidget::clipOf(current));
     }
@@ -169,7 +169,7 @@ void MainWindow::OnSlotssetting() {
     m_buttons.retranslateButtons();
 }
 
-// The card may have answered after its clip was opened.
+// The card's answer may come after the clip was opened.
 void MainWindow::adjustPicture() {
     if (m_mainView->player()->clip())
         m_mainView->setImageAdjust(m_adjustment.brightness(), m_adjustment.contrast());

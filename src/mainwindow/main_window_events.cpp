@@ -18,7 +18,7 @@ using layout::ButtonId;
 
 namespace {
 
-// The bounds include one pixel beyond the right and the bottom edge.
+// Includes one pixel beyond the right and the bottom edge.
 bool holds(const QRect& rect, QPoint point) {
     return rect.left() <= point.x() && point.x() <= rect.left() + rect.width() && rect.top() <= point.y() &&
            point.y() <= rect.top() + rect.height();
@@ -42,7 +42,7 @@ void MainWindow::leaveFullScreen() {
     setNormalLayout();
 }
 
-// The size of the full screen arrives in the window system's own time.
+// The window system reports the full-screen size asynchronously.
 void MainWindow::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);
     if (m_fullScreen.isWanted() && isFullScreen())
@@ -59,7 +59,7 @@ bool MainWindow::handToPanel(const QMouseEvent& event) {
         return false;
     QMouseEvent handed(event.type(), event.position() - m_progressPanel->pos(), event.globalPosition(),
                        event.button(), event.buttons(), Qt::NoModifier);
-    // The second press of a double click is one, too.
+    // The second press of a double click counts as a press too.
     if (event.type() == QEvent::MouseButtonRelease)
         m_progressPanel->mouseReleaseEvent(&handed);
     else
@@ -90,12 +90,12 @@ void MainWindow::mouseReleaseEvent(QMouseEvent* event) {
         handToPanel(*event);
 }
 
-// In full screen Tab is a key like any other and must arrive as one.
+// In full screen Tab is an ordinary key and must arrive as a key press.
 bool MainWindow::focusNextPrevChild(bool next) {
     return !isFullScreen() && QMainWindow::focusNextPrevChild(next);
 }
 
-// The key that has entered full screen doesn't leave it while it is held.
+// A held key that entered full screen must not leave it by auto-repeat.
 void MainWindow::keyPressEvent(QKeyEvent* event) {
     if (isFullScreen()) {
         if (!event->isAutoRepeat())
@@ -105,7 +105,7 @@ void MainWindow::keyPressEvent(QKeyEvent* event) {
     }
 }
 
-// Moving in the list and typing a name are the list's, whatever has the focus.
+// Moving in the list and typing a name go to the list, whichever widget has the focus.
 bool MainWindow::handToList(QKeyEvent* event) {
     const bool moves = event->key() == Qt::Key_Up || event->key() == Qt::Key_Down;
     const bool types = !event->text().isEmpty() && event->text().front().isPrint() &&
@@ -151,8 +151,8 @@ void MainWindow::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
     if (event->type() != QEvent::WindowStateChange || isMinimized() || m_fullScreen.agrees())
         return;
-    // The window manager's own key has left full screen; or a compositor has granted it only after it was
-    // left again. By the time of the answer the user may have entered it anew.
+    // Either the window manager has left full screen on its own, or a compositor granted it only after the
+    // user had left it. The user may enter it again before the timer fires.
     QTimer::singleShot(0, this, [this] {
         if (!m_fullScreen.agrees() && !isMinimized())
             leaveFullScreen();
@@ -166,7 +166,7 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
 }
 
 void MainWindow::dragMoveEvent(QDragMoveEvent* event) {
-    // The list takes no drop, and the window none on its behalf.
+    // The list takes no drops, and the window takes none over it.
     if (m_clipList->isVisible() && m_clipList->geometry().contains(event->position().toPoint()))
         event->ignore();
     else

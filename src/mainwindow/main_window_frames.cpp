@@ -15,7 +15,7 @@ namespace {
 constexpr char kMakerAddress[] = "https://ql240.example/";
 constexpr int kExtensionLength = 4;
 
-// The painter's origin is the corner of the printable area, so the page begins there.
+// The painter's origin is the corner of the printable area, so the page rectangle begins at (0, 0).
 void printFrames(QPrinter& printer, const FramePair& frames, int streams) {
     const QRect page(QPoint(0, 0), printer.pageRect(QPrinter::DevicePixel).toRect().size());
     const auto places = printPlaces(page, frames, streams);
@@ -64,7 +64,7 @@ void MainWindow::OnSlotsprint() {
     FramePair frames;
     if (!pausedSnap(frames.data()))
         return;
-    const int streams = Player::videoStreamCount; // of these frames, whatever is opened meanwhile
+    const int streams = Player::videoStreamCount; // read before the dialog, in which the clip may change
     QPrinter printer(QPrinter::ScreenResolution);
     if (m_questions.ask([&](WindowDialogs& dialogs) { return dialogs.askPrinter(this, printer); }))
         printFrames(printer, frames, streams);

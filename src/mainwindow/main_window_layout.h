@@ -1,5 +1,5 @@
-// Where everything in the main window stands, in one place: construction, skin, hover texts, accessible
-// names, placement and tests read these tables. Window coordinates in pixels.
+// Geometry of everything in the main window. Construction, skin, tooltips, accessible names, placement and
+// tests read these tables. Window coordinates in pixels.
 #pragma once
 
 #include <QMargins>
@@ -22,16 +22,16 @@ inline constexpr QRect kWaitNote(692, 280, 296, 96); // over the list, which is 
 inline constexpr QRect kProgressPanel(23, 394, 642, 250);
 inline constexpr QRect kVolume(600, 445, 52, 9);
 
-// Outside pan mode, only moves within these bounds go on to the view; both ends belong to them.
+// Outside pan mode, only mouse moves within these bounds, ends included, are passed to the view.
 inline constexpr int kMoveLeft = 22;
 inline constexpr int kMoveRight = 760;
 inline constexpr int kMoveTop = 32;
 inline constexpr int kMoveBottom = 460;
 
-// In full screen the main view leaves one pixel at each edge.
+// In full screen the main view leaves a margin of one pixel.
 inline constexpr QMargins kFullScreenMargins(1, 1, 1, 1);
 
-// In the order in which they are made, which is the stacking order too.
+// In order of creation, which is also the stacking order.
 enum class ButtonId {
     Play,
     Pause,
@@ -58,8 +58,8 @@ inline constexpr std::size_t kButtonCount = 20;
 
 struct ButtonRow {
     ButtonId id;
-    const char* name;   // for assistive technology where there is no hover text
-    const char* images; // what their names begin with; the logo's one image for all states
+    const char* name;   // accessible name where there is no tooltip
+    const char* images; // prefix of the image names; the logo has one image for all states
     QRect place;
     std::optional<UiText> hoverText;
 };
@@ -87,7 +87,8 @@ inline constexpr std::array<ButtonRow, kButtonCount> kButtons{{
     {ButtonId::Logo, "QL240", "ql240_logo", {21, 7, 196, 22}, std::nullopt},
 }};
 
-// What is switched with the controls, and what hides in full screen, beside the widgets named there.
+// The buttons that are enabled with the controls, and those that full screen hides besides the widgets it
+// names.
 inline constexpr std::array kControls{
     ButtonId::Play,      ButtonId::Pause,        ButtonId::Stop,     ButtonId::PreviousFile,
     ButtonId::FrameBack, ButtonId::FrameForward, ButtonId::NextFile, ButtonId::ZoomIn,

@@ -19,7 +19,7 @@ namespace {
 constexpr int kUpdateIntervalMs = 100;
 constexpr int kHighestSpeed = 241;
 
-// A stop, then a start that waits at the first frame.
+// Stops, rewinds and pauses at the first frame.
 void backToStart(Player& player) {
     player.stop();
     player.rewind();
@@ -44,7 +44,7 @@ void MainWindow::showPausedState() {
     m_progressPanel->setAnimating(false);
 }
 
-// Goes by the clip, not by the state shown, which full screen leaves as it was.
+// Depends on whether a clip is open, not on the state shown, which full screen leaves unchanged.
 void MainWindow::feedSession(bool playing) {
     const Player& player = *m_mainView->player();
     m_session.find(player.clip(), playing, player.positionMs());
@@ -139,7 +139,7 @@ void MainWindow::OnTimeoutUpdate() {
     m_progressPanel->setRange(0, duration);
     m_progressPanel->setValue(position);
     feedSession(m_session.isPlaying());
-    // What a question has paused stays where it is under it.
+    // While a dialog is open, a clip that it paused at its end doesn't move on to the next clip.
     const bool ended = position == duration && !(m_questions.isOpen() && !m_session.isPlaying());
     if (!ended)
         return;

@@ -16,7 +16,7 @@ namespace {
 
 constexpr QPoint kPostedPosition(100, 100);
 
-// The arrow selectors' single colon is meant.
+// The arrow selectors have a single colon on purpose.
 constexpr char kStyleSheet[] = R"(
 QListWidget {
     border: 1px solid rgb(62,62,59); color: #ffffff; font-family: 'Segoe UI', 'Arial'; font-size: 10pt;
@@ -50,7 +50,7 @@ QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical {
 }
 )";
 
-// A Wayland compositor may not say where the pointer is; an ordinary press must not be doubted then.
+// On Wayland the pointer's position may be unknown; then every press counts as at the pointer.
 bool isAtPointer(const QMouseEvent& event, QPoint pointer) {
     return event.globalPosition().toPoint() == pointer ||
            QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
@@ -110,7 +110,7 @@ QModelIndex MyListWidget::moveCursor(CursorAction action, Qt::KeyboardModifiers 
     return m_takingFocus ? QModelIndex() : QListWidget::moveCursor(action, modifiers);
 }
 
-// The entry whose clip is open stays marked.
+// The entry of the open clip can't be deselected.
 QItemSelectionModel::SelectionFlags MyListWidget::selectionCommand(const QModelIndex& index,
                                                                    const QEvent* event) const {
     const auto command = QListWidget::selectionCommand(index, event);

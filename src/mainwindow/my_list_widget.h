@@ -1,6 +1,5 @@
-// The list of clips: one entry for every recording of the open folder, in the collection's order. Making an
-// entry current is how a clip is chosen; the main window acts on the list's signal. Takes no drop. Interface
-// thread only.
+// The list of clips: one entry for each recording of the open folder, in the folder's order. Making an entry
+// current selects its clip; the main window acts on the list's signal. Takes no drops. Interface thread only.
 #pragma once
 
 #include <QElapsedTimer>
@@ -10,34 +9,34 @@ namespace ql240 {
 
 class Clip;
 
-// Where an entry keeps its clip's address; an entry without one stands for a file that no scan found.
+// Holds the entry's Clip pointer; an entry without one stands for a file added by name only.
 inline constexpr int kClipRole = Qt::UserRole + 1;
 
 class MyListWidget : public QListWidget {
     Q_OBJECT
 public:
-    // `owner` is the parent and the window that gets the mouse events that the list posts.
+    // `owner` is the parent and the window that gets the mouse events posted by the list.
     explicit MyListWidget(QWidget* owner);
 
-    // Appends an entry named after the clip's file, or one with a name only. Clips go ahead of names that
-    // were added while the folder was being read.
+    // Appends an entry for the clip, or one with only a name. Clips go before names that were added while the
+    // folder was being read.
     void appendClip(const Clip* clip);
     void appendName(const QString& fileName);
 
-    // Null for an entry without a clip, and for no entry.
+    // Null for an entry without a clip, and for a null entry.
     static const Clip* clipOf(const QListWidgetItem* item);
 
-    // The first row that holds the clip, -1 when none does.
+    // The first row with the clip, or -1.
     int rowOf(const Clip* clip) const;
 
-    // A press that is not where the pointer is, is handed to the owner as a click of its own.
+    // A press away from the pointer's position is posted to the owner as a click at a fixed position.
     void mousePressEvent(QMouseEvent* event) override;
 
 protected:
-    // Chooses nothing, as Qt would.
+    // Selects nothing, unlike Qt's own handler.
     void focusInEvent(QFocusEvent* event) override;
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
-    // The window's command keys go on to it; typing and moving up and down stay here.
+    // The window's command keys are passed on to it; typing and moving up and down stay here.
     void keyPressEvent(QKeyEvent* event) override;
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
                                                          const QEvent* event) const override;

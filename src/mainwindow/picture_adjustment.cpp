@@ -11,7 +11,7 @@
 namespace ql240 {
 namespace {
 
-// By the values 0 to 7.
+// Indexed by the values 0 to 7.
 using Table = std::array<std::int32_t, 8>;
 constexpr Table kBrightness{0, -60, -40, -20, 0, 20, 40, 60};
 constexpr Table kContrast{60, 40, 60, 80, 100, 120, 140, 160};

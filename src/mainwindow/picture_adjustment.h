@@ -1,4 +1,4 @@
-// The picture adjustment that the camera's card asks for.
+// The picture adjustment set on the camera's card.
 #pragma once
 
 #include <QtGlobal>
@@ -11,28 +11,28 @@
 
 namespace ql240 {
 
-// What the card holds, 1 to 7 each, 4 neutral.
+// The values on the card: 1 to 7 each, 4 neutral.
 struct AdjustmentSetting {
     int brightvalue = 4;
     int contrastvalue = 4;
 };
 
 struct CardAdjustment {
-    AdjustmentSetting settings;                // of the settings as a whole
-    std::optional<AdjustmentSetting> ownFiles; // nothing unless both have a file of their own
+    AdjustmentSetting settings;                // from the settings as a whole
+    std::optional<AdjustmentSetting> ownFiles; // empty unless both have a file of their own
 };
 
-// From the first removable drive with a settings folder; nothing when there is none. Blocks on the card: any
-// thread but the interface's.
+// From the first removable drive with a settings folder; empty when there is none. Blocks on the card: never
+// call it on the interface thread.
 std::optional<CardAdjustment> readCardAdjustment(Drives* drives);
 
-// What the frames are adjusted by: brightness is added, contrast is in percent. A value that no card should
-// hold leaves the picture as it was recorded.
+// The adjustment of the frames for a card's value: brightness is added, contrast is in percent. A value
+// outside 0 to 7 counts as neutral.
 std::int32_t brightnessOf(int brightvalue);
 std::int32_t contrastOf(int contrastvalue);
 
-// What the frames are adjusted by, kept as last read from the card. Interface thread only, where `changed` is
-// called too, once the card has answered.
+// The adjustment of the frames, as last read from the card. Interface thread only; `changed` is called there
+// too, once the card has answered.
 class PictureAdjustment {
 public:
     explicit PictureAdjustment(std::function<void()> changed) : m_changed(std::move(changed)) {}
@@ -40,13 +40,14 @@ public:
     std::int32_t brightness() const { return m_brightness; }
     std::int32_t contrast() const { return m_contrast; }
 
-    // The settings dialog was accepted: the card may hold something else now than what was asked for before.
+    // Call when the settings dialog was accepted: the card's contents may have changed, so an answer still
+    // under way is dropped.
     void setSettingsChanged();
     bool settingsChanged() const { return m_settingsChanged; }
 
-    // Asks the card, without waiting for it.
+    // Asks the card without waiting for it.
     void loadPictureAdjustment();
-    // Waits for an answer under way, though not for long: that of a slow card comes when it comes.
+    // Waits briefly for an answer under way; a slow card's answer is applied when it arrives.
     void await();
 
 private:

@@ -1,5 +1,5 @@
-// What the window asks its user. A dialog is an event loop of its own, under which everything else goes on:
-// whoever must not act behind one looks at isOpen() and waits for closed(). Interface thread only.
+// Runs the window's dialogs. A dialog is an event loop of its own, during which everything else goes on: code
+// that must not act while one is open checks isOpen() and waits for closed(). Interface thread only.
 #pragma once
 
 #include <QObject>
@@ -16,7 +16,7 @@ public:
 
     void setDialogs(std::unique_ptr<WindowDialogs> dialogs) { m_dialogs = std::move(dialogs); }
 
-    // Has `ask` run a dialog and gives back what it returns.
+    // Runs a dialog through `ask` and returns its result.
     template <typename Ask>
     auto ask(Ask ask) {
         const Open open(*this);
@@ -27,7 +27,8 @@ public:
     bool isOpen() const { return m_open > 0; }
 
 Q_SIGNALS:
-    // From the event loop, once whoever asked has gone on with the answer. Another one may be open again.
+    // Emitted from the event loop after a dialog has closed and its caller has returned. Another dialog may
+    // be open by then.
     void closed();
 
 private:

@@ -1,4 +1,4 @@
-// Keeps the desktop awake while the session's clip plays, whatever the window shows. Belongs to the session;
+// Keeps the desktop awake while the session's clip plays, whatever the window shows. Owned by the session;
 // interface thread only.
 #pragma once
 

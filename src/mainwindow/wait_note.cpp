@@ -18,7 +18,7 @@ WaitNote::WaitNote(QWidget* parent)
     m_text->setTextFormat(Qt::PlainText);
     m_text->setWordWrap(true);
     auto* bar = new QProgressBar(this);
-    bar->setRange(0, 0); // moves, since nobody knows how long
+    bar->setRange(0, 0); // indeterminate: nothing is known of the duration
     bar->setTextVisible(false);
     bar->setAccessibleName(tr("Busy"));
     auto* column = new QVBoxLayout(this);
@@ -42,7 +42,7 @@ void WaitNote::begin(const QString& text) {
 void WaitNote::appear() {
     show();
     raise();
-    if (!window()->isFullScreen()) // where every key means to leave it
+    if (!window()->isFullScreen()) // in full screen every key must leave it
         m_cancel->setFocus();
 }
 
@@ -51,7 +51,7 @@ void WaitNote::end() {
     hide();
 }
 
-// The window's command keys must not reach it from here.
+// Keeps key presses from propagating to the window, which would run its commands.
 void WaitNote::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Escape)
         Q_EMIT cancelled();

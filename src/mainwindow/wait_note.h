@@ -1,5 +1,5 @@
-// Says that something takes its time, and lets the user cancel it: a text, a bar that moves, a button. Shows
-// itself only when the wait has lasted a moment. Owned by its parent; interface thread only.
+// Says that something takes a while and lets the user cancel it: a text, an indeterminate progress bar, a
+// button. Appears only after a short delay. Owned by its parent; interface thread only.
 #pragma once
 
 #include <QFrame>
@@ -19,7 +19,7 @@ public:
     void end();
 
 Q_SIGNALS:
-    // The button was pressed, or Escape. Ending the wait is left to whoever hears it.
+    // The button or Escape was pressed. The receiver ends the wait.
     void cancelled();
 
 protected:

@@ -1,4 +1,4 @@
-// The questions that the main window asks its user. Tests answer them without a user. Interface thread only.
+// The dialogs that the main window opens, replaceable in tests. Interface thread only.
 #pragma once
 
 #include <QString>
@@ -14,12 +14,12 @@ public:
 
     virtual void warn(QWidget* parent, const QString& title, const QString& text);
 
-    // The path chosen, empty when the dialog was cancelled.
+    // The path chosen; empty when the dialog was cancelled.
     virtual QString askOpenFile(QWidget* parent, const QString& caption, const QString& filter);
     virtual QString askSaveFile(QWidget* parent, const QString& caption, const QString& name,
                                 const QString& filter);
 
-    // Lets the user set the printer up; false when nothing shall be printed.
+    // Lets the user configure the printer; false if the dialog was cancelled.
     virtual bool askPrinter(QWidget* parent, QPrinter& printer);
 };
 

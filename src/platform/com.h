@@ -1,6 +1,6 @@
-// The calling convention of the media pipeline: identifiers, status codes, reference-counted interfaces and
-// the handle that counts for its holder. A status is a 32-bit number, negative for failure. Reference counts
-// may be changed on any thread; everything else keeps to the threads that each interface names.
+// The calling convention of the media pipeline: identifiers, status codes, reference-counted interfaces and a
+// smart pointer for them. A status is a 32-bit number, negative for failure. Reference counts may change on
+// any thread; other calls are bound to the threads that each interface names.
 #pragma once
 
 #include <array>
@@ -13,7 +13,7 @@ namespace ql240 {
 enum [[nodiscard]] Status : std::int32_t{};
 
 constexpr Status kStatusOk{0};
-constexpr Status kStatusIntermediate{0x00040237}; // a state change is under way
+constexpr Status kStatusIntermediate{0x00040237}; // a state change is in progress
 constexpr Status kStatusFail = static_cast<Status>(0x80004005);
 constexpr Status kStatusNoInterface = static_cast<Status>(0x80004002);
 constexpr Status kStatusInvalidPointer = static_cast<Status>(0x80004003);
@@ -33,7 +33,7 @@ constexpr bool succeeded(Status status) {
     return status >= 0;
 }
 
-// For a call whose failure changes nothing: what was asked for is then missing, and its place stays empty.
+// Ignores the status of a call that may fail: what it should provide is then missing.
 constexpr void mayFail(Status) {}
 
 // A 128-bit identifier of a class, an interface or a media type.
@@ -58,7 +58,7 @@ constexpr std::uint32_t hexNumber(std::string_view digits) {
 
 } // namespace detail
 
-// Reads the registry form "{E436EBB5-524F-11CE-9F53-0020AF0BA770}".
+// Parses the registry form "{E436EBB5-524F-11CE-9F53-0020AF0BA770}".
 constexpr Guid guid(std::string_view text) {
     Guid result;
     result.data1 = detail::hexNumber(text.substr(1, 8));
@@ -74,8 +74,8 @@ class IUnknown {
 public:
     static constexpr Guid kIid = guid("{00000000-0000-0000-C000-000000000046}");
 
-    // Hands out the interface `iid` of this object in *object, counted for the caller; kStatusNoInterface and
-    // a null *object if it has none.
+    // Stores the interface `iid` of this object in *object with a reference for the caller;
+    // kStatusNoInterface and a null *object if it has none.
     virtual Status QueryInterface(const Guid& iid, void** object) = 0;
     virtual std::uint32_t AddRef() = 0;
     virtual std::uint32_t Release() = 0;
@@ -84,7 +84,7 @@ protected:
     ~IUnknown() = default;
 };
 
-// Holds one counted reference, or none.
+// Holds one reference, or none.
 template <typename T>
 class ComPtr {
 public:
@@ -110,7 +110,7 @@ public:
         if (T* object = std::exchange(m_object, nullptr))
             object->Release();
     }
-    // For calls that hand out a counted reference.
+    // For calls that return a reference through an out parameter.
     T** put() {
         reset();
         return &m_object;

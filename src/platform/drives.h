@@ -1,4 +1,4 @@
-// The removable volumes of the machine, as the host system tells them. Callable from any thread.
+// The machine's mounted removable volumes. Callable from any thread.
 #pragma once
 
 #include <QByteArray>
@@ -8,7 +8,7 @@
 namespace ql240 {
 
 // One mounted removable volume. `drive` is its mount point without a trailing slash; label and file-system
-// name are the host's own bytes in the local 8-bit encoding, empty when unknown.
+// name are in the local 8-bit encoding, empty when unknown.
 struct DriveInfo {
     QString drive;
     QByteArray label;
@@ -19,8 +19,8 @@ class Drives {
 public:
     virtual ~Drives() = default;
 
-    // Asked afresh at each call, in the order of the device's name. Takes as long as the host's service does,
-    // which may be for ever: never to be called on the interface thread. Empty when the service is absent or
+    // Queried anew at each call; sorted by device name. Blocks for as long as the system's service does,
+    // possibly forever, so never call it on the interface thread. Empty when the service is missing or has
     // gone.
     virtual QList<DriveInfo> removableDrives() = 0;
 };

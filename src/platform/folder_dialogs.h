@@ -1,4 +1,4 @@
-// The host's dialog for choosing one folder. Interface thread only.
+// The system's dialog for choosing a folder. Interface thread only.
 #pragma once
 
 #include <QString>
@@ -11,7 +11,7 @@ namespace ql240 {
 
 enum class FolderMessage { Initialised = 1, SelectionChanged = 2, ValidateFailed = 4 };
 
-// The dialog on screen, as its callback sees it.
+// The open dialog, as its callback sees it.
 class FolderDialog {
 public:
     virtual ~FolderDialog() = default;
@@ -19,17 +19,17 @@ public:
     virtual void enableOk(bool enabled) = 0;
 };
 
-// Called with Initialised before the dialog is shown, with SelectionChanged and the path of the item newly
-// selected (empty where it is no file-system folder), with ValidateFailed and the text typed that is no
-// folder. A result of 1 to ValidateFailed keeps the dialog open.
+// Called with Initialised before the dialog is shown; with SelectionChanged and the path of the newly
+// selected item (empty if that is not a file-system folder); and with ValidateFailed and the typed text if
+// that is not a folder. Returning 1 for ValidateFailed keeps the dialog open.
 using FolderCallback = std::function<int(FolderDialog&, FolderMessage, const QString&)>;
 
 class FolderDialogs {
 public:
     virtual ~FolderDialogs() = default;
 
-    // Runs the dialog over `owner`. Nothing when it was cancelled; otherwise the path of the item chosen,
-    // empty where that is no file-system folder.
+    // Runs the dialog over `owner`. Returns nothing when cancelled, otherwise the chosen item's path, which
+    // is empty if the item is not a file-system folder.
     [[nodiscard]] virtual std::optional<QString> browseForFolder(QWidget* owner,
                                                                  const FolderCallback& callback) = 0;
 };

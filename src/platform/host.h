@@ -1,6 +1,6 @@
-// What the host system gives the program, as one table of interfaces. `app/` fills it once at start-up, tests
-// fill it with fakes; everything else only reads it. The program's table is complete before its first window
-// and stays as it is until the last one is gone. Interface thread only. Pointers are not owned.
+// The table of interfaces to the host system. `app/` fills it at start-up, tests fill it with fakes;
+// everything else only reads it. The program's table is complete before its first window opens and doesn't
+// change until the last one has closed. Interface thread only. Pointers are not owned.
 #pragma once
 
 namespace ql240 {

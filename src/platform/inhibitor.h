@@ -10,8 +10,8 @@ class Inhibitor {
 public:
     virtual ~Inhibitor() = default;
 
-    // Holds off the screen saver and sleep for as long as the result is kept. `reason` is what the desktop
-    // may tell its user. Returns at once; a desktop that can't do it is no failure.
+    // Inhibits the screen saver and sleep for as long as the result is held. The desktop may show `reason` to
+    // its user. Returns at once; a desktop without this service is not an error.
     [[nodiscard]] virtual std::shared_ptr<void> keepAwake(const QString& reason) = 0;
 };
 

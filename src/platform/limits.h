@@ -1,5 +1,5 @@
-// How much the program takes from outside: from a card, a clip or the network, whoever made them. What
-// exceeds a limit is refused, or read no further, before anything is allocated for it.
+// Limits for everything that comes from outside: from a card, a clip or the network. What exceeds a limit is
+// rejected or not read any further, before memory is allocated for it.
 #pragma once
 
 #include <cstddef>
@@ -9,89 +9,90 @@ namespace ql240::limits {
 
 // --- Card ---
 
-// 64 KiB: the camera's own version file has some hundred bytes.
+// 64 KiB: the camera's own version file has a few hundred bytes.
 inline constexpr std::int64_t kVersionFileBytes = 64 * 1024;
 // 64 KiB: the camera's own "setting.dat" has about 600 bytes.
 inline constexpr std::int64_t kSettingFileBytes = 64 * 1024;
-// As many as a folder of a FAT volume can hold.
+// The maximum of a folder on a FAT volume.
 inline constexpr int kFolderEntries = 65536;
 
 // --- Pictures and the pipeline ---
 
-// 64 Mi: the largest sensors in cameras have 9,248 x 6,944.
+// 64 Mi: the largest camera sensors have 9,248 x 6,944 pixels.
 inline constexpr std::int64_t kPicturePixels = 64 * 1024 * 1024;
 
-// What a stream says of its pictures' size.
+// Checks the picture size that a stream declares.
 constexpr bool isPictureTooLarge(std::int64_t width, std::int64_t height) {
     return width < 0 || height < 0 || (height > 0 && width > kPicturePixels / height);
 }
 
-// 512 MiB: the highest levels of H.264 and H.265 refer back to 267 MB of pictures, and some more are shown.
+// 512 MiB: the highest levels of H.264 and H.265 need 267 MB of reference pictures, and a few more are on
+// display.
 inline constexpr std::size_t kDecodedBytes = 512 * 1024 * 1024;
 
-// 128 MiB: eight pictures of 3,840 x 2,160 for steps back.
+// 128 MiB: eight pictures of 3,840 x 2,160 for stepping back.
 inline constexpr std::size_t kFrameRowBytes = 128 * 1024 * 1024;
 
-// 64 MiB: three seconds at 170 Mbit/s, three times what cameras write.
+// 64 MiB: three seconds at 170 Mbit/s, three times the bit rate of cameras.
 inline constexpr unsigned kQueuedPictureBytes = 64 * 1024 * 1024;
 
 // 8 MiB: three seconds of eight channels of 24 bits at 96 kHz.
 inline constexpr unsigned kQueuedSoundBytes = 8 * 1024 * 1024;
 
-// Three seconds of 3,000 pieces each; one takes half a kilobyte besides what is in it.
+// Three seconds at 3,000 buffers per second; each takes half a kilobyte besides its data.
 inline constexpr unsigned kQueuedBuffers = 10'000;
 
-// 64 MiB at once: the largest picture compressed, and the index of a clip of many hours.
+// 64 MiB in one read: enough for the largest compressed picture, and for the index of a clip of many hours.
 inline constexpr unsigned kReadBytes = 64 * 1024 * 1024;
 
-// 128 MiB until a clip is open: its index takes 5 MB an hour, and each byte is needed once.
+// 128 MiB until a clip is open: its index takes 5 MB per hour, and each byte is needed once.
 inline constexpr std::int64_t kOpeningBytes = 128 * 1024 * 1024;
 
 // --- Sensor data ---
 
-// The dashboard asks for no later moment.
+// The dashboard asks for no later time.
 inline constexpr std::int64_t kSensorTrackMs = 61'000;
 
-// 16 MiB: the log of an hour has two, 61 s of the fullest track one.
+// 16 MiB: an hour's log takes 2 MB, 61 s of the densest track 1 MB.
 inline constexpr std::int64_t kSensorBytes = 16 * 1024 * 1024;
 
-// 61 s of 1,600 a second.
+// 61 s at 1,600 per second.
 inline constexpr std::size_t kSensorRecords = 100'000;
 
-// Each is a call of the system; an hour in fragments of half a second takes 15,000.
+// Each is a system call; an hour in fragments of half a second takes 15,000.
 inline constexpr int kSensorReads = 100'000;
 
-// 64 KiB of a sample count: more than any recorder packs into one.
+// Only the first 64 KiB of a sample are read: more than any recorder writes into one.
 inline constexpr std::int64_t kSensorSampleBytes = 64 * 1024;
 
-// Of one GPS block; the record lies in the first hundred bytes of those known.
+// Per GPS block; in all known ones the record is within the first hundred bytes.
 inline constexpr std::size_t kGpsBlockBytes = 4096;
 
-// An NMEA sentence has 82 characters; recorders put a time and further numbers before it.
+// An NMEA sentence has at most 82 characters; recorders put a time and more numbers before it.
 inline constexpr std::ptrdiff_t kSensorLine = 1024;
 
 // Cameras write five tracks at most.
 inline constexpr std::size_t kTracks = 64;
 
-// The log lies in one of them; writers leave some more as padding.
+// One of them holds the log; some writers add others as padding.
 inline constexpr std::size_t kFreeBoxes = 64;
 
-// Ahead of a track's beginning there is one, perhaps two.
+// Before a track's first media there is one edit, perhaps two.
 inline constexpr std::uint32_t kEdits = 16;
 
 // --- Text ---
 
-// 255: no file system in use has longer names or labels.
+// 255: no common file system allows longer names or labels.
 inline constexpr int kShownNameLetters = 255;
 
-// 4096: the system opens no longer path.
+// 4096: the kernel opens no longer path.
 inline constexpr int kShownPathLetters = 4096;
 
-// 4096 bytes: the token that a desktop hands to a second start has some hundred.
+// 4096 bytes: the activation token that a desktop gives to a second start has a few hundred.
 inline constexpr std::int64_t kWindowMessageBytes = 4096;
 
-// 100: the first folder or recording of a drop counts, and a hundred other things before it are no drop of
-// recordings.
+// 100: the first folder or recording in a drop counts; if a hundred other items come first, it isn't a drop
+// of recordings.
 inline constexpr int kDroppedUrls = 100;
 
 // --- Map ---
@@ -99,7 +100,7 @@ inline constexpr int kDroppedUrls = 100;
 // 1 MiB: a street tile has 5 to 100 KB.
 inline constexpr int kTileBytes = 1024 * 1024;
 
-// 256 and 512 pixels a side are what tile servers give, the second for dense screens.
+// Tile servers send 256 x 256 pixels, or 512 x 512 for high-density screens.
 inline constexpr int kTileSides[] = {256, 512};
 
 } // namespace ql240::limits

@@ -2,7 +2,7 @@
 
 namespace ql240 {
 
-// No rule, no text: a warning on a terminal that nobody asked for helps nobody.
+// Without a rule not even warnings are printed, since they would only puzzle users of a terminal.
 Q_LOGGING_CATEGORY(lcMedia, "ql240.media", QtCriticalMsg)
 Q_LOGGING_CATEGORY(lcSensors, "ql240.sensors", QtCriticalMsg)
 Q_LOGGING_CATEGORY(lcCard, "ql240.card", QtCriticalMsg)

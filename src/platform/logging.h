@@ -1,6 +1,6 @@
-// What the program says of its work to whoever asks it, in Qt's logging categories: debug says what was
-// decided, a warning what was lost. Nothing is logged unless a rule switches its category on
-// (QT_LOGGING_RULES). Texts from outside are logged as QString, which Qt quotes and escapes. Any thread.
+// Qt logging categories: debug messages report decisions, warnings report losses. Nothing is logged unless a
+// rule enables its category (QT_LOGGING_RULES). Log untrusted texts as QString, which Qt quotes and escapes.
+// Any thread.
 #pragma once
 
 #include <QDebug>

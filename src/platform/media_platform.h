@@ -1,5 +1,5 @@
-// The factory of the media pipeline: makes filters and graphs by class identifier. Owned by `app/`; interface
-// thread.
+// The factory of the media pipeline: creates filters and graphs by class identifier. Owned by `app/`;
+// interface thread.
 #pragma once
 
 #include <cstdint>
@@ -29,19 +29,19 @@ class MediaPlatform {
 public:
     virtual ~MediaPlatform() = default;
 
-    // Makes an object of the class and hands out its interface `iid` in *object, counted for the caller.
-    // Failure: kStatusClassNotRegistered, kStatusNoInterface; *object is null then.
+    // Creates an object of the class and stores its interface `iid` in *object with a reference for the
+    // caller. On failure (kStatusClassNotRegistered, kStatusNoInterface) *object is null.
     virtual Status CoCreateInstance(const Guid& classId, IUnknown* outer, ClassContext context,
                                     const Guid& iid, void** object) = 0;
 
     // Loads what the first clip will need, on a thread of its own.
     virtual void warmUp() = 0;
 
-    // The volume at which every clip is heard, now and later: 0 silent to 0xFFFF loudest.
+    // The volume of all present and future clips: 0 silent to 0xFFFF loudest.
     virtual void setOutputVolume(std::uint16_t left, std::uint16_t right) = 0;
 };
 
-// What the media module offers: `extern "C" ql240::MediaPlatform* ql240CreateMediaPlatform()`; the caller
+// Exported by the media module: `extern "C" ql240::MediaPlatform* ql240CreateMediaPlatform()`; the caller
 // owns the result.
 using CreateMediaPlatform = MediaPlatform* (*)();
 inline constexpr char kCreateMediaPlatform[] = "ql240CreateMediaPlatform";

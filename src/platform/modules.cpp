@@ -22,8 +22,7 @@ QString moduleFolderOf(const QString& programFolder) {
 template <typename Interface>
 Interface* LazyModule<Interface>::get() {
     if (!std::exchange(m_tried, true)) {
-        // The library stays loaded until the process ends: code of it may still be on the stack of other
-        // threads.
+        // Never unloaded before the process ends: other threads may still be running its code.
         QLibrary library(m_file);
         using Create = Interface* (*)();
         if (auto create = reinterpret_cast<Create>(library.resolve(m_factory)))

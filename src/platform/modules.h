@@ -1,7 +1,7 @@
-// Stand-ins for what the program's modules make: shared objects of their own, because what they link is slow
-// to load. A stand-in takes its place in the host table from the start and loads its module when it is first
-// used; that is tried once, and without the module every use fails. Interface thread only; gone before the
-// application object, after everything that came from them.
+// Stand-ins for the program's modules, which are separate shared objects because their dependencies are slow
+// to load. A stand-in is in the host table from the start and loads its module on first use; that is tried
+// once, and if it fails, so does every use. Interface thread only; destroyed before the application object,
+// and after everything created through them.
 #pragma once
 
 #include <QLoggingCategory>
@@ -16,11 +16,11 @@
 
 namespace ql240 {
 
-// The folder of the modules that belong to a program in `programFolder`: in the build tree as installed,
-// lib/ql240 beside the program's own folder.
+// The module folder of a program in `programFolder`: lib/ql240 next to it, both in the build tree and
+// installed.
 QString moduleFolderOf(const QString& programFolder);
 
-// What the factory of a module makes when it is first asked for.
+// Calls the module's factory on first use.
 template <typename Interface>
 class LazyModule {
 public:
@@ -38,7 +38,7 @@ private:
     std::unique_ptr<Interface> m_made;
 };
 
-// The sound output's volume, too: that of the program's own clips.
+// Also the sound output's volume, which is that of the program's clips.
 class MediaModule final : public MediaPlatform, public WaveOut {
 public:
     explicit MediaModule(const QString& folder);
@@ -47,7 +47,7 @@ public:
     Status CoCreateInstance(const Guid& classId, IUnknown* outer, ClassContext context, const Guid& iid,
                             void** object) override;
     void warmUp() override;
-    // Loads nothing: until the module is there, the volume is kept for it.
+    // Doesn't load the module: the volume is kept until something else does.
     void setOutputVolume(std::uint16_t left, std::uint16_t right) override;
     std::uint32_t waveOutGetVolume(std::uint32_t device, std::uint32_t* volume) override;
     std::uint32_t waveOutSetVolume(std::uint32_t device, std::uint32_t volume) override;

@@ -1,6 +1,6 @@
-// The sensor data inside a clip's container, behind the four calls of the camera maker's library that this
-// place was made for. Interface thread only; every call is synchronous. Positions are magnitudes with a
-// letter, in millionths of a degree; speeds are km/h; accelerations are raw counts (kCountsPerG).
+// The sensor data in a clip, through the four calls of the camera maker's library, for which this interface
+// was made. Interface thread only; every call is synchronous. Positions are magnitudes with a letter, in
+// millionths of a degree; speeds are km/h; accelerations are raw counts (kCountsPerG).
 #pragma once
 
 #include <cstdint>
@@ -15,15 +15,15 @@ public:
 
     virtual ~SensorLibrary() = default;
 
-    // Reads the clip at `path` (zero-terminated, local 8-bit encoding). Zero: the clip has no sensor data.
-    // There is no call that gives a handle back: it is good until the next call of this function.
+    // Reads the clip at `path` (zero-terminated, local 8-bit encoding). Returns zero if the clip has no
+    // sensor data. There is no call to release a handle: it is valid until the next call of this function.
     virtual Handle getInformationData(const char* path) = 0;
 
-    // Writes the recording's start as zero-terminated text into `buffer` (kCreateTimeSize bytes), empty when
-    // the clip does not tell it. Nonzero when there is a text.
+    // Writes the recording's start as zero-terminated text into `buffer` (kCreateTimeSize bytes); empty if
+    // the clip doesn't say. Nonzero if there is a text.
     virtual int getCreateTime(Handle handle, char* buffer) = 0;
 
-    // Nonzero when a sample exists for `timeMs`; otherwise nothing is written. Letters: 'N' or 'S', 'E' or
+    // Nonzero if there is a sample at `timeMs`; otherwise nothing is written. Letters: 'N' or 'S', 'E' or
     // 'W'.
     virtual int getLatLonSpeed(Handle handle, std::int64_t timeMs, std::int32_t* latitude,
                                std::int32_t* longitude, std::int8_t* latitudeLetter,

@@ -1,4 +1,4 @@
-// Shows an address in the user's browser. Interface thread only.
+// Opens an address in the user's browser. Interface thread only.
 #pragma once
 
 #include <QString>
@@ -9,8 +9,8 @@ class UrlOpener {
 public:
     virtual ~UrlOpener() = default;
 
-    // Starts the browser and does not wait for it. False when nothing could be started,
-    // and for what is no address in the web.
+    // Starts the browser and doesn't wait for it. False when nothing could be started, or when `address` is
+    // not a web address.
     virtual bool openUrl(const QString& address) = 0;
 };
 

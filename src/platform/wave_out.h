@@ -1,5 +1,5 @@
-// The sound output's volume, process-wide. The low 16 bits are the left channel, the high 16 bits the right
-// one, 0 silent to 0xFFFF loudest. Interface thread.
+// The process-wide sound output volume. The low 16 bits are the left channel, the high 16 bits the right; 0
+// silent to 0xFFFF loudest. Interface thread.
 #pragma once
 
 #include <cstdint>

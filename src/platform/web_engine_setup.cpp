@@ -8,8 +8,7 @@
 #include <unistd.h>
 
 QT_BEGIN_NAMESPACE
-// The engine itself calls this; there is no public way to set what QOpenGLContext::globalShareContext()
-// gives.
+// Called by Qt WebEngine itself; there is no public function that sets QOpenGLContext::globalShareContext().
 Q_GUI_EXPORT void qt_gl_set_global_share_context(QOpenGLContext* context);
 QT_END_NAMESPACE
 
@@ -19,12 +18,12 @@ namespace {
 
 constexpr char kGlIntegration[] = "QT_XCB_GL_INTEGRATION";
 constexpr char kSwitches[] = "QTWEBENGINE_CHROMIUM_FLAGS";
-// The map moves by a script text a move, hardly ever the same one twice: kept for a second use, they fill the
-// memory. And the page may ask for a collection, since the engine sees too little of what hangs on its
-// scripts' objects.
+// Every move of the map is a script of its own, hardly ever the same text twice, so a compilation cache would
+// only fill memory. The page may also run the garbage collector, which underestimates the memory held by
+// script objects.
 constexpr char kScriptSwitches[] = " --js-flags=--no-compilation-cache,--expose-gc";
 
-// A kernel switch that is absent takes the value that lets namespaces be made.
+// A missing kernel setting counts as allowing namespaces.
 bool kernelSays(const char* path, int value) {
     QFile file(QString::fromLatin1(path));
     return file.open(QIODevice::ReadOnly) && file.readAll().trimmed().toInt() == value;
@@ -39,11 +38,11 @@ bool webEngineIsSandboxed() {
 
 void prepareWebEngine() {
     QByteArray switches = qgetenv(kSwitches) + " --disable-gpu --log-level=3" + kScriptSwitches;
-    // The engine refuses to start its sandbox as root; for everybody else the sandbox stays on.
+    // Chromium refuses to start its sandbox as root; for all other users the sandbox stays on.
     if (geteuid() == 0)
         switches += " --no-sandbox";
     qputenv(kSwitches, switches.trimmed());
-    // Else the engine has the graphics driver loaded only to ask it a question: 40 MB and 50 ms.
+    // Otherwise the engine loads the graphics driver just to query it: 40 MB and 50 ms.
     if (!qEnvironmentVariableIsSet(kGlIntegration))
         qputenv(kGlIntegration, "none");
 }

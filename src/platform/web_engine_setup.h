@@ -1,24 +1,23 @@
-// What the web engine wants settled outside its module: before the application object exists, and just before
-// the module is loaded. Neither links nor loads any of the engine.
+// Set-up that the web engine needs outside its module: before the application object exists, and just before
+// the module is loaded. Doesn't link or load the engine.
 #pragma once
 
 namespace ql240 {
 
-// Sets the engine's switches in the environment. Before the application object is made and before any thread
-// is started, as it changes the environment.
+// Sets the engine's command-line switches in the environment. Call before the application object is created
+// and before any thread starts.
 void prepareWebEngine();
 
-// Whether what the engine decodes is held by its sandbox: not for root, and not where the environment says
-// so.
+// Whether the engine decodes its content in a sandbox: not as root, and not if the environment disables it.
 bool webEngineIsSandboxed();
 
-// False where the engine would end the process: for an ordinary user on a system that refuses user
-// namespaces, which the engine's sandbox is made of.
+// False if the engine would abort the process: for an ordinary user on a system that denies user namespaces,
+// which its sandbox needs.
 bool webEngineCanRun();
 
-// Gives the engine the shared graphics context that it insists on finding when it is loaded after the
-// application object was made. The context is never created, so no graphics driver is loaded for it: the map
-// is drawn by the CPU. Needs the application object.
+// Provides the shared OpenGL context that the engine requires when it is loaded after the application object
+// exists. The context is never created, so no graphics driver is loaded: the map is drawn by the CPU. Needs
+// the application object.
 void provideShareContext();
 
 } // namespace ql240

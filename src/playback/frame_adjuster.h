@@ -1,6 +1,6 @@
-// The picture adjustment of one video stream: adjusts every other frame and repeats it over the one that
-// follows, so that it costs half of the frames' processing at half the frame rate. setAdjust on the interface
-// thread, filter on the stream's own streaming thread.
+// The picture adjustment of one video stream. It adjusts every other frame and copies it over the next one,
+// which halves the processing at the cost of half the frame rate. setAdjust runs on the interface thread,
+// filter on the stream's streaming thread.
 #pragma once
 
 #include <QSize>
@@ -18,7 +18,7 @@ class FrameAdjuster {
 public:
     void setAdjust(const ImageAdjust& adjust);
 
-    // Works on a YUY2 frame in place; `frameSize` is the stream's native size.
+    // Modifies a YUY2 frame in place; `frameSize` is the stream's native size.
     void filter(std::uint8_t* buffer, std::size_t length, const QSize& frameSize);
 
 private:

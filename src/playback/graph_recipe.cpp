@@ -84,7 +84,7 @@ bool sameName(std::u16string_view a, std::u16string_view b) {
     return QStringView(a).compare(QStringView(b), Qt::CaseInsensitive) == 0;
 }
 
-// Logs how a step of the recipe came out, and passes it on.
+// Logs the status of a step and returns it.
 Status logged(const char* step, std::u16string_view name, Status status) {
     qCDebug(lcMedia) << "recipe:" << step << QStringView(name) << Qt::hex << Qt::showbase
                      << static_cast<std::uint32_t>(status);

@@ -1,5 +1,5 @@
-// The two recipes by which a clip's filter graph is built: every filter made by class identifier, added under
-// a fixed name and joined by pin names. Lives inside one Player::open; the graph keeps the filters alive
+// The two recipes for a clip's filter graph: every filter is created by class identifier, added under a fixed
+// name and connected by pin names. Used only inside Player::open; the graph keeps the filters alive
 // afterwards. Interface thread.
 #pragma once
 
@@ -14,7 +14,7 @@ namespace ql240 {
 class MediaPlatform;
 
 struct NamedPin {
-    ComPtr<IPin> pin; // null where its filter has none of that name
+    ComPtr<IPin> pin; // null if the filter has no pin of that name
     const char16_t* name;
 };
 
@@ -24,15 +24,15 @@ public:
 
     explicit GraphRecipe(MediaPlatform& platform) : m_platform(platform) {}
 
-    // Both fill the empty `graph` for the clip file `path` and return the status of the first step that
-    // fails; filters added before it stay in the graph.
+    // Both build the empty `graph` for the clip file `path` and return the status of the first step that
+    // fails; filters added before that stay in the graph.
     Status buildAvi(IGraphBuilder& graph, const std::u16string& path);
     Status buildMp4(IGraphBuilder& graph, const std::u16string& path);
 
-    // Number of video streams that buildMp4 found; of further ones than two only two are used.
+    // Number of video streams that buildMp4 found; only the first two are used.
     int videoStreamCount() const { return m_videoStreamCount; }
 
-    // Hand the filter of stream 0 or 1 over and empty the slot; null if the slot is empty.
+    // Hands over the filter of stream 0 or 1 and empties its slot; null if the slot is empty.
     ComPtr<IBaseFilter> takeGrabber(int index);
     ComPtr<IBaseFilter> takeRenderer(int index);
 
@@ -60,8 +60,7 @@ private:
     int m_videoStreamCount = 0;
 };
 
-// The pin of the `skip`+1-th match of `name`, letters compared without regard to case, in the filter's own
-// order; null if there is none.
+// The `skip`+1-th pin named `name` (case-insensitive) in the filter's own order; null if there is none.
 ComPtr<IPin> findPinByName(IBaseFilter& filter, std::u16string_view name, int skip = 0);
 int countPinsByName(IBaseFilter& filter, std::u16string_view name);
 

@@ -12,7 +12,7 @@ std::uint8_t clamped(std::int32_t value) {
     return static_cast<std::uint8_t>(std::clamp(value, 0, 255));
 }
 
-// BT.601 studio range, c being the luma less its offset.
+// BT.601 studio range; c is luma − 16, d and e are chroma − 128.
 Rgb toRgb(std::int32_t c, std::int32_t d, std::int32_t e) {
     return {clamped((298 * c + 409 * e + 128) >> 8), clamped((298 * c - 100 * d - 208 * e + 128) >> 8),
             clamped((298 * c + 516 * d + 128) >> 8)};

@@ -6,15 +6,15 @@ namespace ql240 {
 
 namespace {
 
-// Four even pixels' and four odd pixels' values of one channel per 128-bit half, each clamped to 0..255.
+// One channel of four even and four odd pixels per 128-bit half, each value clamped to 0..255.
 inline __m256i clampedChannel(__m256i even, __m256i odd, __m256i chroma) {
     const __m256i first = _mm256_srai_epi32(_mm256_add_epi32(even, chroma), 8);
     const __m256i second = _mm256_srai_epi32(_mm256_add_epi32(odd, chroma), 8);
     return _mm256_min_epu16(_mm256_packus_epi32(first, second), _mm256_set1_epi16(255));
 }
 
-// Eight pixel pairs. Lanes are 16 bits wide: luma as it lies, chroma as (d, e) pairs, then per 128-bit half
-// four even and four odd pixels. Products of luma and 298 need 32 bits and go through the multiply-add of
+// Eight pixel pairs. Lanes are 16 bits wide: luma in memory order, chroma as (d, e) pairs, then per 128-bit
+// half four even and four odd pixels. Luma times 298 needs 32 bits, so it goes through the multiply-add of
 // lane pairs, whose other lane carries the rounding constant.
 inline __m256i adjustedPairs(__m256i yuy2, __m256i contrast, __m256i brightness) {
     const __m256i lumaOffset =
@@ -46,7 +46,7 @@ inline __m256i adjustedPairs(__m256i yuy2, __m256i contrast, __m256i brightness)
                                              _mm256_add_epi16(times(b, 25), round));
     const __m256i newLuma = _mm256_add_epi16(_mm256_srli_epi16(lumaSum, 8), _mm256_set1_epi16(16));
 
-    // U for the four lanes of the even pixels, V for those of the odd ones, from the average of both.
+    // U in the four lanes of the even pixels, V in those of the odd ones, each from the average of both.
     const auto average = [](__m256i value) {
         return _mm256_avg_epu16(value, _mm256_shuffle_epi32(value, 0x4E));
     };

@@ -1,5 +1,4 @@
-// The picture adjustment of YUY2 frames for processors with AVX2; compiled for them, called only on them. Any
-// thread.
+// The picture adjustment of YUY2 frames with AVX2; call it only on processors that have it. Any thread.
 #pragma once
 
 #include "playback/image_adjust.h"
@@ -12,7 +11,7 @@ constexpr bool fitsAvx2(const ImageAdjust& adjust) {
            adjust.brightness <= 1000;
 }
 
-// Adjusts the whole blocks of 32 bytes and returns how many bytes it has done.
+// Adjusts whole blocks of 32 bytes and returns the number of bytes adjusted.
 std::size_t adjustYuy2Avx2(std::uint8_t* yuy2, std::size_t length, const ImageAdjust& adjust);
 
 } // namespace ql240

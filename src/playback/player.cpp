@@ -24,7 +24,7 @@ std::size_t at(int index) {
     return static_cast<std::size_t>(index);
 }
 
-// The order of the two divisions and their truncation are part of the product's arithmetic.
+// Two divisions in this order, each truncating: part of the defined arithmetic.
 std::int64_t toMs(std::int64_t units) {
     return units / 10 / 1000;
 }
@@ -102,7 +102,8 @@ bool Player::openMp4(GraphRecipe& recipe, const Clip& clip, const Handlers& hand
 }
 
 bool Player::openAvi(GraphRecipe& recipe, const Clip& clip, const Handlers& handlers, WindowToken host) {
-    // A clip whose sound can't be rendered plays without; what else failed shows in what there is to take.
+    // Ignores the status: a clip whose sound can't be rendered plays without sound, and any other failure
+    // shows as a missing renderer.
     mayFail(recipe.buildAvi(*m_graph.get(), clip.file().absoluteFilePath().toStdU16String()));
     videoStreamCount = 1;
     takeStream(recipe, 0);
@@ -263,7 +264,7 @@ const QImage& Player::frame(int index, bool grab) {
     return frame;
 }
 
-// The sizes agree only where the image's rows need no padding.
+// The sizes match only if the image's rows need no padding.
 QImage Player::grabbedFrame(ISampleGrabber& grabber, const QSize& shape) {
     MediaType type;
     if (failed(grabber.GetConnectedMediaType(&type)) || type.major != kMediaTypeVideo ||

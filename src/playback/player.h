@@ -1,5 +1,5 @@
-// The playback engine of one clip at a time: owns the clip's filter graph and drives it. Positions and
-// durations in whole milliseconds. Interface thread; the frames go through the SampleHandlers on streaming
+// The playback engine for one clip at a time: owns and drives the clip's filter graph. Positions and
+// durations in whole milliseconds. Interface thread; frames pass through the SampleHandlers on streaming
 // threads.
 #pragma once
 
@@ -33,11 +33,11 @@ public:
     Player(const Player&) = delete;
     Player& operator=(const Player&) = delete;
 
-    // The caller closes before it opens another clip. `host` is the window that will show the pictures.
+    // Close before opening another clip. `host` is the window that will show the picture.
     [[nodiscard]] bool open(const Clip* clip, const Handlers& handlers, WindowToken host);
     void close();
 
-    // Transport: false while closed, or when the graph refused.
+    // Transport. False while closed, or if the graph refuses.
     bool play();
     bool pause();
     bool stop();
@@ -56,11 +56,11 @@ public:
     // Native frame size; 0 x 0 while closed or unknown. Any thread.
     QSize videoSize(int index) const;
 
-    // The stream's frame as 24-bit RGB. With `grab`, first takes the last decoded frame; a null image where
-    // there is none or where its rows are padded.
+    // The stream's frame as 24-bit RGB. With `grab`, takes the last decoded frame first; a null image if
+    // there is none or if its rows are padded.
     const QImage& frame(int index, bool grab);
 
-    // The renderer's window inside the host; `rect` in host coordinates.
+    // The renderer's window inside `host`; `rect` in host coordinates.
     bool attachWindow(WindowToken host, const QRect& rect, bool second);
     void moveWindow(WindowToken host, int x, int y, bool second);
     void resizeWindow(WindowToken host, int width, int height, bool second);
@@ -87,12 +87,12 @@ private:
     std::array<ComPtr<IBaseFilter>, kStreams> m_grabber;
     std::array<ComPtr<IBaseFilter>, kStreams> m_renderer;
     std::array<QImage, kStreams> m_frame;
-    std::array<QSize, kStreams> m_frameShape; // of the black image made at open
+    std::array<QSize, kStreams> m_frameShape; // of the black image created at open
     const Clip* m_clip = nullptr;
     std::uint32_t m_state = 0;
 
-    // Written by the interface thread, read by streaming threads: width in the high half, height in the low
-    // one.
+    // Written by the interface thread, read by streaming threads: width in the high 32 bits, height in the
+    // low 32.
     std::array<std::atomic<std::uint64_t>, kStreams> m_videoSize{};
 };
 

@@ -1,5 +1,5 @@
-// Hands decoded frames from a sample grabber to the view that filters them. The handler is called on
-// streaming threads; it is owned by the view and not reference-counted.
+// Passes decoded frames from a sample grabber to the view that filters them. Called on streaming threads;
+// owned by the view and not reference-counted.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,7 @@ namespace ql240 {
 
 class SampleFilter {
 public:
-    // One decoded YUY2 frame of stream `index`, writable in place, `length` bytes, at `sampleTime` seconds.
+    // One decoded YUY2 frame of stream `index`: `length` bytes, writable in place, at `sampleTime` seconds.
     // Streaming thread.
     virtual void filterSample(std::int32_t index, double sampleTime, std::uint8_t* buffer,
                               std::int32_t length) = 0;

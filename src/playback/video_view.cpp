@@ -20,8 +20,8 @@ constexpr int kPanSlack = 50;
 
 } // namespace
 
-// The ratio is a float, its rounding to hundredths is done in double and stored as a float again: exact
-// ratios depend on it.
+// The ratio is a float, rounded to hundredths in double and stored as a float again; exact results depend on
+// this.
 QRect fittedRect(const QSize& view, const QSize& frame) {
     const auto viewWidth = static_cast<float>(view.width());
     const auto frameWidth = static_cast<float>(frame.width());
@@ -99,7 +99,7 @@ VideoView::Target VideoView::zoomTarget() const {
 }
 
 void VideoView::zoomStep(int step) {
-    // Every sum is rounded to a float, so that ten steps in and ten out don't quite meet.
+    // Every sum is rounded to float, so ten steps in and ten out don't end exactly at 1.0.
     m_zoom = step == 0 ? 1.0F : std::clamp(m_zoom + static_cast<float>(step) * kZoomStep, 1.0F, kMaxZoom);
     if (m_zoom <= 1.0F) {
         layoutVideo();
@@ -134,7 +134,7 @@ bool VideoView::panTo(const QPoint& position) {
     return true;
 }
 
-// Outside the zoom-window mode a press is the window's, which is dragged by it.
+// Outside zoom-window mode presses go to the window, for dragging it.
 void VideoView::mousePressEvent(QMouseEvent* event) {
     event->setAccepted(m_zoomWinMode);
     if (!m_zoomWinMode)
@@ -143,7 +143,7 @@ void VideoView::mousePressEvent(QMouseEvent* event) {
     m_pressPoint = m_lastPoint = event->position().toPoint();
 }
 
-// Small moves are taken too: passed on, they would come back from the window in its own coordinates.
+// Accepts small moves too: the window would pass an ignored move back in its own coordinates.
 void VideoView::mouseMoveEvent(QMouseEvent* event) {
     event->setAccepted(m_zoomWinMode);
     if (!m_zoomWinMode || !m_drag.goesOn(*event))
@@ -180,8 +180,8 @@ void VideoView::filterSample(std::int32_t index, double, std::uint8_t* buffer, s
     bringBackHidden();
 }
 
-// A hidden picture comes back with the next decoded frame. Streaming thread; the layout is the interface
-// thread's.
+// A hidden picture reappears with the next decoded frame. Streaming thread, so the layout is queued to the
+// interface thread.
 void VideoView::bringBackHidden() {
     const bool first = !m_showStream[0].exchange(true);
     const bool second = m_hasSecondPlayer && !m_showStream[1].exchange(true);

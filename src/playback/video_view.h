@@ -1,5 +1,5 @@
-// The widget that shows video: fits, zooms and pans the renderer's window inside itself and adjusts every
-// decoded frame. Owns its Player. Interface thread, but for filterSample, which streaming threads call.
+// The widget that shows video: fits, zooms and pans the renderer's window and adjusts every decoded frame.
+// Owns its Player. Interface thread, except filterSample, which streaming threads call.
 #pragma once
 
 #include <QLabel>
@@ -34,7 +34,7 @@ public:
     void zoomStep(int step); // +1 in, -1 out, 0 fit
     void layoutVideo();      // fits the picture
     void setZoomWinMode(bool on) { m_zoomWinMode = on; }
-    // A button went up, wherever that was seen.
+    // Call when a button is released, whichever widget gets the event.
     void endDrag(Qt::MouseButton button) { m_drag.end(button); }
     void setSelected(bool on);
 
@@ -48,8 +48,8 @@ public:
     void mouseMoveEvent(QMouseEvent* event) override;
 
 Q_SIGNALS:
-    // The view emits fileOpened() alone, after each clip that it has opened. The others are there for windows
-    // around it, in an order that is fixed.
+    // Only fileOpened() is emitted by the view, after each clip that it has opened. The others are declared
+    // for other windows; their order is fixed.
     void clicked();
     void doubleClicked();
     void fileOpened();
@@ -95,8 +95,8 @@ private:
     std::array<std::unique_ptr<FrameAdjuster>, Player::kStreams> m_adjusters;
 };
 
-// Where a picture of `frame` pixels goes in a view of `view` pixels: only side margins are ever made, the
-// picture takes the full height. A null rectangle if the frame has no width.
+// Where a picture of `frame` pixels goes in a view of `view` pixels: it always takes the full height, with
+// margins only at the sides. A null rectangle if the frame has no width.
 QRect fittedRect(const QSize& view, const QSize& frame);
 
 } // namespace ql240

@@ -19,7 +19,7 @@ constexpr std::uint32_t kLevelStep = 6553;
 constexpr int kSegmentWidth = 5;
 constexpr int kSegmentHeight = 7;
 
-// Both channels alike, 16 bits each.
+// 16 bits for each channel, both the same.
 std::uint32_t encodedVolume(int level) {
     const std::uint32_t channel = (static_cast<std::uint32_t>(level) * kLevelStep) & 0xFFFF;
     return channel | channel << 16;

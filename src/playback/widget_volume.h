@@ -1,5 +1,5 @@
-// The volume gauge: ten segments that show and set the program's sound volume. Enabled means that the sound
-// is on. Interface thread.
+// The volume gauge: ten segments that show and set the program's sound volume. The widget is enabled while
+// the sound is on. Interface thread.
 #pragma once
 
 #include <QPixmap>
@@ -18,7 +18,7 @@ public:
     explicit WidgetVolume(QWidget* parent = nullptr);
 
     int level() const { return m_level; }
-    // On: plays at the level, at least 1. Off: plays silence and keeps the level.
+    // On: plays at the current level, at least 1. Off: mutes and keeps the level.
     void setSoundOn(bool on);
 
 protected:

@@ -39,7 +39,7 @@ function go(lat, lng) {
 </html>
 )page";
 
-// The page takes no other: one would cost it the whole track.
+// Damaged clips may contain other positions: they end a stretch, as a lost fix does.
 bool isOnEarth(const SensorSample& sample) {
     return std::abs(sample.latitude) <= 90.0 && std::abs(sample.longitude) <= 180.0;
 }

@@ -24,18 +24,18 @@ constexpr QRect kWebViewRect(0, 0, 325, 210);
 constexpr int kStatusStripHeight = 18;
 constexpr QColor kStatusStripColour(7, 7, 7);
 
-// Loading the engine takes about 100 ms of the interface thread: after the window has been seen, not while it
-// is being put up.
+// Loading the engine takes about 100 ms of the interface thread, so it waits until the window is on the
+// screen.
 constexpr int kEngineDelayMs = 50;
 
-// The page's files come from the program itself, so a load takes 60 to 300 ms.
+// The page's files come from the program itself, so a load normally takes 60 to 300 ms.
 constexpr int kLoadLimitMs = 15000;
 
-// A page that keeps failing is tried ever less often.
+// The delay doubles with each failure in a row, up to the last.
 constexpr int kFirstReviveMs = 1000;
 constexpr int kLastReviveMs = 60000;
 
-// One that has stood this long doesn't keep failing.
+// A page that has lasted this long resets the delay.
 constexpr int kSteadyMs = 10000;
 
 constexpr char kStreetTiles[] = "https://tile.openstreetmap.org/{z}/{x}/{y}.png";
@@ -43,7 +43,7 @@ constexpr char kStreetTiles[] = "https://tile.openstreetmap.org/{z}/{x}/{y}.png"
 QString tileAddress() {
     QString address = QString::fromLatin1(kStreetTiles);
     readTileUrl(address);
-    // The ini reader may have put blanks behind commas.
+    // The ini reader may have inserted spaces after commas.
     return address.remove(QLatin1Char(' '));
 }
 

@@ -1,6 +1,6 @@
-// The map beside the video: a web page that is sent the car's position. The web view is made with its window
-// as an empty place; the engine behind it is loaded after the window's first paint. Until a page is shown, or
-// when it is lost, the backdrop shows. Owned by the main window; interface thread. Positions in degrees.
+// The map beside the video: a web page that gets the car's position. The web view starts as an empty
+// placeholder; the engine is loaded after the window's first paint. A backdrop shows until a page is loaded
+// and whenever it is lost. Owned by the main window; interface thread. Positions in degrees.
 #pragma once
 
 #include <QPixmap>
@@ -26,15 +26,15 @@ public:
     // Builds the page at the last position and loads it.
     void loadMapPage();
 
-    // Moves the map; an equal position is not sent again. While the view is hidden, the position is kept and
-    // sent when it is shown. Always true.
+    // Moves the map; an unchanged position is not sent again. While the view is hidden, the position is kept
+    // and sent once it is shown. Always returns true.
     bool moveTo(double latitude, double longitude);
 
     // The clip's whole track, drawn as a line until the next one is set.
     void setTrack(const SensorTrack& track);
 
 public Q_SLOTS:
-    // Shows the page when it has loaded, the backdrop when it could not be.
+    // Shows the page if it has loaded, otherwise the backdrop.
     void loadFinished(bool ok);
 
 protected:
@@ -65,7 +65,7 @@ private:
     QTimer* m_steadyTimer;
     int m_reviveDelayMs;
 
-    // What the page shown does not know yet.
+    // Not sent to the page yet.
     QString m_trackScript;
     bool m_positionPending = false;
     bool m_trackPending = false;

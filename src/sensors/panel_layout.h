@@ -1,6 +1,5 @@
-// Where everything on the dashboard panel stands, and the arithmetic of its instruments. The one place for
-// these numbers: painting, the seek strip and the tests read them here. Logical pixels in panel coordinates,
-// times in ms.
+// The geometry of the dashboard panel and the arithmetic of its instruments, used by painting, the seek strip
+// and the tests alike. Logical pixels in panel coordinates, times in ms.
 #pragma once
 
 #include <QColor>
@@ -39,7 +38,7 @@ inline constexpr QRect kLongitudeText(560, 216, 82, 16);
 inline constexpr QColor kTextColour(96, 96, 96);
 inline constexpr int kFontPoints = 8;
 
-// Clockwise from the lower left of the dial over its top to its lower right, 10 units of speed each.
+// Clockwise from the lower left of the dial over its top to the lower right, 10 units of speed each.
 inline constexpr std::array<QPoint, kSegmentCount> kSegments{{
     {289, 199}, {277, 195}, {267, 189}, {259, 183}, {254, 176}, {250, 168}, {250, 158}, {250, 145},
     {252, 132}, {257, 120}, {264, 110}, {273, 102}, {284, 96},  {297, 93},  {311, 93},  {322, 93},
@@ -47,7 +46,7 @@ inline constexpr std::array<QPoint, kSegmentCount> kSegments{{
 }};
 inline constexpr int kUnitsPerSegment = 10;
 
-// Hundreds, tens and units of the speed.
+// Hundreds, tens and ones of the speed.
 inline constexpr std::array<QPoint, 3> kDigits{{{286, 150}, {310, 150}, {334, 150}}};
 
 inline constexpr int kStripBottom = 40; // the last row of the progress strip
@@ -60,7 +59,7 @@ inline constexpr int kThumbTop = 2;
 inline constexpr int kThumbHeight = 33;
 inline constexpr QColor kCursorColour(255, 255, 255);
 
-// The speed on the dial: km/h, or miles an hour without the fraction.
+// The speed on the dial: km/h, or miles per hour rounded down.
 constexpr int shownSpeed(int speedKmh, bool kilometres) {
     return speedKmh >= 1 && !kilometres ? static_cast<int>(speedKmh / 1.609) : speedKmh;
 }
@@ -69,7 +68,7 @@ constexpr int litSegments(int speed) {
     return std::clamp(speed / kUnitsPerSegment, 0, kSegmentCount);
 }
 
-// The height of the trace for a raw acceleration, growing downward whatever the sign.
+// The trace's y for a raw acceleration; larger magnitudes of either sign are further down.
 constexpr int traceY(int acceleration) {
     const double magnitude = acceleration < 0 ? -acceleration : acceleration;
     return std::min(static_cast<int>(kTraceTop + magnitude / 38 * 36 / 5 * 0.5), kTraceBottom);
@@ -90,8 +89,8 @@ constexpr int cursorX(std::int64_t value, std::int64_t maximum, int width) {
     return static_cast<int>(std::min<std::int64_t>(value * span / maximum + 2, width));
 }
 
-// The part of the strip that answers clicks, and the time a click there asks for. The cursor travels 12
-// pixels further: the two are no inverse of each other.
+// The part of the strip that takes clicks, and the time that a click seeks to. The cursor's range is 12
+// pixels wider, so this is not the inverse of cursorX.
 constexpr QRect seekArea(QRect panel) {
     return panel.marginsRemoved(kSeekMargins);
 }

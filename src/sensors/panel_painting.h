@@ -1,5 +1,4 @@
-// Paints the dashboard panel from plain values. Interface thread only; coordinates are those of
-// panel_layout.h.
+// Paints the dashboard panel from plain values. Interface thread only; coordinates as in panel_layout.h.
 #pragma once
 
 #include <QFont>
@@ -34,7 +33,7 @@ PanelImages loadPanelImages();
 
 struct PanelState {
     QSize size = panel::kSize;
-    bool enabled = true; // the gauges show
+    bool enabled = true; // the gauges are shown
     bool hasFix = false;
     bool kilometres = true;
     std::int32_t speedKmh = 0;
@@ -50,20 +49,20 @@ struct PanelState {
     QString dateText;
 };
 
-// "mm:ss/mm:ss" of two times in ms; minutes go on past 59.
+// "mm:ss/mm:ss" of two times in ms; minutes are not limited to 59.
 QString progressText(std::int32_t valueMs, std::int32_t maximumMs);
 
-// A raw acceleration in g as shown, three significant digits.
+// A raw acceleration converted to g for display, three significant digits.
 QString accelerationText(std::int16_t raw);
 
-// A degree as shown, six significant digits; empty for 0.
+// Degrees for display, six significant digits; empty for 0.
 QString degreeText(double degrees);
 
-// The accelerations of a whole track over the strip, one line a sample and axis.
+// The accelerations of the whole track on the strip, one line per sample and axis.
 void paintTrace(QPainter& painter, const SensorTrack& track, int width);
 
-// Everything else, in two steps because the trace lies between them: what is under it, then the cursor and
-// texts.
+// Everything else, in two steps because the trace is painted between them: the instruments below it, then the
+// cursor and texts.
 void paintInstruments(QPainter& painter, const PanelImages& images, const PanelState& state);
 void paintReadings(QPainter& painter, const PanelImages& images, const PanelState& state);
 

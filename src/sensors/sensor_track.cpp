@@ -23,7 +23,7 @@ bool containsAfterStart(const QString& path, QLatin1StringView text) {
     return path.indexOf(text, 1) > 0;
 }
 
-// The last `kTailSize` bytes of a regular file, nothing when it can't be read.
+// The last `kTailSize` bytes of a regular file; empty if it can't be read.
 QByteArray readTail(const QString& path) {
     QFile file(path);
     if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
@@ -32,8 +32,8 @@ QByteArray readTail(const QString& path) {
     return file.read(kTailSize);
 }
 
-// A decimal number, 0 for anything else, "nan" and "inf" too. Qt's own conversion: its result for ties and
-// limits is the product's.
+// A decimal number; 0 for anything else, including "nan" and "inf". QByteArray::toDouble() on purpose: its
+// results for ties and limits are part of the format.
 double toNumber(QByteArrayView field) {
     const double value = field.toByteArray().toDouble();
     return std::isfinite(value) ? value : 0.0;
@@ -42,7 +42,7 @@ std::int32_t toInteger(QByteArrayView field) {
     return field.toByteArray().toInt();
 }
 
-// One line "clock,latitude,longitude,speed,x,y,z"; false with fewer fields than that.
+// Parses one line "clock,latitude,longitude,speed,x,y,z"; false if it has fewer fields.
 bool parseLine(QByteArrayView line, SensorSample& sample) {
     std::array<QByteArrayView, kFieldsPerLine> fields;
     qsizetype start = 0;
@@ -63,7 +63,7 @@ bool parseLine(QByteArrayView line, SensorSample& sample) {
     return true;
 }
 
-// Appends a sample a line and returns how many there were.
+// Appends one sample per line and returns how many.
 std::size_t appendLines(SensorTrack& track, QByteArrayView text) {
     const std::size_t before = track.size();
     while (!text.isEmpty()) {
@@ -81,8 +81,8 @@ std::size_t appendLines(SensorTrack& track, QByteArrayView text) {
     return track.size() - before;
 }
 
-// The camera starts to write samples late in clips of events and motion: a third more of the first one goes
-// in front.
+// In event and motion clips the camera starts writing samples late: repeats the first one in front, about a
+// third of the track's length.
 void padFront(SensorTrack& track) {
     const std::size_t n = track.size();
     std::size_t p = n / 3;

@@ -165,7 +165,7 @@ PanelState WidgetProgressA::state() const {
 
 void WidgetProgressA::mousePressEvent(QMouseEvent* event) {
     const bool left = event->button() == Qt::LeftButton;
-    // It went down before, and nobody has seen it go up.
+    // A second press without a release in between: the release was lost.
     if (left && m_drag == Drag::Held)
         m_drag = Drag::None;
     if (left && !isInStrip(placeOf(event))) {
@@ -224,7 +224,7 @@ void WidgetProgressA::paintEvent(QPaintEvent*) {
     m_textForced = false;
 }
 
-// A healthy card answers before this returns, a dying reader whenever it does.
+// Waits briefly, so that a fast card answers before this returns; a slow one answers later.
 void WidgetProgressA::loadCardModel() {
     m_modelWanted = !m_cardJobs.isIdle();
     if (m_modelWanted || !m_cardLook)
@@ -266,7 +266,7 @@ QString WidgetProgressA::gaugeDetails() const {
     return details.join(QStringLiteral(", "));
 }
 
-// As a click at that place of the strip.
+// Has the effect of a click at that position on the strip.
 void WidgetProgressA::setGaugeValue(int value) {
     if (value >= m_minimum && value <= m_maximum)
         Q_EMIT clicked(value);

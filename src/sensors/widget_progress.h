@@ -1,6 +1,6 @@
-// The dashboard panel under the video: speedometer, readings, the clip's acceleration trace and, over it, the
-// progress strip. It owns the sensor track of the clip being played. The main window feeds it; interface
-// thread only. Times in ms, speeds in km/h.
+// The dashboard panel below the video: speedometer, readings, and the progress strip with the clip's
+// acceleration trace. Owns the sensor track of the open clip. The main window feeds it; interface thread
+// only. Times in ms, speeds in km/h.
 #pragma once
 
 #include <QTimer>
@@ -19,20 +19,20 @@ class WidgetProgressA : public QWidget, private AccessibleGauge {
     Q_OBJECT
 
 public:
-    // The text of the card's version file, nothing where no card has one. Runs on a thread of its own, since
-    // a dying card reader may hold it up.
+    // Returns the text of the card's version file, or nothing if no card has one. Runs on a thread of its
+    // own, since a failing card reader may block it.
     using CardLook = std::function<std::optional<QString>()>;
 
-    // Without a look at the card the model stays unknown.
+    // Without a CardLook the model stays unknown.
     explicit WidgetProgressA(QWidget* parent = nullptr, CardLook cardLook = {});
 
-    // Ignored when minimum > maximum. A change lets the next setValue through whatever its value.
+    // Ignored when minimum > maximum. After a change, the next setValue always takes effect.
     void setRange(std::int32_t minimum, std::int32_t maximum);
     void setValue(std::int32_t value);
     void setDateText(const QString& text);
     void setClipPath(const QString& path);
 
-    // On: enabled and repainted every two seconds; off: disabled, and the readings go back to zero.
+    // On: enabled and repainted every two seconds. Off: disabled, and the readings are reset to zero.
     void setActive(bool on);
     void setAnimating(bool on);
     void resetIndicators();
@@ -42,17 +42,17 @@ public:
     bool kilometres() const { return m_kilometres; }
     void setKilometres(bool on);
 
-    // The track: a load appends to it, from the trailer of the clip or through the sensor library.
+    // The track. Loading appends to it, from the clip's trailer or the sensor library.
     void loadSensorData(std::int64_t durationMs);
     void clearSensorData();
-    // The sample at a playback position; its values become the ones shown, except for the speed.
+    // The sample at a playback position. Its values are shown from now on, except for the speed.
     SensorSample sampleAt(std::int32_t timeMs);
     const SensorTrack& sensorTrack() const { return m_track; }
 
-    // What the panel shows at the moment.
+    // What the panel shows now.
     PanelState state() const;
 
-    // Public, since the main window hands its own events on.
+    // Public because the main window forwards its own events.
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -67,7 +67,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    // On the strip. Let go below it, the button leaves the drag on.
+    // A drag on the strip. A release below the strip doesn't end it (LetGoBelow).
     enum class Drag { None, Held, LetGoBelow };
 
     int gaugeMaximum() const override { return m_maximum; }
@@ -104,12 +104,12 @@ private:
     bool m_hasFix = false;
     std::int32_t m_speed = 0;
 
-    // One look at the card at a time; another one that was asked for meanwhile follows it.
+    // One look at the card at a time; a request made during a look starts another one after it.
     CardLook m_cardLook;
     BackgroundJobs m_cardJobs;
     bool m_modelWanted = false;
 
-    // The trace of the whole track, drawn once for this track, size and device ratio.
+    // The trace of the whole track, painted once for each track, size and device pixel ratio.
     QPixmap m_trace;
 };
 

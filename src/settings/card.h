@@ -1,8 +1,8 @@
-// The camera's card among the removable drives, and its version file. Nothing is cached: drives come and go.
-// A drive is named by its mount point without trailing slash. Names on the card are found without regard to
-// case, so that a copy on a case-sensitive file system serves as well. Everything here may block on a dying
-// card reader; BackgroundJobs runs it on threads of their own. Any thread; `drives` are the host's, taken on
-// the interface thread, and null where the host has none to give.
+// Finds the camera's card among the removable drives, and reads its version file. Nothing is cached, since
+// drives come and go. A drive is identified by its mount point without trailing slash. Names on the card are
+// matched case-insensitively, so that a copy on a case-sensitive file system works too. Everything here may
+// block on a failing card reader and is meant for BackgroundJobs. Any thread. `drives` is the host's, read
+// from the host table on the interface thread; null if the host has none.
 #pragma once
 
 #include <QList>
@@ -16,26 +16,25 @@ namespace ql240 {
 
 QList<DriveInfo> listRemovableDrives(Drives* drives);
 
-// The last removable drive whose version file opens; empty when there is none.
+// The last removable drive with a readable version file; empty when there is none.
 QString findCardDrive(Drives* drives);
 
-// The drive's "setting" and "update" folder, in the spelling found on the drive; where none exists, as it
-// would be made.
+// The drive's "setting" and "update" folder as spelled on the drive, or as it would be created if missing.
 QString settingFolder(const QString& drive);
 QString updateFolder(const QString& drive);
 
-// The settings folder of the first removable drive that has one; empty when none has. Where the picture
-// adjustment comes from, which does not ask for a version file.
+// The settings folder of the first removable drive that has one; empty when none has. The picture adjustment
+// comes from there, which needs no version file.
 QString firstSettingFolder(Drives* drives);
 
-// The lines of "version.txt" in the update folder, joined by "\n" with none after the last. `openVersionText`
-// is nothing when the file does not open, `readVersionText` is empty then. Past limits::kVersionFileBytes the
-// file is not read.
+// The lines of "version.txt" in the update folder, joined by newlines with none after the last. If the file
+// does not open, `openVersionText` returns nothing and `readVersionText` an empty text. At most
+// limits::kVersionFileBytes of it are read.
 [[nodiscard]] std::optional<QString> openVersionText(const QString& updateFolder);
 [[nodiscard]] std::optional<QString> openVersionText(CardFolder& updateFolder);
 QString readVersionText(const QString& updateFolder);
 
-// The version file of the card among the drives; nothing where there is none.
+// The version file of the card among the drives; nothing if there is none.
 std::optional<QString> cardVersionText(Drives* drives);
 
 } // namespace ql240

@@ -22,7 +22,7 @@ bool isRegular(const struct stat& status) {
     return S_ISREG(status.st_mode);
 }
 
-// A folder opened by openFolder can be looked up in only, neither listed nor brought to the disk.
+// openFolder opens with O_PATH, which allows look-ups but neither listing nor syncing.
 int openForListing(int folder) {
     return ::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
 }
@@ -41,8 +41,8 @@ int CardFiles::openBeneath(int folder, const char* name, int flags) {
     return static_cast<int>(::syscall(SYS_openat2, folder, name, &how, sizeof how));
 }
 
-// One entry at a time, none of them a link: so the older call is as safe. Some sandboxes answer EPERM to a
-// call that they don't know.
+// One entry at a time with O_NOFOLLOW, so falling back to openat() is as safe. Some sandboxes fail unknown
+// system calls with EPERM.
 int CardFiles::openEntry(int folder, const QByteArray& name, int flags) {
     if (name.isEmpty() || name == ".." || name.contains('/')) {
         errno = EINVAL;
@@ -60,7 +60,7 @@ int CardFiles::openFolder(int folder, const QByteArray& name) {
 
 int CardFiles::open(int folder, const QByteArray& name, int flags) {
     struct stat status = {};
-    // Opening alone would start some devices.
+    // Checked before opening, because opening some device files has side effects.
     if (!(flags & O_CREAT) &&
         (::fstatat(folder, name.constData(), &status, AT_SYMLINK_NOFOLLOW) != 0 || !isRegular(status)))
         return -1;

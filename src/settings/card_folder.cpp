@@ -12,7 +12,7 @@
 namespace ql240 {
 namespace {
 
-// Where a new file is written before it takes its name.
+// A new file is written under this name and then renamed.
 QByteArray asideName(const QByteArray& name) {
     return name.chopped(4) + ".new";
 }
@@ -89,7 +89,8 @@ CardFile CardFolder::openForWriting(const QByteArray& name) {
     return CardFile(files(), files().open(handle(), name, O_WRONLY));
 }
 
-// What lies there is a rest, or was put there to lead us elsewhere.
+// An existing file is left from an interrupted save, or is a link placed there to redirect the write: remove
+// it.
 CardFile CardFolder::createAside(const QByteArray& aside) {
     CardFile fresh(files(), files().open(handle(), aside, O_WRONLY | O_CREAT));
     if (fresh.isOpen() || errno != EEXIST || files().remove(handle(), aside) != 0)

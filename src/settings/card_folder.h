@@ -1,5 +1,5 @@
-// Files and folders on a card, open as long as their objects live. Everything is opened by CardFiles, so no
-// link leads away from the drive. Any thread, each object one at a time.
+// Files and folders on a card, open for the lifetime of their objects. CardFiles opens them all, so no
+// symbolic link leads off the drive. Any thread, but each object on one at a time.
 #pragma once
 
 #include <QByteArray>
@@ -12,7 +12,7 @@
 
 namespace ql240 {
 
-// An open file or folder, closed at the end of its life.
+// An open file or folder; the destructor closes it.
 class CardHandle {
 public:
     CardHandle(CardFiles& files, int handle) : m_files(&files), m_handle(handle) {}
@@ -44,47 +44,47 @@ public:
     using CardHandle::CardHandle;
 
     ssize_t read(char* to, std::size_t count) { return files().read(handle(), to, count); }
-    // What the file begins with, `limit` bytes at most; `whole` says whether that is all of it.
+    // Reads at most `limit` bytes from the file; `whole` says whether that reached the end.
     QByteArray readStart(qsizetype limit, bool* whole = nullptr);
     bool write(const char* from, ssize_t count) {
         return files().write(handle(), from, static_cast<std::size_t>(count)) == count;
     }
-    // Writes `bytes` at the file's present position, cuts the file behind them; false when either failed.
+    // Writes `bytes` at the current position and truncates the file after them; false if either failed.
     bool replaceBy(const QByteArray& bytes);
     off_t size() { return files().size(handle()); }
     bool sync() { return files().sync(handle()) == 0; }
 };
 
-// A folder on a card, or the drive's root. Files and folders in it are found without regard to case. The
-// listing that this takes is made at most once, when a name isn't there in its exact spelling.
+// A folder on a card, or the drive's root. Names in it are found case-insensitively. The listing that this
+// takes is made at most once, and only if a name doesn't exist in its exact spelling.
 class CardFolder : public CardHandle {
 public:
     // The drive's root.
     CardFolder(CardFiles& files, const QByteArray& drive)
         : CardHandle(files, files.openDrive(drive)), m_path(drive) {}
 
-    // Where the folder is, or would be: for showing and for asking again.
+    // Where the folder is, or would be; for display and for opening it again.
     const QByteArray& path() const { return m_path; }
-    // `name` in the folder's own spelling; of several the exact one, else the first in byte order; else
-    // nothing.
+    // `name` as spelled in the folder: the exact spelling if it exists, otherwise the first match in byte
+    // order, otherwise nothing.
     std::optional<QByteArray> find(const QByteArray& name);
-    // Whether a name that `find` didn't see is certain not to be there.
+    // Whether the listing is complete, so that a name that `find` missed certainly doesn't exist.
     bool isListed();
 
-    // Makes the drive's root, where that isn't open, with all folders above it.
+    // Creates the drive's root folder with its parents if it isn't open, and opens it.
     void makeDrive();
     [[nodiscard]] CardFolder folder(const QByteArray& name);
     bool makeFolder(const QByteArray& name) { return files().makeFolder(handle(), name) == 0; }
     [[nodiscard]] CardFile openForReading(const QByteArray& name);
-    // An existing file, in this very spelling.
+    // Opens an existing file of exactly this name.
     [[nodiscard]] CardFile openForWriting(const QByteArray& name);
-    // Has `write` fill a new file, which then takes the name and the place of an old one: on the disk before
-    // that, for a card pulled out in between must not show half a file. False if the new one didn't open.
+    // Has `write` fill a new file, syncs it and renames it over the old one, so that a card pulled out in
+    // between never shows half a file. False if the new file didn't open.
     bool replace(const QByteArray& name, const std::function<bool(CardFile&)>& write);
-    // Takes away what an interrupted `replace` has left of `name`.
+    // Removes what an interrupted `replace` of `name` left behind.
     void removeRest(const QByteArray& name);
     void sync() { files().syncFolder(handle()); }
-    // Logs what became of a file in it; right after what went wrong, for errno's sake.
+    // Logs whether a file in the folder was written. Call it right after the failure, while errno is valid.
     void report(const QByteArray& name, bool written) const;
 
 private:
@@ -97,7 +97,7 @@ private:
     bool m_complete = false;
 };
 
-// The folder at `path`, whose parent is the drive's root.
+// Opens the folder at `path`, taking its parent as the drive's root.
 [[nodiscard]] CardFolder cardFolderAt(CardFiles& files, const QByteArray& path);
 
 } // namespace ql240

@@ -37,7 +37,7 @@ std::optional<FileSystemId> fileSystemOf(const CardFolder& drive) {
     return id;
 }
 
-// What is there stays the folder that was opened, whatever is mounted over it or taken away meanwhile.
+// Keeps the opened folder, whatever is mounted over it or unmounted in the meantime.
 std::shared_ptr<CardFolder> openDrive(const QString& drive) {
     return std::make_shared<CardFolder>(systemCardFiles(), QFile::encodeName(drive));
 }
@@ -49,7 +49,7 @@ bool isOnDrive(const QString& folder, const QList<DriveInfo>& drives) {
     });
 }
 
-// The folder of `path` on whose far side the names are a drive's, not the user's; nothing where none is.
+// The first parent folder of `path` that is on one of the drives; nothing when none is.
 std::optional<QString> folderOnDrive(const QString& path, const QList<DriveInfo>& drives) {
     for (qsizetype end = path.indexOf(u'/', 1); end > 0; end = path.indexOf(u'/', end + 1)) {
         const QString folder = path.left(end);
@@ -59,8 +59,8 @@ std::optional<QString> folderOnDrive(const QString& path, const QList<DriveInfo>
     return std::nullopt;
 }
 
-// On a drive a link may have been put there to bring what is the user's own onto the card; elsewhere it is
-// the user's.
+// On a drive, a symbolic link might have been placed to copy the user's own files to the card, so none is
+// followed. Anywhere else links are the user's own.
 CardFile openPicture(const QString& picture, Drives* drives) {
     QString path = QDir::cleanPath(picture);
     const std::optional<QString> onDrive = folderOnDrive(path, listRemovableDrives(drives));

@@ -11,10 +11,10 @@ namespace ql240 {
 namespace {
 
 constexpr QColor kFocusColour(200, 200, 200);
-// Widgets whose middles are this close in height stand on one line.
+// Widgets whose vertical centres are this close count as one line for the tab order.
 constexpr int kSameLine = 10;
-// Between a row and its focus frame, which also goes round the numbers that a background shows over the
-// marks.
+// Gap between a row and its focus frame. The frame also encloses the numbers that some backgrounds show above
+// the marks.
 constexpr int kFrameGap = 4;
 constexpr int kNumbersHeight = 20;
 
@@ -86,7 +86,7 @@ void ChoiceRow::refresh() {
     }
 }
 
-// The chosen choice, not the row, is what has the focus in a screen reader's eyes.
+// For screen readers the focus is on the chosen choice, not on the row.
 void ChoiceRow::tell() {
     QAccessible::State changed;
     changed.checked = true;
@@ -121,7 +121,7 @@ QList<ChoiceRow*> addChoiceRows(QWidget* window, RowOwner& owner, std::span<cons
     QList<ChoiceRow*> widgets;
     for (const OptionRow& row : rows)
         widgets.append(new ChoiceRow(window, owner, row));
-    // Under the window's other widgets, in the table's order.
+    // Stacked below the window's other widgets, in the table's order.
     for (auto widget = widgets.rbegin(); widget != widgets.rend(); ++widget)
         (*widget)->lower();
     return widgets;
@@ -130,7 +130,8 @@ QList<ChoiceRow*> addChoiceRows(QWidget* window, RowOwner& owner, std::span<cons
 void setTabOrderByPlace(QWidget* window) {
     QList<QWidget*> widgets = window->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
     widgets.removeIf([](const QWidget* widget) { return !(widget->focusPolicy() & Qt::TabFocus); });
-    // Lines first, then places within one: the closeness of two heights alone would give no order.
+    // Sort by y first, then each line by x: "close in height" is not transitive and would be no valid sort
+    // order.
     std::sort(widgets.begin(), widgets.end(), [](const QWidget* a, const QWidget* b) {
         return a->geometry().center().y() < b->geometry().center().y();
     });

@@ -1,6 +1,6 @@
-// The keyboard's and the screen reader's side of one painted row: an invisible child of the window, over the
-// row, that takes the focus, turns arrow keys into choices and shows the focus by a frame. Mouse events pass
-// through it to the window, which paints the row. Interface thread only; owned by its window.
+// Keyboard and screen reader access to one painted row: an invisible child widget over the row takes the
+// focus, turns arrow keys into choices and paints the focus frame. Mouse events pass through to the window,
+// which paints the row. Interface thread only; owned by its window.
 #pragma once
 
 #include <QWidget>
@@ -9,29 +9,29 @@
 
 namespace ql240 {
 
-// The window that paints the row and holds its value.
+// The window that paints the rows and holds their values.
 class RowOwner {
 public:
     virtual ~RowOwner() = default;
     virtual const RowValues& rowValues() const = 0;
     virtual bool isOperable(const OptionRow& row) const = 0;
-    // The user chose `value`; the owner may keep the old one.
+    // The user chose `value`; the owner may reject it.
     virtual void choose(const OptionRow& row, int value) = 0;
 };
 
 class ChoiceRow : public QWidget {
     Q_OBJECT
 public:
-    // `owner` is the window itself; `row` stands in a table that outlives the widget.
+    // `owner` is the window itself; `row` must outlive the widget.
     ChoiceRow(QWidget* window, RowOwner& owner, const OptionRow& row);
 
     const OptionRow& row() const { return m_row; }
-    // Position of the chosen one among the row's choices; -1 if none is.
+    // Index of the chosen choice in the row's choices; -1 if none is.
     int chosenIndex() const;
     bool isOperable() const { return m_owner.isOperable(m_row); }
     void choose(int index);
-    // Takes over whether the row can be operated, and tells screen readers if another choice holds since the
-    // last call.
+    // Updates whether the row can be operated, and notifies screen readers if another choice has been set
+    // since the last call.
     void refresh();
 
 protected:
@@ -45,13 +45,13 @@ private:
 
     RowOwner& m_owner;
     const OptionRow& m_row;
-    int m_told = -1; // the chosen index that screen readers know
+    int m_told = -1; // the chosen index last reported to screen readers
 };
 
 // One for each row of the table, in its order.
 QList<ChoiceRow*> addChoiceRows(QWidget* window, RowOwner& owner, std::span<const OptionRow> rows);
 
-// The order in which Tab visits the window's widgets: line by line, from left to right.
+// Makes Tab visit the window's widgets line by line, from left to right.
 void setTabOrderByPlace(QWidget* window);
 
 } // namespace ql240

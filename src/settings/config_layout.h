@@ -1,4 +1,4 @@
-// The settings dialog in numbers: its painted rows and texts, and the places of its widgets.
+// Geometry of the settings dialog: its painted rows and texts, and its widgets.
 #pragma once
 
 #include <array>
@@ -12,7 +12,7 @@ inline constexpr QSize kSize(554, 730);
 inline constexpr int kLabelX = 54;
 inline constexpr int kLineHeight = 24;
 
-// Where a row's texts, marks and hit boxes lie.
+// The vertical positions of a row's texts, marks and hit boxes.
 struct Line {
     int y = 0;
     int markY = 0;
@@ -33,7 +33,7 @@ constexpr Choice choiceIn(const Line& line, int textX, int textWidth, int markX,
             {hitX, line.hitY, line.hitWidth, 17}};
 }
 
-// The three columns that most rows share.
+// The three columns that most rows use.
 constexpr Choice column(const Line& line, int index, int value, const char16_t* name) {
     constexpr std::array kTextX = {159, 256, 352};
     constexpr std::array kMarkX = {219, 315, 411};
@@ -131,7 +131,7 @@ inline constexpr std::array kViewerSpeed = {
     choiceIn(kViewerSpeedLine, 265, 47, 315, 315, 2, fixedText(u"MPH")),
 };
 
-// In the order in which a click is tested.
+// In the order in which clicks are tested.
 inline constexpr std::array kRows = {
     OptionRow{languageText(UiText::Resolution), labelBox(61), &RowValues::resolutionvalue, kResolution},
     OptionRow{fixedText(u"영상화질"), labelBox(88), &RowValues::qualityvalue, kQuality},
@@ -153,7 +153,7 @@ inline constexpr std::array kRows = {
     OptionRow{languageText(UiText::SpeedUnit), labelBox(664), &RowValues::viewerSpeedUnit, kViewerSpeed},
 };
 
-// The texts beside the rows. Their boxes reach under what stands to their right; their room doesn't.
+// The texts beside the rows. A box may extend under the widgets to its right; the room for the text doesn't.
 inline constexpr std::array kLabels = {
     PageLabel{languageText(UiText::VideoAndSound), {26, 36, 250, kLineHeight}},
     PageLabel{languageText(UiText::Time), {24, 221, 250, kLineHeight}},
@@ -189,7 +189,7 @@ inline constexpr QRect kLanguageList(156, 639, 222, 19);
 inline constexpr QRect kOk(477, 688, 61, 28);
 inline constexpr QRect kCancel(412, 688, 61, 28);
 
-// The buttons that open the pages 0 to 6.
+// The buttons that open pages 0 to 6.
 struct PageButton {
     const char16_t* text;
     const char* images;

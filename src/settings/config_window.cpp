@@ -34,11 +34,11 @@ constexpr std::array kShockPresets = {ShockPreset{1, 6, 5}, ShockPreset{2, 8, 7}
 
 ConfigWindow::ConfigWindow(QWidget* parent)
     : QDialog(parent, Qt::FramelessWindowHint), m_card(host().drives) {
-    // The drives are asked while the widgets are made.
+    // The drives are listed while the widgets are being created.
     m_card.look();
-    // Before anything else: new window flags make every child take on its style again.
+    // Before any children exist: changing the window flags polishes every child again.
     m_helper.watchWindow(this);
-    // The helper's flags alone would make a dialog with a parent a part of it.
+    // With the helper's flags alone, a dialog with a parent would become an embedded child widget.
     if (parentWidget())
         setWindowFlags(windowFlags() | Qt::Dialog);
     m_helper.setResizable(false);
@@ -65,7 +65,7 @@ ConfigWindow::ConfigWindow(QWidget* parent)
     m_rows.first()->setFocus();
 
     connect(m_drives, &QComboBox::currentIndexChanged, this, &ConfigWindow::loadData);
-    // The entry in view may be chosen as well, so that it no longer only stands in.
+    // Choosing the entry in view also picks it, so that it is no longer only provisional.
     connect(m_drives, &QComboBox::activated, this, [this](int index) {
         if (m_card.standsIn())
             loadData(index);
@@ -127,8 +127,8 @@ void ConfigWindow::deriveShockPreset() {
 }
 
 void ConfigWindow::refresh() {
-    // A widget that is disabled hands the focus on, to Cancel in the end, which the second of two presses of
-    // a key would mean then.
+    // Disabling a widget moves its focus on, in the end to Cancel, so that a second press of the same key
+    // would cancel the dialog.
     if (QWidget* focused = focusWidget(); focused && isLocked(focused)) {
         m_lostFocus = focused;
         focused->clearFocus();
@@ -162,7 +162,7 @@ void ConfigWindow::lockWidgets() {
         unsetCursor();
 }
 
-// A car has one battery system, and a page for each.
+// A car has one battery system, and each has its own page.
 void ConfigWindow::lockPageButtons() {
     for (std::size_t i = 0; i < m_pageButtons.size(); ++i) {
         const bool otherCar = (i == 4 && m_battery == u"24V") || (i == 5 && m_battery == u"12V");
@@ -172,8 +172,8 @@ void ConfigWindow::lockPageButtons() {
 
 // --- Events ---
 
-// The background with its texts. Shaping the texts takes most of a repaint's time, and they change with the
-// language only.
+// The background with its texts, cached: shaping the texts takes most of a repaint's time, and they change
+// only with the language.
 QPixmap ConfigWindow::page() const {
     const qreal ratio = devicePixelRatioF();
     const QString key = QStringLiteral("settings page|%1|%2").arg(currentLanguage()).arg(ratio);
@@ -228,8 +228,8 @@ void ConfigWindow::keyPressEvent(QKeyEvent* event) {
         OnSlotsOK();
 }
 
-// Without a parent the dialog would fall behind the window that opened it, which can't be reached meanwhile.
-// Window managers keep dialogs over their window only if they know them as such.
+// Without a parent the dialog could go behind the window that opened it, which is blocked by it. Window
+// managers keep dialogs above their window only if the transient parent is set.
 void ConfigWindow::showEvent(QShowEvent* event) {
     const QWidget* opener = QApplication::activeWindow();
     if (isModal() && !parentWidget() && opener && opener != this) {
@@ -239,7 +239,7 @@ void ConfigWindow::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
 }
 
-// A pointer that left has lost its busy look.
+// Restores the busy cursor, which is reset when the pointer leaves the window.
 void ConfigWindow::enterEvent(QEnterEvent* event) {
     lockWidgets();
     QDialog::enterEvent(event);

@@ -1,6 +1,6 @@
 // The settings dialog: the camera's configuration on its card, and the viewer's language and speed unit. Runs
-// modally from the main window or as the only window of the program. Interface thread only; what touches the
-// card is DialogCard's, and the dialog stays usable whatever the card reader does.
+// modally from the main window, or as the only window of the program. Interface thread only. DialogCard
+// accesses the card; the dialog stays usable however slow the card reader is.
 #pragma once
 
 #include <QDialog>
@@ -28,13 +28,13 @@ class ConfigWindow : public QDialog, private RowOwner {
 public:
     explicit ConfigWindow(QWidget* parent = nullptr);
 
-    // The viewer's own speed unit: set before the dialog runs, read after it was accepted.
+    // The viewer's own speed unit: set it before the dialog runs, read it after the dialog was accepted.
     SpeedUnit viewerSpeedUnit() const { return static_cast<SpeedUnit>(m_values.viewerSpeedUnit); }
     void setViewerSpeedUnit(SpeedUnit unit);
 
     const RowValues& values() const { return m_values; }
     const DialogCard& card() const { return m_card; }
-    // The folder that OK writes to; empty while no drive has been read.
+    // The folder that OK writes to; empty until a drive has been read.
     QString settingFolder() const { return m_card.settingFolder(); }
 
 public Q_SLOTS:
@@ -43,7 +43,7 @@ public Q_SLOTS:
     void OnSlotsExit();
     void OnSlotsGetTime();
     void OnSlotsGmt();
-    // Copies a screen saver to the card, if there is one.
+    // Copies a screen saver to the card, if there is a card.
     void OnSlotsEditor();
     void OnSlotsBtn0();
     void OnSlotsBtn1();
@@ -52,12 +52,13 @@ public Q_SLOTS:
     void OnSlotsBtn4();
     void OnSlotsBtn5();
     void OnSlotsBtn6();
-    // Loads the drive of that entry of the drive list.
+    // Loads the drive at that index of the drive list.
     void loadData(int index);
-    // Saves to the card and applies the viewer's preferences; returns when the card has been found, read and
-    // written, or the user gave up waiting for that.
+    // Saves to the card and applies the viewer's preferences. Returns once the card has been found, read and
+    // written, or the user has cancelled the wait.
     void Onapply();
-    // Shows firmware and micom version, and lets the car's battery system decide which cut-off page opens.
+    // Shows the firmware and microcontroller versions. The car's battery system determines which cut-off page
+    // can be opened.
     void applyVersion(const QString& versionText);
     void reject() override;
 
@@ -74,7 +75,7 @@ private:
     bool isOperable(const OptionRow& row) const override;
     void choose(const OptionRow& row, int value) override;
 
-    // config_window_parts.cpp: the widgets, made once.
+    // config_window_parts.cpp: the widgets, created once.
     void addTopLists();
     void addClock();
     void addPageButtons();
@@ -82,11 +83,11 @@ private:
     void addLanguageList();
     void nameForScreenReaders();
 
-    // config_window_card.cpp: what the card has to say, and what it is told.
+    // config_window_card.cpp: shows what the card holds and saves to it.
     void fillDrives();
     void showDrive();
     void showContents();
-    // False if the user gave up waiting.
+    // False if the user cancelled the wait.
     bool apply();
     void applyPreferences();
     void retranslate();
@@ -98,14 +99,14 @@ private:
     void deriveShockPreset();
     void applySetClock();
     bool runPage(SettingsPage&& page);
-    // Shows the values, and lets be touched what may be.
+    // Shows the values, and enables what can be operated.
     void refresh();
     bool isLocked(const QWidget* widget) const;
     void lockWidgets();
     void lockPageButtons();
 
     RowValues m_values;
-    QString m_battery; // of the car, as the card's version file has it
+    QString m_battery; // from the card's version file
     QString m_zoneCode;
     int m_zoneBias = 0;
     DialogCard m_card;
@@ -128,7 +129,7 @@ private:
     ImageButton* m_close = nullptr;
     std::array<ImageButton*, 7> m_pageButtons = {};
     QList<ChoiceRow*> m_rows;
-    QPointer<QWidget> m_lostFocus; // what had the focus when it was locked
+    QPointer<QWidget> m_lostFocus; // had the focus when it was disabled
     BackgroundJobs m_copies;
     FlHlp m_helper;
 };

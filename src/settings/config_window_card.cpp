@@ -1,4 +1,4 @@
-// What the settings dialog has to do with the card: what it shows of it, and saving to it.
+// The settings dialog and the card: showing what is on it, and saving to it.
 #include <QComboBox>
 #include <QFileDialog>
 #include <QLabel>
@@ -30,7 +30,7 @@ void ConfigWindow::loadData(int index) {
     showDrive();
 }
 
-// The list shows the drive in view, and its tip whether one keeps us waiting.
+// The list shows the drive in view; its tooltip names the drives that don't answer.
 void ConfigWindow::showDrive() {
     {
         const QSignalBlocker quiet(m_drives);

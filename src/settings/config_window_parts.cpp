@@ -1,4 +1,4 @@
-// The settings dialog's widgets, made once.
+// The settings dialog's widgets, created once.
 #include <QLabel>
 
 #include "base/preferences.h"
@@ -16,7 +16,7 @@ constexpr QColor kFaintGround(224, 223, 228);
 
 QComboBox* addList(QWidget* window, const QRect& place, int points) {
     auto* list = new FlatList(window, place, points);
-    // For screen readers: a list's own name is its current entry, and the label beside it is only painted.
+    // For screen readers: a list would be named by its current entry, and the text beside it is only painted.
     auto* label = new QLabel(window);
     label->setBuddy(list);
     label->hide();
@@ -110,7 +110,7 @@ void ConfigWindow::addLanguageList() {
     m_languages->setCurrentIndex(known >= 0 ? known : m_languages->findData(kUsualLanguage));
 }
 
-// Widgets without a text of their own are called by the painted text beside them.
+// Names widgets without a text of their own by the painted text beside them.
 void ConfigWindow::nameForScreenReaders() {
     labelOf(m_drives)->setText(QStringLiteral("드라이브"));
     labelOf(m_firmware)->setText(QStringLiteral("펌웨어"));

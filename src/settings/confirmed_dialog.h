@@ -1,5 +1,5 @@
-// What the small windows over the settings dialog share: a frameless picture with OK, Cancel and a close
-// button, whose answer is kept after it was shut. Interface thread only.
+// Base of the small windows over the settings dialog: a frameless picture with OK, Cancel and a close button.
+// The answer can be read after the window has closed. Interface thread only.
 #pragma once
 
 #include <QDialog>
@@ -23,9 +23,9 @@ protected:
     // `background` is the name of a picture of the skin.
     ConfirmedDialog(QWidget* parent, const QString& background);
 
-    // The window's standard buttons; the result is Cancel.
+    // Adds the standard buttons; returns the Cancel button.
     ImageButton* addButtons(const QRect& ok, const QRect& cancel, const QRect& close);
-    // What Enter means where no button has the focus.
+    // The action of Enter when no button has the focus.
     virtual void enter() { OnSlotsOK(); }
 
     void paintEvent(QPaintEvent* event) override;

@@ -16,7 +16,7 @@ QByteArray byteFileName(const SettingKey& key) {
     return QByteArray("set") + key.name + ".dat";
 }
 
-// True if the file opened, whether or not it holds a byte.
+// True if the file opened, even if it is empty.
 bool readByte(CardFolder& folder, const SettingKey& key, SettingValues& values) {
     CardFile file = folder.openForReading(byteFileName(key));
     char byte = 0;
@@ -26,8 +26,9 @@ bool readByte(CardFolder& folder, const SettingKey& key, SettingValues& values) 
     return file.isOpen();
 }
 
-// An existing file is overwritten in place, which needs no room on a full card, and only then cut; one whose
-// length a single byte can't put right and a new one are written aside. True if the file opened.
+// Overwrites an existing file in place and then truncates it, which needs no free space on a full card. A
+// file that doesn't exist, or has another length when more than one byte is written, is replaced by a new
+// file instead. True if the file opened.
 bool writeFile(CardFolder& folder, const QByteArray& name, const QByteArray& bytes) {
     const auto replace = [&](CardFile& file) { return file.replaceBy(bytes); };
     const auto existing = folder.find(name);
@@ -94,7 +95,7 @@ bool DeviceSettings::loadText(CardFolder& folder) {
     bool whole = false;
     SettingTextReader reader(*this);
     reader.feed(file.readStart(limits::kSettingFileBytes, &whole));
-    // Where reading went no further, the line that it cut off may lack digits.
+    // If the file was cut off at the limit, its last line may lack digits.
     if (whole)
         reader.finish();
     return true;

@@ -1,6 +1,6 @@
-// The camera's settings on one card: a short-lived value made from the card's settings folder, changed, and
-// saved. Reading and saving block on the card (BackgroundJobs keeps that off the interface thread); an object
-// belongs to one thread at a time.
+// The camera's settings on one card: a short-lived value, read from the card's settings folder, changed, and
+// saved. Reading and saving block on the card (BackgroundJobs keeps that off the interface thread). Each
+// object belongs to one thread at a time.
 #pragma once
 
 #include <QByteArray>
@@ -17,20 +17,21 @@ CardFiles& systemCardFiles();
 
 class DeviceSettings : public SettingValues {
 public:
-    // The defaults and, unless the folder's name is empty, what "setting.dat" and then the byte files say.
+    // Starts with the defaults; unless `folder` is empty, reads "setting.dat" and then the byte files over
+    // them.
     explicit DeviceSettings(const QString& folder, CardFiles& files = systemCardFiles());
-    // The same for the settings folder of a drive that is open already; defaults where that isn't.
+    // The same for the settings folder of a drive that is already open; the defaults if it isn't.
     explicit DeviceSettings(std::shared_ptr<CardFolder> drive, const QByteArray& name = "setting");
 
-    // "setting.dat"; false if it doesn't open.
+    // Reads "setting.dat"; false if it doesn't open.
     bool loadText();
-    // The byte files; true only if both the brightness and the contrast file opened.
+    // Reads the byte files; true only if both the brightness and the contrast file opened.
     bool loadBytes();
 
     void setTime(bool set, const QString& clockText);
 
-    // Writes the byte files and, if the clock is to be set, "settime.dat". Each file on the card is either as
-    // it was or new at every moment; one that can't be written is left out. The result says whether
+    // Writes the byte files and, if the clock is to be set, "settime.dat". At any moment each file on the
+    // card is either the old or the new one; a file that can't be written is skipped. Returns whether
     // "settime.dat" opened.
     [[nodiscard]] bool save();
 

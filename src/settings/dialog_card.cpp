@@ -35,7 +35,8 @@ bool mayFollow(Phase from, Phase to) {
     return false;
 }
 
-// A save that nobody waits for any more goes on, and a later one of the same drive must come out on top.
+// A save whose dialog is gone runs on. Saves of one drive take turns, and an older one that hasn't begun is
+// skipped.
 struct Saves {
     std::mutex busy;
     std::atomic<int> newest = 0;
@@ -49,7 +50,7 @@ std::shared_ptr<Saves> savesOf(const QString& drive) {
     return saves;
 }
 
-// Each ends with the save that it stands for.
+// One future per save, ready when the save has ended.
 std::vector<std::future<void>>& savesBegun() {
     static std::vector<std::future<void>> ends;
     return ends;
@@ -87,7 +88,7 @@ QString DialogCard::settingFolder() const {
     return known ? contents()->settingFolder : QString();
 }
 
-// Everything that answers passes here: what was asked in an earlier phase no longer counts.
+// All answers pass through here; an answer to a question from an earlier phase is dropped.
 void DialogCard::ask(BackgroundJobs& jobs, std::function<void()> work, std::function<void()> then) {
     jobs.start(std::move(work), [this, question = m_question, then = std::move(then)] {
         if (question == m_question)
@@ -125,7 +126,7 @@ void DialogCard::keepDrives(const QList<DriveInfo>& drives) {
     read(all);
 }
 
-// Each drive has a thread of its own: one that doesn't answer must not hide another.
+// Each drive is read on a thread of its own, so that one that doesn't answer doesn't hold up the others.
 void DialogCard::read(const QList<int>& indices) {
     enter(Phase::Reading);
     m_answers.clear();
@@ -137,7 +138,7 @@ void DialogCard::read(const QList<int>& indices) {
         ask(
             m_reading,
             [contents, reader = m_access.read, drive, saves = savesOf(drive)] {
-                // In the middle of a save the card holds half of it.
+                // Wait for a save in progress: until it ends, the card holds half of it.
                 { const std::lock_guard turn(saves->busy); }
                 *contents = reader(drive);
             },
@@ -181,7 +182,7 @@ void DialogCard::losePatience() {
     Q_EMIT phaseChanged();
 }
 
-// The last drive with a version file, the first drive if none has one.
+// The last drive with a version file; if none has one, the first drive.
 DialogCard::Choice DialogCard::card() const {
     bool isCertain = true;
     for (auto answer = m_answers.rbegin(); answer != m_answers.rend(); ++answer) {
@@ -226,7 +227,7 @@ bool DialogCard::await() {
     m_loop = &loop;
     Q_EMIT phaseChanged();
     loop.exec();
-    // Not by the loop's result, which the program's end overwrites.
+    // Don't use the loop's result: exec() also returns when the program quits.
     const bool left = !std::exchange(m_loop, nullptr);
     Q_EMIT phaseChanged();
     return !left && (m_phase == Phase::Shown || m_phase == Phase::NoDrive);

@@ -39,7 +39,7 @@ QLabel* addLabel(QWidget* window, const QRect& place, const QString& text, const
 
 QLabel* addTitle(QWidget* window, const QRect& place, const QString& text) {
     QLabel* title = addLabel(window, place, text, kPageText, kTitlePoints);
-    // A press on the title drags the window.
+    // Mouse presses pass through the title to the window, which they drag.
     title->setAttribute(Qt::WA_TransparentForMouseEvents);
     return title;
 }

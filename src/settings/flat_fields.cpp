@@ -46,8 +46,8 @@ void FlatList::showPopup() {
     QComboBox::showPopup();
 }
 
-// Qt would make the popup only to give it the list's font and colours, which it takes on by itself once it is
-// made.
+// QComboBox would create the popup just to pass the list's font and palette on to it; the popup gets them
+// when it is first shown.
 void FlatList::changeEvent(QEvent* event) {
     if (m_hasPopup || event->type() == QEvent::EnabledChange)
         QComboBox::changeEvent(event);
@@ -84,7 +84,7 @@ void FlatField::setColours(const QColor& text, const QColor& ground) {
     setPalette(twoColours(palette(), text, ground));
 }
 
-// The text is the line edit's, which paints itself.
+// The line edit paints the text itself.
 void FlatField::paintEvent(QPaintEvent*) {
     QStyleOptionSpinBox option;
     initStyleOption(&option);

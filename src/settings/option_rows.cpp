@@ -12,7 +12,8 @@ namespace {
 constexpr int kSmallestPoints = 8;
 constexpr int kGap = 2; // between a name and what follows
 
-// Measuring a text costs as much as painting it, and no letter is wider than the font is high.
+// Measuring a text costs as much as painting it; this estimate assumes that no character is wider than the
+// font is high.
 bool surelyFits(const QFont& font, const QString& text, int width) {
     return text.size() * font.pixelSize() <= width;
 }
@@ -29,7 +30,7 @@ void paintText(QPainter& painter, const QRect& box, Qt::Alignment align, const Q
     painter.setFont(usual);
 }
 
-// From the name's beginning to the box of the first choice, whose text may begin further to the right.
+// From the start of the name to the box of the first choice, whose text may start further right.
 int widthToChoices(const OptionRow& row) {
     int right = row.nameBox.right() + 1;
     for (const Choice& choice : row.choices) {
@@ -46,7 +47,7 @@ QFont fittingFont(QFont font, const QString& text, int width) {
     const int needed = QFontMetrics(font).horizontalAdvance(text);
     if (needed <= width)
         return font;
-    // Straight to the size that should do: each size tried has its font loaded.
+    // Start with the size that should fit, since every size tried loads a font.
     const int smallest = fontPixels(kSmallestPoints);
     int size = std::max(smallest, font.pixelSize() * width / needed);
     font.setPixelSize(size);
@@ -80,7 +81,7 @@ QRect boundsOf(const OptionRow& row) {
     for (const Choice& choice : row.choices)
         choices |= boundsOf(choice);
     QRect name = row.nameBox;
-    // A name beside its choices ends with them; its box may reach under other widgets.
+    // A name beside its choices ends where they end; its box may extend under other widgets.
     if (choices.right() > name.left() && choices.top() < name.bottom() && choices.bottom() > name.top())
         name.setRight(std::min(name.right(), choices.right()));
     return name | choices;

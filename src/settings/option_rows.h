@@ -1,6 +1,6 @@
-// The rows of choices that the settings windows paint: a row is a label and its choices, a choice a text, the
-// place of its mark, and the box that a click is tested against. One table of them drives painting, clicks,
-// keyboard and accessible names. Positions are pixels of the window.
+// The rows of choices that the settings windows paint: a row is a label and its choices; a choice is a text,
+// the rectangle of its mark, and the hit box for clicks. One table drives painting, clicks, keyboard and
+// accessible names. Positions in window pixels.
 #pragma once
 
 #include <QFont>
@@ -16,36 +16,35 @@ class QPainter;
 
 namespace ql240 {
 
-// What the rows show: the camera's settings, and what the dialog alone holds.
+// The rows' values: the camera's settings, and values that only the dialog holds.
 struct RowValues : SettingValues {
     int viewerSpeedUnit = 1; // a SpeedUnit
-    int setsClock = 0;       // 1: the camera's clock is to be set
+    int setsClock = 0;       // 1: set the camera's clock
 
     bool operator==(const RowValues&) const = default;
 };
 
-// How a choice shows whether it is the chosen one: by its mark, or, in rows that are only shown, always
-// alike.
+// How a choice shows whether it is chosen: by its mark, or always the same in rows that are only shown.
 enum class MarkRule { IfChosen, AlwaysChosen, AlwaysDisabled };
 
 struct Choice {
     int value = 0;
     PageText name;
-    QRect text; // where the name is painted; null where the background shows it
+    QRect text; // where the name is painted; null if the background shows it
     QRect mark;
-    QRect hit; // null: no click chooses it
+    QRect hit; // null: can't be clicked
     MarkRule rule = MarkRule::IfChosen;
 };
 
 enum class RowKind {
     Choices,
     TickBox,   // one choice, on or off
-    ShownOnly, // neither click nor key changes it
+    ShownOnly, // neither mouse nor keyboard changes it
 };
 
 struct OptionRow {
     PageText name;
-    QRect nameBox; // null where the name isn't painted
+    QRect nameBox; // null if the name isn't painted
     int RowValues::*value = nullptr;
     std::span<const Choice> choices;
     RowKind kind = RowKind::Choices;
@@ -53,12 +52,12 @@ struct OptionRow {
     Qt::Alignment choiceAlign = Qt::AlignRight;
 };
 
-// A text that belongs to no row's choices.
+// A text outside of any row.
 struct PageLabel {
     PageText text;
     QRect box;
     Qt::Alignment align = Qt::AlignLeft;
-    int room = 0; // how wide it may get before its font shrinks; 0: as wide as the box
+    int room = 0; // maximum width before its font shrinks; 0: the box's width
 };
 
 struct MarkImages {
@@ -67,24 +66,24 @@ struct MarkImages {
     QPixmap ticked;
 };
 
-// `font`, or its next smaller size, down to 8 points, in which `text` is at most `width` wide.
+// `font`, or the largest smaller size, down to 8 points, in which `text` is at most `width` wide.
 QFont fittingFont(QFont font, const QString& text, int width);
 
-// The choice whose hit box holds `point`, or null.
+// The choice whose hit box contains `point`, or null.
 const Choice* choiceAt(const OptionRow& row, QPoint point);
 const Choice* chosenChoice(const OptionRow& row, const RowValues& values);
-// Everything that belongs to the row.
+// The bounding rectangle of everything in the row.
 QRect boundsOf(const OptionRow& row);
 QRect boundsOf(const Choice& choice);
 
-// How wide a row's name may get before it runs into the choices, whose texts are in the font of `metrics`.
+// How wide a row's name can get before it overlaps the choices, whose texts use the font of `metrics`.
 int roomForName(const OptionRow& row, const QFontMetrics& metrics);
 
-// Texts are painted in the painter's font and pen, in a smaller font, down to 8 points, where the box is too
+// Texts are painted in the painter's font and pen, in a smaller font, down to 8 points, if the box is too
 // narrow.
 void paintLabels(QPainter& painter, std::span<const PageLabel> labels);
 void paintRowTexts(QPainter& painter, const OptionRow& row);
-// `operable` false: the chosen mark in its disabled look.
+// With `operable` false, the chosen mark looks disabled.
 void paintRowMarks(QPainter& painter, const OptionRow& row, const RowValues& values, const MarkImages& images,
                    bool operable = true);
 

@@ -1,4 +1,4 @@
-// The small pages of the settings dialog in numbers. Seven of them differ in nothing else.
+// Geometry of the settings dialog's small pages. Seven of them differ in nothing else.
 #pragma once
 
 #include <array>
@@ -7,7 +7,7 @@
 
 namespace ql240::pages {
 
-// Everything that tells one page from another.
+// Everything in which the pages differ.
 struct PageLayout {
     const char16_t* title;
     const char* background;
@@ -15,15 +15,15 @@ struct PageLayout {
     QRect ok, cancel, close, titleBox;
     std::span<const OptionRow> rows = {};
     std::span<const PageLabel> labels = {};
-    bool enterCancels = false; // where confirming by habit would do harm
+    bool enterCancels = false; // for a page that would do harm if confirmed by habit
 };
 
 inline constexpr int kLineHeight = 24;
 
-// Marks of 14 × 14 centred on points of one height, with hit boxes around them.
+// Marks of 14 × 14 centred on points at the same height, with hit boxes around them.
 struct Scale {
     int markY;
-    QRect hit; // relative to the mark's point; its y is the window's where `hitAtWindowY` holds
+    QRect hit; // relative to the mark's centre; y is relative to the window if `hitAtWindowY`
     bool hitAtWindowY = false;
 };
 
@@ -82,7 +82,7 @@ inline constexpr std::array kPictureRows = {
               kContrast.back().mark},
 };
 
-// Page 1: which old recordings make room for new ones.
+// Page 1: which old recordings are overwritten by new ones.
 constexpr std::array<Choice, 2> overwriteChoices(int textY, int markY) {
     return {Choice{1,
                    fixedText(u"사용"),
@@ -144,8 +144,8 @@ inline constexpr std::array kShockLabels = {
     PageLabel{fixedText(u"민감"), {509, 186, 50, kLineHeight}},
 };
 
-// Pages 3 to 5: the battery's cut-off by timer and by voltage. The background shows the numbers; the row has
-// no painted name.
+// Pages 3 to 5: battery cut-off by timer and by voltage. The background shows the numbers; the row's name
+// isn't painted.
 inline constexpr std::array kTimerX = {108, 160, 212, 264, 316, 368, 420, 472};
 inline constexpr auto kTimer = numbered(Scale{90, kHitBattery, true}, kTimerX);
 inline constexpr std::array kTimerRows = {

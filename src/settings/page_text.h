@@ -1,5 +1,5 @@
-// A text of the settings windows: either an entry of the interface language's table or one that is the same
-// in every language.
+// A text of the settings windows: either an entry of the interface's text table, or one that is the same in
+// every language.
 #pragma once
 
 #include <QString>

@@ -7,7 +7,7 @@
 namespace ql240 {
 namespace {
 
-// The white space that QString::toInt() passes over; it ends at ASCII.
+// The ASCII white space that QString::toInt() skips.
 bool isSpace(char byte) {
     return byte == ' ' || (byte >= '\t' && byte <= '\r');
 }
@@ -93,7 +93,7 @@ void SettingTextReader::endLine() {
     m_number = DecimalReader();
 }
 
-// A prefix test: the line of "sensitivityvalue1" is one of "sensitivityvalue" too.
+// Only a prefix test: a line "sensitivityvalue1" also matches "sensitivityvalue".
 bool SettingTextReader::lineBeginsWith(const char* key) const {
     qsizetype at = 0;
     while (key[at] != '\0' && at < m_headLength && m_head[static_cast<std::size_t>(at)] == lowered(key[at]))

@@ -1,5 +1,6 @@
-// Reads the camera's "setting.dat": lines of key, colon and decimal value. Fed in pieces of any size, it
-// keeps a few bytes of the present line only, so neither the file's size nor a line's length costs memory.
+// Parses the camera's "setting.dat": lines of key, colon and decimal value. Can be fed in pieces of any size
+// and keeps only a few bytes of the current line, so memory use depends neither on the file's size nor on a
+// line's length.
 #pragma once
 
 #include <QByteArrayView>
@@ -10,8 +11,8 @@
 
 namespace ql240 {
 
-// A decimal integer with white space around it, read byte by byte (Latin-1). Anything else, a value past 32
-// bits included, gives 0.
+// Parses a decimal integer surrounded by white space, byte by byte (Latin-1). Anything else, including a
+// value that overflows 32 bits, gives 0.
 class DecimalReader {
 public:
     void feed(char byte);
@@ -29,7 +30,7 @@ public:
     explicit SettingTextReader(SettingValues& values) : m_values(values) {}
 
     void feed(QByteArrayView bytes);
-    // The file's end, which ends a line as well.
+    // The end of the file also ends a line.
     void finish() { endLine(); }
 
 private:
@@ -42,7 +43,7 @@ private:
 
     SettingValues& m_values;
     Part m_part = Part::Key;
-    std::array<char, 24> m_head = {}; // the line's beginning in lower case, longer than every key
+    std::array<char, 24> m_head = {}; // start of the line in lower case; longer than every key
     qsizetype m_headLength = 0;
     DecimalReader m_number;
 };

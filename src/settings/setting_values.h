@@ -1,5 +1,5 @@
-// The camera's settings as the card's files name them, and the one table that reading, writing and the dialog
-// walk.
+// The camera's settings, named as in the card's files, and the one table that reading, writing and the dialog
+// use.
 #pragma once
 
 #include <array>
@@ -10,12 +10,12 @@ struct SettingValues {
     int resolutionvalue = 3;  // 1 VGA, 2 HD, 3 Full-HD
     int qualityvalue = 3;     // picture quality, 1 … 3
     int encodingvalue = 2;    // recording quality, 1 low, 2 high
-    int framevalue = 3;       // 1: 15, 2: 24, 3: 30 frames a second
+    int framevalue = 3;       // 1: 15, 2: 24, 3: 30 frames per second
     int soundvalue = 1;       // sound recording, 1 on
     int speakervalue = 4;     // voice guidance, 0 off … 4
-    int hourvalue = 1;        // carried over, no control edits it
+    int hourvalue = 1;        // kept as read, no control edits it
     int sensitivityvalue = 2; // shock preset 1 … 3, 0 none
-    int autoparkingvalue = 1; // carried over, no control edits it
+    int autoparkingvalue = 1; // kept as read, no control edits it
     int parkingvalue = 2;     // 1 shock, 2 shock and motion
     int motionvalue = 2;      // motion sensitivity, 1 … 3
     int timeoffvalue = 8;     // battery timer, 1 … 8
@@ -39,7 +39,7 @@ struct SettingValues {
     bool operator==(const SettingValues&) const = default;
 };
 
-// Which of the card's files hold a setting.
+// In which of the card's files a setting is stored.
 enum SettingFile : unsigned {
     kInText = 1,       // a line of "setting.dat"
     kByteRead = 2,     // its byte file is read …

@@ -23,7 +23,7 @@ SettingsPage::SettingsPage(QWidget* parent, const pages::PageLayout& layout)
         cancel->setFocus();
     m_rows = addChoiceRows(this, *this, layout.rows);
     setTabOrderByPlace(this);
-    // Opened by a key, the page shows at once where the next key goes.
+    // When the page was opened by a key, show the focus from the start.
     setAttribute(Qt::WA_KeyboardFocusChange,
                  parent && parent->window()->testAttribute(Qt::WA_KeyboardFocusChange));
     if (!m_rows.isEmpty())

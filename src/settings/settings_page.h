@@ -1,6 +1,6 @@
-// A small modal page over the settings dialog: rows of painted marks.
-// It edits its own copy of the values and never touches the card; the dialog hands values in before it runs
-// and takes them back if it was confirmed. Interface thread only.
+// A small modal page over the settings dialog: rows of painted marks. It edits a copy of the values and never
+// touches the card; the dialog passes values in before the page runs and takes them back if it was confirmed.
+// Interface thread only.
 #pragma once
 
 #include "settings/choice_row.h"
@@ -14,7 +14,7 @@ class SettingsPage : public ConfirmedDialog, private RowOwner {
 public:
     const RowValues& values() const { return m_values; }
     void setValues(const RowValues& values);
-    // Sets what this page edits, and nothing else.
+    // Copies to `values` what this page edits, and nothing else.
     void handBack(RowValues& values) const;
 
 protected:

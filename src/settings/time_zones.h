@@ -1,5 +1,5 @@
-// The time zones that the camera knows, by their Microsoft time-zone index in hexadecimal, and the hour bars
-// that lead to them. A bias is in minutes: UTC = local time + bias.
+// The time zones known to the camera, identified by their hexadecimal Microsoft time-zone index, and the hour
+// bars that select them. A bias is in minutes: UTC = local time + bias.
 #pragma once
 
 #include <array>
@@ -107,8 +107,8 @@ inline constexpr std::array<TimeZone, 90> kTimeZones = {{
 }};
 // clang-format on
 
-// One bar for each whole hour from UTC−12 to UTC+12: its text and place, and the row of the table (from 1)
-// that it selects. The last bar passes over row 87.
+// One bar for each whole hour from UTC−12 to UTC+12: its text and position, and the row of the table (from 1)
+// that it selects. The last bar skips row 87.
 struct HourBar {
     const char* text;
     int x;
@@ -146,7 +146,7 @@ inline constexpr std::array<HourBar, 25> kHourBars = {{
 }};
 // clang-format on
 
-// The bar whose group holds `row` (from 1): the last that doesn't begin behind it.
+// The bar whose group contains `row` (from 1): the last one that doesn't start after it.
 constexpr int barOfRow(int row) {
     int bar = 0;
     while (bar + 1 < static_cast<int>(kHourBars.size()) &&

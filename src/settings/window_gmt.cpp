@@ -18,7 +18,7 @@ constexpr QSize kSize(633, 361);
 constexpr int kBarTop = 30;
 constexpr int kBarHeight = 299;
 constexpr int kLabelGap = 4;  // between the texts of neighbouring bars
-constexpr int kFirstBar = 21; // +9, the camera's home
+constexpr int kFirstBar = 21; // +9, the camera's home time zone
 
 } // namespace
 
@@ -40,7 +40,7 @@ WindowGMT::WindowGMT(QWidget* parent) : ConfirmedDialog(parent, QStringLiteral("
 }
 
 void WindowGMT::addBars() {
-    QFont font = uiFont(9); // the same for all bars: as small as the narrowest needs it
+    QFont font = uiFont(9); // the same for all bars: the size that the narrowest needs
     for (const HourBar& bar : kHourBars)
         font = fittingFont(font, QLatin1String(bar.text), bar.width - kLabelGap);
     for (std::size_t k = 0; k < kHourBars.size(); ++k) {
@@ -102,7 +102,7 @@ void WindowGMT::markBarOfZone() {
 
 void WindowGMT::selectBar(int bar) {
     const int known = std::min(bar, static_cast<int>(kHourBars.size()) - 1);
-    // A disabled button can't keep the keyboard.
+    // A disabled button can't keep the focus.
     if (m_bars[static_cast<std::size_t>(known)]->hasFocus())
         m_zones->setFocus();
     markBar(known);

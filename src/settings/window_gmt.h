@@ -1,4 +1,4 @@
-// Choice of a time zone, by the bar of a whole hour or from the list of named zones. Interface thread only.
+// Selects a time zone, by a whole hour's bar or from the list of named zones. Interface thread only.
 #pragma once
 
 #include <array>
@@ -16,8 +16,8 @@ class WindowGMT : public ConfirmedDialog {
 public:
     explicit WindowGMT(QWidget* parent);
 
-    // Makes the zone of that code current and marks its bar; an unknown code leaves the zone as it is.
-    // Nothing happens if both texts are empty.
+    // Selects the zone with that code and marks its bar; an unknown code leaves the selection unchanged. Does
+    // nothing if both texts are empty.
     void preselect(const QString& code, const QString& other);
     QString selectedCode() const;
     int selectedBias() const;

@@ -1,4 +1,4 @@
-// The eight pages of the settings dialog. Seven edit rows, the last asks to confirm a change of the memory
+// The eight pages of the settings dialog. Seven edit rows; the last asks to confirm a change of the memory
 // partition.
 #pragma once
 

@@ -88,8 +88,8 @@ void installAccessibleParts() {
     Q_UNUSED(installed)
 }
 
-// Qt makes and keeps the interface when it first reports a change, such as a new name: by then it
-// must be known what the widget is.
+// Qt creates and caches the accessible interface when it first reports a change, such as a new name, so the
+// role must be set before that.
 void describeGauge(QWidget* widget, AccessibleGauge* gauge) {
     installAccessibleParts();
     widget->setProperty(kGauge, QVariant::fromValue(static_cast<void*>(gauge)));

@@ -1,5 +1,5 @@
-// What assistive technology is told of painted parts that no standard class describes: gauges, latching
-// buttons, and parts with a role of their own. Interface thread only.
+// Accessibility of painted parts that no standard widget class describes: gauges, latching buttons, and parts
+// with a role of their own. Interface thread only.
 #pragma once
 
 #include <QAccessible>
@@ -9,26 +9,26 @@ class QWidget;
 
 namespace ql240 {
 
-// A whole number in a range from 0, shown and set by a painted part. The widget itself implements it and
-// calls describeGauge() before it takes a name.
+// A whole number from 0 to a maximum that a painted part shows and sets. The widget implements this itself
+// and calls describeGauge() before its accessible name is set.
 class AccessibleGauge {
 public:
     virtual ~AccessibleGauge() = default;
     virtual int gaugeMaximum() const = 0;
     virtual int gaugeValue() const = 0;
-    virtual QString gaugeText() const = 0;    // the value as a person would say it
-    virtual QString gaugeDetails() const = 0; // what else the part shows
+    virtual QString gaugeText() const = 0;    // the value in words, as a screen reader speaks it
+    virtual QString gaugeDetails() const = 0; // anything else that the part shows
     virtual void setGaugeValue(int value) = 0;
 };
 
-// A slider whose value is `gauge`'s. `widget` and `gauge` are one object.
+// Describes `widget` as a slider with the value of `gauge`. Both are the same object.
 void describeGauge(QWidget* widget, AccessibleGauge* gauge);
 void tellGaugeChanged(QWidget* widget, const AccessibleGauge& gauge);
 
-// For what needs no description of its own: buttons call this once.
+// Installs the accessible interfaces; buttons, which need no description of their own, call only this.
 void installAccessibleParts();
 
-// A part with a name and a role.
+// Gives a part an accessible name and role.
 void describePart(QWidget* widget, const QString& name, QAccessible::Role role);
 
 } // namespace ql240

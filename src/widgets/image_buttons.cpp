@@ -112,12 +112,12 @@ bool ClearButton::event(QEvent* event) {
         QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), m_hoverText, this);
         return true;
     }
-    // The tool button's own hook is passed by on purpose: a disabled control lets a press through to the
-    // window, so that the window can be dragged by it.
+    // Skips QToolButton::event() on purpose: a disabled control passes a press on to the window, so that the
+    // window can be dragged by it.
     return QWidget::event(event);
 }
 
-// The arrow keys are the window's, for its commands and its list; Tab moves the focus.
+// Arrow keys belong to the window, for its commands and its list; Tab moves the focus.
 void ClearButton::keyPressEvent(QKeyEvent* event) {
     const int key = event->key();
     if (key == Qt::Key_Left || key == Qt::Key_Right || key == Qt::Key_Up || key == Qt::Key_Down)

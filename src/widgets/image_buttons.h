@@ -1,6 +1,6 @@
 // The buttons of the skinned windows: tool buttons that paint themselves from four pictures. Each picture is
-// loaded once, when it is first shown; a missing one leaves the button invisible in that state. Interface
-// thread only. Owned by the Qt parent.
+// loaded when it is first shown; if it is missing, the button is invisible in that state. Interface thread
+// only; owned by the Qt parent.
 #pragma once
 
 #include <QIcon>
@@ -14,16 +14,16 @@ namespace ql240 {
 
 enum class ImageSlot { Normal, Pressed, Hover, Disabled };
 
-// Paths of the four pictures, in the order of ImageSlot.
+// Paths of the four pictures, in ImageSlot order.
 using ImagePaths = std::array<QString, 4>;
 
 // The paths of a control's pictures: ":/gfx_r/2012/" + stem + 1, 3, 2 and 1 + ".png".
 ImagePaths controlImages(const QString& stem);
 
-// Which picture a button with this style state shows.
+// The picture that a button in this style state shows.
 ImageSlot imageSlot(QStyle::State state);
 
-// What the four classes share: auto-raise, a name for assistive technology, a mark of keyboard focus.
+// Base of the four classes: auto-raise, an accessible name, a focus mark.
 class ImageButton : public QToolButton {
     Q_OBJECT
 public:
@@ -35,19 +35,19 @@ protected:
     void paintFocus(QPainter& painter, QStyle::State state) const;
 };
 
-// A control of the main window. Shows its hover text itself; takes the size of its normal picture.
+// A control of the main window. Shows its tooltip itself; has the size of its normal picture.
 class ClearButton : public ImageButton {
     Q_OBJECT
 public:
     ClearButton(QWidget* parent, const ImagePaths& images, const QString& hoverText = {});
 
     const QString& hoverText() const { return m_hoverText; }
-    // The hover text is the accessible name too.
+    // Also sets the accessible name.
     void setHoverText(const QString& text);
 
-    // Latched: a mode is on, so the hover picture shows whatever the state.
+    // Latched means that a mode is on: the hover picture shows in every state.
     bool isLatched() const { return m_latched; }
-    // Whether it stands for a mode at all.
+    // Whether the button switches a mode at all.
     bool latches() const { return m_latches; }
     void setLatched(bool latched);
 
@@ -63,8 +63,8 @@ private:
     bool m_latches = false;
 };
 
-// A picture at its own size in the middle of the button, at most `iconSize` large. Without a normal or a
-// pressed picture it paints nothing.
+// Shows a picture centred in the button at its own size, but at most `iconSize`. Paints nothing without a
+// normal or a pressed picture.
 class IconButton : public ImageButton {
     Q_OBJECT
 public:
@@ -91,7 +91,7 @@ private:
     std::array<SkinPicture, 4> m_images;
 };
 
-// A tall bar over a small label, for choosing one of many columns.
+// A tall bar above a small label, for choosing one of many columns.
 class IconToolButtonA : public ImageButton {
     Q_OBJECT
 public:

@@ -1,5 +1,5 @@
-// A drag by one mouse button, which ends when the button isn't held any more: a release gets lost where a
-// modal window or another program takes the mouse over.
+// A drag with one mouse button. It ends as soon as that button is no longer held, because the release is lost
+// when a modal window or another program grabs the mouse.
 #pragma once
 
 #include <QMouseEvent>
@@ -19,8 +19,8 @@ public:
     }
     bool isUnderWay() const { return m_button != Qt::NoButton; }
 
-    // For each move: whether it belongs to the drag. The button may have been pressed again, on something
-    // else.
+    // Whether this move belongs to the drag. The button may have been released and pressed again elsewhere
+    // since.
     bool goesOn(const QMouseEvent& move) {
         if (!move.buttons().testFlag(m_button) || pressTime(move) != m_pressedAt)
             end();

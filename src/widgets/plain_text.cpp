@@ -10,7 +10,7 @@
 namespace ql240 {
 namespace {
 
-// A long run of letters without a space gets a place to break at this often.
+// Text without spaces gets a line-break opportunity after this many characters.
 constexpr int kLettersToBreak = 24;
 constexpr QChar kBreak(0x200b);
 constexpr QChar kEllipsis(0x2026);
@@ -50,7 +50,7 @@ QString withBreaks(const QString& text) {
     return broken;
 }
 
-// Made by hoverText, whatever is in it.
+// Whether hoverText() made this text, whatever it contains.
 bool isHoverText(const QString& text) {
     return text.startsWith(kHoverStart) && text.endsWith(kHoverEnd) &&
            text.indexOf(u'<', kHoverStart.size()) == text.size() - kHoverEnd.size();
@@ -74,7 +74,8 @@ public:
     }
 
 private:
-    // A label takes on its looks before anybody asks it for its size, for which it would read the pictures.
+    // Runs on Polish, before the size hint is computed: with rich text, computing it would load images that
+    // the text names.
     static void showLettersOnly(QLabel* label) {
         if (label && label->textFormat() == Qt::AutoText && !label->inherits("QTipLabel"))
             label->setTextFormat(Qt::PlainText);

@@ -1,6 +1,6 @@
-// Texts that came from outside (a drive's label, a path, a clip's name, what a version file says) on their
-// way to where they are shown: as the letters they are, never as markup, and never in control of what stands
-// beside them. Interface thread only.
+// Prepares texts from outside (a drive's label, a path, a clip's name, a version file) for display, so that
+// they show as plain characters, never as markup, and don't affect the text beside them. Interface thread
+// only.
 #pragma once
 
 #include <QString>
@@ -11,20 +11,19 @@ class QApplication;
 
 namespace ql240 {
 
-// For labels, lists, painting and assistive technology: one line of at most `letters`, without control
-// characters and without what turns the direction of writing. A text that has none of these comes back as it
-// is.
+// For labels, lists, painting and assistive technology: one line of at most `letters` characters, without
+// control characters and bidirectional controls. A text without any of these is returned unchanged.
 QString shownText(const QString& text, int letters = limits::kShownPathLetters);
 inline QString shownName(const QString& text) {
     return shownText(text, limits::kShownNameLetters);
 }
 
-// For hover texts, which Qt takes for markup when they look like it: escaped, and broken into lines wherever
-// it is too long for one.
+// For tooltips, which Qt renders as rich text if they look like it: escaped, with line breaks wherever a line
+// would be too long.
 QString hoverText(const QString& text);
 
-// For windows that Qt makes, such as its file dialog and the questions that that asks: their labels show
-// plain text, and so do their hover texts.
+// Makes the labels and tooltips of windows that Qt creates, such as its file dialog and that dialog's message
+// boxes, show plain text.
 void installPlainTexts(QApplication& application);
 
 } // namespace ql240

@@ -11,11 +11,11 @@ namespace ql240 {
 // ":/gfx_r/2012/" + name + ".png"
 QString skinPath(const QString& name);
 
-// The picture at `path`, in its "@2x" form where a screen has more than one device pixel a pixel. Its size in
-// pixels of the interface is deviceIndependentSize(). Empty when there is no such picture.
+// The picture at `path`, its "@2x" variant if any screen's device pixel ratio is above 1.
+// deviceIndependentSize() is its size in interface pixels. Empty when there is no such picture.
 QPixmap skinPixmap(const QString& path);
 
-// A picture that is loaded when it is first asked for, so that looks not yet seen cost nothing at start-up.
+// A picture loaded on first use, so that pictures not shown yet cost nothing at start-up.
 class SkinPicture {
 public:
     explicit SkinPicture(const QString& path) : m_path(path) {}
@@ -26,7 +26,7 @@ private:
     mutable std::optional<QPixmap> m_pixmap;
 };
 
-// The same, read anew and not kept, for whoever keeps it in another form.
+// The same without the cache, for callers that keep a converted copy.
 QPixmap readSkinPixmap(const QString& path);
 
 // The same as an icon; null when there is no such picture.

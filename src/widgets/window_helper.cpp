@@ -15,7 +15,7 @@ namespace {
 constexpr int kBorder = 5;
 constexpr Qt::WindowFlags kFrameless = Qt::FramelessWindowHint | Qt::CustomizeWindowHint;
 
-// A Wayland client can't place its own windows; the compositor moves them from the first movement on.
+// A Wayland client can't position its own windows: the compositor moves them from the first mouse move on.
 bool compositorMoves() {
     return QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
 }
@@ -81,10 +81,10 @@ void FlHlp::watchWindow(QWidget* window) {
     window->setMouseTracking(true);
     if (window->testAttribute(Qt::WA_WState_Created)) {
         window->setWindowFlags(kFrameless);
-        // Changing the flags has hidden the window.
+        // Changing the flags hides the window.
         window->setVisible(visible);
     } else {
-        // The same for a window that is still to be made, without polishing all of its children again.
+        // Sets the flags before the native window exists, without polishing all children again.
         window->overrideWindowFlags(kFrameless | Qt::Window);
     }
     window->setAttribute(Qt::WA_Hover);
@@ -155,7 +155,7 @@ void FlHlp::drag(Record& record, const QMouseEvent& event) {
     if (!m_movable || record.window->isFullScreen())
         return;
     if (compositorMoves() && handle && handle->startSystemMove()) {
-        // The compositor keeps the release to itself.
+        // The compositor doesn't pass the release on.
         record.drag.end();
         return;
     }
@@ -186,7 +186,7 @@ void FlHlp::showResizeCursor(Record& record, QPoint point) {
     }
 }
 
-// Any other cursor is the window's own.
+// Any other cursor belongs to the window.
 void FlHlp::takeCursorBack(Record& record) {
     if (std::exchange(record.cursorChanged, false))
         record.window->unsetCursor();

@@ -1,6 +1,6 @@
-// Lets frameless windows be dragged. One helper serves any number of windows; it watches them as an event
-// filter and takes none of their events. Positions are screen pixels. Interface thread only; owned by its Qt
-// parent or its maker.
+// Makes frameless windows draggable. One helper serves any number of windows; it watches them as an event
+// filter and consumes none of their events. Positions are screen pixels. Interface thread only; owned by its
+// Qt parent or by its creator.
 #pragma once
 
 #include <QHash>
@@ -14,7 +14,7 @@ class QWidget;
 
 namespace ql240 {
 
-// Where a point lies relative to a window's border, 5 pixels wide.
+// Where a point lies relative to a window's 5 pixel border.
 struct EdgeFlags {
     bool any = false;
     bool left = false;
@@ -33,10 +33,10 @@ class FlHlp : public QObject {
     Q_OBJECT
 public:
     explicit FlHlp(QObject* parent = nullptr);
-    // Gives every watched window its flags and its visibility back.
+    // Restores the flags and visibility of every watched window.
     ~FlHlp() override;
 
-    // Makes the window frameless and watches it from now on; a second call does nothing.
+    // Makes the window frameless and watches it from now on. Calling it again has no effect.
     void watchWindow(QWidget* window);
 
     void setMovable(bool movable) { m_movable = movable; }

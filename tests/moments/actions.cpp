@@ -24,7 +24,7 @@ namespace {
 
 using layout::ButtonId;
 
-// --- Mouse, on the main window, whatever lies over it ---
+// --- Mouse, on the main window, even if something covers it ---
 
 void clickButton(Run& run, ButtonId id) {
     MainWindow* window = run.world().window.get();
@@ -64,7 +64,7 @@ void dragStrip(Run& run) {
         run.hands().release(window, end, Qt::LeftButton);
 }
 
-// Pixel by pixel, as a careful hand does.
+// Pixel by pixel, as a careful user does.
 void dragSlowly(Run& run) {
     MainWindow* window = run.world().window.get();
     const QRect places[] = {layout::kMainView, QRect(230, 2, 400, 26), layout::kClipList,
@@ -101,7 +101,7 @@ void movePointer(Run& run) {
     }
 }
 
-// As somebody does who has changed their mind.
+// Like a user who changes their mind while the button is down.
 void slideOffButton(Run& run) {
     MainWindow* window = run.world().window.get();
     const QAbstractButton* button = window->button(run.luck().oneOf(layout::kControls));
@@ -120,7 +120,7 @@ void rightClickPicture(Run& run) {
     run.hands().click(window, somewhereIn(run, layout::kMainView), Qt::RightButton);
 }
 
-// --- Keys, for the window in front ---
+// --- Keys, for the active window ---
 
 std::optional<RowValues> valuesOf(const QWidget* window) {
     if (const auto* settings = qobject_cast<const ConfigWindow*>(window))
@@ -144,7 +144,7 @@ void typeKey(Run& run) {
     const QPointer<QWidget> kept(front);
     const auto played = run.played();
     run.hands().type(front, key, {}, run.luck().chance(20) ? run.luck().below(8) : 0);
-    // What the key has changed, unless it opened something in which more was done.
+    // What the key has changed, unless it opened a window in which other steps were played.
     if (!before || !kept || run.played() != played)
         return;
     const RowValues after = *valuesOf(kept);
@@ -191,7 +191,7 @@ void changeActivity(Run& run) {
     }
 }
 
-// --- Dialogs in front ---
+// --- The dialog in front ---
 
 void clickRow(Run& run, QWidget* window, std::span<const OptionRow> rows) {
     const OptionRow& row = run.luck().oneOf(rows);
@@ -215,7 +215,7 @@ void useConfigWindow(Run& run, ConfigWindow* dialog) {
         case Page:
             return clickIn(run, dialog, run.luck().oneOf(config::kPageButtons).place);
         case Drive:
-            // The drives are the first list.
+            // The list of drives is the dialog's first combo box.
             dialog->findChild<QComboBox*>()->setFocus();
             return run.hands().type(dialog, run.luck().chance(50) ? Qt::Key_Down : Qt::Key_Up);
         case Ok:
@@ -247,7 +247,7 @@ void useDialog(Run& run) {
         run.luck().chance(60) ? dialog->accept() : dialog->reject();
 }
 
-// By the window manager.
+// As the window manager does.
 void closeDialog(Run& run) {
     if (run.front() != run.world().window.get())
         run.front()->close();

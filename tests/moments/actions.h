@@ -1,4 +1,4 @@
-// What may happen in a run, by whose doing, and how often.
+// The actions of a run: what they do and how likely they are.
 #pragma once
 
 #include <span>
@@ -7,7 +7,7 @@ namespace ql240::moments {
 
 class Run;
 
-// A run leans towards one of these.
+// A run prefers the actions of one theme.
 enum class Theme { Any, Picture, Card, Folder, Transport };
 inline constexpr int kThemes = 5;
 
@@ -16,7 +16,7 @@ struct Action {
     int weight;
     Theme theme;
     void (*perform)(Run&);
-    bool navigates = false; // may choose another clip
+    bool navigates = false; // may select another clip
 };
 
 std::span<const Action> actions();

@@ -56,7 +56,7 @@ bool CardWatch::Dialog::maySave(const QString& path, const QByteArray& before, c
         return false;
     // A drive without settings gets the defaults that were shown.
     const bool muted = key->value == &SettingValues::speakervalue && value == 0;
-    // The timer's page has no mark for 0 and hands back 1.
+    // The timer's page has no mark for 0 and returns 1.
     const bool fromNoTimer = key->value == &SettingValues::timeoffvalue && byteOf(before) < 1 && value == 1;
     return before.isNull() || muted || fromNoTimer || value == byteOf(before) ||
            chosen.contains({QLatin1String(key->name), value});
@@ -71,7 +71,7 @@ CardWatch::~CardWatch() {
     ::close(m_notes);
 }
 
-// Again after each change, for the folders that it brought.
+// Called again after each change, to watch new folders.
 void CardWatch::listen() {
     constexpr auto kChanges = IN_CREATE | IN_DELETE | IN_MODIFY | IN_MOVE | IN_ATTRIB;
     const auto add = [this](const QString& folder) {
@@ -131,7 +131,7 @@ CardWatch::Files CardWatch::readAll() const {
             continue;
         const qint64 stamp =
             status.st_mtim.tv_sec * 1000000000 + status.st_mtim.tv_nsec + qint64(status.st_ino);
-        const QString name = QString(path).remove(QStringLiteral(".away")); // a card keeps its files outside
+        const QString name = QString(path).remove(QStringLiteral(".away")); // a card taken out
         const auto known = m_files.find(name);
         if (known != m_files.end() && known->second.stamp == stamp) {
             files.emplace(name, known->second);

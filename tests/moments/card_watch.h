@@ -1,5 +1,5 @@
-// Watches every file that a run may not touch. What changes on a card must be what a confirmed settings
-// dialog showed: of the values before, only those may differ that the user has chosen. Main thread.
+// Watches all files that a run must not change. A change on a card must match what a confirmed settings
+// dialog showed, and may differ from the previous values only where the user chose something. Main thread.
 #pragma once
 
 #include <QByteArray>
@@ -25,12 +25,12 @@ public:
     ~CardWatch();
     Q_DISABLE_COPY_MOVE(CardWatch)
 
-    // The settings dialog as it is now; null where none is open.
+    // Records the settings dialog's current state; null if none is open.
     void look(const ConfigWindow* dialog);
     void confirmed() { m_dialogs.back().confirmed = true; }
     void chose(int RowValues::*value, int choice);
 
-    // Compares all files with what they may be.
+    // Compares all files with their allowed contents.
     void check();
 
 private:
@@ -39,7 +39,7 @@ private:
         QByteArray bytes;
     };
     using Files = std::map<QString, File>;
-    // What a dialog shows, or showed last: it may save after it was closed.
+    // What a dialog shows, or showed last: it may still save after it was closed.
     struct Dialog {
         bool confirmed = false;
         QString folder;
@@ -55,9 +55,9 @@ private:
     bool mayChange(const QString& path, const QByteArray& before, const QByteArray& now) const;
 
     World& m_world;
-    int m_notes; // of changes below the world's folder
+    int m_notes; // inotify descriptor for everything below the world's folder
     Files m_files;
-    const ConfigWindow* m_open = nullptr; // to be told apart from the one before, not to be used
+    const ConfigWindow* m_open = nullptr; // only compared with the next one, never dereferenced
     std::vector<Dialog> m_dialogs;
 };
 

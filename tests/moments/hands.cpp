@@ -9,7 +9,7 @@
 namespace ql240::moments {
 namespace {
 
-// What a key types on a plain keyboard.
+// The text that a key types on a plain keyboard.
 QString textOf(int key, Qt::KeyboardModifiers modifiers) {
     if (modifiers & (Qt::ControlModifier | Qt::AltModifier) || key < Qt::Key_Space ||
         key > Qt::Key_AsciiTilde)
@@ -25,7 +25,7 @@ void Hands::send(QWidget* window, QPoint place, Qt::MouseButton button, int type
     if (!handle || !handle->isVisible())
         return;
     const QPoint global = window->mapToGlobal(place);
-    constexpr int kApart = 1000; // no double clicks by accident
+    constexpr int kApart = 1000; // avoids accidental double clicks
     m_timestamp += type == QEvent::MouseMove ? 1 : kApart;
     qt_handleMouseEvent(handle, place, global, m_held, button, static_cast<QEvent::Type>(type), {},
                         m_timestamp);

@@ -1,4 +1,4 @@
-// The user's hands: mouse and keyboard as a window system reports them, lost releases included. Main thread.
+// The user's mouse and keyboard, as a window system reports them, including lost releases. Main thread.
 #pragma once
 
 #include <QPoint>
@@ -16,10 +16,10 @@ public:
     void release(QWidget* window, QPoint place, Qt::MouseButton button);
     void move(QWidget* window, QPoint place);
     void click(QWidget* window, QPoint place, Qt::MouseButton button = Qt::LeftButton);
-    // The button goes up without the program hearing of it.
+    // The button goes up, but the program gets no release event.
     void loseRelease() { m_held = Qt::NoButton; }
     Qt::MouseButtons held() const { return m_held; }
-    // Where the left button went down last, on the screen.
+    // Where the left button last went down, in screen coordinates.
     QPoint pressedAt() const { return m_pressedAt; }
 
     void type(QWidget* window, int key, Qt::KeyboardModifiers modifiers = {}, int repeats = 0);

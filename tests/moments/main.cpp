@@ -1,10 +1,10 @@
-// Plays random runs on the viewer's real windows and says which of them found something wrong, shortened to
-// the few steps that it takes:
+// Plays random runs on the viewer's real windows and reports those that found a fault, reduced to the few
+// steps that are needed:
 //
-//     random_moments [--pipeline] [--seeds COUNT] [--from SEED]   in processes of their own
-//     random_moments --worker [--keep 3,5,8] …                    here, the steps named or all of them
+//     random_moments [--pipeline] [--seeds COUNT] [--from SEED]   in child processes
+//     random_moments --worker [--keep 3,5,8] …                    in this process, the given steps or all
 //
-// Over fakes a seed always goes the same way; on the pipeline it is tried again to be shortened.
+// Over fakes a seed always plays the same way; on the pipeline a failing seed is retried while it is reduced.
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QProcess>
@@ -59,7 +59,7 @@ std::vector<Step> wantedSteps(const Order& order, quint32 seed) {
     return kept;
 }
 
-// One line a seed, before it and after it: a process that dies has said which one it was.
+// Prints a line before and after each seed, so that the last line of a process that dies names its seed.
 int work(const Order& order) {
     if (!order.pipeline)
         startVirtualTime();
@@ -79,7 +79,7 @@ int work(const Order& order) {
     return failed == 0 ? 0 : 1;
 }
 
-// What a worker says of one seed: nothing where all is well.
+// What a worker reports for one seed: empty if it passed.
 QString tryWorker(const Order& order, quint32 seed, const std::vector<int>& keep) {
     QStringList kept;
     for (const int index : keep)
@@ -102,7 +102,7 @@ std::vector<int> allSteps(const Order& order) {
     return all;
 }
 
-// Leaves out ever smaller stretches of the steps as long as something stays wrong.
+// Removes ever smaller ranges of steps as long as the run still fails.
 void shorten(const Order& order, quint32 seed) {
     std::vector<int> kept = allSteps(order);
     QString said;
@@ -134,7 +134,7 @@ struct Finding {
     QString what;
 };
 
-// A worker does many seeds; where it dies, the next one goes on behind the seed that it died in.
+// A worker plays many seeds; if it dies, the next one continues after the seed that killed it.
 std::vector<Finding> findWrong(const Order& order) {
     std::vector<Finding> wrong;
     const quint32 end = order.from + static_cast<quint32>(order.seeds);
@@ -161,7 +161,7 @@ std::vector<Finding> findWrong(const Order& order) {
     return wrong;
 }
 
-// What real time alone has brought about doesn't come again: it is named, and doesn't count.
+// A failure that only real timing caused may not recur; it is reported but not counted.
 bool comesAgain(const Order& order, quint32 seed) {
     constexpr int kTries = 3;
     for (int i = 0; i < (order.pipeline ? kTries : 1); ++i) {
@@ -172,7 +172,7 @@ bool comesAgain(const Order& order, quint32 seed) {
 }
 
 int manage(const Order& order) {
-    constexpr int kShortened = 5; // the rest is likely to be the same
+    constexpr int kShortened = 5; // the rest probably have the same cause
     int failed = 0;
     for (const Finding& finding : findWrong(order)) {
         out() << "seed " << finding.seed << ": " << finding.what << Qt::endl;
@@ -188,7 +188,8 @@ int manage(const Order& order) {
 } // namespace
 
 int main(int argc, char** argv) {
-    // Qt's own event loop over poll, which virtual time stands behind; and the same order in every hash.
+    // Use Qt's own event loop over poll(), which virtual time replaces, and the same hash order in every
+    // process.
     qputenv("QT_NO_GLIB", "1");
     qputenv("QT_HASH_SEED", "0");
     qputenv("ALSOFT_LOGLEVEL", "0");

@@ -13,8 +13,8 @@ namespace {
 using layout::ButtonId;
 
 constexpr int kClipMs = 6000;
-// How long a paused picture may take to be that of its position, also where other programs are busy. Less
-// than the pipeline's own patience with a seek that never ends.
+// How long a paused picture may take to match its position, even on a busy machine. Less than the pipeline's
+// own timeout for a seek that never ends.
 constexpr int kMomentMs = 2500;
 
 std::vector<TestClipSpec> clipKinds() {
@@ -40,7 +40,7 @@ public:
     void key(int key, int repeats = 0) { hands.type(window(), key, {}, repeats); }
     void hold(int key, int presses);
     void seekTo(int ms);
-    // The interface thread has other things to do, the pipeline goes on.
+    // Blocks the interface thread while the pipeline goes on.
     void beBusy(int ms) { QThread::msleep(static_cast<unsigned long>(ms)); }
     void choose(int row) { viewer.list()->setCurrentRow(row); }
     int clips() const { return static_cast<int>(m_kinds.size()); }
@@ -67,7 +67,7 @@ private:
     bool m_wasPlaying = true; // since the last seek or step
     int m_row = 0;
     qint64 m_positionMs = 0;
-    std::optional<int> m_soughtMs; // by the step being played
+    std::optional<int> m_soughtMs; // by the current step
     QElapsedTimer m_since;
 };
 
@@ -76,7 +76,7 @@ struct PipelineAction {
     int weight;
     void (*perform)(PipelineRun&);
     bool navigates = false;
-    bool moves = false; // to a frame of its own
+    bool moves = false; // to another frame
 };
 
 constexpr PipelineAction kActions[] = {
@@ -128,7 +128,7 @@ void PipelineRun::fail(const QString& what) {
         m_failure = QStringLiteral("%1, after \"%2\"").arg(what, QLatin1String(m_action));
 }
 
-// As the keyboard repeats it: the pictures come meanwhile.
+// Like keyboard auto-repeat: pictures arrive in between.
 void PipelineRun::hold(int key, int presses) {
     constexpr int kRepeatMs = 25;
     for (; presses > 0; --presses) {
@@ -142,15 +142,15 @@ void PipelineRun::seekTo(int ms) {
     hands.click(window(), Viewer::onStrip(ms, kClipMs));
 }
 
-// Where the picture stands on the screen; -1 for none.
+// Number of the frame on the screen; -1 if none.
 int PipelineRun::shownFrame() const {
     VideoView* view = viewer.mainView();
     return readFrameNumber(view->grab(fittedRect(view->size(), viewer.player()->videoSize(0))).toImage());
 }
 
-// After a seek or a step the very frame. Where playing was paused, a machine that is too slow may have left
-// frames out, and the frame that comes next may show already. A position is cut to whole milliseconds, so
-// that it may lie just before the frame that it means.
+// After a seek or a step, exactly that frame. After a pause during playback, a slow machine may have dropped
+// frames, and the next frame may be on the screen already. A position is truncated to whole milliseconds, so
+// it may be just before its frame.
 bool PipelineRun::showsPosition() const {
     constexpr int kLeftOut = 5;
     const auto times = testClipFrameTimes(kind());
@@ -174,14 +174,14 @@ void PipelineRun::checkPaused() {
                         .arg(shownFrame()));
     const qint64 before = viewer.player()->positionMs();
     QTest::qWait(30);
-    // A pause of the last moment may find that the clip has ended, and the next one follows.
+    // The clip may have ended just before the pause; then the next one follows.
     const qint64 end = viewer.player()->durationMs();
     const qint64 now = viewer.player()->positionMs();
     if (now != before && now != end && before != end)
         fail(QStringLiteral("paused at %1, it went on").arg(before));
 }
 
-// It goes on, or it has ended and something else plays.
+// The position advances, or the clip has ended and another one plays.
 void PipelineRun::checkPlaying() {
     const auto* clip = viewer.player()->clip();
     const qint64 before = viewer.player()->positionMs();
@@ -196,7 +196,7 @@ void PipelineRun::checkPlaying() {
 
 void PipelineRun::check(bool navigated) {
     const int row = viewer.list()->currentRow();
-    // A clip may have ended that was near enough to its end.
+    // The clip may have ended if it was close enough to its end.
     const qint64 reached = m_positionMs + m_since.elapsed() + 100;
     if (row != m_row && !navigated && reached < kClipMs)
         fail(QStringLiteral("clip %1 was left at %2 by itself").arg(m_row).arg(m_positionMs));

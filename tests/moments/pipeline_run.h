@@ -1,6 +1,5 @@
-// Random runs on the real pipeline: clips with sound whose frames say their number, in real time. What is
-// paused shows the frame of its position; what plays goes on, and ends at its end and nowhere else. Main
-// thread.
+// Random runs on the real pipeline, in real time, with clips that have sound and numbered frames. A paused
+// clip shows the frame at its position; a playing one advances and ends only at its end. Main thread.
 #pragma once
 
 #include "moments/steps.h"

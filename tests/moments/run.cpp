@@ -36,7 +36,7 @@ int pickAction(Luck& luck, Theme theme) {
     return luck.pick(actions(), [theme](const Action& action) { return weightOf(action, theme); });
 }
 
-// Most runs begin with a folder that has clips.
+// Most runs start by opening a folder with clips.
 int firstAction(Luck& luck, Theme theme) {
     const auto isDrop = [](const Action& action) { return action.name == std::string_view("drop"); };
     if (luck.chance(40))
@@ -110,8 +110,7 @@ QString Run::play() {
     return m_world->failure();
 }
 
-// The next step is arranged before this one is played: this one may open a dialog that runs a loop of its
-// own.
+// Schedules the next step before playing this one, which may open a dialog with an event loop of its own.
 void Run::next() {
     check(m_next == 0 ? 0 : m_steps[m_next - 1].delayMs);
     if (m_next >= m_steps.size() || !m_world->failure().isEmpty())
@@ -130,8 +129,8 @@ void Run::check(int quietMs) {
     m_viewer->check(quietMs);
 }
 
-// Closes what is open and lets everything come to rest: again and again, since what comes to an end late may
-// open something.
+// Closes what is open and waits until everything is idle. Repeatedly, because late answers may open something
+// again.
 void Run::finish() {
     constexpr int kApartMs = 50;
     if (++m_triesToEnd > kTriesToEnd)

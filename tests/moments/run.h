@@ -1,5 +1,5 @@
-// One run: actions played one after another on the world's windows, and what must hold between them. An
-// action brings its own luck, so that leaving some out doesn't change the others. Main thread.
+// One run: plays actions one after another on the world's windows and checks the invariants between them.
+// Each action has random numbers of its own, so that leaving some out doesn't change the others. Main thread.
 #pragma once
 
 #include <QObject>
@@ -21,7 +21,7 @@ class Run : public QObject {
 public:
     Run(quint32 seed, std::vector<Step> steps);
 
-    // Plays everything; the first thing found wrong, empty for nothing.
+    // Plays everything; returns the first fault found, or an empty text.
     QString play();
 
     // --- For the actions ---
@@ -30,9 +30,9 @@ public:
     CardWatch& cards() { return *m_cards; }
     ViewerWatch& viewer() { return *m_viewer; }
     Luck& luck() { return m_world->luck; }
-    // How many steps have begun.
+    // Number of steps begun.
     std::size_t played() const { return m_next; }
-    // The window that the user has before them: the innermost modal one, else the main window.
+    // The active window: the innermost modal window, otherwise the main window.
     QWidget* front() const;
 
 private:

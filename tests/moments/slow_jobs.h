@@ -1,4 +1,4 @@
-// Background jobs that end when the run says: at once, later, or never. Main thread.
+// Background jobs that end when the run says: at once, late, or never. Main thread.
 #pragma once
 
 #include "base/background_jobs.h"
@@ -7,7 +7,7 @@ namespace ql240::moments {
 
 class SlowJobs : public JobRunner {
 public:
-    // `latencyMs` is asked for each job; negative: it never ends.
+    // `latencyMs` is called for each job; with a negative result the job never ends.
     explicit SlowJobs(std::function<int()> latencyMs) : m_latencyMs(std::move(latencyMs)) {
         setJobRunner(this);
     }
@@ -19,8 +19,8 @@ public:
 
     // Called before each job is started.
     void onStart(std::function<void()> hook) { m_started = std::move(hook); }
-    // The longest that the thread has waited for jobs between two turns of the event loop, since the last
-    // call of this.
+    // The longest that the thread has waited for jobs between two iterations of the event loop, since the
+    // last call.
     qint64 takeLongestWaitMs() { return std::exchange(m_longestMs, 0); }
     void turnBegins() { m_inTurnMs = 0; }
 

@@ -1,5 +1,5 @@
-// The steps of a run: drawn from its seed, each with luck of its own, so that leaving some out doesn't change
-// the others.
+// The steps of a run, drawn from its seed. Each has random numbers of its own, so that leaving some out
+// doesn't change the others.
 #pragma once
 
 #include <QString>
@@ -14,7 +14,7 @@ public:
     void reseed(quint32 seed) { m_engine.seed(seed); }
     int below(int limit) { return static_cast<int>(m_engine() % static_cast<quint32>(limit)); }
     bool chance(int percent) { return below(100) < percent; }
-    // An index, each as likely as its weight.
+    // An index, each as probable as its weight.
     template <typename Range, typename Weight>
     int pick(const Range& range, Weight weightOf) {
         int total = 0;
@@ -40,16 +40,16 @@ private:
 };
 
 struct Step {
-    int action = 0; // of the plan's table
+    int action = 0; // index in the plan's table
     int delayMs = 0;
     quint32 luck = 0;
 };
 
-// A kind of runs.
+// One kind of run: over fakes or on the pipeline.
 struct Plan {
     std::vector<Step> (*steps)(quint32 seed, int count);
     const char* (*nameOf)(const Step& step);
-    // Plays the steps; the first thing found wrong, empty for nothing.
+    // Plays the steps; returns the first fault found, or an empty text.
     QString (*play)(quint32 seed, const std::vector<Step>& steps);
 };
 

@@ -19,13 +19,13 @@ TimedMedia::TimedMedia() : m_lastMs(nowMs()) {
     m_tick.start(kTickMs);
 }
 
-// What has been asked since the last tick: another clip, a frame of another position.
+// Reads the calls since the last tick: another clip, a frame at another position.
 void TimedMedia::readLog() {
     const QStringList calls = takeLog();
     for (const QString& call : calls) {
         if (call.startsWith(QLatin1String("load ")))
             m_path = call.mid(5);
-        if (call == QLatin1String("run")) // what was waited for before it is none of the clip's time
+        if (call == QLatin1String("run")) // time spent waiting before this doesn't count for the clip
             m_lastMs = nowMs();
         if (call.startsWith(QLatin1String("seek ")) || call == QLatin1String("pause"))
             m_frameDueMs = nowMs() + m_seekMs;

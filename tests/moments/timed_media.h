@@ -1,5 +1,6 @@
-// A media pipeline on the run's own clock: a running clip goes on with time and delivers frames, a seek's
-// frame comes later. A frame of a clip is one grey: that of the clip's index. Interface thread.
+// A media pipeline on the run's virtual clock: a running clip advances with time and delivers frames; a
+// seek's frame comes later. All pixels of a clip have one grey level, derived from the clip's index.
+// Interface thread.
 #pragma once
 
 #include <QTimer>
@@ -18,7 +19,7 @@ public:
     const QString& path() const { return m_path; }
     bool isOpen() const { return liveObjects > 0; }
     bool isRunning() const { return isOpen() && transport.state == GraphState::Running; }
-    // How long a frame takes after a seek.
+    // How long the frame takes after a seek.
     void setSeekMs(int ms) { m_seekMs = ms; }
 
 private:

@@ -18,9 +18,9 @@ namespace {
 
 using layout::ButtonId;
 
-// From here on a viewer that was left alone must agree with itself: a few of its ticks of 100 ms.
+// After being left alone for this long, a viewer must be consistent: a few of its ticks of 100 ms.
 constexpr int kMomentMs = 400;
-// A tick, and the step of the made sensor data.
+// One tick plus the interval of the generated sensor data.
 constexpr int kBehindMs = 150;
 constexpr int kFirstTickMs = 100 + static_cast<int>(kLongestStandstill.count()) + kBehindMs;
 constexpr int kSampleMs = 300 + kBehindMs;
@@ -73,8 +73,8 @@ void ViewerWatch::beforeMove() {
     m_windowBefore = m_world.window->pos();
 }
 
-// A move without a button moves nothing; one with it moves the picture to where the pointer has come from the
-// press, or the window, or neither.
+// A move without a button must move nothing. One with a button may pan the picture by the pointer's distance
+// from the press, or drag the window, or do neither.
 void ViewerWatch::afterMove(const Hands& hands, QPoint global) {
     const QRect picture = m_world.pictureRect();
     const bool pans = picture != m_pictureBefore;
@@ -90,7 +90,7 @@ void ViewerWatch::afterMove(const Hands& hands, QPoint global) {
                          .arg(picture.y()));
 }
 
-// Names of files that no folder holds don't count.
+// Ignores entries that were added by name only.
 bool ViewerWatch::listsClips() const {
     for (int row = 0; row < m_list->count(); ++row) {
         if (MyListWidget::clipOf(m_list->item(row)))
@@ -103,7 +103,7 @@ void ViewerWatch::warned(const QString& text) {
     const Clip* clip = MyListWidget::clipOf(m_list->currentItem());
     bool expected = true;
     if (text == QLatin1String("Failed to open clip file"))
-        // What a folder that has been read chooses is a clip of its own.
+        // After a folder was read, its first clip is opened without the user's doing.
         expected = m_list->currentItem() && (clip ? m_world.mediaTrouble || !m_world.opens(pathOf(clip))
                                                   : m_navigated || !m_seen.reading);
     else if (text == QLatin1String("Please select proper folder"))
@@ -124,7 +124,7 @@ void ViewerWatch::observe() {
     Sight now = look();
     if (!now.isLike(m_seen))
         m_seenMs = nowMs();
-    // What a folder holds is shown when the dialog that is open has been closed.
+    // A folder that was read while a dialog is open must not be shown before that closes.
     if (now.modal && now.modal == m_seen.modal && m_seen.reading && now.row != m_seen.row)
         m_world.fail(QStringLiteral("a folder's first clip was opened behind a dialog"));
     m_played |= now.playing || m_world.media.isRunning();
@@ -144,7 +144,7 @@ void ViewerWatch::check(int quietMs) {
         m_wasFullScreen = m_stopped = false;
     }
     m_wasFullScreen |= now.fullScreen || m_last.fullScreen;
-    if (now.playing || now.positionMs != 0) // a stop leaves the clip at its start
+    if (now.playing || now.positionMs != 0) // stop returns the clip to its start
         m_stopped = false;
     const bool settled = quietMs >= kMomentMs && nowMs() - m_seenMs >= kMomentMs && !now.modal &&
                          !now.reading && !m_world.mediaTrouble;
@@ -165,12 +165,12 @@ void ViewerWatch::checkButtons(const Sight& now) {
     const bool pause = m_world.window->button(ButtonId::Pause)->isVisibleTo(m_world.window.get());
     if (play && pause)
         m_world.fail(QStringLiteral("play and pause are both there"));
-    // A minimised window follows when it is shown again.
+    // A minimised window is laid out when it is shown again.
     if (!play && !pause && !now.fullScreen && !m_last.fullScreen && !m_world.window->isMinimized())
         m_world.fail(QStringLiteral("neither play nor pause is there"));
 }
 
-// Only the user, the end of a clip and a folder that has been read choose another clip.
+// Only the user, the end of a clip and a newly read folder may change the current clip.
 void ViewerWatch::checkChoice(const Sight& now) {
     const bool chosen = now.row != m_last.row || (now.clip && m_last.clip && now.clip != m_last.clip);
     const bool ended = std::exchange(m_played, false) || m_last.playing || m_last.ticks;
@@ -210,7 +210,7 @@ void ViewerWatch::checkOneTime(const Sight& now) {
     const bool neverTicked = !now.playing && now.positionMs < kFirstTickMs;
     if (neverTicked)
         return;
-    // The speed of some time shortly before: of this clip, and of no other.
+    // The speed must be that of a time shortly before, and from this clip's data.
     const QString path = pathOf(now.clip);
     bool fits = false;
     for (qint64 ms = now.positionMs; !fits && ms >= now.positionMs - kSampleMs; ms -= 50)
@@ -226,7 +226,7 @@ void ViewerWatch::checkOneTime(const Sight& now) {
             QStringLiteral("the map is at %1 in clip %2").arg(now.mapPlace).arg(m_world.indexOfClip(path)));
 }
 
-// Paused and left alone.
+// Paused, and the last step changed nothing in the viewer.
 void ViewerWatch::checkStillness(const Sight& now) {
     const bool alone = m_action == QLatin1String("wait") || m_action == QLatin1String("card in or out");
     if (!alone || m_last.playing || m_last.clip != now.clip)

@@ -1,5 +1,5 @@
-// What must hold of the viewer at every moment, and what must hold once it has been left alone for a while.
-// Exceptions that the product makes are named where they are made. Main thread.
+// What must always hold for the viewer, and what must hold once it has been left alone for a while. Intended
+// exceptions are named where they are made. Main thread.
 #pragma once
 
 #include <QPoint>
@@ -22,22 +22,22 @@ class ViewerWatch {
 public:
     explicit ViewerWatch(World& world);
 
-    // Around one move of the pointer.
+    // Call these around each move of the pointer.
     void beforeMove();
     void afterMove(const Hands& hands, QPoint global);
 
-    // Before an action is played. `quietMs`: how long nothing has been done.
+    // Call before an action is played. `navigates`: it may select another clip.
     void before(const char* action, bool navigates);
-    // That action does, after all.
+    // The current action may select another clip after all.
     void mayChoose() { m_navigated = true; }
     void check(int quietMs);
-    // Notes when something that shows has changed by itself; called in every turn of the event loop.
+    // Records when anything visible has changed; called in every iteration of the event loop.
     void observe();
-    // A message is about to be shown.
+    // Call when a message is about to be shown.
     void warned(const QString& text);
 
 private:
-    // What can be seen of the viewer.
+    // The viewer's visible state.
     struct Sight {
         int row = -1;
         int rows = 0;
@@ -54,7 +54,7 @@ private:
         QString mapPlace;
         bool ticks = false;
 
-        // Whether it shows the same thing, at whatever time of the clip.
+        // Whether the same things are visible, at whatever position in the clip.
         bool isLike(const Sight& other) const {
             return row == other.row && rows == other.rows && clip == other.clip && playing == other.playing &&
                    modal == other.modal && fullScreen == other.fullScreen && reading == other.reading;
@@ -77,13 +77,13 @@ private:
     const QTimer* m_ticks;
     Sight m_last;
     Sight m_seen;
-    qint64 m_seenMs = 0;    // since when
+    qint64 m_seenMs = 0;    // when m_seen last changed
     bool m_isQuiet = false; // the viewer had been left alone at the last check
     bool m_navigated = false;
     bool m_played = false; // since the last check
-    // The product's exceptions: full screen changes nothing of what is shown as playing; a stop leaves strip,
-    // speed and map where they were until something plays, steps or seeks. So do the end of the only clip and
-    // a pause ahead of a clip's first tick, both at its beginning.
+    // Intended exceptions: full screen doesn't update what is shown as playing. A stop leaves strip, speed
+    // and map unchanged until something plays, steps or seeks; so do the end of a folder's only clip and a
+    // pause before a clip's first tick, both at its beginning.
     bool m_wasFullScreen = false;
     bool m_stopped = false;
     QString m_action;

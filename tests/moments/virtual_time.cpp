@@ -13,10 +13,10 @@
 
 namespace {
 
-constexpr std::size_t kSignalBytes = 8; // of the kernel's signal set
+constexpr std::size_t kSignalBytes = 8; // size of the kernel's signal set
 constexpr qint64 kNsPerMs = 1000000;
 constexpr qint64 kNsPerSecond = 1000000000;
-// Both clocks begin at a whole second: Qt aligns its coarse timers to fractions of it.
+// Both clocks start at a whole second, because Qt aligns its coarse timers to fractions of one.
 constexpr qint64 kFirstUptimeNs = 100000 * kNsPerSecond;
 constexpr qint64 kFirstDateNs = 1365165000 * kNsPerSecond; // 5 April 2013, 12:30
 
@@ -26,7 +26,7 @@ struct VirtualTime {
     std::multimap<qint64, std::function<void()>> calls; // by due time, ns
     std::function<void()> idle;
 
-    // The next call that is due until then; false if there is none.
+    // Runs the next call due by then; false if there is none.
     bool callNext(qint64 untilNs) {
         const auto next = calls.begin();
         if (next == calls.end() || next->first > untilNs)
@@ -89,7 +89,7 @@ void setIdleHook(std::function<void()> hook) {
 
 } // namespace ql240::moments
 
-// In place of the C library's. Weak references of the sanitizers give way to them too.
+// Replacements of C library functions. The sanitizers' interceptors are weak and give way to them too.
 extern "C" {
 
 __attribute__((visibility("default"))) int clock_gettime(clockid_t id, timespec* time) noexcept {
@@ -114,7 +114,7 @@ __attribute__((visibility("default"))) int ppoll(pollfd* files, nfds_t count, co
         return static_cast<int>(::syscall(SYS_ppoll, files, count, limit, signals, kSignalBytes));
     const timespec atOnce{};
     const auto look = [=] {
-        timespec none = atOnce; // the kernel writes what is left of it
+        timespec none = atOnce; // the kernel modifies it
         return static_cast<int>(::syscall(SYS_ppoll, files, count, &none, signals, kSignalBytes));
     };
     const bool waits = !limit || limit->tv_sec > 0 || limit->tv_nsec > 0;

@@ -1,6 +1,6 @@
-// Time that passes only while the program waits. In a program that links this file, the system's clocks and
-// poll calls are answered here: a wait of ten seconds takes no time, and a run goes the same way whenever it
-// is repeated. Off until start() is called. Main thread; other threads keep the real clocks.
+// Time that passes only while the program waits. In a program that links this file, it replaces the clock and
+// poll functions: a wait of ten seconds takes no time, and a run is reproducible. Off until start() is
+// called. Main thread; other threads keep the real clocks.
 #pragma once
 
 #include <QtGlobal>
@@ -8,22 +8,22 @@
 
 namespace ql240::moments {
 
-// From now on time stands still but for waits and pass().
+// From now on time passes only in waits and in pass().
 void startVirtualTime();
 
-// Milliseconds since the start; the process's real clock before it.
+// Milliseconds since the start; before it, the process's real clock.
 qint64 nowMs();
 
-// Calls `then` when that time has come: while the event loop waits, or within pass().
+// Calls `then` at that time, while the event loop waits or within pass().
 void callAt(qint64 timeMs, std::function<void()> then);
-// Forgets all calls that have not come.
+// Drops all calls that are still waiting.
 void forgetCalls();
 
-// Lets time go on to `untilMs` without the event loop, as a thread that blocks does; returns at once when
-// `isDone` holds, false when it never did.
+// Advances time to `untilMs` without the event loop, like a thread that blocks. Returns true as soon as
+// `isDone` holds, false if it never does.
 bool pass(qint64 untilMs, const std::function<bool()>& isDone);
 
-// Called before each wait of the event loop, when everything that is due has been done.
+// Called before each wait of the event loop, when nothing is due any more.
 void setIdleHook(std::function<void()> hook);
 
 } // namespace ql240::moments

@@ -25,7 +25,7 @@ void write(const QString& path, const QByteArray& bytes) {
         qFatal("cannot make %s", qPrintable(path));
 }
 
-// A dialog that asks nothing: the run accepts or rejects it.
+// A placeholder dialog that the run accepts or rejects.
 bool askUser(QWidget* parent, const QString& title) {
     QDialog box(parent);
     box.setWindowTitle(title);
@@ -67,7 +67,7 @@ World::World(quint32 seed) : jobs([this] { return latencyMs(); }) {
     makeCards();
     fillHost();
     window = std::make_unique<MainWindow>(nullptr, Qt::FramelessWindowHint);
-    m_mainView = window->findChildren<VideoView*>().first(); // made first of the two
+    m_mainView = window->findChildren<VideoView*>().first(); // created before the sub view
     window->setDialogs(std::make_unique<Dialogs>(*this));
     window->move(50, 50);
     window->show();
@@ -139,8 +139,8 @@ void World::makeCamera(const QString& drive, const std::function<int(const Setti
               QByteArray(1, static_cast<char>(valueOf(key))));
 }
 
-// Values that no default is, so that a default on a card came from somewhere else. The last card may be a
-// stranger's, which leads into the home.
+// Writes values that differ from every default, so that a default on a card must have been written by a save.
+// The last card may be hostile and link into the home folder.
 void World::makeCards() {
     const QString home = root.filePath(QStringLiteral("home"));
     makeCamera(home, [](const SettingKey&) { return HostileCard::kSecret; });
@@ -154,7 +154,7 @@ void World::makeCards() {
         if (i + 1 == cards.size() && luck.chance(50)) {
             constexpr Trapped kParts[] = {Trapped::SettingFolder, Trapped::UpdateFolder, Trapped::Files,
                                           Trapped::FilesAside};
-            const int smallTraps = static_cast<int>(traps().size()) - 1; // the last one is a giant
+            const int smallTraps = static_cast<int>(traps().size()) - 1; // the last trap is a giant file
             setTrap(traps()[static_cast<std::size_t>(luck.below(smallTraps))], luck.oneOf(kParts), card.drive,
                     home);
         }

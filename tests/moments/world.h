@@ -1,5 +1,5 @@
-// One run's world: cards in a reader, folders of clips, a desktop that answers when it likes, and the
-// viewer's real window among them. All luck comes from the run's seed. Main thread; owned by the run.
+// One run's world: cards in a reader, folders of clips, a desktop that answers at random times, and the
+// viewer's real window among them. All randomness comes from the run's seed. Main thread; owned by the run.
 #pragma once
 
 #include <QTemporaryDir>
@@ -28,7 +28,7 @@ struct SettingKey;
 
 namespace ql240::moments {
 
-// How fast whatever is asked off the interface thread answers.
+// How fast everything answers that is asked off the interface thread.
 enum class Reader { Healthy, Slow, Dead };
 
 struct CardSlot {
@@ -44,7 +44,7 @@ public:
     ~World() override;
     Q_DISABLE_COPY_MOVE(World)
 
-    // The first thing found wrong; what comes later may follow from it.
+    // Records the first fault; later ones may be its consequences.
     void fail(const QString& what);
     const QString& failure() const { return m_failure; }
 
@@ -61,19 +61,19 @@ public:
     // --- What is there ---
     int indexOfClip(const QString& path) const;
     bool opens(const QString& path) const;
-    // A value that only this clip's sensor data has at this time, as a speed.
+    // A value that only this clip's sensor data has as the speed at this time.
     int speedAt(const QString& path, qint64 ms) const;
     const Player* player() const { return m_mainView->player(); }
-    // Whether the map's page shows what it was last sent.
+    // Whether the map shows its page.
     bool mapIsLoaded() const { return pages.view && pages.view->isVisible(); }
-    // The longest wait for a job since the last call of this.
+    // The longest wait for a job since the last call.
     qint64 longestWaitMs() { return jobs.takeLongestWaitMs(); }
     QRect pictureRect() const { return media.windows[0].rect; }
 
     QTemporaryDir root;
     Luck luck;
     Reader reader = Reader::Healthy;
-    std::vector<QString> folders; // with clips, one clip, none, gone
+    std::vector<QString> folders; // with clips, with one clip, empty, missing
     std::vector<QString> clips;   // paths, by index
     std::set<QString> broken;
     std::array<CardSlot, 3> cards;

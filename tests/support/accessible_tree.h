@@ -1,4 +1,4 @@
-// Walks what assistive technology sees of a window.
+// Walks the tree that a window presents to assistive technology.
 #pragma once
 
 #include <QAccessible>
@@ -10,12 +10,12 @@ namespace ql240 {
 
 struct AccessibleTree {
     QHash<QString, QAccessibleInterface*> byName;
-    QStringList nameless; // roles of parts that a user meets and that say nothing
+    QStringList nameless; // roles of interactive parts without a name
 
     explicit AccessibleTree(QObject* window) { walk(QAccessible::queryAccessibleInterface(window)); }
 
 private:
-    // Parts of lists and fields which speak through the whole.
+    // Parts of lists and fields that are described by their parent.
     static bool speaksThroughParent(QAccessible::Role role) {
         static const QSet<int> roles{QAccessible::ScrollBar, QAccessible::Client,     QAccessible::Grip,
                                      QAccessible::Indicator, QAccessible::Whitespace, QAccessible::PopupMenu};

@@ -1,4 +1,4 @@
-// The processes that this one has started, and theirs.
+// This process's child processes and their descendants.
 #pragma once
 
 #include <QCoreApplication>
@@ -8,7 +8,7 @@
 
 namespace ql240 {
 
-// Process numbers, children before their own.
+// Process ids; a process's children come before it.
 inline QList<qint64> childProcesses() {
     QMultiMap<qint64, qint64> children;
     QDirIterator entries(QStringLiteral("/proc"), QDir::Dirs);

@@ -59,7 +59,7 @@ int below(Random& random, qsizetype bound) {
     return bound > 0 ? int(random() % quint32(bound)) : 0;
 }
 
-// Every other time one of the few parts that say how the clip is built.
+// Half of the time, one of the few structural parts.
 const ClipPart& anyPart(const QList<ClipPart>& parts, Random& random) {
     const bool structure = random() % 2;
     for (;;) {
@@ -76,7 +76,7 @@ qsizetype anyPlace(const QByteArray& clip, const QList<ClipPart>& parts, Random&
     return part.at + below(random, std::min<qsizetype>(part.size, 200));
 }
 
-// The file from its first byte to its last, and every other time somewhere in a part's beginning.
+// Cuts spread over the whole file; half of them within a part's head instead.
 QByteArray cut(const QByteArray& clip, const QList<ClipPart>& parts, Random& random, int number, int count) {
     const qsizetype slice = clip.size() / std::max(1, count);
     const qsizetype spread = slice * number + below(random, slice);
@@ -89,7 +89,7 @@ QByteArray flip(QByteArray clip, const QList<ClipPart>& parts, Random& random) {
     return clip;
 }
 
-// Every other time the parents' lengths follow, so that only this part is missing.
+// Half of the time the parents' lengths are adjusted, so that only this part is missing.
 QByteArray drop(QByteArray clip, const QList<ClipPart>& parts, Random& random) {
     const ClipPart& part = anyPart(parts, random);
     if (random() % 2)
@@ -137,7 +137,7 @@ QList<ClipPart> partsOf(const QByteArray& clip) {
     return parts;
 }
 
-// Sizes, counts and dimensions all stand at fours, or side by side in one.
+// Sizes, counts and dimensions are all at multiples of four bytes, or share four bytes.
 QList<ClipField> fieldsOf(const QByteArray& clip) {
     constexpr qsizetype kHead = 112; // down to the end of a picture's description
     const QList<ClipPart> parts = partsOf(clip);

@@ -1,5 +1,5 @@
-// Damages clips in ways that tell: cuts them, flips bytes, and drops, swaps and mismeasures the boxes of an
-// MP4 file or the chunks of an AVI file. The same clip, damage and number always give the same bytes.
+// Damages clips systematically: cuts them, flips bytes, and drops, swaps and mismeasures the boxes of an MP4
+// file or the chunks of an AVI file. The same clip, damage and number always give the same bytes.
 #pragma once
 
 #include <QByteArray>
@@ -13,7 +13,8 @@ inline constexpr std::array kDamages{Damage::Cut, Damage::Flip, Damage::Drop, Da
 
 const char* damageName(Damage damage);
 
-// A box or chunk: its place in the file, header included, and that of its length field (4 bytes).
+// A box or chunk: its offset and size in the file, header included, and the offset of its length field (4
+// bytes).
 struct ClipPart {
     qsizetype at = 0;
     qsizetype size = 0;
@@ -25,18 +26,19 @@ struct ClipPart {
 // All parts, parents before their children.
 QList<ClipPart> partsOf(const QByteArray& clip);
 
-// An MP4 clip with its index (32-bit offsets) ahead of the media, as cameras write it that keep room for it.
+// An MP4 clip with its index (32-bit offsets) before the media, as written by cameras that reserve space for
+// it.
 QByteArray withIndexFirst(const QByteArray& clip);
 
-// `clip` with damage `number` of `count` of its kind: cuts are spread over the file, everything else is drawn
-// by lot.
+// `clip` with damage `number` of `count` of its kind: cuts are spread over the file, everything else is
+// random.
 QByteArray damaged(const QByteArray& clip, Damage damage, int number, int count);
 
-// A field of 4 bytes in the head of a part that says how the clip is built.
+// A field of 4 bytes in the head of a structural part.
 struct ClipField {
     QByteArray part; // its name
     qsizetype at = 0;
-    bool isLength = false; // of the part itself
+    bool isLength = false; // the part's own length
 };
 QList<ClipField> fieldsOf(const QByteArray& clip);
 

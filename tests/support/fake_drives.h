@@ -1,4 +1,4 @@
-// Removable drives as a test wants them; `before` runs on the asking thread before each answer.
+// Removable drives set by the test; `before` runs on the calling thread before each answer.
 #pragma once
 
 #include <functional>

@@ -23,7 +23,7 @@ struct Class {
     Guid id;
     const char* name;
     std::vector<std::u16string> inputs;
-    std::vector<std::u16string> outputs; // the splitters' are the clip's
+    std::vector<std::u16string> outputs; // a splitter's come from the clip
 };
 
 namespace {
@@ -50,7 +50,7 @@ const Class kClasses[] = {
 
 class FakeFilter;
 
-// Counted with its filter.
+// Reference-counted together with its filter.
 class FakePin final : public IPin {
 public:
     FakePin(FakeFilter& owner, std::u16string pinName, PinDirection pinDirection)
@@ -88,7 +88,7 @@ public:
         for (const auto& pinName : names)
             pins.push_back(std::make_unique<FakePin>(*this, pinName, direction));
     }
-    // A splitter shows its streams when its input is joined.
+    // A splitter exposes its streams when its input is connected.
     void inputJoined() {
         if (kind == Kind::AviSplitter)
             addPins(m_media.clip.aviPins, PinDirection::Output);

@@ -1,4 +1,4 @@
-// The filters of the fake media pipeline and their pins. What they know is kept in FakeMedia.
+// The filters of the fake media pipeline and their pins. Their state is kept in FakeMedia.
 #pragma once
 
 #include <QString>
@@ -8,7 +8,7 @@
 
 namespace ql240::fake {
 
-// Counts itself among the platform's live objects.
+// Counted among the platform's live objects.
 struct Counted {
     explicit Counted(FakeMedia& owner) : media(owner) { ++media.liveObjects; }
     ~Counted() { --media.liveObjects; }
@@ -18,14 +18,14 @@ struct Counted {
 
 struct Class;
 
-// Null for a class that isn't known, the graph's included.
+// Null for unknown classes and for the graph.
 const Class* findClass(const Guid& id);
 QString className(const Class& known);
-// `streams` counts the grabbers and renderers made so far.
+// `streams` counts the grabbers and renderers created so far.
 ComPtr<IBaseFilter> makeFilter(FakeMedia& media, const Class& known, std::array<int, 2>& streams);
 
 void nameFilter(IBaseFilter& filter, const QString& name);
-// "Filter:Pin", "nothing" for none.
+// "Filter:Pin", or "nothing" for null.
 QString pinText(IPin* pin);
 bool canJoin(IPin* output, IPin* input);
 void join(IPin& output, IPin& input);

@@ -1,4 +1,4 @@
-// A folder dialog whose user has decided already.
+// A folder dialog whose user has already decided.
 #pragma once
 
 #include "platform/folder_dialogs.h"

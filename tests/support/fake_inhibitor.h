@@ -1,4 +1,4 @@
-// A desktop that counts who keeps it awake.
+// A desktop that counts its inhibitions.
 #pragma once
 
 #include "platform/inhibitor.h"

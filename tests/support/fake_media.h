@@ -1,6 +1,6 @@
-// A media pipeline that plays nothing: it notes every call in order, answers as it is told, and shows what
-// the program has made of it. One clip at a time; what is known of it can still be looked at when it is
-// closed. Interface thread, but for deliver().
+// A media pipeline that plays nothing: it logs every call in order, returns preset results, and exposes the
+// state that the program has set. One clip at a time; its state can still be inspected after it was closed.
+// Interface thread, except deliver().
 #pragma once
 
 #include <QRect>
@@ -29,7 +29,8 @@ struct FakeClip {
     static FakeClip twoStreams() { return {.mp4Pins = {u"vide", u"vide", u"soun"}}; }
 };
 
-// The clip as the graph plays it. Tests move the position, the program's calls the rest. Units of 100 ns.
+// The clip as the graph plays it. Tests set the position, the program's calls everything else. Units of 100
+// ns.
 struct FakeTransport {
     GraphState state = GraphState::Stopped;
     std::int64_t position = 0;
@@ -58,20 +59,20 @@ public:
     FakeClip clip;
 
     // The calls in order, such as "add AVI Splitter", "join AVI Splitter:Stream 00 > ffdshow Video
-    // Decoder:In", "run", "seek 10000", "window 0 visible 1". Filters that were added under the same name are
-    // told apart by " 2". Calls that only ask are not noted.
+    // Decoder:In", "run", "seek 10000", "window 0 visible 1". A second filter with the same name gets the
+    // suffix " 2". Queries are not logged.
     QStringList log;
     QStringList takeLog() { return std::exchange(log, {}); }
 
-    // What calls answer in place of success: by the beginning of their text in the log; calls that only ask
-    // are "size 0", "graph size", "type 0", "buffer 0", "fetch 0", "positions", "position", "duration",
-    // "state" and "pins". A failed call changes nothing.
+    // Results of calls in place of success, by the beginning of their log text; queries are "size 0", "graph
+    // size", "type 0", "buffer 0", "fetch 0", "positions", "position", "duration", "state" and "pins". A
+    // failed call changes nothing.
     std::map<QString, Status> answers;
-    // The answer of one noted call, counted from 0 since the last clearing of the log.
+    // The index of one logged call, counted from 0 since the log was last cleared, and its result.
     int answerAt = -1;
     Status answer = kStatusFail;
 
-    // Of the clip open now, or of the last one.
+    // Of the open clip, or of the last one.
     QStringList filters; // the names in the graph
     FakeTransport transport;
     std::array<FakeWindow, 2> windows;
@@ -80,11 +81,11 @@ public:
     std::int64_t positionMs() const { return transport.position / 10000; }
     void setPositionMs(std::int64_t ms) { transport.position = ms * 10000; }
     void playToEnd() { transport.position = transport.duration; }
-    // A decoded YUY2 frame of a stream passes its grabber, which keeps it; returns what goes on to the
-    // renderer. Any thread.
+    // Passes a decoded YUY2 frame of a stream through its grabber, which keeps it; returns what goes on to
+    // the renderer. Any thread.
     std::vector<std::uint8_t> deliver(int stream, std::vector<std::uint8_t> frame, double time = 0);
 
-    // Graphs, filters and enumerators that somebody still holds.
+    // Graphs, filters and enumerators that are still referenced.
     int liveObjects = 0;
     int warmUps = 0;
 
@@ -93,7 +94,7 @@ public:
     void warmUp() override { ++warmUps; }
     void setOutputVolume(std::uint16_t left, std::uint16_t right) override;
 
-    // For the objects of the graph.
+    // Called by the objects of the graph.
     Status call(const QString& text, Status usual = kStatusOk);
     Status query(const QString& text, Status usual = kStatusOk) const;
 

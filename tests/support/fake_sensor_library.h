@@ -1,4 +1,4 @@
-// A sensor library that answers from a function of the time, up to `lastMs`, and notes what it was asked.
+// A sensor library that answers from a function of time, up to `lastMs`, and logs its calls.
 #pragma once
 
 #include <QByteArray>

@@ -1,4 +1,4 @@
-// A sound output that only notes the volumes it gets.
+// A sound output that only records the volumes it gets.
 #pragma once
 
 #include <vector>
@@ -11,7 +11,7 @@ struct FakeWaveOut : WaveOut {
     std::uint32_t volume = 0xFFFFFFFF;
     bool works = true;
     std::vector<std::uint32_t> sent;
-    std::vector<std::uint32_t> devices; // that were asked or told
+    std::vector<std::uint32_t> devices; // device of each call
 
     std::uint32_t waveOutGetVolume(std::uint32_t device, std::uint32_t* present) override {
         devices.push_back(device);

@@ -1,4 +1,4 @@
-// Web pages that keep what they are given and answer only when the test says so.
+// Web pages that record what they are given and answer only when the test says so.
 #pragma once
 
 #include <QPointer>
@@ -10,14 +10,14 @@
 namespace ql240 {
 
 struct FakeWebPages : WebPages {
-    // Of the page made last.
+    // Of the page created last.
     WebPageEvents events;
     QPointer<QWidget> view;
     QStringList texts;
     QStringList scripts;
     int stops = 0;
     int made = 0;
-    bool missing = false; // no page can be made
+    bool missing = false; // no page can be created
 
     struct Page : WebPage {
         explicit Page(FakeWebPages& pages, QWidget* parent) : owner(pages), own(new QWidget(parent)) {

@@ -1,4 +1,4 @@
-// The user of the main window, answered for by the test.
+// The main window's dialogs, answered by the test.
 #pragma once
 
 #include <QStringList>
@@ -17,14 +17,14 @@ struct FakeUrlOpener : UrlOpener {
     }
 };
 
-// What the window asked, and what it is answered.
+// What the window asked, and the answers it gets.
 struct Answers {
     QStringList warnings; // "title: text"
     QString openFile;
     QString saveFile;
     QStringList asked; // captions, proposed names and filters of the file dialogs
     std::function<bool(QPrinter&)> print = [](QPrinter&) { return false; };
-    std::function<void()> meanwhile = [] {}; // runs within every question but the printer's
+    std::function<void()> meanwhile = [] {}; // runs within every dialog except the printer's
 };
 
 struct FakeWindowDialogs : WindowDialogs {

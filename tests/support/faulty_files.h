@@ -1,4 +1,4 @@
-// The card's file operations with one fault to come: counts every operation and lets the chosen one go wrong.
+// The card's file operations with one fault: counts every operation and makes the chosen one fail.
 #pragma once
 
 #include <csignal>
@@ -13,7 +13,7 @@ enum class Fault { None, FailOne, FailFromThere, Kill };
 
 class FaultyFiles : public CardFiles {
 public:
-    // The operation number `at`, counted from 0 and from now on, goes wrong.
+    // Operation number `at`, counted from 0 and from now on, fails.
     void arm(Fault fault, int at) {
         m_fault = fault;
         m_at = at;
@@ -35,8 +35,8 @@ public:
     }
     off_t size(int file) override { return fails() ? -1 : CardFiles::size(file); }
     int cut(int file, off_t size) override { return fails() ? -1 : CardFiles::cut(file, size); }
-    // Only counted: what a disk keeps after a power cut isn't tried here, and waiting for it costs the tests
-    // seconds.
+    // Only counted: real syncing would cost the tests seconds, and the disk's contents after a power cut
+    // aren't tested.
     int sync(int) override { return fails() ? -1 : 0; }
     int rename(int folder, const QByteArray& from, const QByteArray& to) override {
         return fails() ? -1 : CardFiles::rename(folder, from, to);

@@ -20,7 +20,7 @@ constexpr int kGreyBottom = 15;
 
 using Luma = std::function<int(int x, int y)>;
 
-// No power of two is a multiple of 31, so that one cell read wrongly never passes.
+// No power of two is a multiple of 31, so a single misread cell never passes.
 unsigned checkBits(unsigned payload) {
     return payload % 31;
 }
@@ -34,7 +34,7 @@ uchar coded(int level, bool fullRange) {
     return uchar(fullRange ? level : 16 + (level * 219 + 127) / 255);
 }
 
-// A slope that moves with the frame number, so that neighbouring frames differ everywhere.
+// A gradient that moves with the frame number, so that neighbouring frames differ everywhere.
 int backgroundLevel(int x, int y, int width, int number) {
     return 60 + ((x * 128 / width + y / 4 + number * 4) & 127);
 }
@@ -47,7 +47,7 @@ int mean(const Luma& luma, QRect area) {
     return int(sum / std::max<qint64>(1, qint64(area.width()) * area.height()));
 }
 
-// The middle half of cell index of count cells in the strip between two sixteenths.
+// The middle half of cell `index` of `count` in the strip between `top` and `bottom`.
 QRect core(int index, int count, int top, int bottom, QSize size) {
     const int left = (size.width() * (index * 4 + 1)) / (count * 4);
     const int right = (size.width() * (index * 4 + 3)) / (count * 4);

@@ -1,9 +1,9 @@
 #pragma once
 
-// The bar code that test clips carry in every frame: a strip of black and white cells across the whole width
-// with the frame's number and its video stream, and below it five grey patches of known brightness. It
-// survives compression, conversion and scaling down to about 120 pixels of width, and any picture adjustment
-// that keeps white brighter than black.
+// The bar code in every frame of the test clips: a strip of black and white cells across the whole width with
+// the frame number and the video stream, and below it five grey patches of known brightness. It survives
+// compression, conversion, scaling down to a width of about 120 pixels, and any picture adjustment that keeps
+// white brighter than black.
 
 #include <QtGui/QImage>
 #include <array>
@@ -18,17 +18,17 @@ struct FrameMark {
     bool operator==(const FrameMark&) const = default;
 };
 
-// The grey patches, left to right, as RGB levels whatever range the clip's samples have.
+// The grey patches from left to right, as RGB levels, whatever the clip's sample range.
 inline constexpr std::array<int, 5> kGreyLevels{0, 64, 128, 192, 255};
 
-// Paints the luma of a frame into width × height bytes; fullRange says how the levels are coded.
+// Paints a frame's luma into width × height bytes; fullRange selects the coding of the levels.
 void paintFrameLuma(std::span<uchar> luma, int width, int height, FrameMark mark, bool fullRange);
 
-// Nothing where the strip's markers or its check bits don't fit.
+// Nothing if the strip's markers or check bits don't match.
 std::optional<FrameMark> readFrameMark(const QImage& frame);
 std::optional<FrameMark> readFrameMark(const uchar* yuy2, int width, int height);
 
-// The number alone; a picture without a readable code is -1 or nothing.
+// Only the number; -1 or nothing without a readable code.
 int readFrameNumber(const QImage& frame);
 std::optional<int> readFrameNumber(const uchar* yuy2, int width, int height);
 

@@ -1,6 +1,6 @@
-// Compares a painted picture with the one kept under tests/golden. Fonts and frames may be drawn a little
-// otherwise from version to version; the smallest button a pixel aside, 8 pixels, is too much. A failure
-// saves the picture painted, the one kept and their difference to the build folder and names the place.
+// Compares a painted picture with the reference under tests/golden. Fonts and frames may differ slightly
+// between versions; the smallest button moved by one pixel, 8 pixels in all, must fail. A failure saves the
+// actual picture, the reference and their difference to the build folder and prints the path.
 #pragma once
 
 #include <QDir>
@@ -27,7 +27,7 @@ inline int differingPixels(const QImage& a, const QImage& b) {
     return count;
 }
 
-// Black where both are alike.
+// Black where both are equal.
 inline QImage differenceOf(const QImage& a, const QImage& b) {
     QImage difference = a;
     QPainter painter(&difference);
@@ -36,7 +36,7 @@ inline QImage differenceOf(const QImage& a, const QImage& b) {
     return difference;
 }
 
-// QVERIFY2(matchesGolden(…), goldenReport(…)). With QL240_UPDATE_GOLDEN set the kept picture is written anew
+// Use as QVERIFY2(matchesGolden(…), goldenReport(…)). With QL240_UPDATE_GOLDEN set, writes the reference
 // instead.
 inline bool matchesGolden(const QImage& painted, const QString& name, QByteArray& report) {
     const QString kept = QStringLiteral(QL240_GOLDEN_FOLDER "/%1.png").arg(name);

@@ -1,4 +1,4 @@
-// Background jobs that end when the test says so; nobody waits for them. Main thread.
+// Background jobs that end when the test says so; waiting for them returns at once. Main thread.
 #pragma once
 
 #include <QCoreApplication>

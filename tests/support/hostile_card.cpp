@@ -111,7 +111,7 @@ bool setTrap(const Trap& trap, Trapped part, const QString& cardDrive, const QSt
     const QString card = cardDrive + QLatin1Char('/');
     const QString home = homeFolder + QLatin1Char('/');
     const QStringList places = placesOf(part);
-    // Where the files aside are needed, those that they become aren't there.
+    // For traps at the temporary names, remove the files that those would replace.
     for (const QString& name : part == Trapped::FilesAside ? settingFiles(QStringLiteral("dat")) : places) {
         QFile::remove(card + name);
         QDir(card + name).removeRecursively();

@@ -1,5 +1,5 @@
-// A card that leads whoever reads or writes it astray, and beside it what it leads to: a decoy of the user's
-// home, laid out like a card, whose every word is one that no card here has.
+// A hostile card, and beside it the target of its links: a decoy of the user's home folder, laid out like a
+// card, with contents that no card here has.
 #pragma once
 
 #include <QByteArray>
@@ -10,18 +10,18 @@
 
 namespace ql240 {
 
-// What lies in a file's or a folder's stead. `set` gets the place on the card and the same place in the home;
-// it is false where the machine doesn't allow it.
+// What takes the place of a file or folder. `set` gets the path on the card and the same path in the home;
+// false if the machine doesn't allow it.
 struct Trap {
     const char* name;
     bool (*set)(const QByteArray& place, const QByteArray& atHome);
 };
 const std::vector<Trap>& traps();
 
-// Which part of the card is trapped; the rest is an ordinary camera's.
+// Which part of the card is trapped; the rest is an ordinary camera's card.
 enum class Trapped { SettingFolder, UpdateFolder, ImageFolder, Files, FilesAside };
 
-// False where the machine doesn't allow it.
+// False if the machine doesn't allow it.
 bool setTrap(const Trap& trap, Trapped part, const QString& cardDrive, const QString& homeFolder);
 
 struct HostileCard {
@@ -29,7 +29,7 @@ struct HostileCard {
 
     HostileCard();
     bool set(const Trap& trap, Trapped part) { return setTrap(trap, part, card.drive(), home.drive()); }
-    // Every entry of the home: name, kind, size, times, and what it holds.
+    // Every entry in the home: name, kind, size, times and contents.
     QByteArray homeListing() const;
 
     MadeCard card;

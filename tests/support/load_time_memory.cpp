@@ -1,7 +1,6 @@
-// Keeps the leak check from counting what libraries take while they are loaded: GLib lets go of the table of
-// names (16 KiB) that it made then as soon as a larger one is needed, and says in its source that it means
-// to. By a list of suppressions this can't be told from everything else that GLib allocates. Linked into the
-// tests of the asan preset only, whose own memory is all checked.
+// Excludes from the leak check what libraries allocate while they are loaded: GLib deliberately leaks its
+// first name table (16 KiB) when it grows. A suppression couldn't tell it from GLib's other allocations.
+// Linked only into the tests of the asan preset; the program's own memory is all checked.
 extern "C" void __lsan_disable();
 extern "C" void __lsan_enable();
 
@@ -11,7 +10,7 @@ void beforeLibraries() {
     __lsan_disable();
 }
 
-// Ahead of everything of the program's own.
+// Runs before all of the program's own constructors.
 __attribute__((constructor(101))) void afterLibraries() {
     __lsan_enable();
 }

@@ -1,4 +1,4 @@
-// A card in a temporary folder: files put in and taken out as bytes.
+// A card in a temporary folder, with files written and read as bytes.
 #pragma once
 
 #include <QDir>

@@ -1,4 +1,4 @@
-// Lets a test answer a modal window that the code under test is about to open.
+// Lets a test respond to a modal window that the code under test is about to open.
 #pragma once
 
 #include <QApplication>
@@ -9,8 +9,8 @@
 
 namespace ql240 {
 
-// Calls `answer` once a modal window is shown. `seen()` tells whether it came to that; a window that `answer`
-// leaves open is closed.
+// Calls `answer` once a modal window is shown; `seen()` says whether one was. If `answer` leaves the window
+// open, it is closed.
 class ModalAnswer {
 public:
     explicit ModalAnswer(std::function<void(QWidget*)> answer) : m_answer(std::move(answer)) {

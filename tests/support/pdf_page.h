@@ -1,4 +1,4 @@
-// What was printed to a PDF file: where its images lie on the page, and their pixels.
+// What was printed to a PDF file: its images' positions on the page, and their pixels.
 #pragma once
 
 #include <QByteArray>
@@ -9,7 +9,7 @@
 
 namespace ql240 {
 
-// The contents of the file's streams, as they stand there.
+// The contents of the file's streams, in file order.
 inline QList<QByteArray> pdfStreams(const QString& path) {
     QFile file(path);
     if (!file.open(QFile::ReadOnly))

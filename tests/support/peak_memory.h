@@ -1,4 +1,4 @@
-// How much memory the process had at most since the last restart of the count.
+// The peak of the process's memory since the count was last reset.
 #pragma once
 
 #include <QFile>
@@ -8,12 +8,12 @@ namespace ql240 {
 class PeakMemory {
 public:
     PeakMemory() : m_before(restart()) {}
-    // Beyond what there was at first.
+    // Growth over the memory at the start.
     qint64 grownMiB() const { return (statusKiB("VmHWM:") - m_before) / 1024 - kKeptBackMiB; }
 
 private:
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    static constexpr qint64 kKeptBackMiB = 512; // of what was freed, and beside what is in use
+    static constexpr qint64 kKeptBackMiB = 512; // freed memory that the sanitizer keeps, and its overhead
 #else
     static constexpr qint64 kKeptBackMiB = 0;
 #endif

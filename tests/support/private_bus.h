@@ -1,5 +1,5 @@
-// A D-Bus bus of the test's own, and on it the drives service that stands in for UDisks2. Setting the system
-// bus's address is left to the test. Everything ends with the object.
+// A private D-Bus bus with the drives service that replaces UDisks2. The test sets the system bus address
+// itself. Bus and service end with the object.
 #pragma once
 
 #include <QProcess>
@@ -15,15 +15,15 @@ public:
     ~PrivateBus();
     Q_DISABLE_COPY_MOVE(PrivateBus)
 
-    // False if the bus daemon isn't installed or didn't come up.
+    // False if the bus daemon isn't installed or didn't start.
     bool start();
     void stop();
     QString address() const;
 
-    // Stops the whole bus in its tracks, or lets it go on: it accepts connections and answers nothing.
+    // Stops or continues the bus: while stopped it accepts connections and answers nothing.
     void freeze(bool frozen);
 
-    // Starts the drives service with the given arguments and waits until it has its name.
+    // Starts the drives service with these arguments and waits until it owns its name.
     bool startDrives(const QStringList& arguments);
     void stopDrives();
 

@@ -1,7 +1,7 @@
 #!/bin/sh
-# run_on_desktop.sh x11|wayland|seat PROGRAM: runs a test program inside a desktop of its own: an X server with a window
-# manager, a Wayland compositor without a display, or one in an X server, where xdotool moves its pointer. Exit code 77
-# where the desktop's programs are not installed.
+# run_on_desktop.sh x11|wayland|seat PROGRAM: runs a test program on a desktop of its own: an X server with a window
+# manager, a headless Wayland compositor, or one inside an X server, where xdotool moves its pointer. Exit code 77 if
+# the desktop's programs are not installed.
 set -eu
 desktop=$1
 shift
@@ -61,7 +61,7 @@ else
     await '[ -S "$state/wayland-ql240" ]'
     export QL240_TEST_WAYLAND_DISPLAY="$state/wayland-ql240" QT_QPA_PLATFORM=wayland
 fi
-# What the desktop's libraries (D-Bus, Wayland, input methods) keep to the end isn't ours, and their plugins are gone when
-# it would be named. The same programs are checked for leaks without a desktop.
+# Desktop libraries (D-Bus, Wayland, input methods) keep memory to the end, and their plugins are unloaded before the
+# leaks could be attributed to them. The same programs are checked for leaks without a desktop.
 export ASAN_OPTIONS="${ASAN_OPTIONS:-}:detect_leaks=0"
 "$here/run_test.sh" "$@"

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Runs one test program with locale, time zone, platform and home folders fixed, so that neither the machine's
-# settings nor another test can change its result.
+# Runs one test program with fixed locale, time zone, platform and home folders, so that neither the machine's
+# settings nor another test affect its result.
 set -eu
 home=$(mktemp -d "${TMPDIR:-/tmp}/ql240-test.XXXXXX")
 trap 'rm -rf "$home"' EXIT
@@ -9,10 +9,10 @@ export HOME="$home" XDG_CONFIG_HOME="$home/config" XDG_CACHE_HOME="$home/cache"
 export XDG_DATA_HOME="$home/data" XDG_RUNTIME_DIR="$home/runtime"
 export LC_ALL=C.UTF-8 TZ=UTC QT_QPA_PLATFORM="${QT_QPA_PLATFORM:-offscreen}"
 export QT_SCALE_FACTOR="${QT_SCALE_FACTOR:-1}" QT_FONT_DPI=96
-# The plugin registry takes half a second to make: one for all tests of a build.
+# Creating GStreamer's plugin registry takes half a second: all tests of a build share one.
 export GST_REGISTRY="$(dirname "$1")/gst-registry.bin"
 unset DBUS_SESSION_BUS_ADDRESS DISPLAY WAYLAND_DISPLAY || true
-# Only a desktop started for the test (run_on_desktop.sh) is let in.
+# Only a desktop started for the test (run_on_desktop.sh) is used.
 [ -z "${QL240_TEST_DISPLAY:-}" ] || export DISPLAY="$QL240_TEST_DISPLAY"
 [ -z "${QL240_TEST_WAYLAND_DISPLAY:-}" ] || export WAYLAND_DISPLAY="$QL240_TEST_WAYLAND_DISPLAY"
 "$@"

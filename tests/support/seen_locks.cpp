@@ -1,6 +1,6 @@
-// Shows GLib's locks to the thread sanitizer: they are made of futexes, which it doesn't know, so whatever
-// GStreamer hands from thread to thread under them looked like a race. Linked into the tests of the tsan
-// preset only, in front of GLib's own functions, which still do the locking.
+// Tells the thread sanitizer about GLib's locks. They use futexes, which it doesn't know, so data that
+// GStreamer passes between threads under them would be reported as races. Linked only into the tests of the
+// tsan preset, in front of GLib's own functions, which still do the locking.
 #include <dlfcn.h>
 #include <glib.h>
 #include <sanitizer/tsan_interface.h>

@@ -33,7 +33,7 @@ QByteArray sizeTable(const Track& track) {
                                 : fullBox("stz2", bigEndian(track.sizeBits, 4) + count + sizes);
 }
 
-// The chunks of a track whose first byte lies at `offset`, with a byte of nothing after each.
+// The chunks of a track that starts at `offset`, each followed by a padding byte.
 struct Chunks {
     QByteArray bytes;
     QByteArray offsets;

@@ -1,5 +1,5 @@
-// Makes clips that carry sensor data, byte by byte, in every format that the viewer reads. For tests and
-// benchmarks only, and written without a look at the readers.
+// Makes clips with sensor data, byte by byte, in every format that the viewer reads. For tests and benchmarks
+// only; written independently of the readers.
 #pragma once
 
 #include <QByteArray>
@@ -21,16 +21,16 @@ struct Track {
     QByteArray format = "camm";
     quint32 timescale = 1000;
     QList<QByteArray> samples;
-    QList<quint32> durations; // ticks, one a sample; the last one counts for those behind it
+    QList<quint32> durations; // ticks, one per sample; the last applies to all further ones
     int samplesPerChunk = 1;
     bool wideOffsets = false;
-    int sizeBits = 32;      // 8 and 16 make the compact table
+    int sizeBits = 32;      // 8 and 16 use the compact table
     quint32 emptyEdit = 0;  // ms
-    qint32 mediaStart = -1; // ticks; negative is no such edit
+    qint32 mediaStart = -1; // ticks; negative: no such edit
 };
 
-// An MP4 file: start, picture data, samples, the movie's boxes and whatever is added. Large picture data are
-// left out between `before` and `after`.
+// An MP4 file: start, picture data, samples, the movie's boxes and anything added. Large picture data is not
+// stored but belongs between `before` and `after`.
 struct Mp4 {
     QByteArray before;
     qint64 picture;
@@ -47,9 +47,9 @@ QByteArray mp4(const QList<Track>& tracks, const QByteArray& movieExtras = {},
 QByteArray motionAcceleration(float x, float y, float z);
 QByteArray motionPlace(double latitude, double longitude);
 QByteArray motionFix(int fix, double latitude, double longitude, float east, float north);
-QByteArray motionTurn(); // a turning rate, nothing the viewer shows
+QByteArray motionTurn(); // a turning rate, which the viewer doesn't show
 
-// A block of the "gps " index, and the file with its index. Clock: h, m, s, y, m, d.
+// A block of the "gps " index, and a file with such an index. Clock: h, m, s, y, m, d.
 QByteArray gpsBlock(const QList<int>& clock, const QByteArray& letters, float latitude, float longitude,
                     float knots, qsizetype before = 40);
 QByteArray gpsIndexClip(const QList<QByteArray>& blocks);
@@ -63,7 +63,7 @@ QByteArray accelerationLog(const QList<QList<int>>& records); // "3gf ", with it
 QByteArray gps0Record(double latitude, double longitude, int kmh, const QList<int>& clock);
 QByteArray avi(const QByteArray& chunks);
 
-// One short clip in each format, a few seconds of a drive with everything in it that the format can say.
+// One short clip in each format: a few seconds of a drive with everything that the format can store.
 struct NamedClip {
     QByteArray name;
     QByteArray bytes;

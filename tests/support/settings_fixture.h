@@ -1,5 +1,5 @@
-// What the tests of the settings windows share: drives that are made cards, preferences in a folder of the
-// test's own, the program's look.
+// Shared by the tests of the settings windows: drives made from temporary cards, preferences in a temporary
+// folder, the program's style.
 #pragma once
 
 #include <QApplication>
@@ -40,13 +40,13 @@ public:
 
     void takeOut() { m_drives.drives.clear(); }
 
-    // From now on the drives are told only once `answer` was called, a call for each question.
+    // From now on the list of drives is returned only after `answer` was called, once per query.
     void holdDrives() {
         m_drives.before = [answers = m_answers] { answers->acquire(); };
     }
     void answer() { m_answers->release(); }
 
-    // The card of a camera, in the reader.
+    // A camera's card in the reader.
     const MadeCard& camera(const QByteArray& version = "QL240 1.02 1.00") {
         makeCamera(m_card, version);
         insert(m_card);
@@ -74,7 +74,7 @@ inline bool waitForCard(const ConfigWindow& window) {
     return QTest::qWaitFor([&] { return !window.settingFolder().isEmpty(); }, 10000);
 }
 
-// A dialog that knows what there is: the values of a drive, or that there is none.
+// A dialog that has its answer: the values of a drive, or that there is none.
 class ReadyWindow : public ConfigWindow {
 public:
     ReadyWindow() {

@@ -34,7 +34,7 @@ void send(int device, Answer& answer, uint64_t unique, int error, size_t bodySiz
         ::_exit(1);
 }
 
-// An empty folder: it has attributes and can be listed, and nothing is found in it.
+// Serves an empty folder: it has attributes and can be listed, but contains nothing.
 void serve(int device, const fuse_in_header& request) {
     Answer answer;
     size_t bodySize = 0;

@@ -1,6 +1,6 @@
-// A mounted file system that stops answering when told to, as a dying card reader does. A process of its own
-// serves it, so that what hangs in it can always be freed: the file system ends with the object, and every
-// call that waits for it fails then. Needs a mount namespace of the process's own (enterOwnMounts).
+// A mounted file system that stops answering on request, like a failing card reader. A process of its own
+// serves it, so that hanging calls can always be freed: the file system ends with the object, and all calls
+// waiting for it fail. Needs a private mount namespace (enterOwnMounts).
 #pragma once
 
 #include <QString>
@@ -10,7 +10,7 @@ namespace ql240 {
 
 class SilentFileSystem {
 public:
-    // Mounts on an existing folder. What is mounted is an empty folder.
+    // Mounts an empty folder over an existing one.
     explicit SilentFileSystem(const QString& folder);
     ~SilentFileSystem();
     SilentFileSystem(const SilentFileSystem&) = delete;
@@ -18,7 +18,7 @@ public:
 
     bool isMounted() const { return m_mounted; }
     void fallSilent() { m_silent->store(true); }
-    // Frees everything that waits.
+    // Makes all waiting calls fail.
     void end();
 
 private:

@@ -15,9 +15,9 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr int kProcessTimeoutMs = 60000;
-constexpr char kPatternVersion[] = "1"; // count up when the painted pattern changes
+constexpr char kPatternVersion[] = "1"; // increase when the painted pattern changes
 
-// The variable rate's cycle, as testClipFrameTimes() gives it too.
+// The variable rate's cycle; testClipFrameTimes() has the same.
 constexpr char kVariableTimes[] =
     "settb=1/90000,setpts=(floor(N/3)*150+if(eq(mod(N\\,3)\\,1)\\,20\\,if(eq(mod(N\\,3)\\,2)\\,60\\,0)))/"
     "1000/TB";
@@ -114,7 +114,7 @@ QStringList ffmpegArguments(const TestClipSpec& spec) {
     QStringList arguments = inputArguments(spec) + QStringList{"-filter_complex", filterGraph(spec)};
     for (int stream = 0; stream < spec.videoStreams; ++stream)
         arguments += {"-map", QStringLiteral("[v%1]").arg(stream)};
-    // Newer versions leave the last frame without a duration, and so without a place in the clip.
+    // Newer ffmpeg versions give the last frame no duration, so that it would never be shown.
     if (spec.variableRate)
         arguments +=
             words(QStringLiteral("-fps_mode passthrough -enc_time_base 1:90000 -bsf:v setts=duration=3000"));
@@ -203,7 +203,7 @@ QString makeTestClip(const TestClipSpec& spec) {
     const QString made = workshop.filePath(clipName(spec));
     if (!workshop.isValid() || !makeClipFile(spec, made))
         return {};
-    // Another test program may have been faster; its file is as good.
+    // Another test program may have been faster; its file is just as good.
     return QFile::rename(made, path) || QFile::exists(path) ? path : QString();
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 // Makes small clips whose frames carry their number as a bar code (frame_code.h), through the ffmpeg command
-// line. A clip is made once for each spec and kept: in $QL240_TEST_CLIPS, else in the build folder's
+// line. A clip is made once for each spec and kept in $QL240_TEST_CLIPS, or else in the build folder's
 // tests/clips. Several test programs may ask for the same clip at the same time. Copy or link a clip to give
 // it another name.
 
@@ -23,27 +23,27 @@ struct TestClipSpec {
     QSize size{640, 360}; // both sizes: even numbers
     QSize secondSize{480, 270};
     int frames = 60; // of each stream
-    int rate = 30;   // frames a second
+    int rate = 30;   // frames per second
     int keyframeInterval = 30;
     int bFrames = 0;
-    bool variableRate = false; // MP4: intervals of 20, 40 and 90 ms in turn in place of the rate
-    int firstTimeMs = 0;       // MP4: all streams begin this much later (an empty edit)
-    bool editLists = true;     // MP4: without, the times keep the delay that B-frames cause
+    bool variableRate = false; // MP4: intervals of 20, 40 and 90 ms in turn instead of the rate
+    int firstTimeMs = 0;       // MP4: all streams start this much later (an empty edit)
+    bool editLists = true;     // MP4: without them, the times keep the delay caused by B-frames
     bool faststart = true;     // MP4: index before the media
     bool fullRange = false;    // Motion-JPEG is always full range
     bool sound = true;         // MP4: AAC; AVI: 16-bit PCM
-    QString soundCodec;        // in place of that
+    QString soundCodec;        // instead of that
     int toneHz = 440;
-    QByteArray trailer; // put behind the finished file as it is
+    QByteArray trailer; // appended to the finished file
 };
 
-// The usual AVI clip of the camera: Motion-JPEG, 15 frames a second, with PCM sound.
+// The camera's usual AVI clip: Motion-JPEG at 15 frames per second, with PCM sound.
 TestClipSpec aviTestClip();
 
-// The path of the clip, made if need be; empty (with a warning that says why) when ffmpeg fails.
+// The path of the clip, made if necessary; empty (with a warning) when ffmpeg fails.
 QString makeTestClip(const TestClipSpec& spec);
 
-// When each frame of the first stream begins, from the start of the clip.
+// The start of each frame of the first stream, from the start of the clip.
 QList<std::chrono::nanoseconds> testClipFrameTimes(const TestClipSpec& spec);
 
 } // namespace ql240

@@ -1,5 +1,5 @@
-// A tile server on a port of this machine: answers every request with one picture or what else it is given,
-// or takes it and never answers.
+// A tile server on a local port: answers every request with one picture or another preset reply, or accepts
+// it and never answers.
 #pragma once
 
 #include <QBuffer>

@@ -1,6 +1,6 @@
-// Answers on the bus of DBUS_SYSTEM_BUS_ADDRESS in place of UDisks2, with drives made of the given folders.
-// It lets anybody try the settings tool with a card that is only a folder (scripts/demo-card-service), and is
-// what the tests of the drive list talk to.
+// Answers on the bus of DBUS_SYSTEM_BUS_ADDRESS in place of UDisks2, with drives made from the given folders.
+// Lets anyone try the settings tool with a folder as the card (scripts/demo-card-service), and serves the
+// tests of the drive list.
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -20,13 +20,13 @@ using Interfaces = QMap<QString, QVariantMap>;
 using ManagedObjects = QMap<QDBusObjectPath, Interfaces>;
 using ByteStrings = QList<QByteArray>;
 
-// "key=value,key=value": device, mount (may be repeated), label, type, removable, media-removable, media,
-// fits (the media that the drive takes, with spaces between them), optical.
+// "key=value,key=value": device, mount (repeatable), label, type, removable, media-removable, media, fits
+// (the media that the drive takes, separated by spaces), optical.
 using DriveText = QMultiMap<QString, QString>;
 
 DriveText parseDrive(const QString& text) {
     DriveText drive;
-    // A comma within a folder's name is followed by no key.
+    // Not at a comma within a folder's name, which no key follows.
     static const QRegularExpression comma(QStringLiteral(",(?=[a-z-]+=)"));
     const QStringList parts = text.split(comma);
     for (const QString& part : parts)

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::int64_t kMacEpochSeconds = -2082844800; // 1904-01-01 in Unix time
 constexpr int kHeader = 8;
-constexpr int kMovieHeader = 108; // of version 0, which 32-bit times have
+constexpr int kMovieHeader = 108; // of version 0, with 32-bit times
 
 struct Box {
     qsizetype offset = 0; // of the header
@@ -41,7 +41,7 @@ std::uint32_t u32At(const QByteArray& bytes, qsizetype offset) {
     return qFromBigEndian<std::uint32_t>(bytes.constData() + offset);
 }
 
-// The first box of the type among those that lie between two offsets.
+// The first box of this type between two offsets.
 Box findBox(const QByteArray& bytes, const char* type, qsizetype from, qsizetype to) {
     while (from + kHeader <= to) {
         const Box found{from, static_cast<qsizetype>(u32At(bytes, from))};
@@ -58,7 +58,7 @@ std::uint32_t macTime(const QDateTime& time) {
     return static_cast<std::uint32_t>(time.toSecsSinceEpoch() - kMacEpochSeconds);
 }
 
-// Creation and modification time of mvhd, tkhd and mdhd lie behind the version and flags.
+// In mvhd, tkhd and mdhd, the creation and modification times follow the version and flags.
 void setTimes(QByteArray& moov, const QDateTime& created) {
     for (const char* type : {"mvhd", "tkhd", "mdhd"})
         for (auto at = moov.indexOf(type); at >= 0; at = moov.indexOf(type, at + 4)) {

@@ -8,10 +8,9 @@
 
 namespace ql240::demo {
 
-// The samples go into a media box of their own behind the file's media, the index moves behind it and gets
-// one more track; sampleMs is how long each sample lasts. All creation times become `created`, which also
-// makes the file the same on every run. False, with the file unchanged, where it isn't such a file or can't
-// be written.
+// The samples go into a media box of their own after the file's media; the index moves behind it and gets one
+// more track. Each sample lasts sampleMs. All creation times become `created`, which also makes the file the
+// same on every run. Returns false and leaves the file unchanged if it has no such index or can't be written.
 bool addCammTrack(const QString& path, const QList<QByteArray>& samples, int sampleMs,
                   const QDateTime& created);
 

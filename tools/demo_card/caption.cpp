@@ -7,10 +7,10 @@
 namespace ql240::demo {
 namespace {
 
-constexpr std::string_view kCharacters = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ-.:/#+kmh"; // as in the picture
+constexpr std::string_view kCharacters = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ-.:/#+kmh"; // in picture order
 constexpr int kAdvance = 6;                                                               // dots
 
-// A pixel a dot.
+// One pixel per dot.
 QImage dots(const QString& text, QRgb colour) {
     static const QImage characters(QStringLiteral(":/demo_card/characters.xpm"));
     QImage strip = characters.convertToFormat(QImage::Format_Indexed8);
@@ -25,7 +25,7 @@ QImage dots(const QString& text, QRgb colour) {
     return picture;
 }
 
-// White with a dark rim.
+// White with a dark outline.
 void paintDots(QImage& picture, QPoint topLeft, int dot, const QString& text) {
     const QImage rim = dots(text, 0xff101010);
     const QRect area(topLeft, rim.size() * dot);

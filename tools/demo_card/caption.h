@@ -1,4 +1,4 @@
-// The camera's line of text: clock, speed and position, frame number; in dots of its own, without a font.
+// The camera's line of text: clock, speed, position and frame number, in its own dot-matrix characters.
 #pragma once
 
 #include <QImage>

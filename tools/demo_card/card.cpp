@@ -12,9 +12,9 @@
 namespace ql240::demo {
 namespace {
 
-constexpr char kMarkerName[] = ".demo-card"; // what may be replaced
+constexpr char kMarkerName[] = ".demo-card"; // marks a card that may be replaced
 
-// The camera as its owner has set it; everything else as it leaves the factory.
+// The owner's settings; everything else has its factory default.
 SettingValues demoSettings() {
     SettingValues values;
     values.resolutionvalue = 2;
@@ -61,7 +61,7 @@ QString makeClips(const QDir& folder, const QList<ClipPlan>& clips, Progress& pr
     return progress.cancelled && problem.isEmpty() ? QStringLiteral("interrupted") : problem;
 }
 
-// An older card goes to the workshop, and away with it.
+// Moves an older card into the temporary folder, which is deleted with it.
 QString putInPlace(const QTemporaryDir& workshop, const QString& made, const QString& folder) {
     const QString old = workshop.filePath(QStringLiteral("old"));
     QDir files;

@@ -17,11 +17,11 @@ inline constexpr char kClipFolderName[] = "VIDEO";
 enum class CardState { Missing, EmptyFolder, DemoCard, SomethingElse };
 CardState cardStateOf(const QString& folder);
 
-// Everything but the clips, into an existing folder.
+// Writes everything except the clips into an existing folder.
 bool writeCardFiles(const QString& folder);
 
-// A whole card in place of what is there, which stays untouched unless everything worked. Returns what went
-// wrong.
+// Makes a whole card in place of what is there, which stays untouched unless everything works. Returns an
+// error text, empty on success.
 [[nodiscard]] QString makeCard(const QString& folder, const QList<ClipPlan>& clips, Progress& progress);
 
 } // namespace ql240::demo

@@ -15,7 +15,7 @@ namespace {
 constexpr int kQueuedFrames = 3;
 constexpr int kAacFrame = 1024; // samples
 constexpr int kJpegQuality = 76;
-constexpr int kSoundChunks = 10; // a second; the multiplexer puts them between the pictures
+constexpr int kSoundChunks = 10; // per second; the multiplexer interleaves them with the pictures
 
 QString videoCaps(const ClipFormat& format, const ClipFormat::Video& video) {
     return QStringLiteral(
@@ -149,7 +149,7 @@ ClipEncoder::~ClipEncoder() {
 bool ClipEncoder::addSound(const QByteArray& samples) {
     const int rate = m_pipeline->format.soundRate;
     const qsizetype chunk = rate / kSoundChunks * 2;
-    // The AAC encoder begins with a frame of its own; sound and pictures shall end together.
+    // The AAC encoder puts a frame of its own in front; sound and pictures must end together.
     const bool aac = m_pipeline->format.container == ClipFormat::Container::Mp4;
     const qsizetype end = samples.size() - (aac ? kAacFrame * 2 : 0);
     for (qsizetype at = 0; at < end && m_pipeline->error.isEmpty(); at += chunk) {

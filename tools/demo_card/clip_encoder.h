@@ -1,6 +1,6 @@
-// Writes one clip file through a media pipeline: H.264 and AAC in MP4, or Motion-JPEG and 16-bit PCM in AVI.
-// Sound, if any, is given whole before the pictures. Used by one thread; addFrame() waits while the encoder
-// is busy.
+// Writes one clip file through a GStreamer pipeline: H.264 and AAC in MP4, or Motion-JPEG and 16-bit PCM in
+// AVI. All the sound, if any, is added before the pictures. Used by one thread; addFrame() blocks while the
+// encoder is busy.
 #pragma once
 
 #include <QByteArray>
@@ -17,21 +17,21 @@ struct ClipFormat {
     enum class Container { Mp4, Avi };
     struct Video {
         QSize size;       // even numbers
-        int kilobits = 0; // a second; MP4 only
+        int kilobits = 0; // per second; MP4 only
     };
 
     Container container = Container::Mp4;
     QList<Video> videos;
     int frameRate = 30;
-    int soundRate = 0; // samples a second, mono; 0: no sound
+    int soundRate = 0; // samples per second, mono; 0: no sound
 };
 
 class ClipEncoder {
 public:
     ClipEncoder(const QString& path, const ClipFormat& format);
-    ~ClipEncoder(); // an unfinished file is left as it is
+    ~ClipEncoder(); // an unfinished file stays on the disk
 
-    // Each is false once anything has failed; errorText() then says what.
+    // Each returns false once anything has failed; errorText() says what.
     bool addSound(const QByteArray& samples);        // 16 bits, the machine's byte order
     bool addFrame(int video, const QImage& picture); // Format_RGB32 of the video's size
     bool finish();

@@ -8,13 +8,13 @@
 
 namespace ql240::demo {
 
-// Shared by the threads that make clips and the one that shows how far they are.
+// Shared by the threads that make clips and the one that shows the progress.
 struct Progress {
     std::atomic<int> framesDone = 0;
     std::atomic<bool> cancelled = false;
 };
 
-// An empty text, or what went wrong.
+// Returns an error text, empty on success.
 [[nodiscard]] QString makeClip(const ClipPlan& plan, const QString& path, Progress& progress);
 
 } // namespace ql240::demo

@@ -35,7 +35,7 @@ QDateTime seoulTime(int day, int hour, int minute, int second) {
     return QDateTime(QDate(2013, 4, day), QTime(hour, minute, second), QTimeZone(9 * 3600));
 }
 
-// By its kind and its start.
+// Sets the name from its kind and its start.
 ClipPlan named(const char* prefix, ClipPlan clip) {
     const bool avi = clip.format.container == ClipFormat::Container::Avi;
     clip.name = QLatin1String(prefix) + clip.start().toString(QStringLiteral("yyyy_MM_dd_hh_mm_ss")) +
@@ -62,7 +62,7 @@ Curve eases(QList<CurveKey> keys) {
     return {Shape::Ease, std::move(keys)};
 }
 
-// A car that comes towards the camera at an even speed.
+// An oncoming car at constant speed.
 Vehicle oncoming(CarLook look, float side, double startPlace, double kmh) {
     constexpr double seconds = 60;
     return {.look = look,
@@ -98,8 +98,8 @@ void addOncomingTraffic(World& world, float first, float laneWidth, double kmh) 
     }
 }
 
-// A minute in the avenue: from a red light up to town speed; the car ahead stops hard and the brakes aren't
-// enough; both clear the lane. The camera splits it into clips of 20 s and keeps the one with the impact.
+// A minute on the avenue: from a red light up to town speed; the car ahead stops hard, braking isn't enough,
+// and both cars clear the lane. The camera splits it into clips of 20 s and keeps the one with the impact.
 QList<ClipPlan> crashInTheAfternoon() {
     ClipPlan clip;
     clip.drive.start = seoulTime(5, 17, 52, 20);
@@ -228,7 +228,7 @@ QList<ClipPlan> crashInTheAfternoon() {
     return {named("REC_", clips[0]), named("EVS_", clips[1]), named("REC_", clips[2])};
 }
 
-// By day: a change of lane, then a tunnel without satellites.
+// By day: a lane change, then a tunnel without satellites.
 ClipPlan tunnelByDay() {
     ClipPlan clip;
     clip.drive.start = seoulTime(5, 14, 10, 0);

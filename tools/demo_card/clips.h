@@ -1,4 +1,4 @@
-// The clips of the demo card: drives through Seoul on an April day, with what is met on the way.
+// The clips of the demo card: drives through Seoul on an April day, with their traffic and scenery.
 #pragma once
 
 #include <QList>
@@ -13,9 +13,9 @@
 namespace ql240::demo {
 
 struct ClipPlan {
-    QString name; // by the camera's rules
+    QString name; // by the camera's naming rules
     DrivePlan drive;
-    TimeSpan span{0, 20}; // of the drive
+    TimeSpan span{0, 20}; // part of the drive
     World world;
     ClipFormat format; // with one video, or two: front and rear
     QList<TimeSpan> indicator;

@@ -1,5 +1,5 @@
-// Smooth functions of one variable through given keys, and repeatable noise: what drives, cameras and traffic
-// are described with.
+// Smooth functions of one variable through given keys, and reproducible noise, which describe drives, cameras
+// and traffic.
 #pragma once
 
 #include <QList>
@@ -22,7 +22,7 @@ public:
     Curve(double constant = 0);               // NOLINT(google-explicit-constructor): a number is a curve
     Curve(Shape shape, QList<CurveKey> keys); // keys in ascending order, at least one
 
-    // Before the first and behind the last key the curve keeps that key's value.
+    // Before the first and after the last key the curve keeps that key's value.
     double operator()(double at) const;
 
 private:
@@ -34,7 +34,7 @@ private:
 // Uniform in 0 … 1, the same for the same arguments on every machine.
 double hashNoise(std::uint32_t seed, std::int64_t index);
 
-// Smooth noise in -1 … 1 with features of about the length 1.
+// Smooth noise in -1 … 1 with features about 1 long.
 double smoothNoise(std::uint32_t seed, double at);
 
 } // namespace ql240::demo

@@ -15,7 +15,7 @@ constexpr double kReacquireSeconds = 1.2;
 constexpr double kPitchPerAcc = 0.0035; // rad for each m/s²
 constexpr double kPitchLag = 0.25;      // s
 
-// WGS 84: metres that one degree measures at a latitude.
+// WGS 84: the length of one degree in metres at a latitude.
 GeoPosition metresPerDegree(double latitude) {
     constexpr double radius = 6378137.0;
     constexpr double e2 = 0.00669437999014;
@@ -83,7 +83,7 @@ Drive::Point Drive::pointAt(double time) const {
             mix(from.east, to.east), mix(from.pitch, to.pitch)};
 }
 
-// The road's unevenness, bumps and the impact, as the sensor feels and the camera shows them.
+// The road's roughness, bumps and the impact, as felt by the sensor and seen by the camera.
 void Drive::shake(DriveState& state) const {
     const double rough = std::min(state.speed, 25.0) / 25 * 0.55 + 0.03;
     state.upAcc += rough * smoothNoise(m_plan.seed, state.time * 9);

@@ -1,6 +1,6 @@
-// One drive of the demo card: what the car does over time, and where. Picture, sound and sensor data of a
-// clip are all taken from the same Drive, so that they agree. Metres, seconds, radians; right and forward are
-// positive.
+// One drive of the demo card: the car's motion and position over time. Picture, sound and sensor data of a
+// clip are all computed from the same Drive, so that they agree. Metres, seconds, radians; right and forward
+// are positive.
 #pragma once
 
 #include <QDateTime>
@@ -29,9 +29,9 @@ struct DrivePlan {
     double altitude = 30;
     Curve speedKmh;        // over time
     Curve curvature;       // of the road over the distance driven, 1/m, right bends positive
-    Curve lane = 1.6;      // over time: how far the car keeps to the right of the road's middle
-    QList<double> bumps;   // distances of uneven places
-    double tunnelFrom = 0; // distances; satellites are lost between them
+    Curve lane = 1.6;      // over time: the car's offset to the right of the road's middle
+    QList<double> bumps;   // distances of bumps in the road
+    double tunnelFrom = 0; // distances; no satellites between them
     double tunnelTo = 0;
     std::optional<double> impactTime;
     std::uint32_t seed = 1;
@@ -41,12 +41,12 @@ struct DriveState {
     double time = 0;
     double distance = 0;
     double speed = 0;
-    double forwardAcc = 0; // what an accelerometer in the car feels; at rest (0, 0, 9.81)
+    double forwardAcc = 0; // as measured by an accelerometer in the car; at rest (0, 0, 9.81)
     double rightAcc = 0;
     double upAcc = 0;
     double heading = 0; // of the car, clockwise from north
     double lane = 0;
-    double yaw = 0;   // of the car against the road
+    double yaw = 0;   // of the car relative to the road
     double pitch = 0; // of the body, nose up
     double heave = 0; // of the body
     GeoPosition position;
@@ -86,7 +86,7 @@ private:
     DrivePlan m_plan;
     QList<Point> m_points; // every kStep
     QList<Ring> m_bumps;
-    double m_fixReturns = 0; // when the satellites are back
+    double m_fixReturns = 0; // when the satellites are received again
 };
 
 } // namespace ql240::demo

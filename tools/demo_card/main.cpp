@@ -1,4 +1,4 @@
-// ql240-demo-card: makes a memory card as the camera would write it, with clips to look at.
+// ql240-demo-card: makes a memory card with clips, as the camera would write it.
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -27,8 +27,8 @@ void onSignal(int) {
     *interrupted = true;
 }
 
-// The H.264 encoder reports every end of stream as an error on the standard error output. While this lives
-// only what is written to file() gets there.
+// The H.264 encoder reports every end of stream as an error on standard error. While this object lives, only
+// what is written to file() gets there.
 class QuietLibraries {
 public:
     QuietLibraries() : m_saved(dup(STDERR_FILENO)), m_file(fdopen(dup(STDERR_FILENO), "w")) {
@@ -95,7 +95,7 @@ void showProgress(QThread& work, const Progress& progress, int frames) {
         std::fputc('\n', quiet.file());
 }
 
-// Runs the work in a thread of its own and shows how far it is.
+// Runs the work on a thread of its own and shows its progress.
 QString makeWithProgress(const QString& folder) {
     Progress progress;
     interrupted = &progress.cancelled;

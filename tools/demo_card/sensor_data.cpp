@@ -10,7 +10,7 @@ namespace {
 
 constexpr double kGravity = 9.80665;
 constexpr std::int64_t kGpsEpochSeconds = 315964800; // 1980-01-06 in Unix time
-constexpr int kLeapSeconds2013 = 16;                 // GPS time runs ahead of UTC by these
+constexpr int kLeapSeconds2013 = 16;                 // GPS time is ahead of UTC by this much
 
 class LittleEndian {
 public:
@@ -81,7 +81,7 @@ QList<QByteArray> cammSamples(const Drive& drive, TimeSpan span) {
 
 QByteArray sensorTrailer(const Drive& drive, TimeSpan span) {
     QByteArray trailer = "ETKLP1\n";
-    // The viewer puts lines / 3 + 1 copies of the first line in front.
+    // The viewer repeats the first line lines / 3 + 1 times in front.
     const int lines = static_cast<int>((span.to - span.from) * 10) * 3 / 4;
     const int first = lines / 3 + 1;
     for (int i = 0; i < lines; ++i)

@@ -11,12 +11,13 @@ namespace ql240::demo {
 
 inline constexpr int kCammSampleMs = 50;
 
-// One CAMM sample for each kCammSampleMs: the acceleration (type 3, m/s²: right, forward, up) and, in every
-// second one, the GPS record (type 6); without satellites its fix is 0, its position and velocity are zero.
+// One CAMM sample every kCammSampleMs: the acceleration (type 3, m/s²: right, forward, up) and, in every
+// second sample, the GPS record (type 6). Without satellites the record's fix, position and velocity are
+// zero.
 QList<QByteArray> cammSamples(const Drive& drive, TimeSpan span);
 
-// The trailer of an event or motion clip, which holds the clip's last three quarters, ten lines a second.
-// Accelerations in counts of 128 a g in the same axes; 0, 0 without satellites.
+// The trailer of an event or motion clip, which covers the clip's last three quarters at ten lines per
+// second. Accelerations in counts of 128 per g on the same axes; position 0, 0 without satellites.
 QByteArray sensorTrailer(const Drive& drive, TimeSpan span);
 
 } // namespace ql240::demo

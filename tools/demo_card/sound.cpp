@@ -21,7 +21,7 @@ private:
     double m_value = 0;
 };
 
-// Engine speed in turns a second of an automatic gearbox that changes up early.
+// Engine speed in revolutions per second, with an automatic gearbox that shifts up early.
 double engineTurns(double speed) {
     constexpr std::array<double, 6> metresPerTurn{0.16, 0.27, 0.40, 0.55, 0.72, 0.92};
     constexpr double idle = 13;
@@ -36,7 +36,7 @@ class Engine {
 public:
     explicit Engine(double rate) : m_rate(rate), m_smooth(4, rate) {}
 
-    // A four-cylinder engine fires twice a turn; load brings out the overtones.
+    // A four-cylinder engine fires twice per revolution; load adds overtones.
     double sample(double speed, double acceleration) {
         const double turns = m_smooth(engineTurns(speed));
         m_phase = std::fmod(m_phase + 2 * turns / m_rate, 2.0);
@@ -70,7 +70,7 @@ private:
     LowPass m_wind;
 };
 
-// A relay clicks twice in each 0.7 s.
+// A relay that clicks twice every 0.7 s.
 double indicatorTick(double time, const QList<TimeSpan>& spans) {
     for (const TimeSpan& span : spans) {
         if (time < span.from || time >= span.to)

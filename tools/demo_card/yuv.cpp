@@ -48,7 +48,7 @@ void lumaRow(const QRgb* from, int width, const YuvMatrix& m, uchar* to) {
                                            16);
 }
 
-// Each chroma sample is taken from the mean of its four pixels, whose sum makes the shift 18.
+// Each chroma sample is the mean of four pixels; dividing their sum by 4 makes the shift 18 instead of 16.
 void chromaRow(const QRgb* upper, const QRgb* lower, int pairs, const YuvMatrix& m, uchar* u, uchar* v) {
     constexpr int bias = (128 << 18) + (1 << 17);
     for (int x = 0; x < pairs; ++x) {

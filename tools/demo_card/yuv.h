@@ -1,4 +1,4 @@
-// Conversion of painted pictures to what the encoders take: planar Y'CbCr 4:2:0 (I420).
+// Converts painted pictures to the encoders' input: planar Y'CbCr 4:2:0 (I420).
 #pragma once
 
 #include <QImage>
@@ -9,16 +9,16 @@
 
 namespace ql240::demo {
 
-// Weights in 1/65536 of R', G', B' and the offset of luma.
+// Weights of R', G', B' in 1/65536, and the luma offset.
 struct YuvMatrix {
     int y[3];
     int u[3];
     int v[3];
     int lumaOffset;
-    const char* colorimetry; // as media capabilities name it
+    const char* colorimetry; // as in media caps
 };
 
-// BT.709 for high definition, BT.601 below, both 16 … 235; BT.601 with 0 … 255 for Motion-JPEG.
+// BT.709 for high definition, otherwise BT.601, both 16 … 235; BT.601 with 0 … 255 for Motion-JPEG.
 const YuvMatrix& yuvMatrixFor(const ClipFormat& format, QSize size);
 
 // Format_RGB32 with even sides into width × height × 3/2 bytes.

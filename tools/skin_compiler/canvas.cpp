@@ -43,7 +43,7 @@ void Canvas::shade(const QRectF& rect, double radius, const QColor& top, const Q
 
 void Canvas::text(const QRectF& box, Qt::Alignment align, const QString& text, double pixels,
                   QFont::Weight weight, const QColor& color, double spacing) {
-    // Built at ten times the size: font sizes are whole pixels.
+    // Built at ten times the size, because font sizes are whole pixels.
     QFont font(QStringLiteral("Open Sans"));
     font.setPixelSize(qRound(pixels * 10));
     font.setWeight(weight);

@@ -1,5 +1,5 @@
-// What a shape's paint function works on: the painter in logical pixels, the palette, the glyphs and the
-// shape's arguments, read one after the other.
+// The parameters of a shape's paint function: the painter in logical pixels, the palette, the glyphs and the
+// shape's arguments, which are read one after the other.
 #pragma once
 
 #include <QFont>
@@ -10,7 +10,7 @@
 
 namespace ql240::skin {
 
-// The one radius of every plate, well and key.
+// The corner radius of all plates, wells and keys.
 inline constexpr double kRadius = 4.0;
 
 class Canvas {
@@ -20,16 +20,16 @@ public:
     QPainter& painter() { return m_painter; }
     QSizeF size() const { return m_size; }
     const QString& sourceFolder() const { return m_sourceFolder; }
-    // A colour of the palette, at a part of its opacity.
+    // A colour of the palette, its opacity scaled by `opacity`.
     QColor color(const char* name, double opacity = 1.0) const;
 
-    // One stroke or one filled path; rectangles are given by their outer edge and drawn with crisp lines.
+    // One stroke or one filled path. Rectangles are given by their outer edge and drawn with crisp lines.
     void outline(const QRectF& rect, double radius, const QColor& color, double width = 1.0);
     void fill(const QRectF& rect, double radius, const QBrush& brush);
-    // Vertical shading: the light comes from above.
+    // A vertical gradient, lit from above.
     void shade(const QRectF& rect, double radius, const QColor& top, const QColor& bottom);
-    // A text as outlines, so that no hinting depends on the machine. Only its capitals' height counts
-    // vertically.
+    // Draws a text as outlines, so that it doesn't depend on the machine's hinting. Vertically, only the cap
+    // height counts.
     void text(const QRectF& box, Qt::Alignment align, const QString& text, double pixels,
               QFont::Weight weight, const QColor& color, double spacing = 0.0);
     // An SVG of the glyph folder in one colour; false if there is no such glyph.
@@ -47,8 +47,8 @@ private:
     QString m_sourceFolder;
 };
 
-// The words of one shape. After a mistake every further read gives a zero value and error() tells the first
-// one.
+// The words of one shape. After the first error every further read gives a zero value; error() says what was
+// wrong.
 class ShapeArguments {
 public:
     ShapeArguments(const Shape& shape, const Palette& palette) : m_shape(shape), m_palette(palette) {}

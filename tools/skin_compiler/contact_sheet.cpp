@@ -12,7 +12,7 @@ constexpr int kSheetWidth = 1720;
 constexpr int kGap = 14;
 constexpr int kCaption = 16;
 constexpr int kNarrowest = 96; // room for the captions of small pictures
-constexpr int kTall = 100;     // from this height on pictures have rows of their own
+constexpr int kTall = 100;     // pictures of this height or more have rows of their own
 
 struct Cell {
     QPoint corner;
@@ -25,7 +25,7 @@ QString caption(const Picture& picture) {
     return name.endsWith(QLatin1String(".png")) ? name.chopped(4) : name;
 }
 
-// Rows from left to right, as high as their highest picture.
+// Rows from left to right, each as high as its highest picture.
 int place(std::vector<Cell>& cells) {
     QPoint corner(kGap, kGap);
     int rowHeight = 0;

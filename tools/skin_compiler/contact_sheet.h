@@ -1,4 +1,4 @@
-// All pictures of a table on one sheet, each with its name, for looking at them beside each other.
+// All pictures of a table on one sheet with their names, for comparing them.
 #pragma once
 
 #include <QImage>
@@ -7,7 +7,8 @@
 
 namespace ql240::skin {
 
-// At one device pixel for a logical one. On a mistake in the table the image is null and `error` tells it.
+// At one device pixel per logical pixel. If the table has an error the image is null and `error` describes
+// it.
 QImage contactSheet(const PictureTable& table, const QString& sourceFolder, QString& error);
 
 } // namespace ql240::skin

@@ -1,4 +1,4 @@
-// The world's land, as drawn behind the time zones and on the globe.
+// The world's land areas, drawn behind the time zones and on the globe.
 #pragma once
 
 #include <QList>

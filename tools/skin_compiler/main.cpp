@@ -73,7 +73,7 @@ int run(const QStringList& arguments) {
 } // namespace ql240::skin
 
 int main(int argc, char* argv[]) {
-    // A build has no display and need not have a session.
+    // A build has no display and may have no session.
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("QT_LOGGING_RULES", "default.warning=false");
     QGuiApplication application(argc, argv);

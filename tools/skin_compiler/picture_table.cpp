@@ -5,7 +5,7 @@
 namespace ql240::skin {
 namespace {
 
-// Words separated by blanks; a text in double quotes is one word; "#" begins a comment.
+// Words separated by blanks; text in double quotes is one word; "#" starts a comment.
 QStringList splitWords(const QString& line) {
     static const QRegularExpression word(QStringLiteral(R"re("([^"]*)"|(#.*)|([^\s"]+))re"));
     QStringList words;
@@ -115,7 +115,7 @@ bool Parser::readPicture(const QStringList& words) {
     return addPicture(picture);
 }
 
-// The glyph of the hover and pressed looks may differ: it then shows what a press does.
+// The hover and pressed pictures may have another glyph, which then shows the effect of a press.
 bool Parser::readButtons(const QStringList& words) {
     const std::optional<QSize> size = parseSize(words.value(2));
     if (!size || words.size() < 4 || words.size() > 6)

@@ -1,12 +1,12 @@
-// The table that says which pictures the skin has and what each is made of: plain text, one statement a line.
+// The table of the skin's pictures and the shapes that each consists of: plain text, one statement per line.
 //
 //   color NAME R G B [A]                     a colour of the palette
 //   picture NAME WxH [: SHAPE ARGUMENTS…]    a picture; the indented lines below it are its shapes
 //   buttons NAME WxH STYLE [GLYPH [GLYPH]]   the pictures NAME1, NAME2 and NAME3: normal, hover, pressed
 //   outside NAME…                            pictures that something other than the code asks for
 //
-// A name without a slash lies under gfx_r/2012, one with a slash under gfx_r; ".png" unless it says
-// otherwise.
+// A name without a slash is under gfx_r/2012, one with a slash under gfx_r; the suffix is ".png" unless the
+// name has one.
 #pragma once
 
 #include <QColor>
@@ -28,7 +28,7 @@ struct Shape {
 struct Picture {
     QString path; // below gfx_r, with its suffix: "2012/play_1.png"
     QSize size;   // logical pixels
-    QString stem; // of the three pictures of a line "buttons"; empty for others
+    QString stem; // of the three pictures of a "buttons" line; empty for others
     std::vector<Shape> shapes;
 };
 
@@ -40,7 +40,7 @@ struct PictureTable {
     QStringList askedForOutside; // paths
 };
 
-// Reads the table's text. On a mistake the result is empty and `error` says where it is.
+// Parses the table's text. On an error the result is empty and `error` says where it is.
 std::optional<PictureTable> parsePictureTable(const QString& text, QString& error);
 
 } // namespace ql240::skin

@@ -1,4 +1,4 @@
-// The shapes that pictures are made of, by the word that names each in the table.
+// The shapes that pictures consist of, by their names in the table.
 #pragma once
 
 #include "canvas.h"
@@ -10,7 +10,7 @@ using PaintFunction = void (*)(Canvas&, ShapeArguments&);
 // The shape's paint function, or null if there is none of that name.
 PaintFunction findShape(const QString& verb);
 
-// Grounds, keys, texts and marks (shapes_basic.cpp).
+// Backgrounds, keys, texts and marks (shapes_basic.cpp).
 void paintFill(Canvas& canvas, ShapeArguments& arguments);
 void paintShade(Canvas& canvas, ShapeArguments& arguments);
 void paintFrame(Canvas& canvas, ShapeArguments& arguments);
@@ -31,7 +31,7 @@ void paintGlobe(Canvas& canvas, ShapeArguments& arguments);
 void paintLamp(Canvas& canvas, ShapeArguments& arguments);
 void paintCursor(Canvas& canvas, ShapeArguments& arguments);
 
-// What the settings windows are made of (shapes_windows.cpp).
+// The parts of the settings windows (shapes_windows.cpp).
 void paintWindow(Canvas& canvas, ShapeArguments& arguments);
 void paintPanel(Canvas& canvas, ShapeArguments& arguments);
 void paintHeading(Canvas& canvas, ShapeArguments& arguments);

@@ -11,7 +11,7 @@ Qt::Alignment alignment(const QString& word) {
     return word == QLatin1String("right") ? Qt::AlignRight : Qt::AlignHCenter;
 }
 
-// A key stands out when normal, lights up when hovered and is filled with the accent when pressed.
+// A key is raised when normal, lit when hovered and filled with the accent colour when pressed.
 void paintKeyGround(Canvas& canvas, const QRectF& rect, Look look) {
     if (look == Pressed) {
         canvas.shade(rect, kRadius, canvas.color("accentDeep"), canvas.color("accent"));
@@ -26,8 +26,8 @@ void paintKeyGround(Canvas& canvas, const QRectF& rect, Look look) {
     canvas.outline(rect, kRadius, canvas.color(hover ? "accent" : "line"));
 }
 
-// A key without ground of its own until the pointer is on it: the small commands of the title bars. An
-// outline would stand too close to the glyph.
+// A key without a background until the pointer is on it: the small commands of the title bars. An outline
+// would be too close to the glyph.
 void paintFlatGround(Canvas& canvas, const QRectF& rect, Look look) {
     if (look == Hover)
         canvas.shade(rect, kRadius, canvas.color("keyHoverTop"), canvas.color("keyHover"));
@@ -35,7 +35,7 @@ void paintFlatGround(Canvas& canvas, const QRectF& rect, Look look) {
         paintKeyGround(canvas, rect, look);
 }
 
-// A key on which the program writes (200, 200, 200): its pressed look is sunken and stays dark.
+// A key that the program labels in (200, 200, 200): its pressed look is sunken and stays dark.
 void paintTextGround(Canvas& canvas, const QRectF& rect, Look look) {
     if (look != Pressed) {
         paintKeyGround(canvas, rect, look);
@@ -66,7 +66,7 @@ void paintFrame(Canvas& canvas, ShapeArguments& arguments) {
     canvas.outline(rect, arguments.atEnd() ? 0 : arguments.number(), color);
 }
 
-// A sunken place: dark, its upper edge in shadow, its lower edge catching the light.
+// A sunken area: dark, its upper edge in shadow, its lower edge lit.
 void paintWell(Canvas& canvas, ShapeArguments& arguments) {
     const QRectF rect = arguments.rect();
     const double radius = arguments.atEnd() ? kRadius : arguments.number();
@@ -76,7 +76,7 @@ void paintWell(Canvas& canvas, ShapeArguments& arguments) {
     canvas.outline(rect, radius, canvas.color("line"));
 }
 
-// A screen that is off: the light from above on its glass.
+// A screen that is off: light from above on its glass.
 void paintGlass(Canvas& canvas, ShapeArguments& arguments) {
     const QRectF rect = arguments.rect();
     QRadialGradient light(QPointF(rect.center().x(), rect.top()), rect.width() * 0.6);
@@ -85,7 +85,7 @@ void paintGlass(Canvas& canvas, ShapeArguments& arguments) {
     canvas.fill(rect, 0, light);
 }
 
-// A light plate for dark texts.
+// A light plate for dark text.
 void paintPaper(Canvas& canvas, ShapeArguments& arguments) {
     const QRectF rect = arguments.rect();
     canvas.shade(rect, kRadius / 2, canvas.color("paperTop"), canvas.color("paper"));
@@ -128,9 +128,9 @@ void paintButton(Canvas& canvas, ShapeArguments& arguments) {
         paintFlatGround(canvas, all, look);
     } else if (style == QLatin1String("text")) {
         paintTextGround(canvas, all, look);
-    } else if (style == QLatin1String("narrow")) { // neighbours at the sides overlap by four pixels
+    } else if (style == QLatin1String("narrow")) { // horizontal neighbours overlap by four pixels
         paintTextGround(canvas, all.adjusted(3, 0, -3, 0), look);
-    } else if (style == QLatin1String("low")) { // reaches into the heading above it
+    } else if (style == QLatin1String("low")) { // extends into the heading above it
         paintTextGround(canvas, all.adjusted(0, 4, 0, -4), look);
     } else {
         arguments.fail(QStringLiteral("\"%1\" is no style of buttons").arg(style));

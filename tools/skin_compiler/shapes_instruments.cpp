@@ -7,12 +7,12 @@
 #include "shapes.h"
 
 // The three round instruments and the readout of the dashboard. All numbers are in the dashboard panel's
-// coordinates; a picture that shows a part of the panel moves the painter by what it is told.
+// coordinates; a picture of a part of the panel translates the painter by its X and Y.
 namespace ql240::skin {
 namespace {
 
 // The speed dial's scale: 24 segments clockwise from the lower left, 10 units each. Angles are clockwise from
-// the top; these values reproduce the 24 rectangles of the segment pictures within a pixel.
+// the top; these values match the 24 rectangles of the segment pictures within a pixel.
 constexpr QPointF kDialCentre(319.4, 162.6);
 constexpr double kDialStart = 194.7;
 constexpr double kSegmentSpan = 11.27;
@@ -34,7 +34,7 @@ QRectF circle(QPointF centre, double radius) {
 }
 
 QPainterPath segmentPath(int index) {
-    // Qt counts angles counter-clockwise from the right.
+    // Qt measures angles counter-clockwise from the right.
     const double from = 90 - (kDialStart + index * kSegmentSpan + kSegmentGap / 2);
     const double span = kSegmentSpan - kSegmentGap;
     QPainterPath path;
@@ -45,7 +45,7 @@ QPainterPath segmentPath(int index) {
     return path;
 }
 
-// The seven bars of a digit in its 20 × 23 cell, leaning to the right: top, upper left, upper right, middle,
+// The seven bars of a digit in its 20 × 23 cell, slanted to the right: top, upper left, upper right, middle,
 // lower left, lower right, bottom.
 QPainterPath barPath(int bar) {
     constexpr double kLeft = 4;
@@ -81,7 +81,7 @@ void paintBars(Canvas& canvas, int digit, QPointF at, const QColor& color) {
     }
 }
 
-// A round face under glass: lit from above, its rim one line.
+// A round face under glass: lit from above, with a rim of one line.
 void paintFace(Canvas& canvas, QPointF centre, double radius, bool lit) {
     QRadialGradient face(centre - QPointF(0, radius * 0.5), radius * 1.5);
     face.setColorAt(0, canvas.color(lit ? "faceLight" : "face"));
@@ -90,7 +90,7 @@ void paintFace(Canvas& canvas, QPointF centre, double radius, bool lit) {
     canvas.outline(circle(centre, radius), radius, canvas.color("line", lit ? 1.0 : 0.7), 1.2);
 }
 
-// A number at every fourth boundary, a tick at those between.
+// A number at every fourth boundary, ticks between them.
 void paintDialNumbers(Canvas& canvas, bool lit) {
     const QColor color = canvas.color(lit ? "text" : "textDim");
     for (int value = 0; value <= 10 * kSegments; value += 20) {
@@ -100,7 +100,7 @@ void paintDialNumbers(Canvas& canvas, bool lit) {
             canvas.painter().drawLine(onDial(72, angle), onDial(75, angle));
             continue;
         }
-        // Wide numbers at the sides stand further in, so that all keep the same distance from the rim.
+        // Wide numbers at the sides are moved inwards, so that all have the same distance from the rim.
         const QString number = QString::number(value);
         const double reach = qAbs(qSin(qDegreesToRadians(angle))) * 2.2 * static_cast<double>(number.size());
         canvas.text(circle(onDial(82.5 - reach, angle), 10), Qt::AlignHCenter, number, 7.5, QFont::DemiBold,
@@ -130,7 +130,7 @@ void movePainter(Canvas& canvas, ShapeArguments& arguments) {
     canvas.painter().translate(x, arguments.number());
 }
 
-// "ghost" is the look of an instrument that isn't running: the window's ground shows it.
+// "ghost": an instrument that isn't running, painted on the window's background.
 bool readLit(ShapeArguments& arguments) {
     return arguments.word() == QLatin1String("lit");
 }
@@ -147,15 +147,14 @@ void paintArrow(Canvas& canvas, QPointF from, QPointF to, const QColor& color, c
                 canvas.color("textBright"));
 }
 
-// A dot of land on the globe: its place on the disc of radius 1, y down, and how much it faces the eye, 0
-// to 1.
+// A dot of land on the globe: its position on the disc of radius 1, y down, and how much it faces the viewer,
+// 0 to 1.
 struct EarthDot {
     QPointF place;
     double facing;
 };
 
-// The land seen from far above the Yellow Sea, in dots of equal distance on the sphere (orthographic
-// projection).
+// The land seen from far above the Yellow Sea, in dots evenly spaced on the sphere (orthographic projection).
 QList<EarthDot> visibleLand(const QList<QPolygonF>& land) {
     constexpr double kStep = 4.5;
     constexpr double kEyeEast = 118;
@@ -258,7 +257,7 @@ void paintLamp(Canvas& canvas, ShapeArguments& arguments) {
     paintLampLens(canvas, true);
 }
 
-// cursor: the flag at the head of the progress line, whose staff is the picture's first column
+// cursor: the flag on top of the progress line, which is the picture's first column
 void paintCursor(Canvas& canvas, ShapeArguments&) {
     QPainterPath flag;
     flag.addPolygon(QPolygonF{{0, 0}, {10, 0}, {10, 6}, {0, 12}});

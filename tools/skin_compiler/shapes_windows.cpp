@@ -1,7 +1,7 @@
 #include "land.h"
 #include "shapes.h"
 
-// What the settings windows are made of: title bars, panels, places for marks, scales, and the world.
+// The parts of the settings windows: title bars, panels, sockets for marks, scales, and the world.
 namespace ql240::skin {
 namespace {
 
@@ -16,7 +16,7 @@ void paintSocketAt(Canvas& canvas, QPointF corner) {
 
 } // namespace
 
-// window BAR: the ground of a whole window, with a title bar of that height
+// window BAR: a window's background, with a title bar of that height
 void paintWindow(Canvas& canvas, ShapeArguments& arguments) {
     const double bar = arguments.number();
     const double width = canvas.size().width();
@@ -26,21 +26,21 @@ void paintWindow(Canvas& canvas, ShapeArguments& arguments) {
     canvas.outline(QRectF({}, canvas.size()), 0, canvas.color("line"));
 }
 
-// panel X Y W H: a plate that holds what belongs together
+// panel X Y W H: a plate behind a group of rows
 void paintPanel(Canvas& canvas, ShapeArguments& arguments) {
     const QRectF rect = arguments.rect();
     canvas.fill(rect, kRadius, canvas.color("panel"));
     canvas.outline(rect, kRadius, canvas.color("line"));
 }
 
-// heading X Y W H: the band of a section's title
+// heading X Y W H: the band behind a section's title
 void paintHeading(Canvas& canvas, ShapeArguments& arguments) {
     const QRectF rect = arguments.rect();
     canvas.shade(rect, kRadius / 2, canvas.color("keyTop"), canvas.color("key"));
     canvas.fill(QRectF(rect.topLeft(), QSizeF(3, rect.height())), 0, canvas.color("accent"));
 }
 
-// sockets Y X…: places for marks, given by the marks' top left corners
+// sockets Y X…: sockets for marks, given by the marks' top left corners
 void paintSockets(Canvas& canvas, ShapeArguments& arguments) {
     const double y = arguments.number();
     do {
@@ -48,7 +48,7 @@ void paintSockets(Canvas& canvas, ShapeArguments& arguments) {
     } while (!arguments.atEnd());
 }
 
-// scale Y X LABEL…: places for marks, given by their centres, on a common groove, each under its tick and
+// scale Y X LABEL…: sockets for marks, given by their centres, on a common groove, each below its tick and
 // label
 void paintScale(Canvas& canvas, ShapeArguments& arguments) {
     const double y = arguments.number();
@@ -67,7 +67,7 @@ void paintScale(Canvas& canvas, ShapeArguments& arguments) {
     }
 }
 
-// mark on|off: what is put into a place for marks; "off" for a choice that can't be made
+// mark on|off: the mark in a socket; "off" for a choice that can't be made
 void paintMark(Canvas& canvas, ShapeArguments& arguments) {
     const QRectF ring = QRectF({0, 0}, kMark).adjusted(1, 1, -1, -1);
     if (arguments.word() == QLatin1String("on")) {
@@ -96,7 +96,8 @@ void paintTickBox(Canvas& canvas, ShapeArguments& arguments) {
         canvas.outline(box, kRadius / 2, canvas.color("ring"), 1.2);
 }
 
-// world X Y SCALE SPACING: the land as dots around longitude and latitude 0 at (X, Y), SCALE pixels a degree
+// world X Y SCALE SPACING: the land as dots, with longitude and latitude 0 at (X, Y) and SCALE pixels per
+// degree
 void paintWorld(Canvas& canvas, ShapeArguments& arguments) {
     const double x = arguments.number();
     const QPointF origin(x, arguments.number());

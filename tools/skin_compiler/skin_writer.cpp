@@ -15,8 +15,8 @@ namespace {
 
 constexpr qsizetype kLargestPalette = 256;
 
-// The same pixels in the form that is read fastest: with a palette where the colours are few (a window's
-// background has some 70), else without alpha where it is opaque.
+// The same pixels in the format that loads fastest: with a palette if there are few colours (a window's
+// background has some 70), otherwise without alpha if it is opaque.
 QImage quickToRead(const QImage& image) {
     const QImage plain = image.convertToFormat(QImage::Format_ARGB32);
     QImage indexed(plain.size(), QImage::Format_Indexed8);
@@ -50,7 +50,7 @@ QByteArray pngBytes(const QImage& image) {
     return bytes;
 }
 
-// An icon file that holds one PNG: a directory of one entry of 16 bytes after a header of 6.
+// An icon file with one PNG: a header of 6 bytes, then a directory with one entry of 16 bytes.
 QByteArray icoBytes(const QImage& image) {
     const QByteArray png = pngBytes(image);
     QByteArray bytes;

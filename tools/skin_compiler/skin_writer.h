@@ -1,4 +1,4 @@
-// Renders the pictures of a table and writes them with the list from which the resource compiler packs them.
+// Renders the pictures of a table and writes them with the resource file that lists them.
 #pragma once
 
 #include <QDir>
@@ -8,13 +8,13 @@
 
 namespace ql240::skin {
 
-// The picture at `scale` device pixels for a logical one. On a mistake in the table the image is null and
-// `error` tells it.
+// The picture at `scale` device pixels per logical pixel. If the table has an error the image is null and
+// `error` describes it.
 QImage renderPicture(const Picture& picture, const Palette& palette, const QString& sourceFolder, int scale,
                      QString& error);
 
-// Writes every picture at 1× and, but for icons, at 2× ("name@2x.png") below `output`/gfx_r, and
-// `output`/skin.qrc. False and `error` at the first failure.
+// Writes every picture at 1× and, except icons, at 2× ("name@2x.png") below `output`/gfx_r, and
+// `output`/skin.qrc. Stops at the first failure with false and `error`.
 bool writeSkin(const PictureTable& table, const QString& sourceFolder, const QDir& output, QString& error);
 
 } // namespace ql240::skin

@@ -9,7 +9,7 @@ namespace ql240::skin {
 namespace {
 
 const QRegularExpression& token() {
-    // Comments, raw strings, strings, characters; whatever a comment says names nothing.
+    // Comments, raw strings, strings, characters. Comments are matched so that their words count as no names.
     static const QRegularExpression expression(
         QStringLiteral(
             R"re(//[^\n]*|/\*.*?\*/|R"(\w*)\((.*?)\)\1"|"((?:[^"\\\n]|\\.)*)"|'(?:[^'\\\n]|\\.)')re"),
@@ -17,14 +17,14 @@ const QRegularExpression& token() {
     return expression;
 }
 
-// A literal reduced to the name that the table uses: "2012/" and ".png" are understood.
+// A literal reduced to the table's name, without "2012/" and ".png".
 QString pictureName(QString text) {
     static const QRegularExpression prefix(QStringLiteral("^:?/?(gfx_r/)?(2012/)?"));
     text.remove(prefix);
     return text.endsWith(QLatin1String(".png")) ? text.chopped(4) : text;
 }
 
-// Names of the skin's own shape, wherever they stand: the stems of keys and the grounds of windows.
+// Names with the skin's own patterns, wherever they occur: prefixes of keys and backgrounds of windows.
 bool hasSkinShape(const QString& text) {
     static const QRegularExpression shape(QStringLiteral("^([a-z][a-z0-9_]*_|[A-Za-z][A-Za-z0-9_]*_bg)$"));
     return shape.match(text).hasMatch();
@@ -78,7 +78,7 @@ UsageReport checkUsage(const PictureTable& table, const NamedPictures& named) {
     for (const QString& name : named.required) {
         const bool known = std::any_of(pictures.begin(), pictures.end(),
                                        [&](const Picture& picture) { return isAskedFor(picture, name); });
-        // The folders of the resource paths are no pictures.
+        // The folders in resource paths are not pictures.
         if (!known && !name.isEmpty() && !name.endsWith(QLatin1Char('/')))
             report.missing << name;
     }

@@ -1,8 +1,8 @@
 // Compares the table with the program's sources: every picture that the code names must be in the table, and
-// every picture of the table must be named by the code.
+// every picture in the table must be named by the code.
 //
 // The code names a picture in a string literal: by its resource path, by its name alone ("check",
-// "shock_bg"), by the stem of a table line "buttons" ("play_"), or by a pattern whose %1 stands for a number
+// "shock_bg"), by the prefix of a "buttons" line ("play_"), or by a pattern whose %1 stands for a number
 // ("s%1").
 #pragma once
 
@@ -13,14 +13,14 @@
 namespace ql240::skin {
 
 struct UsageReport {
-    QStringList missing; // named by the code or as asked for outside, not in the table
-    QStringList unused;  // in the table, named nowhere
+    QStringList missing; // named by the code or declared "outside", not in the table
+    QStringList unused;  // in the table, not named anywhere
 };
 
-// What one source text says, comments left out.
+// The string literals of one source text, without its comments.
 struct NamedPictures {
     QStringList mentioned; // every string literal
-    QStringList required;  // those of them that can mean nothing but a picture
+    QStringList required;  // those that can only be pictures
 };
 
 NamedPictures namedPictures(const QString& source);

@@ -47,7 +47,7 @@ bool matches(const Codec& codec, const GstStructure* stream) {
            (gst_structure_get_int(stream, "mpegversion", &version) && version == codec.mpegVersion);
 }
 
-// As GStreamer writes them.
+// In GStreamer's notation.
 QString textOf(const GstCaps* caps) {
     const std::unique_ptr<gchar, decltype(&g_free)> text(gst_caps_to_string(caps), g_free);
     return QString::fromUtf8(text.get());

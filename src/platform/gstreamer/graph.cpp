@@ -33,7 +33,7 @@ Graph::Graph() : m_pipeline(GST_ELEMENT(gst_object_ref_sink(gst_pipeline_new(nul
 // The threads end before anything that they call goes.
 Graph::~Graph() {
     gst_bus_set_sync_handler(m_bus.get(), nullptr, nullptr, nullptr);
-    while (takeMessage()) { // for the log, which an open that failed has told nothing yet
+    while (takeMessage()) { // log the messages that a failed open has left
     }
     for (const auto& filter : m_filters) {
         if (auto* splitter = dynamic_cast<Splitter*>(filter.get()))

@@ -1,11 +1,11 @@
-// GStreamer's own words in the program's log. Any thread.
+// Logs GStreamer's own messages. Any thread.
 #pragma once
 
 #include <gst/gst.h>
 
 namespace ql240::gstreamer {
 
-// An error's text and debug string; says nothing of other messages. `whose` is the pipeline's use.
+// Logs an error's text and debug string; ignores other messages. `whose` says what the pipeline is for.
 void logError(const char* whose, GstMessage* message);
 
 } // namespace ql240::gstreamer

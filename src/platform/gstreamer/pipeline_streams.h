@@ -34,7 +34,7 @@ private:
     const Splitter& m_splitter;
     std::vector<FrameClipper*> m_clippers;
     std::int64_t m_sought = 0; // where the last seek led
-    double m_rate = 1.0;       // and how fast it goes on from there
+    double m_rate = 1.0;       // playback rate from there on
 };
 
 } // namespace ql240::gstreamer

@@ -21,7 +21,7 @@ public:
     virtual std::int64_t duration() const = 0;
     // None while the streams don't know it.
     virtual std::optional<std::int64_t> position() const = 0;
-    // After setRunning(false): where time stopped, which is known before the streams have stopped with it.
+    // After setRunning(false): where the clock was stopped, which is known before the streams have stopped.
     virtual std::int64_t stoppedAt() const = 0;
 
     // Playing, or paused. `settled`: nothing else is awaited.

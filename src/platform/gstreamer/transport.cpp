@@ -100,9 +100,8 @@ void Transport::stand() {
     m_current.reset();
 }
 
-// Whether the streams stand elsewhere than at the position, so that a seek has to bring them there: to play
-// on from the picture that is seen, or, where decoding is slower than time goes on, to see the picture of a
-// pause.
+// Whether the streams are not at the position, so that a seek is needed: to resume from the visible picture,
+// or, where decoding is slower than real time, to show the picture at the paused position.
 bool Transport::isElsewhere() const {
     switch (m_phase) {
         case Phase::Stuck:
@@ -180,7 +179,7 @@ void Transport::arrived(std::uint32_t number) {
     settle();
 }
 
-// One line for each state change, seek and move, once it is known what became of it.
+// Logs each state change, seek and move with its outcome.
 void Transport::report(const char* outcome) const {
     Q_ASSERT(isInFlight());
     constexpr std::array kNames{"state change at", "seek to", "seek for the last pictures at", "move to"};

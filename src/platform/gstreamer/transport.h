@@ -79,7 +79,7 @@ private:
     std::optional<std::int64_t> m_waiting; // for what is in flight
     mutable std::int64_t m_last = 0;       // for when the streams don't know
     QTimer m_patience;                     // for what is in flight
-    QElapsedTimer m_sent;                  // when that was sent
+    QElapsedTimer m_sent;                  // since it was sent
 };
 
 } // namespace ql240::gstreamer

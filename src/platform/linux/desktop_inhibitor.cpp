@@ -20,14 +20,14 @@ constexpr BusService kPowerManagement{"org.freedesktop.PowerManagement",
 constexpr BusService kLogin{"org.freedesktop.login1", "/org/freedesktop/login1",
                             "org.freedesktop.login1.Manager"};
 
-// Starts no service that doesn't run.
+// Doesn't start a service that isn't running.
 QDBusMessage call(const BusService& service, const char* method, const QVariantList& arguments) {
     QDBusMessage message = busCall(service, method, arguments);
     message.setAutoStartService(false);
     return message;
 }
 
-// A connection that nothing waits for.
+// A connection that is opened without blocking.
 QDBusConnection joinedBus(const QString& address, const QString& name) {
     QDBusConnection bus(name);
     if (bus.isConnected() || address.isEmpty())
@@ -39,7 +39,7 @@ QDBusConnection joinedBus(const QString& address, const QString& name) {
     return bus;
 }
 
-// One request to one service. Deletes itself once it is let go and the service has answered.
+// One request to one service. Deletes itself once it was released and the service has answered.
 class Inhibition : public QObject {
 public:
     Inhibition(const QDBusConnection& bus, const BusService& service, const QVariantList& arguments)
@@ -65,7 +65,7 @@ private:
             end();
     }
 
-    // A file descriptor is let go by closing it, a number by giving it back.
+    // A file descriptor is released by closing it, a cookie by passing it to UnInhibit.
     void end() {
         if (m_held.userType() == QMetaType::UInt)
             m_bus.send(call(m_service, "UnInhibit", {m_held}));

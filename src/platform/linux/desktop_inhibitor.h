@@ -1,6 +1,6 @@
-// Keeps the desktop awake over D-Bus: its screen saver and power services on the session bus, and the
-// system's own sleep when idle. A sleep that the user asks for, by the lid or a menu, is not held off.
-// Nothing is waited for; what has not answered when it is let go is let go when it answers.
+// Keeps the desktop awake over D-Bus: inhibits its screen saver and power management on the session bus, and
+// the system's idle sleep. Sleep requested by the user, by the lid or a menu, is not inhibited. No call
+// blocks; a request released before its answer has come is undone when it comes.
 #pragma once
 
 #include "platform/inhibitor.h"

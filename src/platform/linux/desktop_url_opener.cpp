@@ -8,7 +8,7 @@
 namespace ql240 {
 
 bool DesktopUrlOpener::openUrl(const QString& address) {
-    // Anything else the desktop would hand to some other program.
+    // The desktop would open any other scheme in some other program.
     const QUrl url(address, QUrl::StrictMode);
     const bool isWeb = url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
     const bool opened = isWeb && !url.host().isEmpty() && QDesktopServices::openUrl(url);

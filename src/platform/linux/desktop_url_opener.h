@@ -1,4 +1,4 @@
-// Addresses shown by whatever the desktop has for them.
+// Opens addresses in the desktop's default browser.
 #pragma once
 
 #include "platform/url_opener.h"

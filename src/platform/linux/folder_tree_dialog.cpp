@@ -27,7 +27,7 @@ QString pathOf(const QTreeWidgetItem* item) {
     return item ? item->data(0, kPathRole).toString() : QString();
 }
 
-// Volumes that a user puts in, in contrast to what the system mounts for itself.
+// Volumes that a user has inserted, as opposed to the system's own mounts.
 bool isUsersVolume(const QStorageInfo& volume) {
     const QString root = volume.rootPath();
     for (const char* parent : {"/media/", "/run/media/", "/mnt/"}) {
@@ -37,7 +37,7 @@ bool isUsersVolume(const QStorageInfo& volume) {
     return false;
 }
 
-// May block, as everything below that reads.
+// May block, like every function below that reads the file system.
 Places usersVolumes() {
     Places places;
     for (const QStorageInfo& volume : QStorageInfo::mountedVolumes()) {
@@ -51,7 +51,7 @@ QStringList foldersIn(const QString& path) {
     return QDir(path).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name | QDir::IgnoreCase);
 }
 
-// The folders beside every step of the way from a folder down; empty if it doesn't end at a folder.
+// The subfolders at every level from `path` down along `way`; empty if that doesn't lead to a folder.
 QList<QStringList> levelsOfWay(QString path, const QStringList& way) {
     const QString end = QDir(path).filePath(way.join(QLatin1Char('/')));
     QList<QStringList> levels;
@@ -74,7 +74,7 @@ QTreeWidgetItem* makeItem(const QString& name, const QString& path, const QIcon&
     item->setIcon(0, icon);
     item->setToolTip(0, hoverText(path));
     item->setData(0, kPathRole, path);
-    // Whether there is anything inside is seen when it is opened.
+    // Whether it has subfolders is found out when it is expanded.
     item->setChildIndicatorPolicy(QTreeWidgetItem::ShowIndicator);
     return item;
 }
@@ -154,7 +154,7 @@ void FolderTreeDialog::fill(QTreeWidgetItem* item, const QStringList& names) {
     item->setChildIndicatorPolicy(QTreeWidgetItem::DontShowIndicatorWhenChildless);
 }
 
-// The place that leads to the path on the shortest way.
+// The top-level item that is closest to the path.
 QTreeWidgetItem* FolderTreeDialog::placeAbove(const QString& path) const {
     QTreeWidgetItem* best = nullptr;
     for (int i = 0; i < m_tree->topLevelItemCount(); ++i) {
@@ -165,7 +165,7 @@ QTreeWidgetItem* FolderTreeDialog::placeAbove(const QString& path) const {
     return best;
 }
 
-// A hidden folder is listed from the moment on when it is asked for.
+// Hidden folders aren't listed until they are asked for by name.
 QTreeWidgetItem* FolderTreeDialog::childNamed(QTreeWidgetItem* item, const QString& name) {
     const QString path = QDir(pathOf(item)).filePath(name);
     for (int i = 0; i < item->childCount(); ++i) {
@@ -200,7 +200,7 @@ void FolderTreeDialog::select(QTreeWidgetItem* item, const QStringList& way,
     }
     m_tree->setCurrentItem(item);
     m_path->setText(shownText(selectedPath()));
-    layout()->activate(); // before it is shown too, the tree has the height in which the folder is to be seen
+    layout()->activate(); // before the dialog is shown, the tree gets its height only here
     m_tree->scrollToItem(item, QAbstractItemView::PositionAtCenter);
 }
 
@@ -213,7 +213,7 @@ QString FolderTreeDialog::selectedPath() const {
 }
 
 void FolderTreeDialog::currentChanged(QTreeWidgetItem*, QTreeWidgetItem* before) {
-    // The first one is made current by the focus alone.
+    // The first item becomes current merely by the tree getting the focus.
     if (before)
         m_selection.forget();
     m_path->setText(shownText(selectedPath()));
@@ -234,7 +234,7 @@ void FolderTreeDialog::takeTypedPath() {
     m_selection.wait(waits::kTreeFolder);
 }
 
-// A folder becomes the selection; anything else is what the caller wants of it.
+// Selects a folder; for anything else the caller decides.
 void FolderTreeDialog::takeTypedPath(const QString& typed, bool isFolder) {
     if (isFolder) {
         setSelection(typed);
@@ -254,7 +254,7 @@ void FolderTreeDialog::accept() {
 
 void FolderTreeDialog::keyPressEvent(QKeyEvent* event) {
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    // OK may be disabled for the folder selected and still be right for the one typed.
+    // OK may be disabled for the selected folder although the typed path is valid.
     if (enter && focusWidget() == m_path && isPathEdited())
         takeTypedPath();
     else

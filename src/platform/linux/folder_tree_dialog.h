@@ -1,7 +1,7 @@
-// A dialog with a tree of folders, which begins with the places where cards and recordings are found, and the
-// path as editable text. Folders are read when they are opened, so that a large or slow neighbour costs
-// nothing, and off the interface thread: what a slow one holds appears when it has answered. Who runs the
-// dialog says through the callback what may be chosen. Interface thread only.
+// A dialog with a tree of folders, starting from the places where cards and recordings are usually found, and
+// the path as editable text. Folders are read when they are expanded, and off the interface thread: the
+// contents of a slow folder appear once they have been read. The caller decides through the callback what can
+// be chosen. Interface thread only.
 #pragma once
 
 #include <QDialog>
@@ -21,14 +21,14 @@ class FolderTreeDialog : public QDialog, public FolderDialog {
 public:
     FolderTreeDialog(QWidget* owner, FolderCallback callback);
 
-    // Nothing changes for a path that is no folder. A slow folder is selected when it has answered, unless
-    // another was asked for or made meanwhile, or a path typed.
+    // Ignored unless `path` is a folder. A slow folder is selected once it has answered, unless another
+    // selection was made or a path typed in the meantime.
     void setSelection(const QString& path) override;
     void enableOk(bool enabled) override;
 
     QString selectedPath() const;
 
-    // A path typed and not yet looked at goes before the one selected.
+    // A typed path not checked yet takes precedence over the selected folder.
     void accept() override;
 
 protected:
@@ -49,8 +49,8 @@ private:
     void takeTypedPath(const QString& typed, bool isFolder);
 
     FolderCallback m_callback;
-    BackgroundJobs m_readers;   // of folders opened, and of the volumes
-    BackgroundJobs m_selection; // the last one asked for
+    BackgroundJobs m_readers;   // read expanded folders, and the volumes
+    BackgroundJobs m_selection; // the last selection asked for
     QTreeWidget* m_tree;
     QLineEdit* m_path;
     QDialogButtonBox* m_buttons;

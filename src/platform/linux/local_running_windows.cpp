@@ -11,7 +11,7 @@
 namespace ql240 {
 namespace {
 
-// Wayland desktops give the first, X11 desktops the second.
+// Set by Wayland and by X11 desktops respectively.
 constexpr const char* kTokenVariables[] = {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"};
 
 } // namespace
@@ -52,7 +52,7 @@ std::shared_ptr<WindowServer> LocalRunningWindows::announceWindow(const QString&
 
 void LocalRunningWindows::activate(QWindow& window, const QByteArray& token) {
     const QString platform = QGuiApplication::platformName();
-    // Qt's Wayland side takes the token of its next activation from here.
+    // Qt's Wayland plugin reads the token for its next activation from here.
     if (!token.isEmpty() && platform.startsWith(QLatin1String("wayland")))
         qputenv(kTokenVariables[0], token);
     window.requestActivate();

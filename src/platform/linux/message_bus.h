@@ -1,6 +1,5 @@
-// Message buses, joined without waiting where nobody may wait: a connection is opened as to a peer and says
-// hello itself, since joining in the usual way blocks until the bus answers, and gives up after 25 s. Any
-// thread.
+// D-Bus connections that don't block: opened with connectToPeer(), after which the caller sends Hello itself,
+// because connectToBus() blocks until the bus answers and gives up after 25 s. Any thread.
 #pragma once
 
 #include <QDBusMessage>
@@ -16,10 +15,10 @@ struct BusService {
 
 QDBusMessage busCall(const BusService& service, const char* method, const QVariantList& arguments = {});
 
-// What a peer has to say first.
+// The message that a new connection has to send first.
 QDBusMessage busHello();
 
-// As the environment has them, or where they usually are; the session's is empty where there is none.
+// From the environment, or the usual address; the session bus's is empty if there is none.
 QString sessionBusAddress();
 QString systemBusAddress();
 

@@ -1,5 +1,5 @@
-// The folder dialog of a Linux desktop. The desktops' own dialogs can't forbid a choice while they are open,
-// so this one is drawn here: places at the left, the tree of folders, the path as text.
+// The folder dialog on Linux. The desktops' own dialogs can't disable OK while they are open, so this one is
+// our own: a tree of folders, and the path as text.
 #pragma once
 
 #include "platform/folder_dialogs.h"

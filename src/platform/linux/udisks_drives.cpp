@@ -17,13 +17,13 @@
 namespace ql240 {
 namespace {
 
-constexpr int kNoLimit = std::numeric_limits<int>::max(); // for the bus library, any less is a time in ms
+constexpr int kNoLimit = std::numeric_limits<int>::max(); // libdbus waits forever; smaller values are ms
 
 using Interfaces = QMap<QString, QVariantMap>;
 using ManagedObjects = QMap<QString, Interfaces>;
 
-// A connection of its own for each question: the shared one of the process would outlive a restarted bus. No
-// call gives up, since the bus or the service may wake late.
+// A new connection for each query: the process's shared one would outlive a restarted bus. No call times out,
+// since the bus or the service may answer late.
 class BusConnection {
 public:
     BusConnection()
@@ -84,14 +84,14 @@ ManagedObjects managedObjects(const QDBusMessage& reply) {
     return objects;
 }
 
-// The service's byte strings end in a NUL.
+// UDisks2 byte strings end in a NUL.
 QByteArray byteString(QByteArray bytes) {
     while (bytes.endsWith('\0'))
         bytes.chop(1);
     return bytes;
 }
 
-// The first mount point that is not the root folder (a card is never the system itself), without trailing
+// The first mount point other than the root folder (a card is never the system itself), without trailing
 // slash.
 QString mountPoint(const QVariant& value) {
     const auto argument = value.value<QDBusArgument>();
@@ -112,8 +112,8 @@ QString mountPoint(const QVariant& value) {
     return found;
 }
 
-// Whether the drive takes cards or is a stick, which often has its medium down as one that stays in. That the
-// drive itself can be unplugged says little: so can a hard disk at the USB port.
+// Whether the drive takes cards or is a USB stick; many sticks report their medium as not removable. Whether
+// the drive itself can be unplugged says little: so can a USB hard disk.
 bool isRemovable(const Interfaces& drive) {
     const QVariantMap properties = drive.value(QStringLiteral("org.freedesktop.UDisks2.Drive"));
     QStringList media = properties.value(QStringLiteral("MediaCompatibility")).toStringList();

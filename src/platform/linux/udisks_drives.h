@@ -1,4 +1,4 @@
-// Removable volumes over the UDisks2 service on the system bus (address from DBUS_SYSTEM_BUS_ADDRESS).
+// Removable volumes from UDisks2 on the system bus (address from DBUS_SYSTEM_BUS_ADDRESS).
 #pragma once
 
 #include "platform/drives.h"

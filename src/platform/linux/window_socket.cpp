@@ -40,7 +40,7 @@ bool belongsToUser(const UniqueFd& socket) {
     return getsockopt(socket.get(), SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 && peer.uid == geteuid();
 }
 
-// One accepted connection: lives until its line is handled, the peer hangs up, or its time is over.
+// One accepted connection: lives until its line is handled, the peer hangs up, or its time limit ends.
 class Client : public QObject {
 public:
     Client(UniqueFd socket, MessageHandler handler, QObject* parent)
@@ -75,7 +75,7 @@ private:
         if (space < 0 || !isNumber)
             return;
         m_handler(message, line.mid(space + 1));
-        // The sender may have given up waiting.
+        // The sender may have stopped waiting.
         (void)!send(m_socket.get(), "ok\n", 3, MSG_NOSIGNAL);
     }
 
@@ -95,7 +95,7 @@ WindowServer::WindowServer(QByteArray path, MessageHandler handler)
 }
 
 WindowServer::~WindowServer() {
-    // The lock goes last, so that nobody else's socket is removed.
+    // Unlink while the lock is still held, so that no other process's socket is removed.
     if (m_phase == Phase::Listening)
         unlink(m_path.constData());
 }
@@ -120,7 +120,7 @@ WindowServer::Phase WindowServer::lockPath() {
 }
 
 bool WindowServer::listenAt() {
-    // Whoever left a socket here is gone: the lock was free.
+    // A socket here is stale, because the lock was free.
     unlink(m_path.constData());
     sockaddr_un address;
     m_socket = newSocket();

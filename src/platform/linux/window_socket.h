@@ -1,4 +1,4 @@
-// The two ends of the socket behind one announced window title. Interface thread only.
+// Server and client of the socket behind one announced window title. Interface thread only.
 #pragma once
 
 #include <QByteArray>
@@ -13,11 +13,10 @@
 
 namespace ql240 {
 
-// What arrives at an announced window: the message, and the desktop's activation token, empty where there is
-// none.
+// Called with the message and the desktop's activation token, which is empty if there is none.
 using MessageHandler = std::function<void(int message, const QByteArray& activationToken)>;
 
-// The announcing end: listens at `path` until it is destroyed; where another does, it waits for its turn.
+// The server: listens at `path` until it is destroyed. While another process does, it retries.
 class WindowServer : public QObject {
     Q_OBJECT
 public:
@@ -43,17 +42,17 @@ private:
     std::unique_ptr<QSocketNotifier> m_notifier;
 };
 
-// The finding end: a connection to the process that announced the window.
+// The client: a connection to the process that announced the window.
 class RunningWindow {
 public:
-    // Not valid when nobody listens at `path`, or somebody else than this user.
+    // Invalid when no process listens at `path`, or one of another user.
     static UniqueFd connectTo(const QByteArray& path);
 
     RunningWindow(UniqueFd socket, QByteArray token)
         : m_socket(std::move(socket)), m_token(std::move(token)) {}
 
-    // Returns when the window has handled the message, at the latest after a bounded wait for a window that
-    // hangs. The desktop's permission for this process to take the focus goes with it.
+    // Returns when the window has handled the message, or after a time limit if it hangs. Also passes on this
+    // process's permission to take the focus.
     void sendMessage(int message) const;
 
 private:

@@ -1,5 +1,5 @@
-// Focus for a window on an X11 desktop, asked for in the name of a user's action that another process took
-// part in. Interface thread only.
+// Activates a window on an X11 desktop on behalf of a user action that another process received. Interface
+// thread only.
 #pragma once
 
 #include <QByteArray>
@@ -9,12 +9,11 @@ class QWindow;
 
 namespace ql240 {
 
-// The X server's time of the action that a start-up identifier stands for, which it ends with: "…_TIME4711".
-// 0 where it says none.
+// The X server time at the end of a start-up identifier, as in "…_TIME4711"; 0 if it has none.
 std::uint32_t timeOfStartUpId(const QByteArray& id);
 
-// Has the window manager make the window active, as of that action: by the time of this process's own last
-// input it would refuse, since the user has been active elsewhere since. Only under the platform "xcb".
+// Asks the window manager to activate the window, with the time of that action. With this process's own last
+// input time it would refuse, because the user has been active elsewhere since. Only on the platform "xcb".
 void activateOnX11(const QWindow& window, std::uint32_t time);
 
 } // namespace ql240

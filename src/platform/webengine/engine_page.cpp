@@ -10,7 +10,7 @@ namespace ql240 {
 
 namespace {
 
-// Keeps the page where it is: links go to the owner, new windows nowhere, script messages into the log.
+// A page that can't navigate: links go to the owner, new windows are refused, console messages are logged.
 class FixedPage final : public QWebEnginePage {
 public:
     FixedPage(QWebEngineProfile* profile, QObject* parent, std::function<void(const QUrl&)> linkClicked)
@@ -34,7 +34,7 @@ private:
     std::function<void(const QUrl&)> m_linkClicked;
 };
 
-// Nothing that a map doesn't need.
+// Turns off whatever a map doesn't need.
 void restrict(QWebEngineSettings& settings) {
     for (auto attribute :
          {QWebEngineSettings::AutoLoadIconsForPage, QWebEngineSettings::ErrorPageEnabled,

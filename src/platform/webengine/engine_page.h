@@ -1,4 +1,4 @@
-// One web page and its view over Qt WebEngine. Interface thread; owned by the one it was made for.
+// One web page and its view in Qt WebEngine. Interface thread; owned by the caller of createPage().
 #pragma once
 
 #include "platform/web_pages.h"

@@ -14,14 +14,13 @@ namespace {
 
 constexpr int kCacheBytes = 64 << 20;
 
-// Tile servers want to know who asks, and block what calls itself a browser without being one.
+// Tile servers require an identifying user agent and block fake browser names.
 constexpr char kUserAgent[] = "QL240-Viewer/" QL240_VERSION " (Linux desktop)";
 
 QtMessageHandler g_forward = nullptr;
 
-// While it starts, the engine tells how it is going to draw, and that it found no graphics driver, which it
-// was told to do without. Qt 6.8's asks for one by OpenGL, then by Vulkan. What a rule has switched on
-// passes.
+// Start-up messages about the choice of a renderer and the missing graphics driver, which was switched off on
+// purpose. Qt 6.8 tries OpenGL, then Vulkan. All other messages are passed on.
 bool isChatter(const QMessageLogContext& context, const QString& text) {
     constexpr std::array beginnings{
         "No suitable graphics backend found",
@@ -58,7 +57,7 @@ std::unique_ptr<QWebEngineProfile> makeProfile() {
 } // namespace
 
 EnginePages::EnginePages() {
-    // Drawing by the CPU costs a quarter less time and 15 to 25 MB less where there is no GPU, and a map of
+    // Drawing by the CPU takes a quarter less time and 15 to 25 MB less where there is no GPU, and a map of
     // this size never needs one.
     QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
     MapFiles::registerScheme();

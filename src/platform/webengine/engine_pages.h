@@ -1,5 +1,5 @@
-// The web engine as the map uses it: one profile with its cache on disk, our own files in place of a script
-// host.
+// The web engine for the map: one profile with its cache on disk; the map's files come from the program's
+// resources instead of a server.
 #pragma once
 
 #include "platform/web_pages.h"
@@ -21,7 +21,7 @@ public:
 private:
     MapFiles m_files;
     MapRequests m_requests;
-    std::unique_ptr<QWebEngineProfile> m_profile; // goes before the two that it points to
+    std::unique_ptr<QWebEngineProfile> m_profile; // destroyed before the two objects it points to
 };
 
 } // namespace ql240

@@ -1,7 +1,6 @@
-// Answers the page's requests for scripts, styles and data from the program's resources. The page names them
-// under an ordinary http host, which is redirected to a scheme of our own: the one arrangement in which
-// script elements, style sheets and fetch all work for a page given as text. Nothing listens on a port and
-// nothing can hang.
+// Answers the page's requests for scripts, styles and data from the program's resources. The page uses an
+// ordinary http host, which is redirected to a custom scheme: only with this arrangement do script elements,
+// style sheets and fetch all work for a page set as text. No port is opened, and no request can hang.
 #pragma once
 
 #include <QWebEngineUrlRequestInterceptor>
@@ -13,14 +12,14 @@ class MapFiles final : public QWebEngineUrlSchemeHandler {
 public:
     static QByteArray scheme();
 
-    // Once, before the first profile is made.
+    // Call once, before the first profile is created.
     static void registerScheme();
 
     void requestStarted(QWebEngineUrlRequestJob* job) override;
 };
 
-// Sends requests for our host to the scheme above; lets the script's own (for tiles) through and nothing
-// else: not even a picture, which the engine would decode whatever it is.
+// Redirects requests for our host to the scheme above. Otherwise allows only the script's own requests (for
+// tiles), not even images, which the engine would decode unchecked.
 class MapRequests final : public QWebEngineUrlRequestInterceptor {
 public:
     void setNetwork(bool allowed) { m_network = allowed; }

@@ -34,7 +34,7 @@ private:
 };
 
 struct CarModel {
-    const char *file, *kind; // kind: of side and cabin
+    const char *file, *kind; // kind: prefix of side and cabin
     unsigned colour;
     double size;
     float cabinFromBack; // m
@@ -93,7 +93,7 @@ WallCover coverOf(const QString& name, float lampLight) {
     return {wall, drawing.metres()};
 }
 
-// The value of a key, made at the first question for it.
+// The value of a key, created on first use.
 template <typename Map, typename Make>
 const auto& ensured(Map& map, const typename Map::key_type& key, Make make) {
     const auto found = map.find(key);

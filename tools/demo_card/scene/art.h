@@ -1,6 +1,6 @@
-// The drawings that scenes are put together from, in their own colours; the light is added when they are
-// painted. A name is a file of the folder art, or "file#part" for one element of it. Its pixels are the
-// file's units; what it leaves open (currentColor) is painted in the colour that is asked for.
+// The drawings that scenes are composed of, in their own colours; light is applied when they are painted. A
+// name is a file in the folder art, or "file#part" for one of its elements. One unit of the file is one
+// pixel; areas in currentColor are painted in the requested colour.
 #pragma once
 
 #include <map>
@@ -10,18 +10,19 @@
 
 namespace ql240::demo {
 
-// An upright picture. The elements "foot" and "light" of its drawing say where it stands and where it shines.
+// An upright picture. The elements "foot" and "light" of its drawing mark where it stands and where it
+// shines.
 struct Picture {
     Mipmap image;
     double foot = 0.5;     // of the width
     QPointF light{-1, -1}; // of width and height
 };
 
-// A car is put together from its body's nearest end, the cabin some way behind that, and its flank. All ends
-// have the car's width and height.
+// A car is composed of its body's nearest end, the cabin some distance behind that, and its side. Each end is
+// as wide and high as the car.
 struct CarArt {
     Picture back, braking, front;
-    std::optional<Picture> cabin; // none where the body is as high as the car
+    std::optional<Picture> cabin; // none if the body is as high as the car
     WallCover side;               // drives to the right
     float width, height, length;  // m
     float cabinFromBack;
@@ -32,7 +33,7 @@ class Art {
 public:
     const Picture& picture(const QString& name, Rgb colour = {});
     const CarArt& car(CarLook look);
-    // Its element "wall", as bright as the lamps leave it, with as much of its element "lit".
+    // The element "wall" at the brightness of the lamp light, with a matching part of the element "lit".
     const WallCover& cover(const QString& name, float lampLight);
 
 private:

@@ -7,7 +7,7 @@
 namespace ql240::demo {
 namespace {
 
-constexpr int kMargin = 40; // rows and columns that pitch and yaw may need
+constexpr int kMargin = 40; // spare rows and columns for pitch and yaw
 
 float smooth(float from, float to, float at) {
     const float x = std::clamp((at - from) / (to - from), 0.0f, 1.0f);

@@ -1,5 +1,5 @@
-// What is too far to move with the car: sky, clouds, sun, hills and skyline, painted once as a wide picture
-// that shifts with the heading.
+// What is too far away to move with the car: sky, clouds, sun, hills and skyline, painted once as a wide
+// picture that is shifted by the heading.
 #pragma once
 
 #include "demo_card/scene/art.h"
@@ -8,7 +8,7 @@ namespace ql240::demo {
 
 class Backdrop {
 public:
-    // headings: the range that the car turns through, in radians.
+    // headings: the range in which the car turns, in radians.
     Backdrop(const World& world, Art& art, QSize size, float focal, double lowestHeading,
              double highestHeading, bool backwards);
 
@@ -26,7 +26,7 @@ private:
     QImage m_picture;
     int m_horizon; // row in the picture
     float m_sun;   // column in the picture
-    float m_unit;  // pixels: the height of a camera's picture
+    float m_unit;  // a camera picture's height in pixels
 };
 
 } // namespace ql240::demo

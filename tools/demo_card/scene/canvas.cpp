@@ -7,9 +7,9 @@
 namespace ql240::demo {
 namespace {
 
-constexpr float kNearest = 0.35f; // metres; walls are cut there
+constexpr float kNearest = 0.35f; // metres; walls are clipped there
 
-// A shade in whole numbers: channel × times / 256 + plus.
+// A shade in fixed point: channel × times / 256 + plus.
 struct FixedShade {
     int times[3], plus[3];
     explicit FixedShade(const Shade& shade) {
@@ -100,7 +100,7 @@ void Canvas::span(int y, float x0, float x1, Rgb colour, float opacity) {
 struct Canvas::Column {
     int x;
     float top, bottom; // rows
-    float along, high; // metres: place along the wall, height of the wall
+    float along, high; // metres: position along the wall, height of the wall
     float texelsPerPixel;
     const WallCover* cover;
     FixedShade shade;
@@ -119,7 +119,7 @@ void Canvas::wallColumn(Column c) {
     const int first = std::max(0, static_cast<int>(std::floor(c.top)));
     const int end = std::min(height(), static_cast<int>(std::ceil(c.bottom)));
     const int stride = width();
-    // The cover hangs from the wall's foot, so that floors meet the ground.
+    // The cover is aligned with the wall's foot, so that its floors meet the ground.
     const float whole = c.high / coverHigh;
     const float offset = (std::ceil(whole) - whole) * static_cast<float>(size);
     const float step = perPixel / coverHigh * static_cast<float>(size);
@@ -154,7 +154,7 @@ void Canvas::wall(const Projection& projection, WallEnd a, WallEnd b, float bott
     const int end = std::min(width(), static_cast<int>(std::ceil(x1 - 0.5f)));
     const float texels =
         static_cast<float>(cover.turned.levelFor(0).height()) / static_cast<float>(cover.metres.width());
-    // 1 / depth and place / depth are linear over the columns.
+    // 1 / depth and along / depth are linear in the column.
     const float depthStep = (1 / b.forward - 1 / a.forward) / (x1 - x0);
     const float placeStep = (b.along / b.forward - a.along / a.forward) / (x1 - x0);
     for (int x = std::max(0, static_cast<int>(std::ceil(x0 - 0.5f))); x < end; ++x) {

@@ -1,5 +1,5 @@
-// The picture that a scene is painted into, and the few operations that do the painting: level spans for the
-// ground, upright walls in perspective, scaled pictures. All clip to the picture. One canvas a thread.
+// The picture that a scene is painted into, and its few operations: horizontal spans for the ground, upright
+// walls in perspective, scaled pictures. All clip to the picture. One canvas per thread.
 #pragma once
 
 #include <QImage>
@@ -10,29 +10,29 @@
 
 namespace ql240::demo {
 
-// A picture with its smaller versions, each half the size of the one before; premultiplied.
+// A picture with smaller versions of it, each half the size of the one before; premultiplied.
 class Mipmap {
 public:
     explicit Mipmap(const QImage& picture);
 
     double aspect() const { return static_cast<double>(m_levels[0].width()) / m_levels[0].height(); }
-    // The version in which a pixel of the screen takes at most about one pixel, if there is one that large.
+    // The version of which one pixel covers about one screen pixel or less, if there is one that large.
     const QImage& levelFor(double pixelsPerPixel) const;
 
 private:
     QList<QImage> m_levels;
 };
 
-// What covers a wall; repeats in both directions. Walls are drawn by columns, which lie in one piece in
-// memory because the picture is turned on its side.
+// A wall's texture; repeats in both directions. Walls are drawn in columns, so the picture is turned on its
+// side to keep a column contiguous in memory.
 struct WallCover {
     WallCover(const QImage& upright, QSizeF size)
         : turned(upright.transformed(QTransform(0, 1, 1, 0, 0, 0))), metres(size) {}
-    Mipmap turned; // x counts from the top, y along the wall
+    Mipmap turned; // x is the distance from the top, y along the wall
     QSizeF metres;
 };
 
-// One end of an upright wall segment in camera space: right and forward in metres, and its place along the
+// One end of an upright wall segment in camera space: right and forward in metres, and its position along the
 // cover.
 struct WallEnd {
     float right;
@@ -57,7 +57,7 @@ public:
     int width() const { return m_image.width(); }
     int height() const { return m_image.height(); }
 
-    // Pixels from x0 to x1 of a line, the ends by how much of them is covered.
+    // Pixels from x0 to x1 of a row; the end pixels are anti-aliased by coverage.
     void span(int y, float x0, float x1, Rgb colour, float opacity = 1);
     void wall(const Projection& projection, WallEnd a, WallEnd b, float bottom, float top,
               const WallCover& cover, const Shade& shade);

@@ -10,7 +10,7 @@ using Marks = QList<GroundMark>;
 
 constexpr Rgb kTubeLight{1.0f, 0.84f, 0.55f};
 
-// How much of from … to is covered by marks of the length `on` every `period`.
+// How much of from … to is covered by dashes of length `on` repeated every `period`.
 float dashCover(double from, double to, double period, double on) {
     const auto covered = [&](double at) {
         const double whole = std::floor(at / period);
@@ -19,11 +19,11 @@ float dashCover(double from, double to, double period, double on) {
     return static_cast<float>((covered(to) - covered(from)) / (to - from));
 }
 
-// One line of the picture and the strip of a level surface that it shows.
+// One row of the picture and the strip of level ground that it shows.
 struct Row {
     int y;
     float depth;
-    double from, to; // places along the road
+    double from, to; // distances along the road
     float perMetre;  // pixels, positive to the right as seen
     float middle;    // column of the road's middle
 
@@ -65,7 +65,7 @@ void paintMarks(Canvas& canvas, const Marks& marks, const Row& row, const Shade&
     }
 }
 
-// Water mirrors the low sky, and glitters below the sun.
+// Water reflects the lower sky, and glitters below the sun.
 void paintWater(Canvas& canvas, const Palette& palette, const Row& row, double time, float sunColumn) {
     const float near = std::clamp(12 / row.depth, 0.0f, 1.0f);
     row.fill(canvas, -1e4f, -12.6f, mix(palette.skyLow * 0.86f, palette.skyTop, 0.25f + 0.6f * near));

@@ -1,4 +1,4 @@
-// Paints everything that lies flat: the road with its markings, what is beside it, and a tunnel's ceiling.
+// Paints everything flat: the road with its markings, the ground beside it, and a tunnel's ceiling.
 #pragma once
 
 #include "demo_card/scene/road_view.h"
@@ -6,7 +6,7 @@
 
 namespace ql240::demo {
 
-// sunColumn: where the sun stands, for its trace on water.
+// sunColumn: the sun's column, for its reflection on water.
 void paintGround(Canvas& canvas, const World& world, const RoadView& view, double time, float sunColumn);
 void paintCeiling(Canvas& canvas, const World& world, const RoadView& view, double nearAhead,
                   double farAhead);

@@ -42,7 +42,7 @@ inline QColor toColor(Rgb c) {
     return QColor::fromRgb(toPixel(c));
 }
 
-// How a surface's own colour looks under a light, behind some haze.
+// How a surface's own colour looks in this light, through some haze.
 struct Shade {
     Rgb light{1, 1, 1};
     Rgb haze;

@@ -1,6 +1,6 @@
-// Where the road lies in a camera's picture at one moment: the camera, and the road's middle as a chain of
-// nodes in camera space. "Ahead" is the distance along the road in the direction of the view, "side" the
-// distance right of the road's middle as seen; for the rear camera both run against the drive.
+// Where the road is in a camera's picture at one moment: the camera, and the road's middle as a chain of
+// nodes in camera space. "Ahead" is the distance along the road in viewing direction, "side" the distance to
+// the right of the road's middle as seen; for the rear camera both are opposite to the drive's.
 #pragma once
 
 #include <QList>
@@ -17,7 +17,7 @@ public:
     struct Node {
         float ahead;
         float right, forward;
-        float sine, cosine; // of the road's direction against the view's
+        float sine, cosine; // of the road's direction relative to the view
     };
     struct Spot {
         float right, forward;
@@ -33,7 +33,7 @@ public:
     float viewSide(float side) const { return m_backwards ? -side : side; }
 
     Node nodeAt(double ahead) const;       // interpolated
-    Node nodeAtDepth(float forward) const; // beyond the last node the road goes straight on
+    Node nodeAtDepth(float forward) const; // beyond the last node the road continues straight
     Spot spot(double ahead, float side) const;
 
 private:

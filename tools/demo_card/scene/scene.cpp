@@ -37,7 +37,7 @@ QImage& Scene::paint(double time) {
     return m_canvas.image();
 }
 
-// length: what reaches on behind its nearest end, which may lie beside the camera.
+// length: extent beyond its nearest end, which may be beside the camera.
 void Scene::add(double ahead, double length, std::function<void()> paint) {
     if (ahead > -length && ahead < kReach)
         m_things.push_back({std::max(ahead, 0.01), std::move(paint)});
@@ -63,7 +63,7 @@ void Scene::gatherThings(double time) {
                      [](const Thing& a, const Thing& b) { return a.ahead < b.ahead; });
 }
 
-// From far to near, what covers what is decided by the order alone.
+// Painted from far to near, so the order alone decides what covers what.
 void Scene::paintSegment(double nearAhead, double farAhead) {
     const auto [from, to] = std::minmax({m_view->placeOf(nearAhead), m_view->placeOf(farAhead)});
     for (const Wall& wall : m_world.walls)
@@ -86,7 +86,7 @@ void Scene::paintWall(const Wall& wall, double nearAhead, double farAhead) {
     };
     const auto paint = [&](const WallEnd& a, const WallEnd& b, float light) {
         Shade shade = m_world.shadeAt(m_view->placeOf(from), from);
-        const bool lit = m_world.isNight() && wall.depth != 0; // the cover's own windows are
+        const bool lit = m_world.isNight() && wall.depth != 0; // covers have lit windows of their own
         shade.light = lit ? Rgb{light, light, light} : shade.light * light;
         m_canvas.wall(m_view->projection(), a, b, wall.bottom, wall.top,
                       m_art.cover(wall.cover, m_world.palette.lampLight), shade);
@@ -95,12 +95,12 @@ void Scene::paintWall(const Wall& wall, double nearAhead, double farAhead) {
         return end(ahead, wall.side, m_view->placeOf(ahead) - wall.from);
     };
     paint(along(from), along(std::min(farAhead, wallFar)), 1);
-    if (wall.depth != 0 && wallNear >= nearAhead && wallNear < farAhead) // looks away from the street's light
+    if (wall.depth != 0 && wallNear >= nearAhead && wallNear < farAhead) // faces away from the street's light
         paint(end(wallNear, wall.side, 0),
               end(wallNear, wall.side + wall.depth, static_cast<double>(std::abs(wall.depth))), 0.82f);
 }
 
-// The own headlights on the road.
+// The camera car's own headlights on the road.
 void Scene::paintBeams() {
     const double wide = m_canvas.width();
     const Rgb light = kBeam * kAsphalt * (0.7f * m_world.palette.lampLight);
@@ -114,7 +114,7 @@ void Scene::paintBeams() {
 void Scene::paintCockpit(const DriveState& state) {
     const QString name = m_backwards ? QStringLiteral("rear-window") : QStringLiteral("bonnet");
     const Picture& picture = m_art.picture(name, mix(m_world.palette.skyLow, hex(0x8090a0), 0.5f));
-    const int high = qRound(m_canvas.width() / picture.image.aspect()); // whole pixels aren't scaled
+    const int high = qRound(m_canvas.width() / picture.image.aspect()); // whole pixels need no scaling
     m_canvas.picture(picture.image, QRect(0, m_canvas.height() - high, m_canvas.width(), high),
                      {m_world.lightAt(state.distance), {}, 0});
 }

@@ -15,10 +15,10 @@ inline constexpr Rgb kBeam{1.0f, 0.94f, 0.80f};
 
 class Scene {
 public:
-    // drive and world must live as long as the scene.
+    // drive and world must outlive the scene.
     Scene(const Drive& drive, const World& world, QSize size, bool backwards);
 
-    // The picture at that time. Valid until the next.
+    // The picture at that time. Valid until the next call.
     QImage& paint(double time);
 
 private:
@@ -41,7 +41,7 @@ private:
     void paintBeams();
     void paintCockpit(const DriveState& state);
 
-    // Where an upright picture was painted.
+    // Returns where the upright picture was painted.
     QRectF paintUpright(const Picture& picture, const RoadView::Spot& spot, float bottom, float height,
                         const Shade& shade, bool mirrored = false);
     void paintGlow(QPointF middle, double radius, Rgb colour);
@@ -49,12 +49,12 @@ private:
     const Drive& m_drive;
     const World& m_world;
     bool m_backwards;
-    bool m_beams; // the own headlights are seen
+    bool m_beams; // the camera car's headlights are visible
     Canvas m_canvas;
     Art m_art;
     std::optional<Backdrop> m_backdrop;
-    std::optional<RoadView> m_view; // of the picture that is being painted
-    std::vector<Thing> m_things;    // in the view, the nearest first
+    std::optional<RoadView> m_view; // of the picture being painted
+    std::vector<Thing> m_things;    // in view, nearest first
 };
 
 } // namespace ql240::demo

@@ -9,7 +9,7 @@ namespace {
 constexpr Rgb kLampGlow{1.0f, 0.78f, 0.5f};
 constexpr Rgb kHeadGlow{1.0f, 0.97f, 0.88f};
 constexpr Rgb kTailGlow{1.0f, 0.10f, 0.06f};
-constexpr float kNearest = 0.6f; // metres; what is nearer can't be seen whole
+constexpr float kNearest = 0.6f; // metres; anything nearer can't be seen whole
 
 bool within(const QList<TimeSpan>& spans, double time) {
     return std::any_of(spans.begin(), spans.end(),
@@ -18,7 +18,7 @@ bool within(const QList<TimeSpan>& spans, double time) {
 
 } // namespace
 
-// With the own headlights on what stands ahead.
+// Adds the light of the car's own headlights on things ahead.
 Shade Scene::shadeAt(double place, const RoadView::Spot& spot) const {
     Shade shade = m_world.shadeAt(place, static_cast<double>(spot.forward));
     if (!m_beams)
@@ -73,7 +73,7 @@ void Scene::paintStanding(const Standing& standing, double place, double time) {
 
 void Scene::paintSignal(const Signal& signal, double time) {
     if (m_backwards)
-        return; // from behind there is nothing to see but the mast
+        return; // from behind only the mast is visible
     const RoadView::Spot spot = m_view->spot(m_view->aheadOf(signal.at), 10.2f);
     const QRectF area =
         paintUpright(m_art.picture(QStringLiteral("signal")), spot, 0, 7.4f, shadeAt(signal.at, spot));
@@ -85,7 +85,7 @@ void Scene::paintSignal(const Signal& signal, double time) {
         paintGlow(lamp, std::max(area.height() * radius, 4.0), glows[colour]);
 }
 
-// From far to near: the shadow, the flank that the camera sees, the cabin, the end.
+// From far to near: the shadow, the visible side, the cabin, the end.
 void Scene::paintVehicle(const Vehicle& vehicle, double place, double time) {
     const CarArt& art = m_art.car(vehicle.look);
     const Projection& p = m_view->projection();
@@ -118,7 +118,7 @@ void Scene::paintFlank(const CarArt& art, double nearAhead, float side, bool fro
     const auto end = [&](double ahead) {
         RoadView::Spot spot = m_view->spot(std::max(ahead, 0.0), side);
         spot.forward +=
-            static_cast<float>(std::min(ahead, 0.0)); // beside the camera the road is taken as straight
+            static_cast<float>(std::min(ahead, 0.0)); // beside the camera the road is treated as straight
         const double fromRear = front ? nearAhead + length - ahead : ahead - nearAhead;
         return WallEnd{spot.right, spot.forward,
                        static_cast<float>(std::clamp(fromRear, 0.01, length - 0.01))};

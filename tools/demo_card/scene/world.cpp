@@ -7,10 +7,10 @@
 namespace ql240::demo {
 namespace {
 
-constexpr double kBehind = -160; // worlds begin there, for the rear view
+constexpr double kBehind = -160; // start of every world, for the rear view
 constexpr double kAhead = 900;
 
-constexpr Rgb kTrack = hex(0x484b4f); // where the wheels run
+constexpr Rgb kTrack = hex(0x484b4f); // wheel tracks
 constexpr Rgb kWhite = hex(0xe6e7e4);
 constexpr Rgb kYellow = hex(0xe0ac2c);
 constexpr Rgb kPavement = hex(0x9a948a);
@@ -24,7 +24,7 @@ struct Dice {
     double operator()(double from, double to) { return from + (to - from) * hashNoise(seed, next++); }
 };
 
-// Seams and repaired patches: they make the speed visible.
+// Seams and repaired patches, which make the speed visible.
 void addWear(World& world, float half, Dice& dice) {
     for (double at = kBehind; at < kAhead; at += dice(9, 17))
         world.marks.append({at, at + 0.12, -half, half, kTrack * 0.75f, 0.55f});
@@ -63,7 +63,7 @@ World road(const Palette& palette, std::uint32_t seed, float lane, int lanes, Rg
     return world;
 }
 
-// The shadow of a crown with the sun low on the left, and of its trunk.
+// The shadows of a tree's crown and trunk, with the sun low on the left.
 void addTreeShadow(World& world, double at, float side, float height) {
     constexpr Rgb dark = hex(0x10141c);
     const float tip = side + height * (side > 0 ? 0.3f : 1.2f) - 2.6f;
@@ -108,7 +108,7 @@ void addZebra(World& world, double at, float half) {
         world.marks.append({at, at + 4, side, side + 0.5f, kWhite, 0.92f});
 }
 
-// Crossings, stop lines, and arrows before them.
+// Crossings and stop lines, with arrows before them.
 void addJunction(World& world, const TimeSpan& junction, float lane, int lanes) {
     const float half = lane * static_cast<float>(lanes);
     addZebra(world, junction.from - 5, half);
@@ -140,7 +140,7 @@ void addHouses(World& world, float side, Dice& dice, double lowest, double highe
         }
 }
 
-// The tunnel's face between two distances, with the mouth of the other tube beside ours.
+// The tunnel's face between two distances, with the portal of the other tube beside ours.
 void addPortal(World& world, double from, double to) {
     const Tunnel& tunnel = world.tunnel;
     const QString stone = QStringLiteral("stone");
@@ -167,7 +167,7 @@ Rgb World::lightAt(double at) const {
             pool += std::exp(-(at - lamp) * (at - lamp) / 81);
     const Rgb light =
         palette.light + kSodium * (palette.lampLight * 0.62f * std::min(static_cast<float>(pool), 1.0f));
-    // The daylight reaches a few metres into a tunnel; its lamps hang every 8 m.
+    // Daylight reaches a few metres into a tunnel; its lamps are 8 m apart.
     const double inside = std::min(at - tunnel.from, tunnel.to - at);
     const float depth = tunnel.to > 0 ? static_cast<float>(std::clamp(inside / 9 + 0.3, 0.0, 1.0)) : 0;
     const float wave = 0.88f + 0.12f * static_cast<float>(std::cos(at * std::numbers::pi / 4));

@@ -1,5 +1,5 @@
-// What stands and moves along a drive's road. Places are given as the distance along the road (m, from the
-// drive's start) and the side (m, right of the road's middle). Drawings are named as Art takes them.
+// What stands and moves along a drive's road. Positions are given as the distance along the road (m, from the
+// drive's start) and the side (m, right of the road's middle). Drawings are named as for Art.
 #pragma once
 
 #include <QList>
@@ -10,17 +10,17 @@
 
 namespace ql240::demo {
 
-// What the time of day does to a scene's colours.
+// How the time of day colours a scene.
 struct Palette {
     Rgb skyTop, skyMiddle, skyLow; // from the zenith to the horizon
     Rgb sun;                       // its glow in the sky
-    float sunHeight;               // over the horizon, in picture heights; below 0 it has set
+    float sunHeight;               // above the horizon, in picture heights; below 0 it has set
     Rgb cloud;
     float cloudiness; // 0 … 1
     Rgb ridge;        // the nearest hills; farther ones fade to the low sky
     Rgb haze;
-    float hazeDistance; // metres until two thirds are haze
-    Rgb light;          // on everything outside
+    float hazeDistance; // metres at which two thirds are haze
+    Rgb light;          // on everything outdoors
     float lampLight;    // how brightly street lamps, windows and headlights burn: 0
                         // … 1
     float shadows;      // how dark the trees' shadows are: 0 … 1
@@ -30,7 +30,7 @@ enum class CarLook { SilverSedan, BlackSedan, WhiteSuv, RedHatch, OrangeTaxi, Bl
 
 inline constexpr Rgb kAsphalt = hex(0x4d5054);
 
-struct Stripe { // without end along the road; lines stop at junctions
+struct Stripe { // infinite along the road; lines are interrupted at junctions
     enum class Kind { Ground, Line, Dashes };
     float left, right;
     Rgb colour;
@@ -105,12 +105,12 @@ struct World {
     bool isNight() const { return palette.lampLight > 0.5f; }
     bool inJunction(double at, double margin = 0) const;
     bool inTunnel(double at) const { return at >= tunnel.from && at < tunnel.to; }
-    // The light that falls on things there, from the sky or from lamps.
+    // The light on things at that distance, from the sky or from lamps.
     Rgb lightAt(double at) const;
     Shade shadeAt(double at, double distance) const;
 };
 
-// Roads to drive on, each for about 700 m, before traffic is added.
+// Roads, each for drives of about 700 m, without traffic.
 World avenueWorld(const Palette& palette, const QList<TimeSpan>& junctions, std::uint32_t seed);
 World tunnelWorld(const Palette& palette, double from, double to, std::uint32_t seed);
 World riverWorld(const Palette& palette, std::uint32_t seed);
