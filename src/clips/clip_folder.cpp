@@ -23,7 +23,7 @@ bool namedLikeRecording(const QString& fileName) {
 
 bool holdsRecordings(const QString& path) {
     QDirIterator entries(path, QDir::AllEntries | QDir::NoDotAndDotDot);
-    while (entries.hasNext()) {
+    for (int names = 0; names < limits::kClipFolderNames && entries.hasNext(); ++names) {
         entries.next();
         if (namedLikeRecording(entries.fileName()))
             return true;
@@ -31,12 +31,12 @@ bool holdsRecordings(const QString& path) {
     return false;
 }
 
-FolderListing listFolder(const QString& path, const std::atomic<bool>* cancelled) {
+FolderListing listFolder(const QString& path, const std::atomic<bool>* cancelled, int mostNames) {
     FolderListing listing{path, {}, false};
     if (path.isEmpty())
         return listing;
     QDirIterator entries(path, QDir::AllEntries | QDir::NoDotAndDotDot);
-    while (entries.hasNext() && !(cancelled && *cancelled)) {
+    for (int names = 0; names < mostNames && entries.hasNext() && !(cancelled && *cancelled); ++names) {
         entries.next();
         if (!namedLikeRecording(entries.fileName()))
             continue;

@@ -13,6 +13,8 @@
 #include <memory>
 #include <vector>
 
+#include "platform/limits.h"
+
 namespace ql240 {
 
 class Clip;
@@ -31,8 +33,9 @@ struct FolderListing {
 };
 
 // Reads a folder; an unreadable one gives an empty listing. Blocks for as long as the file system does; any
-// thread. Stops early and returns what it has when `cancelled` becomes true.
-FolderListing listFolder(const QString& path, const std::atomic<bool>* cancelled = nullptr);
+// thread. Stops early and returns what it has when `cancelled` becomes true or `mostNames` have been read.
+FolderListing listFolder(const QString& path, const std::atomic<bool>* cancelled = nullptr,
+                         int mostNames = limits::kClipFolderNames);
 
 class ClipFolder {
 public:

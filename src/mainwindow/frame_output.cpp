@@ -1,7 +1,10 @@
 #include "mainwindow/frame_output.h"
 
+#include <QFile>
 #include <QFileInfo>
+#include <QRandomGenerator>
 #include <algorithm>
+#include <cstdio>
 
 namespace ql240 {
 namespace {
@@ -30,10 +33,25 @@ QString secondSnapshotPath(const QString& path) {
     const qsizetype cut = suffix.isEmpty() ? path.size() : path.size() - suffix.size() - 1;
     for (int number = 2;; ++number) {
         const QString second = path.left(cut) + QStringLiteral("_%1").arg(number) + path.mid(cut);
-        // Saving through a dangling link would create the file that it points to.
+        // The target of a dangling link does not exist, but the name is taken.
         if (const QFileInfo file(second); !file.exists() && !file.isSymLink())
             return second;
     }
+}
+
+bool saveFrame(const QImage& frame, const QString& path) {
+    const QFileInfo target(path);
+    QFile aside(target.path() +
+                QStringLiteral("/.ql240-%1").arg(QRandomGenerator::global()->generate64(), 0, 36));
+    if (frame.isNull() || target.isDir() || !aside.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+        return false;
+    const bool written = frame.save(&aside, target.suffix().toLatin1().constData()) && aside.flush();
+    aside.close();
+    if (written && std::rename(QFile::encodeName(aside.fileName()).constData(),
+                               QFile::encodeName(path).constData()) == 0)
+        return true;
+    aside.remove();
+    return false;
 }
 
 std::array<QRect, 2> printPlaces(const QRect& page, const FramePair& frames, int count) {

@@ -55,9 +55,9 @@ void MainWindow::OnSlotssnapshot() {
         m_questions.warn(tr("QL240"), tr("Save File Cancelled"));
         return;
     }
-    frames[0].save(path);
+    saveFrame(frames[0], path);
     if (!frames[1].isNull())
-        frames[1].save(secondSnapshotPath(path));
+        saveFrame(frames[1], secondSnapshotPath(path));
 }
 
 void MainWindow::OnSlotsprint() {

@@ -16,6 +16,12 @@ inline constexpr std::int64_t kSettingFileBytes = 64 * 1024;
 // The maximum of a folder on a FAT volume.
 inline constexpr int kFolderEntries = 65536;
 
+// 200,000 names of a folder with clips: two terabytes hold 35,000 clips of a minute.
+inline constexpr int kClipFolderNames = 200'000;
+
+// Folders shown beneath one: nobody looks through more, and a path can be typed.
+inline constexpr int kTreeFolders = 5000;
+
 // --- Pictures and the pipeline ---
 
 // 64 Mi: the largest camera sensors have 9,248 x 6,944 pixels.
@@ -26,8 +32,18 @@ constexpr bool isPictureTooLarge(std::int64_t width, std::int64_t height) {
     return width < 0 || height < 0 || (height > 0 && width > kPicturePixels / height);
 }
 
-// 512 MiB: the highest levels of H.264 and H.265 need 267 MB of reference pictures, and a few more are on
-// display.
+// 16 MiB for one sample or index read at once: an uncompressed picture of 3,840 x 2,160 has 12 MB, the index
+// of three hours 15 MB.
+inline constexpr unsigned kPieceBytes = 16 * 1024 * 1024;
+
+// Compressed data that has not led to a picture: two samples of the largest size.
+inline constexpr std::size_t kPicturelessBytes = 2 * kPieceBytes;
+
+// Two of the longest groups of pictures: a parser drops what precedes the first key frame.
+inline constexpr std::size_t kPicturelessPieces = 600;
+
+// 512 MiB for all streams of a clip: the highest levels of H.264 and H.265 need 267 MB of reference pictures,
+// and a few more are on display.
 inline constexpr std::size_t kDecodedBytes = 512 * 1024 * 1024;
 
 // 128 MiB: eight pictures of 3,840 x 2,160 for stepping back.
@@ -42,11 +58,16 @@ inline constexpr unsigned kQueuedSoundBytes = 8 * 1024 * 1024;
 // Three seconds at 3,000 buffers per second; each takes half a kilobyte besides its data.
 inline constexpr unsigned kQueuedBuffers = 10'000;
 
-// 64 MiB in one read: enough for the largest compressed picture, and for the index of a clip of many hours.
-inline constexpr unsigned kReadBytes = 64 * 1024 * 1024;
+// 24 MiB until a clip is open: an index takes 5 MB per hour, and each byte is needed once.
+inline constexpr std::int64_t kOpeningBytes = 24 * 1024 * 1024;
 
-// 128 MiB until a clip is open: its index takes 5 MB per hour, and each byte is needed once.
-inline constexpr std::int64_t kOpeningBytes = 128 * 1024 * 1024;
+// 2 million samples in an MP4 clip: three hours of two streams at 60 pictures per second, and sound. The
+// demuxer takes 60 bytes for each.
+inline constexpr std::uint64_t kClipSamples = 2'000'000;
+
+// 16 KiB for a track's sample description, which has a few hundred bytes. The demuxer recurses into its
+// boxes.
+inline constexpr std::size_t kSampleEntryBytes = 16 * 1024;
 
 // --- Sensor data ---
 
@@ -60,7 +81,7 @@ inline constexpr std::int64_t kSensorBytes = 16 * 1024 * 1024;
 inline constexpr std::size_t kSensorRecords = 100'000;
 
 // Each is a system call; an hour in fragments of half a second takes 15,000.
-inline constexpr int kSensorReads = 100'000;
+inline constexpr int kSensorReads = 20'000;
 
 // Only the first 64 KiB of a sample are read: more than any recorder writes into one.
 inline constexpr std::int64_t kSensorSampleBytes = 64 * 1024;

@@ -22,7 +22,7 @@ QByteArray asideName(const QByteArray& name) {
 QByteArray CardFile::readStart(qsizetype limit, bool* whole) {
     QByteArray bytes;
     ssize_t count = 1;
-    while (count > 0 && bytes.size() < limit) {
+    while (count > 0 && bytes.size() <= limit) {
         char piece[4096];
         count = read(piece, sizeof piece);
         bytes.append(piece, std::max<qsizetype>(0, count));

@@ -16,12 +16,20 @@
 #include "widgets/plain_text.h"
 
 namespace ql240 {
+namespace {
+
+constexpr int kPlainRole = Qt::UserRole + 1; // an entry's text without direction marks, for tooltips
+
+} // namespace
 
 void ConfigWindow::fillDrives() {
     const QSignalBlocker quiet(m_drives);
     for (const DriveInfo& info : m_card.drives()) {
         const QString label = shownName(QString::fromLocal8Bit(info.label));
-        m_drives->addItem(QStringLiteral("%1 (%2)").arg(label, shownText(info.drive)), info.drive);
+        const QString drive = shownText(info.drive);
+        const QString entry = QStringLiteral("%1 (%2)");
+        m_drives->addItem(entry.arg(isolated(label), isolated(drive)), info.drive);
+        m_drives->setItemData(m_drives->count() - 1, entry.arg(label, drive), kPlainRole);
     }
 }
 
@@ -38,10 +46,10 @@ void ConfigWindow::showDrive() {
     }
     QStringList silent;
     for (const int index : m_card.unanswered())
-        silent.append(m_drives->itemText(index));
+        silent.append(m_drives->itemData(index, kPlainRole).toString());
     m_drives->setToolTip(m_card.phase() == DialogCard::Phase::NoAnswer
                              ? hoverText(tr("%1 does not answer.").arg(silent.join(QStringLiteral(", "))))
-                             : hoverText(m_drives->currentText()));
+                             : hoverText(m_drives->currentData(kPlainRole).toString()));
 }
 
 void ConfigWindow::showContents() {

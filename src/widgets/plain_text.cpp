@@ -23,6 +23,11 @@ bool turnsDirection(char16_t letter) {
            (letter >= 0x202a && letter <= 0x202e) || (letter >= 0x2066 && letter <= 0x2069);
 }
 
+bool isRightToLeft(uint letter) {
+    const QChar::Direction direction = QChar::direction(letter);
+    return direction == QChar::DirR || direction == QChar::DirAL;
+}
+
 bool isUnfit(QChar letter) {
     const QChar::Category category = letter.category();
     return category == QChar::Other_Control || category == QChar::Separator_Line ||
@@ -100,6 +105,13 @@ QString shownText(const QString& text, int letters) {
         QChar(u' '));
     std::replace_if(shown.begin(), shown.end(), isUnfit, QChar(QChar::ReplacementCharacter));
     return shown;
+}
+
+QString isolated(const QString& shown) {
+    constexpr QChar kFirstStrong(0x2068);
+    constexpr QChar kPop(0x2069);
+    const QList<uint> letters = shown.toUcs4();
+    return std::any_of(letters.cbegin(), letters.cend(), isRightToLeft) ? kFirstStrong + shown + kPop : shown;
 }
 
 QString hoverText(const QString& text) {

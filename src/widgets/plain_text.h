@@ -18,6 +18,10 @@ inline QString shownName(const QString& text) {
     return shownText(text, limits::kShownNameLetters);
 }
 
+// For a text embedded in another: right-to-left characters in it do not reorder its neighbours. Don't pass
+// the result to the other functions, which would replace the isolating marks.
+QString isolated(const QString& shown);
+
 // For tooltips, which Qt renders as rich text if they look like it: escaped, with line breaks wherever a line
 // would be too long.
 QString hoverText(const QString& text);

@@ -8,6 +8,7 @@
 
 #include "clips/clip.h"
 #include "clips/clip_folder.h"
+#include "platform/limits.h"
 
 using namespace ql240;
 
@@ -86,6 +87,14 @@ private Q_SLOTS:
         QFETCH(QString, path);
         QCOMPARE(ClipFolder(path).count(), 0);
         QVERIFY(!holdsRecordings(path));
+    }
+
+    void listsNoMoreThanItMay() {
+        for (int i = 0; i < 9; ++i)
+            addFile(QStringLiteral("REC_%1.mp4").arg(i));
+        QCOMPARE(listFolder(m_dir->path(), nullptr, 9).recordings.size(), 9);
+        QCOMPARE(listFolder(m_dir->path(), nullptr, 5).recordings.size(), 5);
+        QVERIFY(limits::kClipFolderNames >= 100'000);
     }
 
     void clipKeepsWhatTheScanSaw() {

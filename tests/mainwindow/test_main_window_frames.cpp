@@ -28,6 +28,7 @@ private Q_SLOTS:
     void nothingPlayedYet();
     void proposedName();
     void snapshotSavesTheFrameOnScreen();
+    void snapshotFollowsNoLink();
     void refusedNames_data();
     void refusedNames();
     void secondStreamGetsItsOwnFile();
@@ -94,6 +95,29 @@ void TestMainWindowFrames::snapshotSavesTheFrameOnScreen() {
     viewer().click(ButtonId::Snapshot);
     QVERIFY(!viewer().window->isPlaying());
     QVERIFY(!viewer().player()->isRunning());
+}
+
+// A link in the folder, to what isn't there or to what is, gives way to the picture.
+void TestMainWindowFrames::snapshotFollowsNoLink() {
+    openAndStop(1);
+    const QString kept = viewer().path(QStringLiteral("home/kept"));
+    for (const char* name : {"home", "out"})
+        QVERIFY(QDir(viewer().folder.path()).mkpath(QLatin1String(name)));
+    QFile home(kept);
+    QVERIFY(home.open(QFile::WriteOnly) && home.write("kept") == 4 && home.flush());
+    for (const char* target : {"home/made", "home/kept"}) {
+        const QString link = viewer().answers.saveFile = viewer().path(QStringLiteral("out/a.png"));
+        QFile::remove(link);
+        QVERIFY(QFile::link(viewer().path(QLatin1String(target)), link));
+        viewer().click(ButtonId::Snapshot);
+        QVERIFY2(!QFileInfo(link).isSymLink() && QImage(link).width() == 640, target);
+    }
+    QCOMPARE(QDir(viewer().path(QStringLiteral("home"))).entryList(QDir::Files),
+             QStringList{QStringLiteral("kept")});
+    QCOMPARE(QFileInfo(kept).size(), 4);
+    QCOMPARE(QDir(viewer().path(QStringLiteral("out"))).entryList(QDir::Files | QDir::Hidden),
+             QStringList{QStringLiteral("a.png")});
+    QVERIFY(QFileInfo(viewer().answers.saveFile).permission(QFile::ReadUser | QFile::ReadGroup));
 }
 
 void TestMainWindowFrames::refusedNames_data() {

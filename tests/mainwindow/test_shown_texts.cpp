@@ -153,6 +153,7 @@ private Q_SLOTS:
     void viewer();
     void settings_data() { hostileWords(); }
     void settings();
+    void labelKeepsItsPlace();
     void folderDialog_data() { hostileWords(); }
     void folderDialog();
     void saveDialog();
@@ -233,6 +234,19 @@ void TestShownTexts::settings() {
         openPage(window, page);
     }
     verify(word, "settings");
+}
+
+// Letters written from right to left turn neither the brackets round nor the drive in them.
+void TestShownTexts::labelKeepsItsPlace() {
+    SettingsFixture fixture;
+    MadeCard card;
+    makeCamera(card, "QL240 1.00 1.00");
+    const QString label = QStringLiteral("\u05e9\u05dc 1");
+    fixture.insert(card, label.toLocal8Bit());
+    const ReadyWindow window;
+    const auto* drives = window.findChild<QComboBox*>();
+    QCOMPARE(drives->itemText(0), QStringLiteral("\u2068%1\u2069 (%2)").arg(label, card.drive()));
+    QVERIFY(!drives->toolTip().contains(QChar::ReplacementCharacter));
 }
 
 void TestShownTexts::folderDialog() {

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <QComboBox>
 #include <QDirIterator>
 #include <QFile>
 #include <algorithm>
@@ -100,9 +101,12 @@ void CardWatch::look(const ConfigWindow* dialog) {
         m_dialogs.emplace_back();
     m_dialogs.back().folder = dialog->settingFolder();
     m_dialogs.back().shown = dialog->values();
-    if (std::ranges::any_of(kSettingKeys, [&](const SettingKey& key) {
-            return dialog->values().*key.value == HostileCard::kSecret;
-        }))
+    const auto isSecretValue = [&](const SettingKey& key) {
+        return dialog->values().*key.value == HostileCard::kSecret;
+    };
+    const auto isSecretText = [](const QComboBox* list) { return list->currentText().contains(u"SECRET"); };
+    if (std::ranges::any_of(kSettingKeys, isSecretValue) ||
+        std::ranges::any_of(dialog->findChildren<QComboBox*>(), isSecretText))
         m_world.fail(QStringLiteral("the dialog shows what no card holds"));
 }
 

@@ -36,22 +36,24 @@ int pickAction(Luck& luck, Theme theme) {
     return luck.pick(actions(), [theme](const Action& action) { return weightOf(action, theme); });
 }
 
-// Most runs start by opening a folder with clips.
-int firstAction(Luck& luck, Theme theme) {
-    const auto isDrop = [](const Action& action) { return action.name == std::string_view("drop"); };
+// Most runs start by opening a folder with clips, or with the settings of a hostile card.
+int firstAction(Luck& luck, Theme theme, bool isStranger) {
+    const std::string_view usual = isStranger ? "settings" : "drop";
     if (luck.chance(40))
         return pickAction(luck, theme);
-    return static_cast<int>(std::ranges::find_if(actions(), isDrop) - actions().begin());
+    const auto isUsual = [usual](const Action& action) { return action.name == usual; };
+    return static_cast<int>(std::ranges::find_if(actions(), isUsual) - actions().begin());
 }
 
 std::vector<Step> stepsOf(quint32 seed, int count) {
     constexpr int kDelays[] = {0, 0, 5, 30, 90, 130, 450, 450, 700, 2600, 9000};
     Luck luck;
     luck.reseed(seed ^ 0x5EED);
-    const auto theme = static_cast<Theme>(luck.below(kThemes));
+    const bool isStranger = meetsStranger(seed);
+    const auto theme = isStranger ? Theme::Card : static_cast<Theme>(luck.below(kThemes));
     std::vector<Step> steps;
     for (int i = 0; i < count; ++i) {
-        const int action = i == 0 ? firstAction(luck, theme) : pickAction(luck, theme);
+        const int action = i == 0 ? firstAction(luck, theme, isStranger) : pickAction(luck, theme);
         const int delay = luck.oneOf(kDelays);
         steps.push_back({action, delay, static_cast<quint32>(luck.below(1 << 30))});
     }

@@ -39,6 +39,11 @@ private:
     std::mt19937 m_engine;
 };
 
+// Whether a stranger's card, which leads elsewhere, is in the reader and the user looks at it.
+constexpr bool meetsStranger(quint32 seed) {
+    return seed % 3 == 0;
+}
+
 struct Step {
     int action = 0; // index in the plan's table
     int delayMs = 0;

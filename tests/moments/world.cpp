@@ -47,6 +47,8 @@ struct Dialogs : WindowDialogs {
     QString askSaveFile(QWidget* parent, const QString& caption, const QString& name,
                         const QString&) override {
         const QString path = world.root.filePath(QStringLiteral("out/") + name);
+        if (world.luck.chance(30))
+            QFile::link(world.root.filePath(QStringLiteral("home/picture")), path);
         return askUser(parent, caption) ? path : QString();
     }
     bool askPrinter(QWidget* parent, QPrinter&) override {
@@ -64,7 +66,7 @@ World::World(quint32 seed) : jobs([this] { return latencyMs(); }) {
     media.clip.durationMs = kClipMs;
     media.setSeekMs(luck.below(3) * 40);
     makeFolders();
-    makeCards();
+    makeCards(meetsStranger(seed));
     fillHost();
     window = std::make_unique<MainWindow>(nullptr, Qt::FramelessWindowHint);
     m_mainView = window->findChildren<VideoView*>().first(); // created before the sub view
@@ -132,37 +134,44 @@ void World::makeFolders() {
     write(root.filePath(QStringLiteral("home/notes.txt")), "nobody writes here");
 }
 
-void World::makeCamera(const QString& drive, const std::function<int(const SettingKey&)>& valueOf) {
-    write(drive + QStringLiteral("/update/version.txt"), "QL240 1.02 1.00");
+void World::makeCamera(const QString& drive, const QByteArray& version,
+                       const std::function<int(const SettingKey&)>& valueOf) {
+    write(drive + QStringLiteral("/update/version.txt"), version);
     for (const SettingKey& key : kSettingKeys)
         write(QStringLiteral("%1/setting/set%2.dat").arg(drive, QLatin1String(key.name)),
               QByteArray(1, static_cast<char>(valueOf(key))));
 }
 
 // Writes values that differ from every default, so that a default on a card must have been written by a save.
-// The last card may be hostile and link into the home folder.
-void World::makeCards() {
-    const QString home = root.filePath(QStringLiteral("home"));
-    makeCamera(home, [](const SettingKey&) { return HostileCard::kSecret; });
+// A hostile card, the last one, links into the home folder.
+void World::makeCards(bool withStrangers) {
+    makeCamera(root.filePath(QStringLiteral("home")), "SECRET SECRET SECRET",
+               [](const SettingKey&) { return HostileCard::kSecret; });
     for (std::size_t i = 0; i < cards.size(); ++i) {
         CardSlot card{root.filePath(QStringLiteral("drive%1").arg(i)), i == 0 ? "STICK" : "CAMERA", i > 0,
                       false};
         QDir().mkpath(card.drive);
         if (card.isCamera)
-            makeCamera(card.drive,
+            makeCamera(card.drive, "QL240 1.02 1.00",
                        [](const SettingKey& key) { return SettingValues().*key.value == 1 ? 2 : 1; });
-        if (i + 1 == cards.size() && luck.chance(50)) {
-            constexpr Trapped kParts[] = {Trapped::SettingFolder, Trapped::UpdateFolder, Trapped::Files,
-                                          Trapped::FilesAside};
-            const int smallTraps = static_cast<int>(traps().size()) - 1; // the last trap is a giant file
-            setTrap(traps()[static_cast<std::size_t>(luck.below(smallTraps))], luck.oneOf(kParts), card.drive,
-                    home);
-        }
+        if (i + 1 == cards.size() && withStrangers)
+            setTraps(card.drive);
         QDir().rename(card.drive, card.drive + QStringLiteral(".away"));
         cards[i] = card;
     }
     for (CardSlot& card : cards)
-        setInserted(card, luck.chance(60));
+        setInserted(card, (withStrangers && &card == &cards.back()) || luck.chance(60));
+}
+
+// Mostly links that lead there.
+void World::setTraps(const QString& drive) {
+    constexpr Trapped kParts[] = {Trapped::SettingFolder, Trapped::UpdateFolder, Trapped::Files,
+                                  Trapped::FilesAside};
+    constexpr int kLinks = 3;
+    const int smallTraps = static_cast<int>(traps().size()) - 1; // the last one is a giant
+    const int trap = luck.below(luck.chance(60) ? kLinks : smallTraps);
+    setTrap(traps()[static_cast<std::size_t>(trap)], luck.oneOf(kParts), drive,
+            root.filePath(QStringLiteral("home")));
 }
 
 void World::setInserted(CardSlot& card, bool inserted) {

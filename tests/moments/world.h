@@ -93,8 +93,10 @@ public:
 private:
     int latencyMs();
     void makeFolders();
-    static void makeCamera(const QString& drive, const std::function<int(const SettingKey&)>& valueOf);
-    void makeCards();
+    static void makeCamera(const QString& drive, const QByteArray& version,
+                           const std::function<int(const SettingKey&)>& valueOf);
+    void makeCards(bool withStrangers);
+    void setTraps(const QString& drive);
     QString makeFolder(const QString& name, int clipCount);
     void fillHost();
 

@@ -12,6 +12,7 @@
 #include "base/preferences.h"
 #include "mainwindow/folder_browser.h"
 #include "platform/host.h"
+#include "platform/limits.h"
 #include "platform/linux/folder_tree_dialog.h"
 #include "platform/linux/system_folder_dialogs.h"
 #include "support/held_jobs.h"
@@ -131,6 +132,18 @@ private Q_SLOTS:
                             !std::exchange(seen, seen + QSet{(*it)->toolTip(0)}).contains((*it)->toolTip(0)));
             });
         }
+    }
+
+    // The folder asked for is there all the same.
+    void crowdedFolder() {
+        for (int i = 0; i <= limits::kTreeFolders; ++i)
+            QVERIFY(QDir(m_root->path()).mkpath(QStringLiteral("card/%1").arg(i)));
+        writeLastFolder(folder(QStringLiteral("card/REC")));
+        browse([&](FolderTreeDialog& dialog) {
+            QTRY_COMPARE(dialog.selectedPath(), folder(QStringLiteral("card/REC")));
+            QCOMPARE_LE(dialog.findChild<QTreeWidget*>()->currentItem()->parent()->childCount(),
+                        limits::kTreeFolders + 1);
+        });
     }
 
     // The user has gone elsewhere before the folder that was to be selected has answered.

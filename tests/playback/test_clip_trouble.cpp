@@ -9,7 +9,9 @@
 
 #include <algorithm>
 
+#include <sys/inotify.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "clips/clip.h"
 #include "platform/gstreamer/gst_media_platform.h"
@@ -142,6 +144,62 @@ QByteArray heavy(const QByteArray& avi) {
     return withMedia(avi, chunks);
 }
 
+QByteArray box(const QByteArray& name, const QByteArray& body) {
+    QByteArray head(4, '\0');
+    qToBigEndian(quint32(8 + body.size()), head.data());
+    return head + name + body;
+}
+
+// An index that unpacks to a thousand times its size.
+QByteArray compressedIndex() {
+    const QByteArray packed = box("cmvd", qCompress(QByteArray(400'000'000, '\0'), 1));
+    return box("ftyp", "qt  ") + box("moov", box("cmov", box("dcom", "zlib") + packed)) + box("mdat", "x");
+}
+
+QByteArray boxesInBoxes(const char* name, quint32 depth) {
+    QByteArray boxes;
+    for (quint32 size = 8 * depth; size > 0; size -= 8) {
+        boxes += QByteArray(4, '\0') + name;
+        qToBigEndian(size, boxes.data() + boxes.size() - 8);
+    }
+    return box("ftyp", "isom") + box("moov", boxes) + box("mdat", "x");
+}
+
+// Each track says so many samples, all of one size, for which it needs no table.
+QByteArray withSamples(QByteArray mp4, quint32 samples) {
+    for (qsizetype at = mp4.indexOf("stsz"); at >= 0; at = mp4.indexOf("stsz", at + 4)) {
+        qToBigEndian(quint32(1), mp4.data() + at + 8);
+        qToBigEndian(samples, mp4.data() + at + 12);
+    }
+    return mp4;
+}
+
+// An AVI clip of `first`, then of `next` so many times, as pictures of another kind; in a small file.
+QByteArray withPictures(QByteArray avi, const char* kind, const QByteArray& first, const QByteArray& next,
+                        int times) {
+    avi.replace("MJPG", kind);
+    const QList<Chunk> chunks = mediaOf(avi);
+    const auto sound =
+        std::find_if(chunks.begin(), chunks.end(), [](const Chunk& chunk) { return chunk.name == "01wb"; });
+    return withMedia(avi, {{"00dc", first}, *sound, {"00dc", next}}, times);
+}
+
+// Nothing there is a picture.
+QByteArray withoutPictures(const QByteArray& avi, const char* name) {
+    QList<Chunk> chunks = mediaOf(avi);
+    for (Chunk& chunk : chunks) {
+        if (chunk.name == name)
+            chunk.body.fill('\0');
+    }
+    return withMedia(QByteArray(avi).replace("MJPG", "H264"), chunks);
+}
+
+// 16 MB of sound ahead of the first picture.
+QByteArray soundFirst(const QByteArray& avi) {
+    return withMedia(QByteArray(avi).replace("MJPG", "H264"),
+                     {{"00dc", QByteArray(40, '\0')}, {"01wb", QByteArray(400'000, '\0')}}, 40);
+}
+
 int entriesOf(const QString& folder) {
     return static_cast<int>(
         QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::System).size());
@@ -222,6 +280,38 @@ private Q_SLOTS:
             withH264Size(mp4, QByteArray::fromHex("6764001eacb2801f4003e8c8")), true);
         row(QStringLiteral("jpeg of 20000 x 20000.avi"), withJpegSize(avi, false, 20000), true);
         row(QStringLiteral("jpeg of 20000 x 20000 in scans.avi"), withJpegSize(avi, true, 20000), true);
+        // Nothing ends there what the parser waits for: large pieces, and many.
+        const QByteArray zeros(8'000'000, '\0');
+        const QByteArray h264Slice = QByteArray::fromHex("00000001091000000001419a");
+        const std::tuple<const char*, const char*, QByteArray> endless[] = {
+            {"h264", "H264", h264Slice},
+            {"h265", "HEVC", QByteArray::fromHex("00000001460150000000010201d0")},
+            {"mpeg4", "FMP4",
+             QByteArray::fromHex("000001b001000001b58913000001000000012000c48d8800f514043c1443000001b6")},
+        };
+        for (const auto& [name, kind, slice] : endless)
+            row(QStringLiteral("%1 without an end.avi").arg(QLatin1String(name)),
+                withPictures(avi, kind, slice, zeros, 60), true);
+        row(QStringLiteral("h264 in small pieces without an end.avi"),
+            withPictures(avi, "H264", h264Slice, zeros.left(400), 60'000), true);
+        const QByteArray large = QByteArray::fromHex("0000000167420033da003e8007d190");
+        const QByteArray small = QByteArray::fromHex("00000001674200335680a03d90");
+        const QByteArray intra =
+            QByteArray::fromHex("0000000168ce388000000001658884b56ad5ac") + QByteArray(2000, 'U');
+        const QByteArray delimiter = QByteArray::fromHex("000000010910");
+        for (const auto& [name, sets] :
+             {std::pair("large, small", large + small), {"small, large", small + large}}) {
+            const QByteArray picture = delimiter + sets + intra;
+            row(QStringLiteral("h264 of sizes %1.avi").arg(QLatin1String(name)),
+                withPictures(avi, "H264", picture, picture, 20), true);
+        }
+        row(QStringLiteral("no picture in 4 s.avi"), withoutPictures(avi, "00dc"), true);
+        row(QStringLiteral("no picture, and much sound.avi"), soundFirst(avi), true);
+        row(QStringLiteral("compressed index.mp4"), compressedIndex(), false);
+        for (const char* name : {"trak", "udta"})
+            row(QStringLiteral("%1 in itself.mp4").arg(QLatin1String(name)), boxesInBoxes(name, 500'000),
+                false);
+        row(QStringLiteral("samples without a table.mp4"), withSamples(mp4, 4'000'000), false);
         row(QStringLiteral("no index.mp4"), withoutIndex(mp4, "moov"), false);
         row(QStringLiteral("no index.avi"), withoutIndex(avi, "idx1"), true);
         row(QStringLiteral("no sample table.mp4"), withoutIndex(mp4, "stbl"), false);
@@ -271,6 +361,20 @@ private Q_SLOTS:
         QCOMPARE_LT(memory.grownMiB(), kMostMiB);
         view.closeClip();
         expectGoodClipPlays();
+    }
+
+    // Some devices begin to work as soon as they are opened.
+    void whatIsNoFileStaysClosed() {
+        const QString path = m_folder.filePath(QStringLiteral("device.avi"));
+        QCOMPARE(::mkfifo(qPrintable(path), 0600), 0);
+        const int notes = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+        QVERIFY(::inotify_add_watch(notes, qPrintable(path), IN_OPEN) >= 0);
+        const Clip clip{QFileInfo(path)};
+        VideoView view;
+        QVERIFY(!view.openClip(&clip));
+        char note[4096];
+        QCOMPARE(::read(notes, note, sizeof note), -1);
+        ::close(notes);
     }
 
     void standingTimeFillsNoMemory() {

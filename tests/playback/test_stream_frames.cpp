@@ -9,6 +9,7 @@
 #include "platform/gstreamer/frame_allocator.h"
 #include "platform/gstreamer/frame_clipper.h"
 #include "platform/gstreamer/frame_slot.h"
+#include "platform/gstreamer/picture_gate.h"
 #include "platform/gstreamer/yuy2_packer.h"
 #include "platform/limits.h"
 
@@ -98,6 +99,28 @@ private:
     ElementHandle m_pipeline;
 };
 
+// What an open gate says to one buffer of a stream.
+GstFlowReturn passGate(const QByteArray& caps, const QByteArray& bytes) {
+    const ElementHandle decoder = makeElement("identity");
+    const ElementHandle sink = makeElement("fakesink");
+    gst_element_link(decoder.get(), sink.get());
+    PictureGate gate;
+    gate.attach(decoder.get(), decoder.get());
+    for (GstElement* element : {sink.get(), decoder.get()})
+        gst_element_set_state(element, GST_STATE_PLAYING);
+    const PadHandle pad = staticPad(decoder.get(), "sink");
+    const CapsHandle said(gst_caps_from_string(caps.constData()));
+    GstSegment time;
+    gst_segment_init(&time, GST_FORMAT_TIME);
+    gst_pad_send_event(pad.get(), gst_event_new_stream_start("pictures"));
+    gst_pad_send_event(pad.get(), gst_event_new_caps(said.get()));
+    gst_pad_send_event(pad.get(), gst_event_new_segment(&time));
+    const GstFlowReturn flow = gst_pad_chain(pad.get(), gst_buffer_new_memdup(bytes.data(), bytes.size()));
+    for (GstElement* element : {decoder.get(), sink.get()})
+        gst_element_set_state(element, GST_STATE_NULL);
+    return flow;
+}
+
 } // namespace
 
 class TestStreamFrames : public QObject {
@@ -137,6 +160,59 @@ private Q_SLOTS:
         gst_element_set_state(pipeline.get(), GST_STATE_NULL);
     }
 
+    // The parser's own word is the last of these; a decoder goes by whichever it likes.
+    void largestParameterSetCounts_data() {
+        QTest::addColumn<QByteArray>("caps");
+        QTest::addColumn<QByteArray>("bytes"); // in hexadecimal
+        QTest::addColumn<bool>("passes");
+        const QByteArray start = "00000001";
+        const QByteArray small = "674200335680a03d90";
+        const QByteArray large = "67420033da003e8007d190";
+        const QByteArray listed = "67640033ada492492492490211519198e800fa003e8480"; // with scaling lists
+        const QByteArray wide = "42010101600000030090000003000003005da0007d02000fa059657924c020";
+        const QByteArray narrow = "42010101600000030090000003000003005da0050201e16595e4930080";
+        const QByteArray layered =
+            "42010501600000030090000003000003005dd00001600000030090000003000003005d5da0007d02000fa05960";
+        const QByteArray slice = "65884b56ad5ac0";
+        const QByteArray h264 = "video/x-h264,stream-format=byte-stream";
+        const QByteArray h265 = "video/x-h265,stream-format=byte-stream";
+        const QByteArray avc = "video/x-h264,stream-format=avc,codec_data=(buffer)01420033";
+        const QByteArray hvc =
+            "video/x-h265,stream-format=hvc1,codec_data=(buffer)01" + QByteArray(40, '0') + "0f01210001";
+        const auto sized = [](const QByteArray& nal, int digits) {
+            return QByteArray::number(nal.size() / 2, 16).rightJustified(digits, '0') + nal;
+        };
+        const auto row = [](const char* name, const QByteArray& caps, const QByteArray& bytes, bool passes) {
+            QTest::newRow(name) << caps << bytes << passes;
+        };
+        row("H.264, small", h264, start + small + start + slice, true);
+        row("H.264, small and large", h264, start + small + start + large + start + slice, false);
+        row("H.264, large and small", h264, start + large + start + small + start + slice, false);
+        row("H.264 with scaling lists", h264, "000001" + listed, false);
+        row("H.264, cut off", h264, start + "67420033", true);
+        row("H.265, small", h265, start + narrow, true);
+        row("H.265, large behind its small", h265, start + narrow + start + "4001" + start + wide, false);
+        row("H.265 of three layers", h265, start + layered, false);
+        row("avc, small", avc + "ffe000", sized(small, 8) + sized(slice, 8), true);
+        row("avc, small and large", avc + "ffe000", sized(small, 8) + sized(large, 8), false);
+        row("avc, lengths of two bytes", avc + "fde000", sized(small, 4) + sized(large, 4), false);
+        row("avc, a start within a length", avc + "ffe000", sized(slice + start + large, 8), false);
+        row("avc, two in the head", avc + "ffe2" + sized(small, 4) + sized(large, 4) + "00", sized(slice, 8),
+            false);
+        row("avc, among the head's others", avc + "ffe1" + sized(small, 4) + "01" + sized(large, 4),
+            sized(slice, 8), false);
+        row("hvc1, large in the head", hvc + sized(wide, 4), sized("2601af", 8), false);
+        row("hvc1, small in the head", hvc + sized(narrow, 4), sized("2601af", 8), true);
+        row("hvc1, large", hvc + sized(narrow, 4), sized("2601af", 8) + sized(wide, 8), false);
+    }
+
+    void largestParameterSetCounts() {
+        QFETCH(QByteArray, caps);
+        QFETCH(QByteArray, bytes);
+        QFETCH(bool, passes);
+        QCOMPARE(passGate(caps, QByteArray::fromHex(bytes)), passes ? GST_FLOW_OK : GST_FLOW_ERROR);
+    }
+
     // What isn't granted is null, and what comes back is granted again.
     void decodedFramesAreBounded() {
         const auto allocator = newFrameAllocator();
@@ -152,6 +228,14 @@ private Q_SLOTS:
         GstMemory* other = allocate(ql240::limits::kDecodedBytes);
         QVERIFY(other);
         gst_memory_unref(other);
+
+        const ElementHandle clip = makeElement("identity");
+        const auto first = newFrameAllocator(GST_OBJECT(clip.get()));
+        const auto second = newFrameAllocator(GST_OBJECT(clip.get()));
+        GstMemory* most = gst_allocator_alloc(first.get(), ql240::limits::kDecodedBytes / 5 * 4, nullptr);
+        QVERIFY(most);
+        QVERIFY(!gst_allocator_alloc(second.get(), ql240::limits::kDecodedBytes / 5 * 2, nullptr));
+        gst_memory_unref(most);
     }
 
     // The window changes its size while a frame is converted and the next one waits.

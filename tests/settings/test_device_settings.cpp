@@ -3,6 +3,7 @@
 
 #include <QTest>
 
+#include "platform/limits.h"
 #include "settings/device_settings.h"
 #include "support/made_card.h"
 
@@ -157,6 +158,10 @@ private Q_SLOTS:
         card.put("setting/setting.dat", begin + repeated.repeated(1 << 20) + end);
         const DeviceSettings settings(card.path("setting"));
         QTEST(settings.framevalue, "frame");
+        // As much as is read to its end is whole.
+        const QByteArray last = "\nframevalue:1";
+        card.put("setting/setting.dat", QByteArray(limits::kSettingFileBytes - last.size(), 'x') + last);
+        QCOMPARE(DeviceSettings(card.path("setting")).framevalue, 1);
     }
 };
 

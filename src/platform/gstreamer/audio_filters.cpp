@@ -10,9 +10,19 @@ namespace ql240::gstreamer {
 
 namespace {
 
-constexpr GstClockTime kQueueTime = 3 * GST_SECOND;
+// The queues of the pictures limit how far the splitter goes ahead. Pictures that give nothing to show don't
+// fill theirs: the sound must let the splitter go on to the clip's end, or to where they are known to be
+// none.
+constexpr GstClockTime kAnyTime = 0;
 // As far ahead of its time the sound is handed on: more than servers and devices keep in store.
 constexpr GstClockTime kLead = 300 * GST_MSECOND;
+
+// Streaming thread of the splitter, which can't go on to any picture now.
+void endUnlessPrerolled(GstElement* queue, gpointer) {
+    GstObject* pipeline = GST_OBJECT_PARENT(queue);
+    if (pipeline && GST_STATE_RETURN(pipeline) == GST_STATE_CHANGE_ASYNC)
+        GST_ELEMENT_ERROR(queue, STREAM, FAILED, (nullptr), (nullptr));
+}
 
 } // namespace
 
@@ -30,7 +40,8 @@ Status AudioDecoder::prepareInput(Pin& input, const Pin& upstream) {
     const auto chain = addChain(*factories);
     if (chain.empty())
         return kStatusClassNotRegistered;
-    limitQueue(chain.front(), kQueueTime, limits::kQueuedSoundBytes);
+    limitQueue(chain.front(), kAnyTime, limits::kQueuedSoundBytes);
+    g_signal_connect(chain.front(), "overrun", G_CALLBACK(endUnlessPrerolled), nullptr);
     input.setPad(staticPad(chain.front(), "sink"));
     outputPin()->setPad(staticPad(chain.back(), "src"));
     return kStatusOk;

@@ -21,11 +21,50 @@ constexpr std::size_t kMostFree = 8;
 
 using Bytes = std::shared_ptr<std::uint8_t>;
 
+// Of the bytes in all blocks of a clip, free or not. Any thread.
+class Grant {
+public:
+    bool take(gsize size) {
+        const std::scoped_lock lock(m_mutex);
+        if (size > ql240::limits::kDecodedBytes - m_taken)
+            return false;
+        m_taken += size;
+        return true;
+    }
+    void giveBack(gsize size) {
+        const std::scoped_lock lock(m_mutex);
+        m_taken -= size;
+    }
+
+private:
+    std::mutex m_mutex;
+    gsize m_taken = 0;
+};
+
+// Made when a clip's first allocator is, gone when the clip and all its frames are.
+std::shared_ptr<Grant> grantOf(GstObject* clip) {
+    static const GQuark key = g_quark_from_static_string("ql240-frame-grant");
+    static std::mutex mutex;
+    const std::scoped_lock lock(mutex);
+    if (!clip)
+        return std::make_shared<Grant>();
+    if (const void* known = g_object_get_qdata(G_OBJECT(clip), key))
+        return *static_cast<const std::shared_ptr<Grant>*>(known);
+    auto made = std::make_unique<std::shared_ptr<Grant>>(std::make_shared<Grant>());
+    const auto free = [](gpointer grant) { delete static_cast<std::shared_ptr<Grant>*>(grant); };
+    const std::shared_ptr<Grant> grant = *made;
+    g_object_set_qdata_full(G_OBJECT(clip), key, made.release(), free);
+    return grant;
+}
+
 // Gives blocks of memory; those that come back wait for the next frame of their size, since a new one would
 // have to be paged in. Any thread.
 class Blocks : public std::enable_shared_from_this<Blocks> {
 public:
-    Blocks() { m_free.reserve(kMostFree); }
+    explicit Blocks(std::shared_ptr<Grant> grant) : m_grant(std::move(grant)) { m_free.reserve(kMostFree); }
+    ~Blocks() { dropFree(); }
+    Blocks(const Blocks&) = delete;
+    Blocks& operator=(const Blocks&) = delete;
 
     // Throws where there is no more memory, or no more of it is granted.
     Bytes take(gsize size) {
@@ -54,12 +93,14 @@ private:
     }
 
     Block newBlock(gsize size) {
-        const std::scoped_lock lock(m_mutex);
-        if (size > ql240::limits::kDecodedBytes - m_bytes)
+        if (!m_grant->take(size))
             throw std::bad_alloc();
-        Block block(static_cast<std::uint8_t*>(operator new (size, std::align_val_t{kAlignment})));
-        m_bytes += size;
-        return block;
+        void* const block = operator new (size, std::align_val_t{kAlignment}, std::nothrow);
+        if (!block) {
+            m_grant->giveBack(size);
+            throw std::bad_alloc();
+        }
+        return Block(static_cast<std::uint8_t*>(block));
     }
 
     void giveBack(Block block, gsize size) noexcept {
@@ -71,18 +112,18 @@ private:
         if (m_free.size() < kMostFree)
             m_free.push_back(std::move(block));
         else
-            m_bytes -= size;
+            m_grant->giveBack(size);
     }
 
     void dropFree() {
-        m_bytes -= m_free.size() * m_size;
+        m_grant->giveBack(m_free.size() * m_size);
         m_free.clear();
     }
 
+    const std::shared_ptr<Grant> m_grant;
     std::mutex m_mutex;
     std::vector<Block> m_free;
-    gsize m_size = 0;  // of each of them
-    gsize m_bytes = 0; // in all blocks, free or not
+    gsize m_size = 0; // of each of them
 };
 
 struct FrameMemory {
@@ -171,8 +212,7 @@ void frame_allocator_class_init(FrameAllocatorClass* klass) {
 }
 
 void frame_allocator_init(FrameAllocator* self) {
-    std::construct_at(&self->blocks,
-                      answerToC<std::shared_ptr<Blocks>>(nullptr, [] { return std::make_shared<Blocks>(); }));
+    std::construct_at(&self->blocks);
     GstAllocator* allocator = GST_ALLOCATOR(self);
     allocator->mem_type = kMemoryType;
     allocator->mem_map = map;
@@ -187,8 +227,10 @@ void frame_allocator_init(FrameAllocator* self) {
 
 namespace ql240::gstreamer {
 
-Handle<GstAllocator> newFrameAllocator() {
-    auto* allocator = static_cast<GstAllocator*>(g_object_new(frame_allocator_get_type(), nullptr));
+Handle<GstAllocator> newFrameAllocator(GstObject* clip) {
+    auto* allocator = static_cast<FrameAllocator*>(g_object_new(frame_allocator_get_type(), nullptr));
+    allocator->blocks = answerToC<std::shared_ptr<Blocks>>(
+        nullptr, [clip] { return std::make_shared<Blocks>(grantOf(clip)); });
     return Handle<GstAllocator>(static_cast<GstAllocator*>(gst_object_ref_sink(allocator)));
 }
 

@@ -9,6 +9,8 @@
 
 namespace ql240::gstreamer {
 
-[[nodiscard]] Handle<GstAllocator> newFrameAllocator();
+// The allocators of one clip share its limit; without a clip, an allocator has the limit to itself. Any
+// thread.
+[[nodiscard]] Handle<GstAllocator> newFrameAllocator(GstObject* clip = nullptr);
 
 } // namespace ql240::gstreamer

@@ -11,7 +11,7 @@ namespace {
 
 // Decoding on that far is quicker than a seek.
 constexpr GstClockTime kShortWay = 500 * GST_MSECOND;
-// What the pictures have moved on since the last seek waits as sound in a queue, which holds 3 s and then
+// What the pictures have moved on since the last seek waits as sound in a queue, which holds 8 MiB and then
 // stops the splitter; what the decoder keeps back has to fit in, too.
 constexpr GstClockTime kFarthest = 2 * GST_SECOND;
 // How long the last frame is shown.

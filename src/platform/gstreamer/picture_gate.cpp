@@ -5,6 +5,34 @@
 
 namespace ql240::gstreamer {
 
+namespace {
+
+// None if they can't be had.
+class MappedBytes {
+public:
+    explicit MappedBytes(GstBuffer* buffer) : m_buffer(buffer) {
+        m_isMapped = gst_buffer_map(buffer, &m_map, GST_MAP_READ);
+    }
+    ~MappedBytes() {
+        if (m_isMapped)
+            gst_buffer_unmap(m_buffer, &m_map);
+    }
+    MappedBytes(const MappedBytes&) = delete;
+    MappedBytes& operator=(const MappedBytes&) = delete;
+
+    operator std::span<const std::uint8_t>() const {
+        return m_isMapped ? std::span<const std::uint8_t>(m_map.data, m_map.size)
+                          : std::span<const std::uint8_t>();
+    }
+
+private:
+    GstBuffer* m_buffer;
+    GstMapInfo m_map{};
+    bool m_isMapped = false;
+};
+
+} // namespace
+
 PictureGate::~PictureGate() {
     if (m_parserSink)
         gst_pad_remove_probe(m_parserSink.get(), m_parserProbe);
@@ -61,12 +89,24 @@ void PictureGate::takeCaps(GstEvent* event) {
     gint height = 0;
     gst_structure_get_int(stream, "width", &width);
     gst_structure_get_int(stream, "height", &height);
-    m_isOpen = !limits::isPictureTooLarge(width, height);
     m_isJpeg = gst_structure_has_name(stream, "image/jpeg");
+    m_sets.reset();
+    if (gst_structure_has_name(stream, "video/x-h264"))
+        m_sets.emplace(ParameterCodec::H264);
+    else if (gst_structure_has_name(stream, "video/x-h265"))
+        m_sets.emplace(ParameterCodec::H265);
+    const GValue* head = gst_structure_get_value(stream, "codec_data");
+    GstBuffer* bytes = head && GST_VALUE_HOLDS_BUFFER(head) ? gst_value_get_buffer(head) : nullptr;
+    m_isOpen = !limits::isPictureTooLarge(width, height) &&
+               !(m_sets && bytes && m_sets->isHeadTooLarge(MappedBytes(bytes)));
 }
 
 bool PictureGate::isOpenFor(GstBuffer* picture) const {
-    return m_isOpen && (!m_isJpeg || jpegPixels(picture) <= limits::kPicturePixels);
+    if (!m_isOpen)
+        return false;
+    if (m_isJpeg)
+        return jpegPixels(picture) <= limits::kPicturePixels;
+    return !m_sets || !m_sets->isPieceTooLarge(MappedBytes(picture));
 }
 
 } // namespace ql240::gstreamer

@@ -1,9 +1,13 @@
 // Stands before a decoder and ends the stream at pictures that say they are too large: by the size that the
-// parser read in them, and by the one in a JPEG picture. What the container says is dropped, for a parser
-// believes it more than the pictures. Attached on the interface thread, works on the streaming thread.
+// parser read in them, by the one in a JPEG picture, and by the largest of those in parameter sets, of which
+// the parser says the last alone. What the container says is dropped, for a parser believes it more than the
+// pictures. Attached on the interface thread, works on the streaming thread.
 #pragma once
 
+#include <optional>
+
 #include "platform/gstreamer/gst_handles.h"
+#include "platform/gstreamer/parameter_sets.h"
 
 namespace ql240::gstreamer {
 
@@ -27,6 +31,7 @@ private:
     // Streaming thread.
     bool m_isOpen = true;
     bool m_isJpeg = false;
+    std::optional<ParameterSets> m_sets;
 };
 
 } // namespace ql240::gstreamer

@@ -19,15 +19,19 @@ namespace {
 
 constexpr auto kPadsMessage = "ql240-pads";
 
-// Opening a FIFO would wait for a writer; a directory opens but can't be read.
+// A directory opens but can't be read.
 bool isReadableFile(const QByteArray& path) {
+    struct stat status {};
+    // To open a device can set it going.
+    if (::stat(path.constData(), &status) != 0 || !S_ISREG(status.st_mode))
+        return false;
+    // Something else may stand there by now; to open a pipe would wait for a writer.
     const int file = ::open(path.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (file < 0)
         return false;
-    struct stat status {};
-    const bool regular = ::fstat(file, &status) == 0 && S_ISREG(status.st_mode);
+    const bool isRegular = ::fstat(file, &status) == 0 && S_ISREG(status.st_mode);
     ::close(file);
-    return regular;
+    return isRegular;
 }
 
 GstPadProbeReturn holdBack(GstPad*, GstPadProbeInfo*, gpointer) {
@@ -65,10 +69,25 @@ FileSource::~FileSource() {
 // The splitter allocates whatever the file says of the length of its parts.
 GstFlowReturn FileSource::read(GstPad* pad, GstObject* parent, guint64 offset, guint length, GstBuffer** to) {
     auto* source = static_cast<FileSource*>(pad->getrangedata);
-    if (length > limits::kReadBytes ||
+    if (length > limits::kPieceBytes ||
         (source->m_opens && (source->m_opening += length) > limits::kOpeningBytes))
         return GST_FLOW_EOS;
-    return source->m_readFile(pad, parent, offset, length, to);
+    const bool isTheirs = *to;
+    const GstFlowReturn flow = source->m_readFile(pad, parent, offset, length, to);
+    if (flow != GST_FLOW_OK || source->mayGoOn(offset, *to))
+        return flow;
+    if (!isTheirs)
+        gst_buffer_unref(std::exchange(*to, nullptr));
+    return GST_FLOW_EOS;
+}
+
+bool FileSource::mayGoOn(std::uint64_t place, GstBuffer* piece) {
+    GstMapInfo map;
+    if (!gst_buffer_map(piece, &map, GST_MAP_READWRITE))
+        return false;
+    const bool fits = m_index.tidy(place, {map.data, map.size});
+    gst_buffer_unmap(piece, &map);
+    return fits;
 }
 
 Status FileSource::Load(const char16_t* path, const MediaType*) {

@@ -6,6 +6,7 @@
 #include <mutex>
 
 #include "platform/gstreamer/gst_filter.h"
+#include "platform/gstreamer/index_guard.h"
 
 namespace ql240::gstreamer {
 
@@ -23,11 +24,14 @@ public:
     void setOpen() { m_opens = false; }
 
 private:
+    bool mayGoOn(std::uint64_t place, GstBuffer* piece);
     static GstFlowReturn read(GstPad* pad, GstObject* parent, guint64 offset, guint length, GstBuffer** to);
 
     GstPadGetRangeFunction m_readFile = nullptr;
     std::atomic<bool> m_opens{true};
-    std::int64_t m_opening = 0; // bytes asked for so far; the reader's thread
+    // Reader's thread.
+    std::int64_t m_opening = 0; // bytes asked for so far
+    IndexGuard m_index;
 };
 
 enum class Container { Avi, Mp4 };

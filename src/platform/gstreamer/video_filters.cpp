@@ -64,6 +64,9 @@ Status VideoDecoder::prepareInput(Pin& input, const Pin& upstream) {
             g_object_set(element, "qos", FALSE, nullptr);
     }
     m_gate.attach(chain[1], decoder);
+    if (chain[1] != decoder)
+        m_parsing.attach(chain[1], chain[1]);
+    m_decoding.attach(chain[1], decoder);
     m_clipper.attach(decoder);
     input.setPad(staticPad(queue, "sink"));
     outputPin()->setPad(staticPad(converter, "src"));

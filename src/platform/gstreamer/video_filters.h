@@ -6,9 +6,11 @@
 #include <memory>
 #include <mutex>
 
+#include "platform/gstreamer/backlog.h"
 #include "platform/gstreamer/frame_clipper.h"
 #include "platform/gstreamer/gst_filter.h"
 #include "platform/gstreamer/picture_gate.h"
+#include "platform/limits.h"
 
 namespace ql240::gstreamer {
 
@@ -33,6 +35,8 @@ public:
 
 private:
     PictureGate m_gate;
+    Backlog m_parsing{{limits::kPieceBytes, limits::kPicturelessPieces}};
+    Backlog m_decoding{{limits::kPicturelessBytes, limits::kQueuedBuffers}};
     FrameClipper m_clipper;
 };
 

@@ -91,7 +91,7 @@ GstFlowReturn packFrame(GstVideoFilter*, GstVideoFrame* in, GstVideoFrame* out) 
 }
 
 gboolean proposeAllocation(GstBaseTransform* transform, GstQuery* decideQuery, GstQuery* query) {
-    const auto allocator = ql240::gstreamer::newFrameAllocator();
+    const auto allocator = ql240::gstreamer::newFrameAllocator(GST_OBJECT_PARENT(transform));
     gst_query_add_allocation_param(query, allocator.get(), nullptr);
     return GST_BASE_TRANSFORM_CLASS(yuy2_packer_parent_class)
         ->propose_allocation(transform, decideQuery, query);

@@ -2,6 +2,7 @@
 
 #include <QDialogButtonBox>
 #include <QDir>
+#include <QDirIterator>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPushButton>
@@ -11,6 +12,7 @@
 #include <QVBoxLayout>
 #include <memory>
 
+#include "platform/limits.h"
 #include "platform/waits.h"
 #include "widgets/plain_text.h"
 
@@ -48,7 +50,15 @@ Places usersVolumes() {
 }
 
 QStringList foldersIn(const QString& path) {
-    return QDir(path).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name | QDir::IgnoreCase);
+    QStringList names;
+    QDirIterator entries(path, QDir::AllEntries | QDir::NoDotAndDotDot);
+    for (int i = 0; i < limits::kClipFolderNames && entries.hasNext(); ++i) {
+        entries.next();
+        if (names.size() < limits::kTreeFolders && entries.fileInfo().isDir())
+            names << entries.fileName();
+    }
+    names.sort(Qt::CaseInsensitive);
+    return names;
 }
 
 // The subfolders at every level from `path` down along `way`; empty if that doesn't lead to a folder.

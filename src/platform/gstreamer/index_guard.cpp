@@ -1,0 +1,100 @@
+#include "platform/gstreamer/index_guard.h"
+
+#include <QtEndian>
+
+#include <algorithm>
+
+#include "platform/limits.h"
+
+namespace ql240::gstreamer {
+
+namespace {
+
+using Bytes = std::span<std::uint8_t>;
+
+constexpr std::size_t kHeader = 8;
+
+constexpr std::uint32_t tag(const char (&name)[5]) {
+    std::uint32_t value = 0;
+    for (int i = 0; i < 4; ++i)
+        value = value << 8 | static_cast<std::uint8_t>(name[i]);
+    return value;
+}
+
+// None leads back to one above it.
+struct Known {
+    std::uint32_t parent;
+    std::uint32_t child;
+};
+constexpr Known kKnown[] = {
+    {tag("moov"), tag("mvhd")}, {tag("moov"), tag("trak")}, {tag("moov"), tag("mvex")},
+    {tag("trak"), tag("tkhd")}, {tag("trak"), tag("edts")}, {tag("trak"), tag("mdia")},
+    {tag("edts"), tag("elst")}, {tag("mdia"), tag("mdhd")}, {tag("mdia"), tag("hdlr")},
+    {tag("mdia"), tag("minf")}, {tag("minf"), tag("vmhd")}, {tag("minf"), tag("smhd")},
+    {tag("minf"), tag("hdlr")}, {tag("minf"), tag("dinf")}, {tag("minf"), tag("stbl")},
+    {tag("dinf"), tag("dref")}, {tag("stbl"), tag("stsd")}, {tag("stbl"), tag("stts")},
+    {tag("stbl"), tag("ctts")}, {tag("stbl"), tag("cslg")}, {tag("stbl"), tag("stss")},
+    {tag("stbl"), tag("stps")}, {tag("stbl"), tag("stsc")}, {tag("stbl"), tag("stsz")},
+    {tag("stbl"), tag("stz2")}, {tag("stbl"), tag("stco")}, {tag("stbl"), tag("co64")},
+    {tag("mvex"), tag("mehd")}, {tag("mvex"), tag("trex")}, {tag("moof"), tag("mfhd")},
+    {tag("moof"), tag("traf")}, {tag("traf"), tag("tfhd")}, {tag("traf"), tag("tfdt")},
+    {tag("traf"), tag("trun")}, {tag("mfra"), tag("tfra")}, {tag("mfra"), tag("mfro")},
+};
+
+bool isKnown(std::uint32_t parent, std::uint32_t child) {
+    return std::any_of(std::begin(kKnown), std::end(kKnown),
+                       [=](const Known& known) { return known.parent == parent && known.child == child; });
+}
+
+bool holdsBoxes(std::uint32_t name) {
+    return std::any_of(std::begin(kKnown), std::end(kKnown),
+                       [=](const Known& known) { return known.parent == name; });
+}
+
+// 0 where there is nothing.
+std::uint32_t numberAt(Bytes bytes, std::size_t at) {
+    return bytes.size() < at + 4 ? 0 : qFromBigEndian<quint32>(bytes.data() + at);
+}
+
+} // namespace
+
+bool IndexGuard::tidy(std::uint64_t place, Bytes box) {
+    const std::uint32_t name = numberAt(box, 4);
+    if (!holdsBoxes(name))
+        return true;
+    const std::uint64_t end = place + box.size();
+    const bool isNew = end > m_counted; // a header may have been read alone before
+    m_counted = std::max(m_counted, end);
+    return tidyWithin(name, box.subspan(kHeader), isNew);
+}
+
+// The splitter too ends at a length that doesn't fit.
+bool IndexGuard::tidyWithin(std::uint32_t parent, Bytes boxes, bool isNew) {
+    while (boxes.size() >= kHeader) {
+        const std::uint32_t size = numberAt(boxes, 0);
+        if (size < kHeader || size > boxes.size())
+            return true;
+        const Bytes box = boxes.first(size);
+        const std::uint32_t name = numberAt(box, 4);
+        if (!isKnown(parent, name))
+            qToBigEndian(tag("free"), box.data() + 4);
+        else if (holdsBoxes(name) ? !tidyWithin(name, box.subspan(kHeader), isNew) : !fits(name, box, isNew))
+            return false;
+        boxes = boxes.subspan(size);
+    }
+    return true;
+}
+
+bool IndexGuard::fits(std::uint32_t name, Bytes box, bool isNew) {
+    constexpr std::size_t kSizesCount = 16;
+    constexpr std::size_t kRunCount = 12;
+    if (name == tag("stsd"))
+        return box.size() <= limits::kSampleEntryBytes;
+    if (isNew && (name == tag("stsz") || name == tag("stz2")))
+        m_samples += numberAt(box, kSizesCount);
+    if (isNew && name == tag("trun"))
+        m_samples += numberAt(box, kRunCount);
+    return m_samples <= limits::kClipSamples;
+}
+
+} // namespace ql240::gstreamer

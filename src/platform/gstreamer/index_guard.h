@@ -1,0 +1,27 @@
+// Goes through the index boxes of an MP4 file as the splitter reads them. It leaves what is needed to play:
+// the splitter follows boxes within boxes until its stack is full, unpacks compressed ones to any size, and
+// makes room for samples that no table is there for. On the splitter's thread.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+namespace ql240::gstreamer {
+
+class IndexGuard {
+public:
+    // Makes free space of the boxes in `box` that nobody needs; false if what is left is too much. Anything
+    // but an index box stays as it is.
+    bool tidy(std::uint64_t place, std::span<std::uint8_t> box);
+
+private:
+    using Bytes = std::span<std::uint8_t>;
+
+    bool tidyWithin(std::uint32_t parent, Bytes boxes, bool isNew);
+    bool fits(std::uint32_t name, Bytes box, bool isNew);
+
+    std::uint64_t m_counted = 0; // of the file: up to there its samples are
+    std::uint64_t m_samples = 0;
+};
+
+} // namespace ql240::gstreamer
