@@ -127,15 +127,17 @@ bool readLibrarySample(SensorLibrary& library, SensorLibrary::Handle handle, std
 
 bool appendTrailerBytes(SensorTrack& track, QByteArrayView tail, bool startsLate, std::int64_t durationMs) {
     const qsizetype marker = tail.indexOf(kMarker);
-    qCDebug(lcSensors) << "trailer at byte" << marker << "of the last" << tail.size();
-    if (marker <= 0)
+    if (marker <= 0) {
+        qCDebug(lcSensors) << "no trailer in the last" << tail.size() << "bytes";
         return false;
+    }
     const qsizetype start = std::min(marker + kMarker.size() + 1, tail.size());
     if (appendLines(track, tail.sliced(start)) > 0) {
         if (startsLate)
             padFront(track);
         spreadOver(track, durationMs);
     }
+    qCDebug(lcSensors) << "the trailer has" << track.size() << "samples";
     return true;
 }
 

@@ -60,10 +60,9 @@ class TestStartUp : public QObject {
 private Q_SLOTS:
     void init() {
         m_home = std::make_unique<QTemporaryDir>();
-        QVERIFY(QDir(m_home->path()).mkpath(QStringLiteral("QL240")));
+        QVERIFY(QDir(m_home->path()).mkpath("QL240"));
         m_windows = std::make_unique<LocalRunningWindows>(m_home->path());
     }
-
     void cleanup() {
         for (QProcess* process : m_processes) {
             process->kill();
@@ -74,64 +73,34 @@ private Q_SLOTS:
         host() = {};
     }
 
-    void language_data() {
-        QTest::addColumn<QString>("locale");
-        QTest::addColumn<QByteArray>("stored");
-        QTest::addColumn<QByteArray>("kept");
-        QTest::newRow("Russian system") << "ru_RU.UTF-8" << QByteArray() << QByteArray("language=ru");
-        QTest::newRow("German system") << "de_DE.UTF-8" << QByteArray() << QByteArray("language=en");
-        QTest::newRow("stored") << "ru_RU.UTF-8" << QByteArray("kr") << QByteArray("language=kr");
-        QTest::newRow("stored, unknown") << "ru_RU.UTF-8" << QByteArray("xx") << QByteArray("language=xx");
-    }
+    // The system's at first, what is stored from then on.
     void language() {
-        QFETCH(QString, locale);
-        QFETCH(QByteArray, stored);
-        QFETCH(QByteArray, kept);
-        if (!stored.isEmpty()) {
-            QFile file(m_home->filePath(QStringLiteral("QL240/local.ini")));
-            QVERIFY(file.open(QFile::WriteOnly));
-            file.write("[global]\nlanguage=" + stored + "\n");
+        for (const char* kept : {"language=ru", "language=xx"}) {
+            QProcess* tool = start({"setting"}, {{"LC_ALL", "ru_RU.UTF-8"}});
+            QTRY_VERIFY_WITH_TIMEOUT(isRunning(kSetting), kBoundMs);
+            QVERIFY2(preferences().contains(kept), preferences().constData());
+            tool->kill();
+            QVERIFY(tool->waitForFinished(kBoundMs));
+            QFile file(m_home->filePath("QL240/local.ini"));
+            QVERIFY(file.open(QFile::WriteOnly) && file.write("[global]\nlanguage=xx\n") > 0);
         }
-        start({QStringLiteral("setting")}, {{QStringLiteral("LC_ALL"), locale}});
-        QTRY_VERIFY_WITH_TIMEOUT(isRunning(kSetting), kBoundMs);
-        QVERIFY2(preferences().contains(kept), preferences().constData());
     }
 
-    void secondStart_data() {
-        QTest::addColumn<QStringList>("first");
-        QTest::addColumn<QStringList>("second");
-        QTest::addColumn<bool>("handsOver");
-        const QStringList viewer;
-        const QStringList settings{QStringLiteral("anything")};
-        QTest::newRow("viewer, viewer") << viewer << viewer << true;
-        QTest::newRow("settings, settings")
-            << settings << QStringList{QStringLiteral("--other"), QStringLiteral("x")} << true;
-        QTest::newRow("viewer, settings") << viewer << settings << false;
-        QTest::newRow("settings, viewer") << settings << viewer << false;
-        QTest::newRow("the toolkit's option is no argument")
-            << viewer << QStringList{QStringLiteral("-platform"), QStringLiteral("offscreen")} << true;
-    }
-    void secondStart() {
-        QFETCH(QStringList, first);
-        QFETCH(QStringList, second);
-        QFETCH(bool, handsOver);
-        const auto titleOf = [](const QStringList& arguments) {
-            return arguments.isEmpty() || arguments.first() == QLatin1String("-platform") ? kViewer
-                                                                                          : kSetting;
+    // One viewer and one settings tool; Qt's own options are no arguments.
+    void laterStartsHandOver() {
+        const auto handsOver = [this](const QStringList& arguments) {
+            QProcess* later = start(arguments);
+            return later->waitForFinished(kBoundMs) && later->exitStatus() == QProcess::NormalExit &&
+                   later->exitCode() == 0;
         };
-        QProcess* running = start(first);
-        QTRY_VERIFY_WITH_TIMEOUT(isRunning(titleOf(first)), kBoundMs);
-        QProcess* later = start(second);
-        if (handsOver) {
-            QVERIFY(later->waitForFinished(kBoundMs));
-            QCOMPARE(later->exitStatus(), QProcess::NormalExit);
-            QCOMPARE(later->exitCode(), 0);
-        } else {
-            QTRY_VERIFY_WITH_TIMEOUT(isRunning(titleOf(second)), kBoundMs);
-            QCOMPARE(later->state(), QProcess::Running);
-        }
-        QCOMPARE(running->state(), QProcess::Running);
-        QVERIFY(isRunning(titleOf(first)));
+        const QProcess* viewer = start({});
+        QTRY_VERIFY_WITH_TIMEOUT(isRunning(kViewer), kBoundMs);
+        QVERIFY(handsOver({"-platform", "offscreen"}));
+        const QProcess* settings = start({"anything"});
+        QTRY_VERIFY_WITH_TIMEOUT(isRunning(kSetting), kBoundMs);
+        QVERIFY(handsOver({"--other", "x"}));
+        QVERIFY(isRunning(kViewer) && isRunning(kSetting));
+        QVERIFY(viewer->state() == QProcess::Running && settings->state() == QProcess::Running);
     }
 
     // The dialog that a viewer opens has the settings tool's title.
@@ -145,7 +114,7 @@ private Q_SLOTS:
         viewer.activateWindow();
         QTRY_VERIFY(viewer.isActiveWindow());
 
-        QProcess* tool = start({QStringLiteral("setting")});
+        const QProcess* tool = start({"setting"});
         QTRY_VERIFY_WITH_TIMEOUT(tool->state() == QProcess::NotRunning, kBoundMs);
         QCOMPARE(tool->exitCode(), 0);
         QTRY_VERIFY(dialog.isActiveWindow());
@@ -154,22 +123,7 @@ private Q_SLOTS:
         dialog.showMinimized();
         QVERIFY(isRunning(kSetting));
         dialog.close();
-        QVERIFY(!isRunning(kSetting));
-        QVERIFY(isRunning(kViewer));
-    }
-
-    // The tool's dialog has taken the title when the viewer's is opened.
-    void titleGoesToTheDialogThatStaysOpen() {
-        QProcess* tool = start({QStringLiteral("setting")});
-        QTRY_VERIFY_WITH_TIMEOUT(isRunning(kSetting), kBoundMs);
-        InstanceWindows instances(*m_windows, {kViewer, kSetting});
-        ConfigWindow dialog;
-        dialog.show();
-        tool->kill();
-        QVERIFY(tool->waitForFinished(kBoundMs));
-        QTRY_VERIFY(isRunning(kSetting));
-        dialog.close();
-        QVERIFY(!isRunning(kSetting));
+        QVERIFY(!isRunning(kSetting) && isRunning(kViewer));
     }
 
     // By its own last input the window would be refused the focus: the user has clicked elsewhere since.
@@ -181,8 +135,7 @@ private Q_SLOTS:
         ConfigWindow dialog;
         dialog.show();
         ActivationRequests requests;
-        start({QStringLiteral("setting")},
-              {{QStringLiteral("DESKTOP_STARTUP_ID"), QStringLiteral("launcher-1_TIME%1").arg(clickTime)}});
+        start({"setting"}, {{"DESKTOP_STARTUP_ID", QStringLiteral("launcher-1_TIME%1").arg(clickTime)}});
         QTRY_VERIFY_WITH_TIMEOUT(requests.has(dialog.winId(), clickTime), kBoundMs);
     }
 
@@ -191,28 +144,19 @@ private Q_SLOTS:
         platform.enterApplication();
         const Host& table = host();
         QVERIFY(table.drives && table.folderDialogs && table.inhibitor);
-        QVERIFY(table.sensorLibrary && table.urlOpener && table.waveOut);
-        QVERIFY(table.media && table.webPages);
+        QVERIFY(table.sensorLibrary && table.urlOpener && table.waveOut && table.media && table.webPages);
     }
 
-    void noDisplay_data() {
-        QTest::addColumn<QString>("platform");
-        QTest::addColumn<QString>("display");
-        QTest::newRow("none at all") << ""
-                                     << "";
-        QTest::newRow("one that doesn't answer") << "xcb"
-                                                 << ":9240";
-    }
+    // None at all, and one that doesn't answer.
     void noDisplay() {
-        QFETCH(QString, platform);
-        QFETCH(QString, display);
-        QProcess* process = start({}, {{QStringLiteral("QT_QPA_PLATFORM"), platform},
-                                       {QStringLiteral("DISPLAY"), display},
-                                       {QStringLiteral("WAYLAND_DISPLAY"), QString()}});
-        QVERIFY(process->waitForFinished(kBoundMs));
-        QCOMPARE(process->exitStatus(), QProcess::NormalExit);
-        QCOMPARE(process->exitCode(), 1);
-        QVERIFY(preferences().isEmpty());
+        for (const auto& [platform, display] : {std::pair("", ""), {"xcb", ":9240"}}) {
+            QProcess* process = start(
+                {}, {{"QT_QPA_PLATFORM", platform}, {"DISPLAY", display}, {"WAYLAND_DISPLAY", QString()}});
+            QVERIFY(process->waitForFinished(kBoundMs));
+            QCOMPARE(process->exitStatus(), QProcess::NormalExit);
+            QCOMPARE(process->exitCode(), 1);
+            QVERIFY(preferences().isEmpty());
+        }
     }
 
     // The splash screen, which stays up in this mode, must not keep the process.
@@ -230,7 +174,7 @@ private Q_SLOTS:
 
     // The settings tool loads neither the media pipeline nor the web engine.
     void settingsToolIsLight() {
-        const QProcess* tool = start({QStringLiteral("settings")});
+        const QProcess* tool = start({"settings"});
         QTRY_VERIFY_WITH_TIMEOUT(isRunning(kSetting), kBoundMs);
         QFile maps(QStringLiteral("/proc/%1/maps").arg(tool->processId()));
         QVERIFY(maps.open(QIODevice::ReadOnly));
@@ -241,10 +185,21 @@ private Q_SLOTS:
     }
 
 private:
-    QProcess* start(const QStringList& arguments, const QMap<QString, QString>& extra = {});
-    bool isRunning(const QString& title) { return m_windows->findWindow(title) != nullptr; }
+    QProcess* start(const QStringList& arguments, const QMap<QString, QString>& extra = {}) {
+        auto* process = new QProcess;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("XDG_CONFIG_HOME", m_home->path());
+        environment.insert("XDG_RUNTIME_DIR", m_home->path());
+        for (auto it = extra.begin(); it != extra.end(); ++it)
+            environment.insert(it.key(), it.value());
+        process->setProcessEnvironment(environment);
+        process->start(QStringLiteral(QL240_VIEWER), arguments);
+        m_processes << process;
+        return process;
+    }
+    bool isRunning(const QString& title) { return m_windows->findWindow(title).has_value(); }
     QByteArray preferences() const {
-        QFile file(m_home->filePath(QStringLiteral("QL240/local.ini")));
+        QFile file(m_home->filePath("QL240/local.ini"));
         return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
     }
 
@@ -252,21 +207,6 @@ private:
     std::unique_ptr<LocalRunningWindows> m_windows;
     QList<QProcess*> m_processes;
 };
-
-QProcess* TestStartUp::start(const QStringList& arguments, const QMap<QString, QString>& extra) {
-    auto* process = new QProcess;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home->path());
-    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_home->path());
-    for (auto it = extra.begin(); it != extra.end(); ++it)
-        environment.insert(it.key(), it.value());
-    process->setProcessEnvironment(environment);
-    process->setProgram(QStringLiteral(QL240_VIEWER));
-    process->setArguments(arguments);
-    process->start();
-    m_processes << process;
-    return process;
-}
 
 QTEST_MAIN(TestStartUp)
 #include "test_start_up.moc"

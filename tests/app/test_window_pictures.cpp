@@ -1,6 +1,6 @@
 // The windows in the program's own style, and the pictures that they are made of, against kept pictures. Run
 // at one and at two device pixels a pixel.
-#include <QDirIterator>
+#include <QDir>
 
 #include "app/style.h"
 #include "base/language.h"
@@ -16,7 +16,6 @@
 namespace ql240 {
 namespace {
 
-constexpr int kBoundMs = 15000;
 constexpr int kShownMs = 1010;
 constexpr int kShownFrame = 30;
 
@@ -77,15 +76,15 @@ private Q_SLOTS:
         viewer.show();
         viewer.loadMap();
         QVERIFY(QTest::qWaitForWindowActive(viewer.window.get()));
-        const QByteArray atStart = pictureDiffers(*viewer.window, QStringLiteral("window-start"));
+        const QByteArray atStart = pictureDiffers(*viewer.window, "window-start");
 
         QVERIFY(playUpToTheFrame(viewer));
-        const QByteArray playing = pictureDiffers(*viewer.window, QStringLiteral("window-playing"));
+        const QByteArray playing = pictureDiffers(*viewer.window, "window-playing");
 
         viewer.key(Qt::Key_F);
         QTRY_COMPARE(viewer.mainView()->geometry(), viewer.window->rect().adjusted(1, 1, -1, -1));
-        QTRY_COMPARE_WITH_TIMEOUT(shownFrame(viewer), kShownFrame, kBoundMs);
-        const QByteArray full = pictureDiffers(*viewer.window, QStringLiteral("window-full-screen"));
+        QTRY_COMPARE_WITH_TIMEOUT(shownFrame(viewer), kShownFrame, kWaitMs);
+        const QByteArray full = pictureDiffers(*viewer.window, "window-full-screen");
         QCOMPARE(atStart + playing + full, QByteArray());
     }
 
@@ -141,16 +140,11 @@ private Q_SLOTS:
     // Every look of every control; the windows' own grounds are seen above.
     void skin() {
         const bool doubled = qGuiApp->devicePixelRatio() > 1;
-        QStringList names;
-        for (QDirIterator all(QStringLiteral(":/gfx_r/2012"), {QStringLiteral("*.png")}); all.hasNext();) {
-            const QString name = all.next();
-            if (name.contains(QLatin1String("@2x")) == doubled)
-                names << name;
-        }
-        names.sort();
         QList<QImage> pictures;
-        for (const QString& name : names) {
-            QImage picture(name);
+        for (const QString& name : QDir(":/gfx_r/2012").entryList({"*.png"}, QDir::Files, QDir::Name)) {
+            if (name.contains(QLatin1String("@2x")) != doubled)
+                continue;
+            QImage picture(":/gfx_r/2012/" + name);
             QVERIFY2(!picture.isNull(), qPrintable(name));
             picture.setDevicePixelRatio(1);
             if (picture.width() < 300 * (doubled ? 2 : 1))
@@ -169,14 +163,12 @@ private:
     static bool playUpToTheFrame(Viewer& viewer) {
         viewer.sensors.answer = drive;
         for (const char* minute : {"29", "30", "31"})
-            viewer.addClip(
-                QStringLiteral("%1/REC_2013_04_05_12_%2_00.mp4").arg(kFolder, QLatin1String(minute)),
-                TestClipSpec());
+            viewer.addClip(kFolder + "/REC_2013_04_05_12_" + minute + "_00.mp4", TestClipSpec());
         viewer.openFolder(viewer.path(kFolder));
         viewer.updateTimer()->stop();
         viewer.player()->pause();
         viewer.player()->seek(kShownMs);
-        const bool stands = QTest::qWaitFor([&] { return shownFrame(viewer) == kShownFrame; }, kBoundMs);
+        const bool stands = QTest::qWaitFor([&] { return shownFrame(viewer) == kShownFrame; }, kWaitMs);
         viewer.window->OnTimeoutUpdate();
         return stands && viewer.window->isPlaying();
     }

@@ -12,8 +12,8 @@ class TestClipSession : public QObject {
 
 private Q_SLOTS:
     void phasesFollowTheOpenClipOnly() {
-        const Clip clip{QFileInfo(QStringLiteral("/c/REC_2013_04_05_12_30_00.mp4"))};
-        const Clip other{QFileInfo(QStringLiteral("/c/other.mp4"))};
+        const Clip clip{QFileInfo("/c/REC_2013_04_05_12_30_00.mp4")};
+        const Clip other{QFileInfo("/c/other.mp4")};
         ClipSession session;
         QList<Phase> phases;
         connect(&session, &ClipSession::phaseChanged, this, [&](Phase phase) {

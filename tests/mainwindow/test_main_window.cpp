@@ -1,5 +1,16 @@
+// The main window over the real pipeline: folders and clips, dashboard and sound, the settings taken over,
+// what assistive technology sees, and what keeps the desktop awake.
+#include <algorithm>
+
 #include "base/language.h"
+#include "base/preferences.h"
 #include "mainwindow/viewer.h"
+#include "settings/card.h"
+#include "settings/config_window.h"
+#include "support/accessible_tree.h"
+#include "support/fake_inhibitor.h"
+#include "support/made_card.h"
+#include "support/modal.h"
 #include "widgets/image_buttons.h"
 
 namespace ql240 {
@@ -8,10 +19,12 @@ using layout::ButtonId;
 
 namespace {
 
-constexpr int kBoundMs = 15000;
-const QString kThree[] = {QStringLiteral("EVS_2013_04_05_12_29_00.mp4"),
-                          QStringLiteral("REC_2013_04_05_12_29_00.mp4"),
-                          QStringLiteral("REC_2013_04_05_12_30_00.mp4")};
+const QStringList kThree{"EVS_2013_04_05_12_29_00.mp4", "REC_2013_04_05_12_29_00.mp4",
+                         "REC_2013_04_05_12_30_00.mp4"};
+
+QAccessibleInterface* accessible(QObject* part) {
+    return QAccessible::queryAccessibleInterface(part);
+}
 
 } // namespace
 
@@ -19,290 +32,267 @@ class TestMainWindow : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m_viewer = std::make_unique<Viewer>(); }
+    void init() {
+        setCurrentLanguage("en");
+        m_viewer = std::make_unique<Viewer>();
+        host().inhibitor = &m_inhibitor;
+    }
     void cleanup() { m_viewer.reset(); }
 
-    void beforeAnyFolder();
-    void openingAFolderPlaysItsFirstClip();
-    void folderWithoutClips_data();
-    void folderWithoutClips();
-    void nextAndPreviousWrap();
-    void endOfTheOnlyClipRewinds();
-    void pauseStopsTheUpdates();
-    void seekingWhilePaused();
-    void displayedSpeed_data();
-    void displayedSpeed();
-    void stopLeavesZoomAndPan();
-    void panMode();
-    void soundStaysOffOverFolders();
-    void fileWithoutClipRecord();
+    void beforeAnyFolder() {
+        viewer().show();
+        QCOMPARE(std::ranges::count_if(layout::kButtons, [this](const auto& row) { return works(row.id); }),
+                 6);
+        QVERIFY(!viewer().child<WidgetVolume>()->isEnabled());
+        for (const QWidget* widget : viewer().window->findChildren<QWidget*>())
+            QCOMPARE(widget->contextMenuPolicy(), Qt::NoContextMenu);
+        viewer().click(ButtonId::Logo);
+        QCOMPARE(viewer().urls.opened.size(), 1);
+        viewer().click(ButtonId::Exit);
+        QVERIFY(!viewer().window->isVisible());
+    }
+
+    // Cancelled, nothing changes; a folder without clips leaves nothing of the one before.
+    void folderWithoutClips() {
+        viewer().playCard(kThree);
+        for (const bool chosen : {false, true}) {
+            if (chosen)
+                viewer().folderDialogs.choice = viewer().path(".");
+            viewer().click(ButtonId::OpenFolder);
+            QCOMPARE(viewer().answers.warnings,
+                     QStringList(chosen, "QL240 Viewer: Please select proper folder"));
+            QCOMPARE(viewer().list()->count(), chosen ? 0 : 3);
+            QCOMPARE(viewer().player()->clip() == nullptr, chosen);
+            QCOMPARE(viewer().child<QLabel>()->text().isEmpty(), chosen);
+        }
+        QVERIFY(works(ButtonId::Stop));
+    }
+
+    void nextAndPreviousWrap() {
+        viewer().playCard(kThree);
+        const std::pair<ButtonId, int> steps[] = {{ButtonId::PreviousFile, 2},
+                                                  {ButtonId::NextFile, 0},
+                                                  {ButtonId::NextFile, 1},
+                                                  {ButtonId::PreviousFile, 0}};
+        for (const auto& [id, row] : steps) {
+            viewer().click(id);
+            QCOMPARE(viewer().list()->currentRow(), row);
+            QCOMPARE(viewer().player()->clip()->file().fileName(), kThree[row]);
+            QVERIFY(viewer().window->isPlaying());
+        }
+    }
+
+    // It rewinds and lets the screen saver come, also where full screen keeps showing what was before.
+    void endOfTheOnlyClip() {
+        viewer().playCard({kThree[0]}, Viewer::shortClip(10));
+        QCOMPARE(*m_inhibitor.holds, 1);
+        QTRY_COMPARE_WITH_TIMEOUT(*m_inhibitor.holds, 0, kWaitMs);
+        QVERIFY(!viewer().window->isPlaying());
+        QCOMPARE(viewer().player()->positionMs(), 0);
+        QTRY_VERIFY(!viewer().updateTimer()->isActive());
+        viewer().click(ButtonId::NextFile);
+        QVERIFY(!viewer().window->isPlaying());
+        viewer().click(ButtonId::Play);
+        viewer().key(Qt::Key_F);
+        QTRY_COMPARE_WITH_TIMEOUT(*m_inhibitor.holds, 0, kWaitMs);
+        viewer().window->OnSlotsplay();
+        QCOMPARE(*m_inhibitor.holds, 1);
+        viewer().window.reset();
+        QCOMPARE(*m_inhibitor.holds, 0);
+    }
+
+    // Each sample where it is sought: beyond the scale it shows as nothing, unknown or without a position it
+    // leaves what was shown.
+    void seekingWhilePaused() {
+        static constexpr struct {
+            int latitude, speed, shown;
+        } kSeconds[] = {{1, 10, 10}, {2, 88, 88}, {3, 241, 241}, {4, 242, 0},
+                        {5, 50, 50}, {6, -1, 50}, {0, 77, 50}};
+        viewer().sensors.answer = [](std::int64_t ms) {
+            const auto& second = kSeconds[std::min(std::size_t(ms / 1000), std::size(kSeconds) - 1)];
+            FakeSensorLibrary::Answer answer;
+            answer.latitude = 1000000 * second.latitude;
+            answer.speed = second.speed;
+            return answer;
+        };
+        viewer().playCard(kThree, Viewer::shortClip(300));
+        viewer().loadMap();
+        viewer().click(ButtonId::Pause);
+        QTRY_VERIFY(!viewer().updateTimer()->isActive());
+        for (std::size_t i = 1; i < std::size(kSeconds); ++i) {
+            const auto moves = mapMoves();
+            const int ms = int(i) * 1000 + 500;
+            Q_EMIT viewer().panel()->clicked(ms);
+            QCOMPARE(viewer().player()->positionMs(), ms);
+            QCOMPARE(viewer().panel()->state().progressValue, ms);
+            QCOMPARE(viewer().panel()->speed(), kSeconds[i].shown);
+            QTRY_COMPARE(mapMoves() > moves, kSeconds[i].latitude != 0);
+        }
+        QVERIFY(!viewer().window->isPlaying());
+    }
+
+    void stopLeavesZoomAndPan() {
+        viewer().playCard(kThree);
+        viewer().click(ButtonId::ZoomIn);
+        viewer().click(ButtonId::Pan);
+        QVERIFY(viewer().mainView()->zoom() > 1.0F && isLatched(ButtonId::Pan));
+        QVERIFY(!viewer().list()->isEnabled() && !viewer().child<MapView>()->isEnabled());
+        viewer().click(ButtonId::Stop);
+        QCOMPARE(viewer().mainView()->zoom(), 1.0F);
+        QVERIFY(!isLatched(ButtonId::Pan) && viewer().list()->isEnabled() && !viewer().panel()->isEnabled());
+        QTRY_COMPARE_WITH_TIMEOUT(viewer().player()->positionMs(), 0, kWaitMs);
+        viewer().click(ButtonId::Play);
+        QVERIFY(viewer().panel()->isEnabled());
+    }
+
+    void soundStaysOffOverFolders() {
+        viewer().playCard(kThree);
+        const auto sounds = [this](bool gauge, bool latched, std::uint32_t loudness) {
+            std::uint32_t value = 1;
+            viewer().volume.waveOutGetVolume(0, &value);
+            return viewer().child<WidgetVolume>()->isEnabled() == gauge &&
+                   isLatched(ButtonId::Volume) == latched && value == loudness;
+        };
+        viewer().click(ButtonId::Volume);
+        QVERIFY(sounds(false, true, 0));
+        viewer().openCard();
+        QVERIFY(sounds(true, true, 0));
+        viewer().click(ButtonId::Volume);
+        QVERIFY(sounds(false, true, 0));
+        viewer().click(ButtonId::Volume);
+        QVERIFY(sounds(true, false, 0xFFFAFFFAU));
+    }
+
+    void fileWithoutClipRecord() {
+        viewer().playCard(kThree);
+        viewer().answers.openFile = viewer().path("card/" + kThree[1]);
+        viewer().click(ButtonId::OpenFile);
+        QCOMPARE(viewer().answers.asked, QStringList({"Open QL240", "QL240 Data Files (*.mp4)"}));
+        QCOMPARE(viewer().list()->count(), 4);
+        QCOMPARE(viewer().list()->item(3)->text(), kThree[1]);
+        QCOMPARE(viewer().list()->currentRow(), 0);
+        viewer().list()->setCurrentRow(3);
+        QCOMPARE(viewer().answers.warnings, QStringList("QL240 Viewer: Failed to open clip file"));
+        QCOMPARE(viewer().player()->clip(), nullptr);
+    }
+
+    void settingsAcceptedThenCancelled() {
+        viewer().playCard(kThree);
+        for (const bool accepted : {true, false}) {
+            QCOMPARE(viewer().panel()->kilometres(), accepted);
+            const ModalAnswer user([&](QWidget* window) {
+                auto* dialog = static_cast<ConfigWindow*>(window);
+                QCOMPARE(dialog->viewerSpeedUnit(), accepted ? SpeedUnit::Kmh : SpeedUnit::Mph);
+                setCurrentLanguage("kr");
+                dialog->setViewerSpeedUnit(accepted ? SpeedUnit::Mph : SpeedUnit::Kmh);
+                accepted ? dialog->accept() : dialog->reject();
+            });
+            viewer().click(ButtonId::Setting);
+            QVERIFY(user.seen() && !viewer().window->isPlaying() && !viewer().panel()->kilometres());
+            QString unit;
+            QVERIFY(readSpeedUnit(unit));
+            QCOMPARE(unit, "mph");
+        }
+        QCOMPARE(viewer().window->button(ButtonId::Play)->accessibleName(), "재생");
+    }
+
+    void unitAtStart() {
+        for (const char* unit : {"km", "mph", "KM"}) {
+            writeSpeedUnit(unit);
+            viewer().show();
+            QCOMPARE(viewer().panel()->kilometres(), unit == QLatin1String("km"));
+        }
+    }
+
+    // The last drive with a version file is the camera's card.
+    void cardModel() {
+        const MadeCard cards[3];
+        for (const MadeCard& card : cards)
+            viewer().drives.drives << DriveInfo{card.drive(), {}, {}};
+        QVERIFY(!cardVersionText(&viewer().drives) && !cardVersionText(nullptr));
+        cards[0].put("update/version.txt", "A");
+        cards[1].put("update/version.txt", "B");
+        QCOMPARE(cardVersionText(&viewer().drives).value(), "B");
+    }
+
+    void everyPartSpeaks() {
+        viewer().playCard(kThree);
+        const AccessibleTree tree(viewer().window.get());
+        QCOMPARE(tree.nameless.join(u'\n'), QString());
+        const std::pair<QString, QAccessible::Role> expected[] = {
+            {"QL240 Viewer", QAccessible::Window}, {"Video", QAccessible::Animation},
+            {"Map", QAccessible::Graphic},         {"Clips", QAccessible::List},
+            {kThree[1], QAccessible::ListItem},    {"Dashboard", QAccessible::Slider},
+            {"Open Folder", QAccessible::Button},  {"QL240", QAccessible::Button},
+        };
+        for (const auto& [name, role] : expected)
+            QVERIFY2(tree.byName.contains(name) && tree.byName[name]->role() == role, qPrintable(name));
+        const auto press = QAccessibleActionInterface::pressAction();
+        accessible(viewer().window->button(ButtonId::Pause))->actionInterface()->doAction(press);
+        QVERIFY(!viewer().window->isPlaying());
+        for (const ButtonId id : {ButtonId::Pan, ButtonId::Volume}) {
+            const QAccessibleInterface* latch = accessible(viewer().window->button(id));
+            QVERIFY(latch->state().checkable && !latch->state().checked);
+            viewer().click(id);
+            QVERIFY(latch->state().checked);
+        }
+        QVERIFY(accessible(viewer().list())->state().disabled);
+    }
+
+    void gaugesAreSliders() {
+        viewer().playCard(kThree, Viewer::shortClip(300));
+        viewer().click(ButtonId::Pause);
+        QAccessibleInterface* panel = accessible(viewer().panel());
+        const auto longest = [panel] { return panel->valueInterface()->maximumValue().toLongLong(); };
+        QTRY_COMPARE_WITH_TIMEOUT(longest(), viewer().player()->durationMs(), kWaitMs);
+        panel->valueInterface()->setCurrentValue(5000);
+        QTRY_COMPARE_WITH_TIMEOUT(viewer().player()->positionMs(), 5000, kWaitMs);
+        QCOMPARE(panel->valueInterface()->currentValue().toInt(), 5000);
+        QCOMPARE(panel->text(QAccessible::Value).left(5), "00:05");
+        QVERIFY(panel->text(QAccessible::Description).contains("50 km/h"));
+
+        auto* volume = viewer().child<WidgetVolume>();
+        accessible(volume)->valueInterface()->setCurrentValue(4);
+        QCOMPARE(volume->level(), 4);
+        QCOMPARE(accessible(volume)->text(QAccessible::Value), "40 %");
+    }
+
+    // Tab reaches every control that can be used, and each shows where the focus is.
+    void focusIsSeen() {
+        viewer().playCard(kThree);
+        viewer().click(ButtonId::Pause);
+        viewer().window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(viewer().window.get()));
+        QSet<QWidget*> seen;
+        for (int i = 0; i < 40; ++i) {
+            viewer().key(Qt::Key_Tab);
+            QWidget* focus = viewer().window->focusWidget();
+            seen << focus;
+            const QImage with = focus->grab().toImage();
+            focus->clearFocus();
+            const QImage without = focus->grab().toImage();
+            focus->setFocus(Qt::TabFocusReason);
+            if (qobject_cast<QAbstractButton*>(focus))
+                QVERIFY2(with != without, qPrintable(focus->accessibleName()));
+        }
+        QVERIFY(seen.contains(viewer().list()));
+        for (const layout::ButtonRow& row : layout::kButtons)
+            QVERIFY2(
+                seen.contains(viewer().window->button(row.id)) || !viewer().isShown(row.id) || !works(row.id),
+                row.name);
+    }
 
 private:
     Viewer& viewer() { return *m_viewer; }
-    void addThree();
-    void openCard() { viewer().openFolder(viewer().path(QStringLiteral("card"))); }
+    bool works(ButtonId id) { return viewer().window->button(id)->isEnabled(); }
     bool isLatched(ButtonId id) {
         return static_cast<ClearButton*>(viewer().window->button(id))->isLatched();
     }
-    int mapMoves() { return int(viewer().pages.scripts.filter(QStringLiteral("go(")).size()); }
+    qsizetype mapMoves() { return viewer().pages.scripts.filter("go(").size(); }
 
+    FakeInhibitor m_inhibitor;
     std::unique_ptr<Viewer> m_viewer;
 };
-
-void TestMainWindow::addThree() {
-    for (const QString& name : kThree)
-        viewer().addClip(QStringLiteral("card/") + name);
-}
-
-void TestMainWindow::beforeAnyFolder() {
-    setCurrentLanguage(QStringLiteral("en"));
-    viewer().show();
-    int working = 0;
-    for (const layout::ButtonRow& row : layout::kButtons) {
-        QAbstractButton* button = viewer().window->button(row.id);
-        QVERIFY(!button->accessibleName().isEmpty());
-        working += button->isEnabled();
-    }
-    for (const ButtonId id : {ButtonId::OpenFile, ButtonId::OpenFolder, ButtonId::Setting, ButtonId::Minimise,
-                              ButtonId::Exit, ButtonId::Logo})
-        QVERIFY(viewer().window->button(id)->isEnabled());
-    QCOMPARE(working, 6);
-    QVERIFY(!viewer().child<WidgetVolume>()->isEnabled());
-    QVERIFY(!viewer().subView()->isVisible());
-    QVERIFY(viewer().isShown(ButtonId::Play) && !viewer().isShown(ButtonId::Pause));
-    for (const QWidget* widget : viewer().window->findChildren<QWidget*>())
-        QCOMPARE(widget->contextMenuPolicy(), Qt::NoContextMenu);
-    viewer().click(ButtonId::Logo);
-    QCOMPARE(viewer().urls.opened.size(), 1);
-    viewer().click(ButtonId::Exit);
-    QVERIFY(!viewer().window->isVisible());
-}
-
-void TestMainWindow::openingAFolderPlaysItsFirstClip() {
-    addThree();
-    viewer().show();
-    viewer().folderDialogs.choice = viewer().path(QStringLiteral("card"));
-    viewer().click(ButtonId::OpenFolder);
-    QCOMPARE(viewer().list()->count(), 3);
-    QCOMPARE(viewer().list()->currentRow(), 0);
-    QCOMPARE(viewer().player()->clip()->file().fileName(), kThree[0]);
-    QCOMPARE(viewer().child<QLabel>()->text(), viewer().path(QStringLiteral("card")));
-    QCOMPARE(viewer().panel()->state().dateText, QStringLiteral("2013.04.05"));
-    QVERIFY(viewer().isShown(ButtonId::Pause) && !viewer().isShown(ButtonId::Play));
-    QVERIFY(viewer().window->button(ButtonId::Snapshot)->isEnabled());
-    QTRY_VERIFY_WITH_TIMEOUT(viewer().player()->positionMs() > 100, kBoundMs);
-    QTRY_VERIFY_WITH_TIMEOUT(viewer().panel()->state().progressValue > 0, kBoundMs);
-    QVERIFY(viewer().answers.warnings.isEmpty());
-}
-
-void TestMainWindow::folderWithoutClips_data() {
-    QTest::addColumn<bool>("choose");
-    QTest::addColumn<QStringList>("warnings");
-    QTest::newRow("empty") << true
-                           << QStringList{QStringLiteral("QL240 Viewer: Please select proper folder")};
-    QTest::newRow("cancelled") << false << QStringList();
-}
-
-void TestMainWindow::folderWithoutClips() {
-    QFETCH(bool, choose);
-    addThree();
-    viewer().show();
-    openCard();
-    if (choose)
-        viewer().folderDialogs.choice = viewer().path(QStringLiteral("."));
-    viewer().click(ButtonId::OpenFolder);
-    QTEST(viewer().answers.warnings, "warnings");
-    QCOMPARE(viewer().list()->count(), choose ? 0 : 3);
-    QCOMPARE(viewer().player()->clip() == nullptr, choose);
-    QCOMPARE(viewer().child<QLabel>()->text().isEmpty(), choose);
-    QVERIFY(viewer().window->button(ButtonId::Stop)->isEnabled());
-}
-
-void TestMainWindow::nextAndPreviousWrap() {
-    addThree();
-    viewer().show();
-    openCard();
-    const std::pair<ButtonId, int> steps[] = {{ButtonId::PreviousFile, 2}, {ButtonId::NextFile, 0},
-                                              {ButtonId::NextFile, 1},     {ButtonId::PreviousFile, 0},
-                                              {ButtonId::PreviousFile, 2}, {ButtonId::PreviousFile, 1}};
-    for (const auto& [id, row] : steps) {
-        viewer().click(id);
-        QCOMPARE(viewer().list()->currentRow(), row);
-        QCOMPARE(viewer().player()->clip()->file().fileName(), kThree[row]);
-        QVERIFY(viewer().window->isPlaying());
-    }
-}
-
-void TestMainWindow::endOfTheOnlyClipRewinds() {
-    viewer().addClip(QStringLiteral("card/REC_2013_04_05_12_29_00.mp4"));
-    viewer().show();
-    openCard();
-    QTRY_VERIFY_WITH_TIMEOUT(!viewer().window->isPlaying(), kBoundMs);
-    QCOMPARE(viewer().player()->positionMs(), 0);
-    auto* timer = viewer().updateTimer();
-    QTRY_VERIFY(!timer->isActive());
-    viewer().click(ButtonId::NextFile);
-    QCOMPARE(viewer().list()->currentRow(), 0);
-    QVERIFY(!viewer().window->isPlaying());
-}
-
-void TestMainWindow::pauseStopsTheUpdates() {
-    viewer().addClip(QStringLiteral("card/REC_2013_04_05_12_29_00.mp4"), Viewer::shortClip(300));
-    viewer().sensors.answer = [](std::int64_t ms) {
-        FakeSensorLibrary::Answer answer;
-        answer.latitude += std::int32_t(ms);
-        return answer;
-    };
-    viewer().show();
-    viewer().loadMap();
-    openCard();
-    QTRY_VERIFY_WITH_TIMEOUT(mapMoves() >= 2, kBoundMs);
-    viewer().click(ButtonId::Pause);
-    QVERIFY(viewer().isShown(ButtonId::Play) && !viewer().isShown(ButtonId::Pause));
-    QTRY_VERIFY(!viewer().updateTimer()->isActive());
-    const int moves = mapMoves();
-    viewer().click(ButtonId::Play);
-    QTRY_VERIFY_WITH_TIMEOUT(mapMoves() > moves, kBoundMs);
-}
-
-void TestMainWindow::seekingWhilePaused() {
-    viewer().addClip(QStringLiteral("card/REC_2013_04_05_12_29_00.mp4"), Viewer::shortClip(60));
-    viewer().sensors.answer = [](std::int64_t ms) {
-        FakeSensorLibrary::Answer answer;
-        answer.latitude = 40000000 + std::int32_t(ms);
-        answer.speed = std::int32_t(ms / 100);
-        return answer;
-    };
-    viewer().show();
-    viewer().loadMap();
-    openCard();
-    viewer().click(ButtonId::Pause);
-    QTRY_VERIFY(!viewer().updateTimer()->isActive());
-    const int moves = mapMoves();
-    Q_EMIT viewer().panel()->clicked(1000);
-    QCOMPARE(viewer().player()->positionMs(), 1000);
-    QCOMPARE(viewer().panel()->state().progressValue, 1000);
-    QTRY_COMPARE(mapMoves(), moves + 1);
-    QCOMPARE(viewer().panel()->speed(), 10);
-    QVERIFY(!viewer().window->isPlaying());
-}
-
-void TestMainWindow::displayedSpeed_data() {
-    QTest::addColumn<int>("latitude"); // 0: no position
-    QTest::addColumn<int>("before");
-    QTest::addColumn<int>("sample");
-    QTest::addColumn<int>("shown");
-    constexpr int kSomewhere = 37500000; // not where the map starts
-    QTest::newRow("plain") << kSomewhere << 0 << 88 << 88;
-    QTest::newRow("standing") << kSomewhere << 50 << 0 << 0;
-    QTest::newRow("highest") << kSomewhere << 50 << 241 << 241;
-    QTest::newRow("beyond the scale") << kSomewhere << 50 << 242 << 0;
-    QTest::newRow("far beyond") << kSomewhere << 50 << 300 << 0;
-    QTest::newRow("unknown keeps") << kSomewhere << 50 << -1 << 50;
-    QTest::newRow("no position keeps") << 0 << 77 << 50 << 77;
-}
-
-void TestMainWindow::displayedSpeed() {
-    QFETCH(int, latitude);
-    QFETCH(int, before);
-    QFETCH(int, sample);
-    viewer().addClip(QStringLiteral("card/REC_2013_04_05_12_29_00.mp4"));
-    viewer().sensors.answer = [&](std::int64_t) {
-        FakeSensorLibrary::Answer answer;
-        answer.latitude = latitude;
-        answer.speed = sample;
-        return answer;
-    };
-    viewer().show();
-    viewer().loadMap();
-    openCard();
-    viewer().click(ButtonId::Pause);
-    viewer().panel()->setSpeed(before);
-    viewer().window->OnTimeoutRefreshMapB();
-    QTEST(viewer().panel()->speed(), "shown");
-    QTRY_COMPARE(mapMoves() > 0, latitude != 0);
-}
-
-void TestMainWindow::stopLeavesZoomAndPan() {
-    addThree();
-    viewer().show();
-    openCard();
-    viewer().click(ButtonId::ZoomIn);
-    viewer().click(ButtonId::Pan);
-    QVERIFY(viewer().mainView()->zoom() > 1.0F);
-    viewer().click(ButtonId::Stop);
-    QCOMPARE(viewer().mainView()->zoom(), 1.0F);
-    QVERIFY(!isLatched(ButtonId::Pan));
-    QVERIFY(viewer().list()->isEnabled());
-    QVERIFY(!viewer().panel()->isEnabled());
-    QTRY_COMPARE_WITH_TIMEOUT(viewer().player()->positionMs(), 0, kBoundMs);
-    viewer().click(ButtonId::Play);
-    QVERIFY(viewer().panel()->isEnabled());
-}
-
-void TestMainWindow::panMode() {
-    addThree();
-    viewer().show();
-    openCard();
-    viewer().click(ButtonId::Pan);
-    QVERIFY(isLatched(ButtonId::Pan));
-    QVERIFY(!viewer().list()->isEnabled());
-    QVERIFY(!viewer().child<MapView>()->isEnabled());
-    // A drag over the picture must not move the window.
-    const QPoint before = viewer().window->pos();
-    QTest::mousePress(viewer().window->windowHandle(), Qt::LeftButton, {}, {200, 200});
-    QTest::mouseMove(viewer().window->windowHandle(), {260, 250});
-    QTest::mouseRelease(viewer().window->windowHandle(), Qt::LeftButton, {}, {260, 250});
-    QCOMPARE(viewer().window->pos(), before);
-    viewer().click(ButtonId::Pan);
-    QVERIFY(viewer().list()->isEnabled());
-    QTest::mouseMove(viewer().window->windowHandle(), {200, 200});
-    QTest::mousePress(viewer().window->windowHandle(), Qt::LeftButton, {}, {200, 200});
-    QTest::mouseMove(viewer().window->windowHandle(), {260, 250});
-    // The window has followed, so the pointer is where it was in it.
-    QTest::mouseRelease(viewer().window->windowHandle(), Qt::LeftButton, {}, {200, 200});
-    QCOMPARE(viewer().window->pos(), before + QPoint(60, 50));
-}
-
-void TestMainWindow::soundStaysOffOverFolders() {
-    addThree();
-    viewer().show();
-    openCard();
-    auto* gauge = viewer().child<WidgetVolume>();
-    const auto loudness = [this] {
-        std::uint32_t value = 1;
-        viewer().volume.waveOutGetVolume(0, &value);
-        return value;
-    };
-    viewer().click(ButtonId::Volume);
-    QVERIFY(!gauge->isEnabled() && isLatched(ButtonId::Volume));
-    QCOMPARE(loudness(), 0U);
-    openCard();
-    QVERIFY(gauge->isEnabled() && isLatched(ButtonId::Volume));
-    QCOMPARE(loudness(), 0U);
-    viewer().click(ButtonId::Volume);
-    QVERIFY(!gauge->isEnabled() && isLatched(ButtonId::Volume));
-    viewer().click(ButtonId::Volume);
-    QVERIFY(gauge->isEnabled() && !isLatched(ButtonId::Volume));
-    QCOMPARE(loudness(), 0xFFFAFFFAU);
-}
-
-void TestMainWindow::fileWithoutClipRecord() {
-    addThree();
-    viewer().show();
-    openCard();
-    viewer().answers.openFile = viewer().path(QStringLiteral("card/") + kThree[1]);
-    viewer().click(ButtonId::OpenFile);
-    QCOMPARE(viewer().answers.asked,
-             QStringList({QStringLiteral("Open QL240"), QStringLiteral("QL240 Data Files (*.mp4)")}));
-    QCOMPARE(viewer().list()->count(), 4);
-    QCOMPARE(viewer().list()->item(3)->text(), kThree[1]);
-    QCOMPARE(viewer().list()->currentRow(), 0);
-    viewer().list()->setCurrentRow(3);
-    QCOMPARE(viewer().answers.warnings,
-             QStringList(QStringLiteral("QL240 Viewer: Failed to open clip file")));
-    QCOMPARE(viewer().player()->clip(), nullptr);
-}
 
 } // namespace ql240
 

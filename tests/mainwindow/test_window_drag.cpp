@@ -9,7 +9,6 @@ using namespace ql240;
 
 namespace {
 
-constexpr int kBoundMs = 15000;
 constexpr QPoint kOnVideo(300, 200);
 
 // Where the pointer is in a window, as the window is told.
@@ -32,10 +31,10 @@ struct PointerWatch : QObject {
 };
 
 void desktop(const QStringList& arguments) {
-    QCOMPARE(QProcess::execute(QStringLiteral("xdotool"), arguments), 0);
+    QCOMPARE(QProcess::execute("xdotool", arguments), 0);
 }
 void movePointer(QPoint place) {
-    desktop({QStringLiteral("mousemove"), QString::number(place.x()), QString::number(place.y())});
+    desktop({"mousemove", QString::number(place.x()), QString::number(place.y())});
 }
 
 } // namespace
@@ -59,25 +58,25 @@ void TestWindowDrag::theCompositorMovesTheWindow() {
     const QPoint middle(640, 450);
     movePointer(QPoint(5, 5)); // it may be in the middle already, and nothing is told of that
     movePointer(middle);
-    QTRY_VERIFY_WITH_TIMEOUT(watch.isInside, kBoundMs);
+    QTRY_VERIFY_WITH_TIMEOUT(watch.isInside, kWaitMs);
     const QPoint start = middle - watch.place + kOnVideo;
     movePointer(start);
-    QTRY_COMPARE_WITH_TIMEOUT(watch.place, kOnVideo, kBoundMs);
+    QTRY_COMPARE_WITH_TIMEOUT(watch.place, kOnVideo, kWaitMs);
 
-    desktop({QStringLiteral("mousedown"), QStringLiteral("1")});
-    QTRY_VERIFY_WITH_TIMEOUT(watch.isPressed, kBoundMs);
+    desktop({"mousedown", "1"});
+    QTRY_VERIFY_WITH_TIMEOUT(watch.isPressed, kWaitMs);
     movePointer(start + QPoint(5, -5));
-    QTRY_VERIFY_WITH_TIMEOUT(!watch.isInside, kBoundMs); // the compositor has taken the pointer over
+    QTRY_VERIFY_WITH_TIMEOUT(!watch.isInside, kWaitMs); // the compositor has taken the pointer over
     movePointer(start + QPoint(70, -40));
-    desktop({QStringLiteral("mouseup"), QStringLiteral("1")});
-    QTRY_VERIFY_WITH_TIMEOUT(watch.isInside, kBoundMs);
+    desktop({"mouseup", "1"});
+    QTRY_VERIFY_WITH_TIMEOUT(watch.isInside, kWaitMs);
     // The window has come along.
     QVERIFY2((watch.place - kOnVideo).manhattanLength() <= 10, qPrintable(QString::number(watch.place.x())));
 
-    desktop({QStringLiteral("click"), QStringLiteral("3")});
-    QTRY_VERIFY_WITH_TIMEOUT(viewer.window->isFullScreen(), kBoundMs);
-    desktop({QStringLiteral("key"), QStringLiteral("a")});
-    QTRY_VERIFY_WITH_TIMEOUT(!viewer.window->isFullScreen(), kBoundMs);
+    desktop({"click", "3"});
+    QTRY_VERIFY_WITH_TIMEOUT(viewer.window->isFullScreen(), kWaitMs);
+    desktop({"key", "a"});
+    QTRY_VERIFY_WITH_TIMEOUT(!viewer.window->isFullScreen(), kWaitMs);
 }
 
 QTEST_MAIN(TestWindowDrag)

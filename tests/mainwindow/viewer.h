@@ -22,7 +22,6 @@
 #include "sensors/map_view.h"
 #include "sensors/widget_progress.h"
 #include "support/fake_drives.h"
-#include "support/fake_folder_dialogs.h"
 #include "support/fake_sensor_library.h"
 #include "support/fake_wave_out.h"
 #include "support/fake_web_pages.h"
@@ -30,6 +29,8 @@
 #include "support/test_clips.h"
 
 namespace ql240 {
+
+inline constexpr int kWaitMs = 15000; // what a busy machine is given
 
 struct Viewer {
     QTemporaryDir folder;
@@ -94,7 +95,15 @@ struct Viewer {
     // Waits also where the machine is too busy to read it at once.
     void openFolder(const QString& wanted) const {
         window->openFolder(wanted);
-        QTRY_VERIFY(!window->isReadingFolder());
+        QTRY_VERIFY_WITH_TIMEOUT(!window->isReadingFolder(), kWaitMs);
+    }
+    void openCard() const { openFolder(path("card")); }
+    // The window with a card of such clips open.
+    void playCard(const QStringList& names, const TestClipSpec& spec = shortClip()) {
+        for (const QString& name : names)
+            addClip("card/" + name, spec);
+        show();
+        openCard();
     }
 
     template <typename Widget>
@@ -116,7 +125,7 @@ struct Viewer {
         QVERIFY2(button->isVisible() && button->isEnabled(), qPrintable(button->accessibleName()));
         QTest::mouseClick(button, Qt::LeftButton);
         if (id == layout::ButtonId::OpenFolder) // a busy machine takes longer than the window waits
-            QTRY_VERIFY(!window->isReadingFolder());
+            QTRY_VERIFY_WITH_TIMEOUT(!window->isReadingFolder(), kWaitMs);
     }
     bool isShown(layout::ButtonId id) const { return window->button(id)->isVisible(); }
 

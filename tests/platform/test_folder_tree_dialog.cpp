@@ -36,53 +36,36 @@ private Q_SLOTS:
         m_chosen.clear();
     }
 
-    void opensOnLastFolder_data() {
-        QTest::addColumn<QString>("last");
-        QTest::addColumn<bool>("found");
-        QTest::newRow("there") << "card/REC" << true;
-        QTest::newRow("card taken out") << "gone/REC" << false;
-        QTest::newRow("a file by now") << "card/REC/REC_1.MP4" << false;
-    }
     // Leaving it with another folder selected keeps the last one.
     void opensOnLastFolder() {
-        QFETCH(QString, last);
-        QFETCH(bool, found);
-        writeLastFolder(folder(last));
-        browse([&](FolderTreeDialog& dialog) {
-            QTRY_COMPARE(dialog.selectedPath(), found ? folder(last) : QDir::homePath());
-            QTRY_COMPARE(ok(dialog)->isEnabled(), found);
-            dialog.setSelection(folder(QStringLiteral("named")));
-            QTest::keyClick(&dialog, Qt::Key_Escape);
-        });
-        QCOMPARE(m_chosen, QString());
-        QString stored;
-        QVERIFY(readLastFolder(stored));
-        QCOMPARE(stored, folder(last));
+        for (const char* last : {"card/REC", "gone/REC", "card/REC/REC_1.MP4"}) {
+            const bool found = qstrcmp(last, "card/REC") == 0;
+            writeLastFolder(folder(last));
+            browse([&](FolderTreeDialog& dialog) {
+                QTRY_COMPARE(dialog.selectedPath(), found ? folder(last) : QDir::homePath());
+                QTRY_COMPARE(ok(dialog)->isEnabled(), found);
+                dialog.setSelection(folder("named"));
+                QTest::keyClick(&dialog, Qt::Key_Escape);
+            });
+            QCOMPARE(m_chosen, QString());
+            QCOMPARE(lastFolder(), folder(last));
+        }
     }
 
-    void okOnlyWithRecordings_data() {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<bool>("allowed");
-        QTest::newRow("recordings") << "card/REC" << true;
-        QTest::newRow("recordings one level down") << "card" << false;
-        QTest::newRow("empty") << "empty" << false;
-        QTest::newRow("folder named like a recording") << "named" << true;
-    }
     void okOnlyWithRecordings() {
-        QFETCH(QString, name);
-        QFETCH(bool, allowed);
-        // From the opposite state, so that a button left as it was shows.
-        writeLastFolder(folder(allowed ? QStringLiteral("empty") : QStringLiteral("card/REC")));
-        const bool chosen = browse([&](FolderTreeDialog& dialog) {
-            dialog.setSelection(folder(name));
-            QTRY_COMPARE(ok(dialog)->isEnabled(), allowed);
-            QTest::mouseClick(ok(dialog), Qt::LeftButton);
-        });
-        QCOMPARE(chosen, allowed);
-        QCOMPARE(m_chosen, allowed ? folder(name) : QString());
-        QString stored;
-        QVERIFY(readLastFolder(stored));
-        QCOMPARE(stored, allowed ? folder(name) : folder(QStringLiteral("card/REC")));
+        for (const char* name : {"card/REC", "card", "empty", "named"}) {
+            const bool allowed = qstrcmp(name, "card/REC") == 0 || qstrcmp(name, "named") == 0;
+            // From the opposite state, so that a button left as it was shows.
+            writeLastFolder(folder(allowed ? "empty" : "card/REC"));
+            const bool chosen = browse([&](FolderTreeDialog& dialog) {
+                dialog.setSelection(folder(name));
+                QTRY_COMPARE(ok(dialog)->isEnabled(), allowed);
+                QTest::mouseClick(ok(dialog), Qt::LeftButton);
+            });
+            QCOMPARE(chosen, allowed);
+            QCOMPARE(m_chosen, allowed ? folder(name) : QString());
+            QCOMPARE(lastFolder(), folder(allowed ? name : "card/REC"));
+        }
     }
 
     void typedPathThatIsNoFolderStays() {
@@ -113,6 +96,23 @@ private Q_SLOTS:
         });
         QVERIFY(chosen);
         QCOMPARE(m_chosen, folder(QStringLiteral("card/REC")));
+    }
+
+    // By its button, and by a path that is no folder where the caller doesn't mind.
+    void leavesWithoutAFolder() {
+        for (const bool typed : {false, true}) {
+            FolderTreeDialog dialog(nullptr, [](const auto&...) { return 0; });
+            dialog.show();
+            if (typed) {
+                type(dialog, "/nonexistent");
+                QTest::keyClick(dialog.findChild<QLineEdit*>(), Qt::Key_Return);
+            } else {
+                const auto* buttons = dialog.findChild<QDialogButtonBox*>();
+                QTest::mouseClick(buttons->button(QDialogButtonBox::Cancel), Qt::LeftButton);
+            }
+            QTRY_VERIFY(!dialog.isVisible());
+            QCOMPARE(dialog.result(), int(QDialog::Rejected));
+        }
     }
 
     void treeShowsTheFolderChosenLast() {
@@ -147,33 +147,26 @@ private Q_SLOTS:
     }
 
     // The user has gone elsewhere before the folder that was to be selected has answered.
-    void lateSelection_data() {
-        QTest::addColumn<int>("place"); // that is clicked; none: a path is typed
-        QTest::addColumn<QString>("shown");
-        QTest::newRow("no") << -2 << QString(); // the folder asked for
-        QTest::newRow("typed") << -1 << "/typed";
-        QTest::newRow("another place") << 1 << "/"; // the last one
-        QTest::newRow("the place that is current") << 0 << QDir::homePath();
-    }
     void lateSelection() {
-        QFETCH(int, place);
-        QFETCH(QString, shown);
-        HeldJobs jobs;
-        FolderTreeDialog dialog(nullptr, [](const auto&...) { return 1; });
-        jobs.answer();
-        dialog.show();
-        QCOMPARE(dialog.selectedPath(), QDir::homePath());
-        dialog.setSelection(folder(QStringLiteral("card")));
-        if (place == -1)
-            type(dialog, QStringLiteral("/typed"));
-        auto* tree = dialog.findChild<QTreeWidget*>();
-        const int last = tree->topLevelItemCount() - 1;
-        if (place >= 0)
-            QTest::mouseClick(tree->viewport(), Qt::LeftButton, {},
-                              tree->visualItemRect(tree->topLevelItem(place * last)).center());
-        jobs.answer();
-        QCOMPARE(dialog.findChild<QLineEdit*>()->text(),
-                 shown.isEmpty() ? folder(QStringLiteral("card")) : shown);
+        constexpr int kNothing = -2, kTyped = -1, kCurrent = 0, kLast = 1;
+        for (const int where : {kNothing, kTyped, kCurrent, kLast}) {
+            HeldJobs jobs;
+            FolderTreeDialog dialog(nullptr, [](const auto&...) { return 1; });
+            jobs.answer();
+            dialog.show();
+            QCOMPARE(dialog.selectedPath(), QDir::homePath());
+            dialog.setSelection(folder("card"));
+            auto* tree = dialog.findChild<QTreeWidget*>();
+            if (where == kTyped) {
+                type(dialog, "/typed");
+            } else if (where != kNothing) {
+                const auto* place = tree->topLevelItem(where * (tree->topLevelItemCount() - 1));
+                QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, tree->visualItemRect(place).center());
+            }
+            jobs.answer();
+            const QString shown[] = {folder("card"), "/typed", QDir::homePath(), "/"};
+            QCOMPARE(dialog.findChild<QLineEdit*>()->text(), shown[where - kNothing]);
+        }
     }
 
 private:
@@ -197,6 +190,10 @@ private:
     }
 
     QString folder(const QString& name) const { return m_root->filePath(name); }
+    static QString lastFolder() {
+        QString stored;
+        return readLastFolder(stored) ? stored : QString();
+    }
     static QPushButton* ok(FolderTreeDialog& dialog) {
         return dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok);
     }

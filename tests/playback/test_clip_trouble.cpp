@@ -3,7 +3,6 @@
 
 #include <QDir>
 #include <QElapsedTimer>
-#include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QtEndian>
 
@@ -32,14 +31,6 @@ constexpr qint64 kMostMiB = 200;
 QByteArray contentOf(const QString& path) {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-QByteArray noise(qsizetype size) {
-    QByteArray bytes(size, Qt::Uninitialized);
-    QRandomGenerator random(11);
-    for (char& byte : bytes)
-        byte = static_cast<char>(random.bounded(256));
-    return bytes;
 }
 
 // The clip without the box or list that holds its index.
@@ -200,16 +191,6 @@ QByteArray soundFirst(const QByteArray& avi) {
                      {{"00dc", QByteArray(40, '\0')}, {"01wb", QByteArray(400'000, '\0')}}, 40);
 }
 
-int entriesOf(const QString& folder) {
-    return static_cast<int>(
-        QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::System).size());
-}
-
-qint64 residentKiB() {
-    const QList<QByteArray> fields = contentOf(QStringLiteral("/proc/self/statm")).split(' ');
-    return fields.value(1).toLongLong() * 4;
-}
-
 } // namespace
 
 class TestClipTrouble : public QObject {
@@ -254,23 +235,12 @@ private Q_SLOTS:
         const auto row = [this](const QString& name, const QByteArray& bytes, bool opens) {
             QTest::newRow(qPrintable(name)) << write(name, bytes) << opens;
         };
-        const std::pair<QString, QByteArray> contents[] = {
-            {QStringLiteral("empty"), {}},
-            {QStringLiteral("zeros"), QByteArray(100000, '\0')},
-            {QStringLiteral("noise"), noise(100000)},
-            {QStringLiteral("text"), QByteArray("not a clip\n").repeated(1000)},
-        };
         // A broken MP4 clip doesn't open; a broken AVI clip opens empty. What is no regular file opens as
         // neither.
-        for (const auto& [name, bytes] : contents) {
-            row(name + QStringLiteral(".mp4"), bytes, false);
-            row(name + QStringLiteral(".avi"), bytes, true);
-        }
-        for (const int percent : {1, 30, 60, 95}) {
-            const QString name = QStringLiteral("cut at %1.").arg(percent);
-            row(name + QStringLiteral("mp4"), mp4.left(mp4.size() * percent / 100), percent > 1);
-            row(name + QStringLiteral("avi"), avi.left(avi.size() * percent / 100), true);
-        }
+        row(QStringLiteral("empty.mp4"), {}, false);
+        row(QStringLiteral("empty.avi"), {}, true);
+        row(QStringLiteral("zeros.mp4"), QByteArray(100000, '\0'), false);
+        row(QStringLiteral("zeros.avi"), QByteArray(100000, '\0'), true);
         row(QStringLiteral("32000 x 32000.mp4"), withSize(mp4, 32000, 32000), false);
         row(QStringLiteral("8193 x 8192.mp4"), withSize(mp4, 8193, 8192), false);
         row(QStringLiteral("0 x 360.mp4"), withSize(mp4, 0, 360), true);
@@ -325,13 +295,13 @@ private Q_SLOTS:
         odd.videoStreams = 2;
         odd.sound = false;
         QTest::newRow("second video as sound.avi") << makeTestClip(odd) << true;
-        for (const QString& name : {QStringLiteral("folder.mp4"), QStringLiteral("folder.avi")}) {
-            QDir(m_folder.path()).mkdir(name);
-            QTest::newRow(qPrintable(name)) << m_folder.filePath(name) << false;
-        }
-        for (const QString& name : {QStringLiteral("fifo.mp4"), QStringLiteral("fifo.avi")}) {
-            ::mkfifo(qPrintable(m_folder.filePath(name)), 0600);
-            QTest::newRow(qPrintable(name)) << m_folder.filePath(name) << false;
+        for (const QString& type : {QStringLiteral(".mp4"), QStringLiteral(".avi")}) {
+            const QString folder = m_folder.filePath(QStringLiteral("folder") + type);
+            const QString fifo = m_folder.filePath(QStringLiteral("fifo") + type);
+            QVERIFY(QDir().mkdir(folder));
+            QCOMPARE(::mkfifo(qPrintable(fifo), 0600), 0);
+            QTest::newRow(qPrintable(QStringLiteral("folder") + type)) << folder << false;
+            QTest::newRow(qPrintable(QStringLiteral("fifo") + type)) << fifo << false;
         }
         QTest::newRow("missing.mp4") << m_folder.filePath(QStringLiteral("missing.mp4")) << false;
     }
@@ -398,39 +368,6 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(readFrameNumber(view.player()->frame(0, true)), 0, kPatienceMs);
         view.player()->play();
         QTRY_COMPARE_WITH_TIMEOUT(view.player()->positionMs(), view.player()->durationMs(), 2 * kPatienceMs);
-    }
-
-    void reopeningLeavesNothingBehind() {
-        const Clip clips[] = {Clip{QFileInfo(m_mp4)}, Clip{QFileInfo(m_avi)}};
-        VideoView view;
-        view.resize(640, 360);
-        view.show();
-        const auto openAll = [&](int times) {
-            for (int i = 0; i < times; ++i) {
-                QVERIFY(view.openClip(&clips[i % 2]));
-                view.player()->rewind();
-                view.player()->play();
-                QCoreApplication::processEvents();
-            }
-            view.closeClip();
-            QCoreApplication::processEvents();
-        };
-        openAll(
-            60); // pools and caches fill; the sound, which opens in its own time, at the latest when it plays
-        QVERIFY(view.openClip(&clips[0]));
-        view.player()->play();
-        QTRY_VERIFY_WITH_TIMEOUT(view.player()->positionMs() > 500, kPatienceMs);
-        view.closeClip();
-        const int threads = entriesOf(QStringLiteral("/proc/self/task"));
-        const int descriptors = entriesOf(QStringLiteral("/proc/self/fd"));
-        const qint64 memory = residentKiB();
-        openAll(500);
-        QTRY_COMPARE_LE(entriesOf(QStringLiteral("/proc/self/task")), threads);
-        QTRY_COMPARE_LE(entriesOf(QStringLiteral("/proc/self/fd")), descriptors);
-        qInfo("memory grew by %lld KiB in 500 openings", residentKiB() - memory);
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // they keep freed memory back
-        QCOMPARE_LT(residentKiB() - memory, 16 * 1024);
-#endif
     }
 };
 

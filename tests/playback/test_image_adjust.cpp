@@ -1,17 +1,14 @@
-// The arithmetic on YUY2 frames: worked values, and the vector code against the plain one bit for bit.
+// The arithmetic on YUY2 frames: worked values, the vector code against the plain one bit for bit, and frames
+// that are shown twice.
 #include <QTest>
 
 #include <array>
 #include <numeric>
 #include <vector>
 
-#include "playback/image_adjust.h"
+#include "playback/frame_adjuster.h"
 
 using namespace ql240;
-
-using Pair = std::array<std::uint8_t, 4>;
-Q_DECLARE_METATYPE(Pair)
-Q_DECLARE_METATYPE(ql240::ImageAdjust)
 
 namespace {
 
@@ -35,35 +32,40 @@ void fillPairs(std::uint8_t* pairs, int u, int v) {
     }
 }
 
+void compareWithScalar(const ImageAdjust& adjust, int stride) {
+    std::vector<std::uint8_t> vector(256 * 4 * kPairs);
+    for (int u = 0; u < 256; u += stride) {
+        for (int v = 0; v < 256; v += stride)
+            fillPairs(vector.data() + v * 4 * kPairs, u, v);
+        std::vector<std::uint8_t> scalar = vector;
+        adjustYuy2(vector.data(), vector.size(), adjust);
+        adjustYuy2Scalar(scalar.data(), scalar.size(), adjust);
+        QVERIFY2(vector == scalar, qPrintable(QStringLiteral("brightness %1, contrast %2, U %3")
+                                                  .arg(adjust.brightness)
+                                                  .arg(adjust.contrast)
+                                                  .arg(u)));
+    }
+}
+
 } // namespace
 
 class TestImageAdjust : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void workedPairs_data() {
-        QTest::addColumn<Pair>("pair");
-        QTest::addColumn<ImageAdjust>("adjust");
-        QTest::addColumn<Pair>("result");
-        const auto row = [](const char* name, const Pair& pair, const ImageAdjust& adjust,
-                            const Pair& result) { QTest::newRow(name) << pair << adjust << result; };
-        row("brighter black", {16, 128, 16, 128}, {20, 100}, {36, 128, 36, 128});
-        row("red below black, in white", {0, 90, 235, 240}, {0, 60}, {59, 102, 127, 204});
-        row("dark pair", {12, 140, 13, 110}, {15, 80}, {32, 138, 32, 116});
-        row("clipped", {200, 30, 90, 220}, {-40, 160}, {220, 68, 105, 176});
-        row("red", {81, 90, 81, 240}, {60, 40}, {96, 94, 96, 229});
-    }
     void workedPairs() {
-        QFETCH(Pair, pair);
-        QFETCH(ImageAdjust, adjust);
-        adjustYuy2Scalar(pair.data(), pair.size(), adjust);
-        QTEST(pair, "result");
-    }
-
-    void lumaIsScaledTowardsZero() {
-        QCOMPARE(scaledLuma(235, {0, 60}), 131);
-        QCOMPARE(scaledLuma(0, {0, 60}), -9);
-        QCOMPARE(scaledLuma(0, {5, 160}), -20);
+        using Pair = std::array<std::uint8_t, 4>;
+        const std::tuple<Pair, ImageAdjust, Pair> rows[] = {
+            {{16, 128, 16, 128}, {20, 100}, {36, 128, 36, 128}},
+            {{0, 90, 235, 240}, {0, 60}, {59, 102, 127, 204}}, // below black, and white
+            {{12, 140, 13, 110}, {15, 80}, {32, 138, 32, 116}},
+            {{200, 30, 90, 220}, {-40, 160}, {220, 68, 105, 176}}, // clipped
+        };
+        for (auto [pair, adjust, result] : rows) {
+            adjustYuy2Scalar(pair.data(), pair.size(), adjust);
+            QCOMPARE(pair, result);
+        }
+        QCOMPARE(scaledLuma(0, {0, 60}), -9); // towards zero
     }
 
     void rgbOfPairs() {
@@ -77,30 +79,15 @@ private Q_SLOTS:
         QCOMPARE(rgb, expected);
     }
 
-    void vectorEqualsScalar_data() {
-        QTest::addColumn<ImageAdjust>("adjust");
-        QTest::addColumn<int>("stride");
-        for (const int brightness : {0, -60, -40, -20, 20, 40, 60}) {
-            for (const int contrast : {60, 40, 80, 100, 120, 140, 160})
-                QTest::addRow("%d %d", brightness, contrast)
-                    << ImageAdjust{brightness, contrast} << kChromaStride;
+    // What the settings offer, and what the vector code's lanes don't hold.
+    void vectorEqualsScalar() {
+        for (const int brightness : {0, -60, 20, 60}) {
+            for (const int contrast : {60, 40, 100, 160})
+                compareWithScalar({brightness, contrast}, kChromaStride);
         }
         for (const int brightness : {-100000, -1001, -1000, 1000, 1001}) {
             for (const int contrast : {-100, -1, 0, 170, 171, 1000})
-                QTest::addRow("%d %d", brightness, contrast) << ImageAdjust{brightness, contrast} << 15;
-        }
-    }
-    void vectorEqualsScalar() {
-        QFETCH(ImageAdjust, adjust);
-        QFETCH(int, stride);
-        std::vector<std::uint8_t> vector(256 * 4 * kPairs);
-        for (int u = 0; u < 256; u += stride) {
-            for (int v = 0; v < 256; v += stride)
-                fillPairs(vector.data() + v * 4 * kPairs, u, v);
-            std::vector<std::uint8_t> scalar = vector;
-            adjustYuy2(vector.data(), vector.size(), adjust);
-            adjustYuy2Scalar(scalar.data(), scalar.size(), adjust);
-            QVERIFY2(vector == scalar, qPrintable(QStringLiteral("U %1").arg(u)));
+                compareWithScalar({brightness, contrast}, 15);
         }
     }
 
@@ -112,6 +99,36 @@ private Q_SLOTS:
             adjustYuy2Scalar(expected.data(), length / 4 * 4, {20, 80});
             adjustYuy2(frame.data(), length, {20, 80});
             QCOMPARE(frame, expected);
+        }
+    }
+
+    // Each step: the adjustment, a frame (its luma, length and size), and the luma that comes out.
+    void adjustedFramesAreShownTwice() {
+        struct Step {
+            ImageAdjust adjust;
+            std::uint8_t luma;
+            std::size_t length;
+            QSize size;
+            std::uint8_t result;
+        };
+        const ImageAdjust brighter{20, 100};
+        const QSize size(4, 2);
+        const QSize turned(2, 4);
+        const Step steps[] = {
+            {{}, 16, 16, size, 16},         {brighter, 16, 16, size, 36},   {brighter, 60, 16, size, 36},
+            {brighter, 60, 16, size, 80},   {{}, 99, 16, size, 99}, // neutral forgets the frame to repeat
+            {brighter, 16, 16, size, 36},   {brighter, 60, 16, turned, 80}, {brighter, 60, 12, turned, 80},
+            {brighter, 99, 12, turned, 80},
+        };
+        FrameAdjuster adjuster;
+        for (const Step& step : steps) {
+            std::vector<std::uint8_t> frame(step.length, 128);
+            for (std::size_t i = 0; i < frame.size(); i += 2)
+                frame[i] = step.luma;
+            adjuster.setAdjust(step.adjust);
+            adjuster.filter(frame.data(), frame.size(), step.size);
+            for (std::size_t i = 0; i < frame.size(); i += 2)
+                QCOMPARE(frame[i], step.result);
         }
     }
 };

@@ -93,52 +93,33 @@ private Q_SLOTS:
     }
 
     // Wherever the picture comes from: all streams play on from the position.
-    void playsOnFromThePosition_data() {
-        QTest::addColumn<int>("target");
-        QTest::addColumn<int>("lastPicture");
-        QTest::addColumn<bool>("arrived");
-        QTest::addColumn<QStringList>("log");
-        QTest::newRow("sought") << 700 << -1 << true << QStringList{"seek 700", "run"};
-        QTest::newRow("on the way") << 700 << -1 << false << QStringList{"seek 700", "run"};
-        QTest::newRow("moved") << 550 << -1 << true << QStringList{"move 550", "seek 550", "run"};
-        QTest::newRow("moving") << 550 << -1 << false << QStringList{"move 550", "run", "seek 550"};
-        const QStringList behind{"seek 700", "seek 600"};
-        QTest::newRow("behind a stream") << 700 << 600 << true << behind + QStringList{"seek 700", "run"};
-        QTest::newRow("on the way there") << 700 << 600 << false << behind + QStringList{"run", "seek 700"};
-    }
     void playsOnFromThePosition() {
-        QFETCH(int, target);
-        QFETCH(int, lastPicture);
-        QFETCH(bool, arrived);
-        Paused clip;
-        clip.streams.lastPicture = lastPicture;
-        clip.transport.seek(target);
-        if (lastPicture >= 0)
+        const std::tuple<int, int, bool, QString> rows[] = {
+            {700, -1, true, "seek 700, run"},
+            {700, -1, false, "seek 700, run"},
+            {550, -1, true, "move 550, seek 550, run"},
+            {550, -1, false, "move 550, run, seek 550"},
+            {700, 600, true, "seek 700, seek 600, seek 700, run"}, // behind a stream
+            {700, 600, false, "seek 700, seek 600, run, seek 700"},
+        };
+        for (const auto& [target, lastPicture, hasArrived, log] : rows) {
+            Paused clip;
+            clip.streams.lastPicture = lastPicture;
+            clip.transport.seek(target);
+            if (lastPicture >= 0)
+                clip.arrive();
+            if (hasArrived)
+                clip.arrive();
+            clip.streams.lastPicture = -1;
+            QCOMPARE(clip.transport.position(), target);
+            clip.transport.setState(GraphState::Running);
+            QCOMPARE(clip.transport.position(), target);
             clip.arrive();
-        if (arrived)
+            QCOMPARE(clip.streams.log.join(QLatin1String(", ")), log);
             clip.arrive();
-        clip.streams.lastPicture = -1;
-        QCOMPARE(clip.transport.position(), target);
-        clip.transport.setState(GraphState::Running);
-        QCOMPARE(clip.transport.position(), target);
-        clip.arrive();
-        QTEST(clip.streams.log, "log");
-        clip.arrive();
-        clip.streams.playedTo = target + 1;
-        QCOMPARE(clip.transport.position(), target + 1);
-    }
-
-    void pausedPositionStandsAtOnce() {
-        Paused clip;
-        clip.transport.setState(GraphState::Running);
-        clip.streams.playedTo = 600;
-        clip.streams.lateStopBy = 4;
-        clip.streams.pauseIsAwaited = true;
-        clip.transport.setState(GraphState::Paused);
-        QCOMPARE(clip.transport.position(), 604);
-        clip.streams.playedTo = 604;
-        clip.arrive();
-        QCOMPARE(clip.transport.position(), 604);
+            clip.streams.playedTo = target + 1;
+            QCOMPARE(clip.transport.position(), target + 1);
+        }
     }
 
     // The streams held a picture from far before the position; a seek in between has its own.

@@ -61,40 +61,27 @@ class TestDialogCard : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void picksTheCard_data() {
-        QTest::addColumn<QString>("drives");
-        QTest::addColumn<QString>("order"); // in which they answer
-        QTest::addColumn<int>("picked");    // with the last of these answers, and not before
-
-        QTest::newRow("one stick") << "s"
-                                   << "0" << 0;
-        QTest::newRow("stick, then card") << "sc"
-                                          << "01" << 1;
-        QTest::newRow("a card at the end decides at once") << "csc"
-                                                           << "2" << 2;
-        QTest::newRow("a card waits for what comes behind it") << "cs"
-                                                               << "01" << 0;
-        QTest::newRow("but not for what comes before") << "scs"
-                                                       << "21" << 1;
-        QTest::newRow("sticks only") << "ss"
-                                     << "10" << 0;
-    }
     void picksTheCard() {
-        QFETCH(QString, drives);
-        QFETCH(QString, order);
-        HeldDrives held(drives);
-        DialogCard card(&held.list, held.access());
-        QVERIFY(lookFor(card, Phase::Reading));
-        for (const QChar each : std::as_const(order)) {
-            QCOMPARE(card.phase(), Phase::Reading);
-            QVERIFY(!card.isEditable());
-            held.answer(each.digitValue());
-            QTRY_VERIFY_WITH_TIMEOUT(!card.unanswered().contains(each.digitValue()), kBoundMs);
+        // The drives, the order in which they answer, and which is picked with the last answer, and not
+        // before.
+        const std::tuple<const char*, const char*, int> rows[] = {
+            {"sc", "01", 1},
+            {"csc", "2", 2},  // a card at the end decides at once
+            {"cs", "01", 0},  // a card waits for what comes behind it
+            {"scs", "21", 1}, // but not for what comes before
+            {"ss", "10", 0}};
+        for (const auto& [drives, order, picked] : rows) {
+            HeldDrives held(drives);
+            DialogCard card(&held.list, held.access());
+            QVERIFY(lookFor(card, Phase::Reading));
+            for (const QChar each : QString(order)) {
+                QVERIFY(card.phase() == Phase::Reading && !card.isEditable());
+                held.answer(each.digitValue());
+                QTRY_VERIFY_WITH_TIMEOUT(!card.unanswered().contains(each.digitValue()), kBoundMs);
+            }
+            QVERIFY2(card.phase() == Phase::Shown && card.isEditable() && card.current() == picked, drives);
+            QCOMPARE(card.settingFolder(), held.list.drives[picked].drive + "/setting");
         }
-        QCOMPARE(card.phase(), Phase::Shown);
-        QTEST(card.current(), "picked");
-        QCOMPARE(card.settingFolder(), held.list.drives[card.current()].drive + QStringLiteral("/setting"));
-        QVERIFY(card.isEditable());
     }
 
     // What answered so far is shown, and locked; the card takes its place when it comes.
@@ -102,8 +89,13 @@ private Q_SLOTS:
         HeldDrives held(QStringLiteral("sc"));
         DialogCard card(&held.list, held.access());
         const QSignalSpy loaded(&card, &DialogCard::loaded);
+        HeldDrives prompt(QStringLiteral("c"));
+        DialogCard known(&prompt.list, prompt.access());
+        prompt.answer(0);
+        QVERIFY(lookFor(known, Phase::Shown));
         held.answer(0);
         QVERIFY(lookFor(card, Phase::NoAnswer));
+        QCOMPARE(known.phase(), Phase::Shown); // its own deadline is over as well
         QCOMPARE(card.current(), 0);
         QVERIFY(card.contents() && card.standsIn() && !card.isEditable());
         QCOMPARE(card.unanswered(), QList<int>{1});
@@ -223,26 +215,23 @@ private Q_SLOTS:
 
     // Threads end with the program, in the middle of a card.
     void programWaitsForSaves() {
-        HeldDrives held(QStringLiteral("c"));
+        HeldDrives held("c");
         held.answer(0);
-        struct Save {
-            QSemaphore mayEnd;
-            std::atomic<bool> ended = false;
-        };
-        const auto save = std::make_shared<Save>();
+        const auto mayEnd = std::make_shared<QSemaphore>();
+        const auto ended = std::make_shared<std::atomic<bool>>(false);
         CardAccess access = held.access();
-        access.save = [save](const auto&...) {
-            save->mayEnd.acquire();
-            save->ended = true;
+        access.save = [mayEnd, ended](const auto&...) {
+            mayEnd->acquire();
+            *ended = true;
             return true;
         };
         DialogCard card(&held.list, access);
         QVERIFY(lookFor(card, Phase::Shown));
         QTimer::singleShot(0, &card, &DialogCard::leave);
         QVERIFY(!card.save({}, std::nullopt));
-        save->mayEnd.release();
+        mayEnd->release();
         finishSaves();
-        QVERIFY(save->ended);
+        QVERIFY(*ended);
     }
 };
 

@@ -58,26 +58,27 @@ private Q_SLOTS:
     void waysOut() {
         for (const auto& make : kMakers) {
             const auto page = make();
+            const QPoint corner(page->width(), page->height());
             page->show();
-            click(*page->childAt(page->width() - 60, page->height() - 25), {3, 3});
+            click(*page->childAt(corner - QPoint(60, 25)), {3, 3});
             QVERIFY(!page->isVisible() && page->isConfirmed());
-            for (const QPoint place :
-                 {QPoint(page->width() - 125, page->height() - 25), QPoint(page->width() - 35, 20)}) {
+            const std::function<void()> ways[] = {
+                [&] {
+                    click(*page->childAt(corner - QPoint(125, 25)), {3, 3});
+                },
+                [&] {
+                    click(*page->childAt(corner.x() - 35, 20), {3, 3});
+                },
+                [&] { QTest::keyClick(page.get(), Qt::Key_Escape); },
+                [&] { page->close(); },
+            };
+            for (const auto& leave : ways) {
                 page->OnSlotsApply();
                 page->show();
-                click(*page->childAt(place), {3, 3});
+                leave();
                 QVERIFY(!page->isVisible() && !page->isConfirmed());
             }
         }
-        WindowBtn6 page(nullptr);
-        page.OnSlotsApply();
-        page.show();
-        QTest::keyClick(&page, Qt::Key_Escape);
-        QVERIFY(!page.isVisible() && !page.isConfirmed());
-        page.OnSlotsApply();
-        page.show();
-        page.close();
-        QVERIFY(!page.isConfirmed());
     }
 
     void dialogTakesValues() {
@@ -88,12 +89,11 @@ private Q_SLOTS:
             const Choice& chosen = row.choices[row.choices[1].value == before ? 0 : 1];
             for (const bool confirmed : {false, true}) {
                 const ModalAnswer answer([&](QWidget* modal) {
-                    QCOMPARE(QString::fromLatin1(modal->metaObject()->className()),
-                             QStringLiteral("ql240::WindowBtn%1").arg(number));
-                    QCOMPARE(static_cast<SettingsPage*>(modal)->values().*row.value, before);
-                    click(*modal, chosen.hit.center());
+                    auto* page = static_cast<SettingsPage*>(modal);
+                    QCOMPARE(page->values().*row.value, before);
+                    click(*page, chosen.hit.center());
                     if (confirmed)
-                        static_cast<SettingsPage*>(modal)->OnSlotsOK();
+                        page->OnSlotsOK();
                 });
                 openPage(window, number);
                 QVERIFY(answer.seen());
@@ -123,8 +123,7 @@ private Q_SLOTS:
     }
 
     void timerIsNeverZero() {
-        const MadeCard& card = m_fixture->camera();
-        putByte(card, QStringLiteral("timeoffvalue"), 0);
+        putByte(m_fixture->camera(), "timeoffvalue", 0);
         ReadyWindow window;
         QCOMPARE(window.values().timeoffvalue, 0);
         const ModalAnswer answer([](QWidget* modal) { static_cast<SettingsPage*>(modal)->OnSlotsOK(); });
@@ -132,88 +131,40 @@ private Q_SLOTS:
         QCOMPARE(window.values().timeoffvalue, 1);
     }
 
-    // The names carry their offset, which must agree with the bias; a half-hour slip in the table shows here.
-    void zoneTable() {
-        QSet<QString> codes;
-        for (const TimeZone& zone : kTimeZones) {
-            const QString name = QString::fromLatin1(zone.name);
-            const int sign = name[4] == u'-' ? 1 : -1;
-            const int minutes = name[4] == u')' ? 0 : name.mid(5, 2).toInt() * 60 + name.mid(8, 2).toInt();
-            QVERIFY2(sign * minutes == zone.biasMinutes, zone.name);
-            codes.insert(QString::fromLatin1(zone.code));
-            bool isNumber = false;
-            QString::fromLatin1(zone.code).toUInt(&isNumber, 16);
-            QVERIFY2(isNumber, zone.code);
-        }
-        QCOMPARE(codes.size(), 90);
-    }
-
-    void bars_data() {
-        QTest::addColumn<QString>("bar");
-        QTest::addColumn<QString>("zone");
-        QTest::addColumn<int>("bias");
-
-        QTest::newRow("-12") << "-12"
-                             << "(UTC-12:00) International Date Line West" << 720;
-        QTest::newRow("UTC") << "UTC"
-                             << "(UTC) Greenwich Mean Time: Dublin, Edinburgh, Lisbon, London" << 0;
-        QTest::newRow("+12") << "+12"
-                             << "(UTC+12:00) Auckland, Wellington" << -720;
-    }
-    void bars() {
-        QFETCH(QString, bar);
+    // A zone chooses the bar that stands for it, a bar the zone: those of one offset share one, and +12
+    // passes over Fiji.
+    void barsAndZones() {
         WindowGMT window(nullptr);
-        window.preselect(QStringLiteral("0xD"), QString());
-        const auto buttons = window.findChildren<IconToolButtonA*>();
-        QCOMPARE(buttons.size(), 25);
-        for (auto* button : buttons) {
-            if (button->text() == bar)
-                button->click();
-        }
-        QTEST(window.findChild<QComboBox*>()->currentText(), "zone");
-        QTEST(window.selectedBias(), "bias");
-        for (auto* button : buttons)
-            QCOMPARE(button->isEnabled(), button->text() != bar);
-    }
-
-    void choosingAZone_data() {
-        QTest::addColumn<int>("row");
-        QTest::addColumn<QString>("bar");
-
-        QTest::newRow("first") << 1 << "-12";
-        QTest::newRow("Caracas") << 16 << "-5";
-        QTest::newRow("Fiji, passed over by +12") << 87 << "+11";
-        QTest::newRow("Auckland") << 88 << "+12";
-        QTest::newRow("last") << 90 << "+12";
-    }
-    void choosingAZone() {
-        QFETCH(int, row);
-        QFETCH(QString, bar);
-        WindowGMT window(nullptr);
-        QCOMPARE(window.selectedCode(), QStringLiteral("0xE6"));
+        window.preselect("0xFFF", QString()); // none
+        QCOMPARE(window.selectedCode(), "0xE6");
         auto* list = window.findChild<QComboBox*>();
         QCOMPARE(list->count(), 90);
-        list->setCurrentIndex(row - 1);
-        Q_EMIT list->textActivated(list->currentText());
-        QCOMPARE(window.selectedCode(), QString::fromLatin1(kTimeZones[size_t(row - 1)].code));
         const auto buttons = window.findChildren<IconToolButtonA*>();
-        for (auto* button : buttons)
-            QCOMPARE(button->isEnabled(), button->text() != bar);
-    }
-
-    void zoneConfirmation() {
-        WindowGMT window(nullptr);
-        window.preselect(QStringLiteral("0xFFF"), QString());
-        QCOMPARE(window.selectedCode(), QStringLiteral("0xE6"));
-        window.preselect(QString(), QString());
-        window.OnSlotsApply();
-        QVERIFY(window.isConfirmed());
-        window.show();
-        window.close();
-        QVERIFY(!window.isConfirmed());
-        window.show();
-        window.OnSlotsOK();
-        QVERIFY(window.isConfirmed() && !window.isVisible());
+        QCOMPARE(buttons.size(), 25);
+        const auto disabled = [&] {
+            QString text;
+            for (auto* button : buttons)
+                text += button->isEnabled() ? QString() : button->text();
+            return text;
+        };
+        for (const auto& [row, bar] :
+             {std::pair(1, "-12"), {16, "-5"}, {87, "+11"}, {88, "+12"}, {90, "+12"}}) {
+            list->setCurrentIndex(row - 1);
+            Q_EMIT list->textActivated(list->currentText());
+            QCOMPARE(window.selectedCode(), kTimeZones[size_t(row - 1)].code);
+            QCOMPARE(disabled(), bar);
+        }
+        for (const auto& [bar, zone, bias] :
+             {std::tuple("-12", "(UTC-12:00) International Date Line West", 720),
+              {"UTC", "(UTC) Greenwich Mean Time: Dublin, Edinburgh, Lisbon, London", 0},
+              {"+12", "(UTC+12:00) Auckland, Wellington", -720}}) {
+            for (auto* button : buttons)
+                if (button->text() == QLatin1String(bar))
+                    button->click();
+            QCOMPARE(list->currentText(), zone);
+            QCOMPARE(window.selectedBias(), bias);
+            QCOMPARE(disabled(), bar);
+        }
     }
 
 private:

@@ -12,6 +12,16 @@ using Random = std::mt19937;
 
 constexpr qsizetype kHeader = 8; // length and name, in either order
 
+// A box or chunk: its place in the file, header included, and that of its length field.
+struct Part {
+    qsizetype at = 0;
+    qsizetype size = 0;
+    qsizetype lengthAt = 0;
+    int parent = -1;      // index in the list of parts
+    bool isMedia = false; // pictures and sound
+};
+using Parts = QList<Part>; // parents before their children
+
 bool isRiff(const QByteArray& clip) {
     return clip.startsWith("RIFF");
 }
@@ -26,33 +36,30 @@ void setLength(QByteArray& clip, qsizetype at, quint32 length) {
     isRiff(clip) ? qToLittleEndian(length, bytes) : qToBigEndian(length, bytes);
 }
 
-void findChunks(const QByteArray& clip, qsizetype from, qsizetype end, int parent, QList<ClipPart>& parts) {
+void findParts(const QByteArray& clip, qsizetype from, qsizetype end, int parent, Parts& parts) {
+    static const QByteArrayList holders{"RIFF", "LIST", "moov", "trak", "edts",
+                                        "mdia", "minf", "dinf", "stbl"};
+    const bool riff = isRiff(clip);
     while (from + kHeader <= end) {
-        const qsizetype body = lengthIn(clip, from + 4);
-        const qsizetype size = std::min(end - from, kHeader + body + body % 2);
-        const QByteArray name = clip.mid(from, 4);
-        const bool isList = name == "RIFF" || name == "LIST";
+        const qsizetype lengthAt = riff ? from + 4 : from;
+        const qsizetype length = lengthIn(clip, lengthAt);
+        const qsizetype size = riff ? std::min(end - from, kHeader + length + length % 2) : length;
+        if (size < kHeader || from + size > end)
+            return;
+        const QByteArray name = clip.mid(riff ? from : from + 4, 4);
         const bool inMedia =
             parent >= 0 && (parts[parent].isMedia || clip.mid(parts[parent].at + 8, 4) == "movi");
-        parts.append({from, size, from + 4, parent, inMedia});
-        if (isList)
-            findChunks(clip, from + 12, from + size, int(parts.size()) - 1, parts);
+        parts.append({from, size, lengthAt, parent, inMedia || name == "mdat"});
+        if (holders.contains(name))
+            findParts(clip, from + (riff ? 12 : kHeader), from + size, int(parts.size()) - 1, parts);
         from += size;
     }
 }
 
-void findBoxes(const QByteArray& clip, qsizetype from, qsizetype end, int parent, QList<ClipPart>& parts) {
-    static const QByteArrayList kinds{"moov", "trak", "edts", "mdia", "minf", "dinf", "stbl", "udta"};
-    while (from + kHeader <= end) {
-        const qsizetype size = lengthIn(clip, from);
-        if (size < kHeader || from + size > end)
-            return;
-        const QByteArray name = clip.mid(from + 4, 4);
-        parts.append({from, size, from, parent, name == "mdat"});
-        if (kinds.contains(name))
-            findBoxes(clip, from + kHeader, from + size, int(parts.size()) - 1, parts);
-        from += size;
-    }
+Parts partsOf(const QByteArray& clip) {
+    Parts parts;
+    findParts(clip, 0, clip.size(), -1, parts);
+    return parts;
 }
 
 int below(Random& random, qsizetype bound) {
@@ -60,48 +67,48 @@ int below(Random& random, qsizetype bound) {
 }
 
 // Half of the time, one of the few structural parts.
-const ClipPart& anyPart(const QList<ClipPart>& parts, Random& random) {
+const Part& anyPart(const Parts& parts, Random& random) {
     const bool structure = random() % 2;
     for (;;) {
-        const ClipPart& part = parts[below(random, parts.size())];
+        const Part& part = parts[below(random, parts.size())];
         if (!structure || !part.isMedia)
             return part;
     }
 }
 
-qsizetype anyPlace(const QByteArray& clip, const QList<ClipPart>& parts, Random& random) {
+qsizetype anyPlace(const QByteArray& clip, const Parts& parts, Random& random) {
     if (random() % 2)
         return below(random, clip.size());
-    const ClipPart& part = anyPart(parts, random);
+    const Part& part = anyPart(parts, random);
     return part.at + below(random, std::min<qsizetype>(part.size, 200));
 }
 
 // Cuts spread over the whole file; half of them within a part's head instead.
-QByteArray cut(const QByteArray& clip, const QList<ClipPart>& parts, Random& random, int number, int count) {
+QByteArray cut(const QByteArray& clip, const Parts& parts, Random& random, int number, int count) {
     const qsizetype slice = clip.size() / std::max(1, count);
     const qsizetype spread = slice * number + below(random, slice);
     return clip.left(number % 2 ? anyPlace(clip, parts, random) : spread);
 }
 
-QByteArray flip(QByteArray clip, const QList<ClipPart>& parts, Random& random) {
+QByteArray flip(QByteArray clip, const Parts& parts, Random& random) {
     char& byte = clip.data()[anyPlace(clip, parts, random)];
     byte = char(byte ^ (1 + below(random, 255)));
     return clip;
 }
 
 // Half of the time the parents' lengths are adjusted, so that only this part is missing.
-QByteArray drop(QByteArray clip, const QList<ClipPart>& parts, Random& random) {
-    const ClipPart& part = anyPart(parts, random);
+QByteArray drop(QByteArray clip, const Parts& parts, Random& random) {
+    const Part& part = anyPart(parts, random);
     if (random() % 2)
         for (int up = part.parent; up >= 0; up = parts[up].parent)
             setLength(clip, parts[up].lengthAt, lengthIn(clip, parts[up].lengthAt) - quint32(part.size));
     return clip.remove(part.at, part.size);
 }
 
-QByteArray swap(const QByteArray& clip, const QList<ClipPart>& parts, Random& random) {
+QByteArray swap(const QByteArray& clip, const Parts& parts, Random& random) {
     for (int tries = 0; tries < 1000; ++tries) {
-        const ClipPart* first = &anyPart(parts, random);
-        const ClipPart* second = &anyPart(parts, random);
+        const Part* first = &anyPart(parts, random);
+        const Part* second = &anyPart(parts, random);
         if (first->at > second->at)
             std::swap(first, second);
         const qsizetype between = first->at + first->size;
@@ -113,8 +120,8 @@ QByteArray swap(const QByteArray& clip, const QList<ClipPart>& parts, Random& ra
     return clip;
 }
 
-QByteArray changeLength(QByteArray clip, const QList<ClipPart>& parts, Random& random) {
-    const ClipPart& part = anyPart(parts, random);
+QByteArray changeLength(QByteArray clip, const Parts& parts, Random& random) {
+    const Part& part = anyPart(parts, random);
     const quint32 length = lengthIn(clip, part.lengthAt);
     const std::array<quint32, 12> others{0,          1,          7,          8,
                                          length - 1, length + 1, length / 2, length * 2,
@@ -125,27 +132,15 @@ QByteArray changeLength(QByteArray clip, const QList<ClipPart>& parts, Random& r
 
 } // namespace
 
-const char* damageName(Damage damage) {
-    constexpr std::array names{"cut off", "one byte changed", "a part dropped", "two parts swapped",
-                               "a length changed"};
-    return names[size_t(damage)];
-}
-
-QList<ClipPart> partsOf(const QByteArray& clip) {
-    QList<ClipPart> parts;
-    isRiff(clip) ? findChunks(clip, 0, clip.size(), -1, parts) : findBoxes(clip, 0, clip.size(), -1, parts);
-    return parts;
-}
-
 // Sizes, counts and dimensions are all at multiples of four bytes, or share four bytes.
 QList<ClipField> fieldsOf(const QByteArray& clip) {
     constexpr qsizetype kHead = 112; // down to the end of a picture's description
-    const QList<ClipPart> parts = partsOf(clip);
+    const Parts parts = partsOf(clip);
     QList<ClipField> fields;
     for (int i = 0; i < parts.size(); ++i) {
-        const ClipPart& part = parts[i];
+        const Part& part = parts[i];
         const qsizetype nameAt = part.at + part.at + 4 - part.lengthAt;
-        const auto isInside = [i](const ClipPart& other) { return other.parent == i; };
+        const auto isInside = [i](const Part& other) { return other.parent == i; };
         const bool isLeaf = !part.isMedia && std::none_of(parts.begin(), parts.end(), isInside);
         const qsizetype end = part.at + (isLeaf ? std::min(part.size, kHead) : kHeader);
         for (qsizetype at = part.at; at + 4 <= end && (!part.isMedia || part.parent < 0); at += 4)
@@ -160,27 +155,8 @@ QByteArray withField(QByteArray clip, const ClipField& field, quint32 value) {
     return clip;
 }
 
-QByteArray withIndexFirst(const QByteArray& clip) {
-    const QList<ClipPart> parts = partsOf(clip);
-    const auto named = [&clip](const char* name) {
-        return [&clip, name](const ClipPart& part) { return clip.mid(part.at + 4, 4) == name; };
-    };
-    const auto index = std::find_if(parts.cbegin(), parts.cend(), named("moov"));
-    const auto media = std::find_if(parts.cbegin(), parts.cend(), named("mdat"));
-    if (index == parts.cend() || media == parts.cend() || index->at < media->at)
-        return clip;
-    QByteArray moved = clip;
-    for (const ClipPart& part : parts) {
-        const bool holdsOffsets = named("stco")(part);
-        for (qsizetype at = part.at + 16; holdsOffsets && at < part.at + part.size; at += 4)
-            setLength(moved, at, lengthIn(moved, at) + quint32(index->size));
-    }
-    const QByteArray box = moved.mid(index->at, index->size);
-    return moved.remove(index->at, index->size).insert(media->at, box);
-}
-
 QByteArray damaged(const QByteArray& clip, Damage damage, int number, int count) {
-    const QList<ClipPart> parts = partsOf(clip);
+    const Parts parts = partsOf(clip);
     Random random(quint32(number * 8 + int(damage)));
     switch (damage) {
         case Damage::Cut:

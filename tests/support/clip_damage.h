@@ -4,31 +4,14 @@
 
 #include <QByteArray>
 #include <QList>
+
 #include <array>
 
 namespace ql240 {
 
 enum class Damage { Cut, Flip, Drop, Swap, Length };
-inline constexpr std::array kDamages{Damage::Cut, Damage::Flip, Damage::Drop, Damage::Swap, Damage::Length};
-
-const char* damageName(Damage damage);
-
-// A box or chunk: its offset and size in the file, header included, and the offset of its length field (4
-// bytes).
-struct ClipPart {
-    qsizetype at = 0;
-    qsizetype size = 0;
-    qsizetype lengthAt = 0;
-    int parent = -1;      // index in the list of parts
-    bool isMedia = false; // pictures and sound
-};
-
-// All parts, parents before their children.
-QList<ClipPart> partsOf(const QByteArray& clip);
-
-// An MP4 clip with its index (32-bit offsets) before the media, as written by cameras that reserve space for
-// it.
-QByteArray withIndexFirst(const QByteArray& clip);
+inline constexpr std::array kDamageNames{"cut off", "one byte changed", "a part dropped", "two parts swapped",
+                                         "a length changed"};
 
 // `clip` with damage `number` of `count` of its kind: cuts are spread over the file, everything else is
 // random.

@@ -8,7 +8,6 @@
 #include <QStringList>
 
 #include <array>
-#include <cstdint>
 #include <map>
 #include <string>
 #include <utility>
@@ -35,22 +34,18 @@ struct FakeTransport {
     GraphState state = GraphState::Stopped;
     std::int64_t position = 0;
     std::int64_t duration = 0;
-    double rate = 0;
 };
 
 struct FakeWindow {
     WindowToken owner = WindowToken::None;
     WindowToken drain = WindowToken::None;
-    std::uint32_t style = 0;
     QRect rect;
-    bool autoShow = true;
     bool visible = false;
 };
 
 struct FakeGrabber {
     ISampleGrabberCB* callback = nullptr;
     MediaType type; // accepted and connected
-    bool keeps = false;
     std::vector<std::uint8_t> kept;
 };
 
@@ -68,40 +63,32 @@ public:
     // size", "type 0", "buffer 0", "fetch 0", "positions", "position", "duration", "state" and "pins". A
     // failed call changes nothing.
     std::map<QString, Status> answers;
-    // The index of one logged call, counted from 0 since the log was last cleared, and its result.
-    int answerAt = -1;
-    Status answer = kStatusFail;
+    // The index of one logged call that fails, counted from 0 since the log was last cleared.
+    int failsAt = -1;
 
     // Of the open clip, or of the last one.
-    QStringList filters; // the names in the graph
     FakeTransport transport;
     std::array<FakeWindow, 2> windows;
     std::array<FakeGrabber, 2> grabbers;
+    std::array<std::size_t, 2> made{}; // grabbers, renderers
 
-    std::int64_t positionMs() const { return transport.position / 10000; }
     void setPositionMs(std::int64_t ms) { transport.position = ms * 10000; }
     void playToEnd() { transport.position = transport.duration; }
     // Passes a decoded YUY2 frame of a stream through its grabber, which keeps it; returns what goes on to
     // the renderer. Any thread.
-    std::vector<std::uint8_t> deliver(int stream, std::vector<std::uint8_t> frame, double time = 0);
+    std::vector<std::uint8_t> deliver(int stream, std::vector<std::uint8_t> frame);
 
     // Graphs, filters and enumerators that are still referenced.
     int liveObjects = 0;
-    int warmUps = 0;
 
     Status CoCreateInstance(const Guid& classId, IUnknown* outer, ClassContext context, const Guid& iid,
                             void** object) override;
-    void warmUp() override { ++warmUps; }
-    void setOutputVolume(std::uint16_t left, std::uint16_t right) override;
+    void warmUp() override {}
+    void setOutputVolume(std::uint16_t, std::uint16_t) override {}
 
     // Called by the objects of the graph.
     Status call(const QString& text, Status usual = kStatusOk);
     Status query(const QString& text, Status usual = kStatusOk) const;
-
-private:
-    ComPtr<IUnknown> newGraph();
-
-    std::array<int, 2> m_streamsMade{}; // grabbers, renderers
 };
 
 } // namespace ql240

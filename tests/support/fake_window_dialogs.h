@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "mainwindow/window_dialogs.h"
+#include "platform/folder_dialogs.h"
 #include "platform/url_opener.h"
 
 namespace ql240 {
@@ -14,6 +15,17 @@ struct FakeUrlOpener : UrlOpener {
     bool openUrl(const QString& address) override {
         opened << address;
         return true;
+    }
+};
+
+// A folder dialog whose user has already decided.
+struct FakeFolderDialogs : FolderDialogs {
+    std::optional<QString> choice;
+    int shown = 0;
+
+    std::optional<QString> browseForFolder(QWidget*, const FolderCallback&) override {
+        ++shown;
+        return choice;
     }
 };
 

@@ -2,7 +2,6 @@
 
 #include <QtGui/QColor>
 #include <algorithm>
-#include <functional>
 
 namespace ql240 {
 namespace {
@@ -17,8 +16,6 @@ constexpr int kCodeTop = 2;
 constexpr int kCodeBottom = 7;
 constexpr int kGreyTop = 12;
 constexpr int kGreyBottom = 15;
-
-using Luma = std::function<int(int x, int y)>;
 
 // No power of two is a multiple of 31, so a single misread cell never passes.
 unsigned checkBits(unsigned payload) {
@@ -39,11 +36,11 @@ int backgroundLevel(int x, int y, int width, int number) {
     return 60 + ((x * 128 / width + y / 4 + number * 4) & 127);
 }
 
-int mean(const Luma& luma, QRect area) {
+int mean(const QImage& picture, QRect area) {
     qint64 sum = 0;
     for (int y = area.top(); y <= area.bottom(); ++y)
         for (int x = area.left(); x <= area.right(); ++x)
-            sum += luma(x, y);
+            sum += qGray(picture.pixel(x, y));
     return int(sum / std::max<qint64>(1, qint64(area.width()) * area.height()));
 }
 
@@ -54,28 +51,6 @@ QRect core(int index, int count, int top, int bottom, QSize size) {
     const int upper = size.height() * (top * 4 + 3) / 64;
     const int lower = size.height() * (bottom * 4 - 3) / 64;
     return {left, upper, std::max(1, right - left), std::max(1, lower - upper)};
-}
-
-std::optional<FrameMark> readMark(const Luma& luma, QSize size) {
-    if (size.width() < kCells || size.height() < 16)
-        return {};
-    std::array<int, kCells> level;
-    for (int i = 0; i < kCells; ++i)
-        level[size_t(i)] = mean(luma, core(i, kCells, kCodeTop, kCodeBottom, size));
-    const int white = std::min(level[0], level[kCells - 1]);
-    const int black = std::max(level[1], level[kCells - 2]);
-    if (white - black < 24)
-        return {};
-    unsigned cells = 0;
-    for (int value : level)
-        cells = cells << 1 | unsigned(value > (white + black) / 2);
-    const unsigned payload = cells >> (kCheckBits + 2) & ((2u << kNumberBits) - 1);
-    const FrameMark mark{int(payload & 0x3fff), int(payload >> kNumberBits)};
-    return cells == cellsOf(mark) ? std::optional(mark) : std::nullopt;
-}
-
-Luma lumaOf(const QImage& image) {
-    return [&image](int x, int y) { return qGray(image.pixel(x, y)); };
 }
 
 } // namespace
@@ -96,12 +71,21 @@ void paintFrameLuma(std::span<uchar> luma, int width, int height, FrameMark mark
 }
 
 std::optional<FrameMark> readFrameMark(const QImage& frame) {
-    return readMark(lumaOf(frame), frame.size());
-}
-
-std::optional<FrameMark> readFrameMark(const uchar* yuy2, int width, int height) {
-    const int stride = (width * 2 + 3) & ~3;
-    return readMark([=](int x, int y) { return int(yuy2[y * stride + x * 2]); }, {width, height});
+    if (frame.width() < kCells || frame.height() < 16)
+        return {};
+    std::array<int, kCells> level;
+    for (int i = 0; i < kCells; ++i)
+        level[size_t(i)] = mean(frame, core(i, kCells, kCodeTop, kCodeBottom, frame.size()));
+    const int white = std::min(level[0], level[kCells - 1]);
+    const int black = std::max(level[1], level[kCells - 2]);
+    if (white - black < 24)
+        return {};
+    unsigned cells = 0;
+    for (int value : level)
+        cells = cells << 1 | unsigned(value > (white + black) / 2);
+    const unsigned payload = cells >> (kCheckBits + 2) & ((2u << kNumberBits) - 1);
+    const FrameMark mark{int(payload & 0x3fff), int(payload >> kNumberBits)};
+    return cells == cellsOf(mark) ? std::optional(mark) : std::nullopt;
 }
 
 int readFrameNumber(const QImage& frame) {
@@ -109,16 +93,10 @@ int readFrameNumber(const QImage& frame) {
     return mark ? mark->number : -1;
 }
 
-std::optional<int> readFrameNumber(const uchar* yuy2, int width, int height) {
-    const auto mark = readFrameMark(yuy2, width, height);
-    return mark ? std::optional(mark->number) : std::nullopt;
-}
-
 std::array<int, 5> readGreyLevels(const QImage& frame) {
     std::array<int, 5> levels;
     for (int i = 0; i < int(levels.size()); ++i)
-        levels[size_t(i)] =
-            mean(lumaOf(frame), core(i, int(levels.size()), kGreyTop, kGreyBottom, frame.size()));
+        levels[size_t(i)] = mean(frame, core(i, int(levels.size()), kGreyTop, kGreyBottom, frame.size()));
     return levels;
 }
 

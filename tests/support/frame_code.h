@@ -26,11 +26,9 @@ void paintFrameLuma(std::span<uchar> luma, int width, int height, FrameMark mark
 
 // Nothing if the strip's markers or check bits don't match.
 std::optional<FrameMark> readFrameMark(const QImage& frame);
-std::optional<FrameMark> readFrameMark(const uchar* yuy2, int width, int height);
 
 // Only the number; -1 or nothing without a readable code.
 int readFrameNumber(const QImage& frame);
-std::optional<int> readFrameNumber(const uchar* yuy2, int width, int height);
 
 // The mean grey of each patch (0 … 255).
 std::array<int, 5> readGreyLevels(const QImage& frame);

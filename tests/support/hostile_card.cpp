@@ -4,8 +4,7 @@
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
-#include <QCryptographicHash>
-#include <QDirIterator>
+#include <QProcess>
 #include <algorithm>
 
 #include "settings/setting_values.h"
@@ -122,23 +121,11 @@ bool setTrap(const Trap& trap, Trapped part, const QString& cardDrive, const QSt
 }
 
 QByteArray HostileCard::homeListing() const {
-    QByteArrayList lines;
-    QDirIterator entries(home.drive(), QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-                         QDirIterator::Subdirectories);
-    while (entries.hasNext()) {
-        const QByteArray path = QFile::encodeName(entries.next());
-        struct stat status = {};
-        ::lstat(path.constData(), &status);
-        const auto stamp = [](const timespec& time) {
-            return QByteArray::number(qint64(time.tv_sec) * 1000000000 + time.tv_nsec) + ' ';
-        };
-        QFile file(entries.filePath());
-        const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-        lines.append(path + ' ' + QByteArray::number(status.st_mode) + ' ' +
-                     QByteArray::number(qint64(status.st_size)) + ' ' + stamp(status.st_mtim) +
-                     stamp(status.st_ctim) +
-                     QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
-    }
+    QProcess find;
+    find.start("find", {home.drive(), "-printf", "%p %y %m %s %T@ %C@ %l\\n"});
+    if (!find.waitForFinished(-1) || find.exitCode() != 0)
+        qFatal("the home cannot be listed");
+    QByteArrayList lines = find.readAllStandardOutput().split('\n');
     std::sort(lines.begin(), lines.end());
     return lines.join('\n');
 }

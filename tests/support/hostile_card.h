@@ -29,7 +29,7 @@ struct HostileCard {
 
     HostileCard();
     bool set(const Trap& trap, Trapped part) { return setTrap(trap, part, card.drive(), home.drive()); }
-    // Every entry in the home: name, kind, size, times and contents.
+    // Every entry in the home: name, kind, size, and when it was last changed.
     QByteArray homeListing() const;
 
     MadeCard card;

@@ -21,7 +21,7 @@ void end(QProcess& process) {
 } // namespace
 
 PrivateBus::PrivateBus() {
-    QFile config(m_folder.filePath(QStringLiteral("bus.conf")));
+    QFile config(m_folder.filePath("bus.conf"));
     if (config.open(QIODevice::WriteOnly)) {
         config.write("<busconfig><type>session</type><listen>" + address().toUtf8() +
                      "</listen><policy context=\"default\"><allow send_destination=\"*\"/>"
@@ -35,19 +35,18 @@ PrivateBus::~PrivateBus() {
 }
 
 QString PrivateBus::address() const {
-    return QStringLiteral("unix:path=") + m_folder.filePath(QStringLiteral("bus"));
+    return "unix:path=" + m_folder.filePath("bus");
 }
 
 bool PrivateBus::start() {
-    m_daemon.start(QStringLiteral("dbus-daemon"),
-                   {QStringLiteral("--nofork"), QStringLiteral("--print-address"),
-                    QStringLiteral("--config-file=") + m_folder.filePath(QStringLiteral("bus.conf"))});
+    m_daemon.start("dbus-daemon",
+                   {"--nofork", "--print-address", "--config-file=" + m_folder.filePath("bus.conf")});
     return waitForLine(m_daemon);
 }
 
 void PrivateBus::stop() {
     end(m_daemon);
-    QFile::remove(m_folder.filePath(QStringLiteral("bus")));
+    QFile::remove(m_folder.filePath("bus"));
 }
 
 void PrivateBus::freeze(bool frozen) {
@@ -56,7 +55,7 @@ void PrivateBus::freeze(bool frozen) {
 
 bool PrivateBus::startDrives(const QStringList& arguments) {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), address());
+    environment.insert("DBUS_SYSTEM_BUS_ADDRESS", address());
     m_drives.setProcessEnvironment(environment);
     m_drives.start(QStringLiteral(QL240_CARD_SERVICE), arguments);
     return waitForLine(m_drives);

@@ -1,5 +1,7 @@
 #include "support/sensor_clips.h"
 
+#include <QDir>
+#include <QFile>
 #include <algorithm>
 #include <cstring>
 
@@ -90,78 +92,6 @@ QByteArray motionRecord(int type, const QByteArray& fields) {
     return bigEndian(0, 2) + littleEndian(type, 2) + fields;
 }
 
-QByteArray motionClip() {
-    Track track;
-    track.durations = {100};
-    track.samplesPerChunk = 3;
-    track.samples = {motionTurn() + motionAcceleration(9.80665F, 0, -9.80665F),
-                     motionFix(3, -33.8568, 151.2153, 10, 0),
-                     motionAcceleration(0.1F, -0.1F, 4.903325F) + motionTurn(), motionFix(0, 12, 34, 10, 0),
-                     motionFix(2, 51.5, -0.1275, 3, -4)};
-    return mp4({track});
-}
-
-QByteArray placeClip() {
-    Track track;
-    track.handler = "meta";
-    track.durations = {1000};
-    for (int i = 0; i < 4; ++i)
-        track.samples.append(motionPlace(37.5 + i * 0.0001, 127.0) + motionAcceleration(0, float(i), 0));
-    return mp4({track});
-}
-
-QByteArray gpsIndexFixture() {
-    return gpsIndexClip({gpsBlock({12, 30, 58, 2013, 4, 5}, "ANE", 3724.5F, 12707.75F, 10),
-                         gpsBlock({12, 30, 59, 13, 4, 5}, "ASW", 3351.0F, 15112.5F, 50),
-                         gpsBlock({12, 31, 0, 13, 4, 5}, "VNE", 0, 0, 0),
-                         gpsBlock({12, 31, 3, 13, 4, 5}, "ANE", 3724.75F, 12707.5F, 0.1F)});
-}
-
-QByteArray textClip() {
-    Track track;
-    track.handler = "text";
-    track.format = "text";
-    track.durations = {1000};
-    track.samples = {textSample(sentence("GPRMC,123000.00,A,3724.57426,N,12707.75518,E,27.0,90.5,050413,,") +
-                                sentence("GPGGA,123000.00,3724.57426,N,12707.75518,E,1,08,1.1,30.0,M,,,,")),
-                     textSample("gsensori,512,-67,-12,100;GNRMC,123001.00,V,,,,,,,050413,,;CAR,0,0,0,0.0;"),
-                     textSample(sentence("GPGGA,123002.00,3351.40800,S,15112.91800,W,1,08,1.1,30.0,M,,,,"))};
-    return mp4({track});
-}
-
-QByteArray subtitleClip() {
-    Track track;
-    track.handler = "sbtl";
-    track.format = "tx3g";
-    track.durations = {1000};
-    track.samples = {textSample(
-        "gsensori,4,512,-67,-12,100;GNRMC,123000.00,A,3724.57426,N,12707.75518,E,27.0,90.5,050413,,;")};
-    return mp4({track});
-}
-
-QByteArray freeLogClip() {
-    const QByteArray log =
-        "[1365165000250]" + sentence("GPRMC,123000.00,A,3724.57426,N,12707.75518,E,27.0,90.5,050413,,") +
-        "[1365165000250]" + sentence("GPGGA,123000.00,3724.57426,N,12707.75518,E,1,08,1.1,30.0,M,,,,") +
-        "[1365165001250]" + sentence("GPRMC,123001.00,A,3351.40800,S,15112.91800,W,0.5,90.5,050413,,") +
-        "[1365165002250]" + sentence("GPRMC,123002.00,V,,,,,,,050413,,");
-    const QByteArray start = box("sttm", bigEndian(1365165000000, 8));
-    return mp4(
-        {}, {},
-        box("free", start + box("gps ", log) + accelerationLog({{0, 128, -64, 3}, {100, -32768, 32767, 0}})));
-}
-
-QByteArray plainTables(bool inAvi) {
-    const QByteArray positions = gps0Record(3724.57426, 12707.75518, 50, {13, 4, 5, 12, 30, 58, 45}) +
-                                 gps0Record(-3351.408, -15112.918, 7, {13, 4, 5, 12, 30, 59, 45}) +
-                                 gps0Record(0, 0, 7, {13, 4, 5, 12, 31, 0, 0});
-    const QByteArray accelerations = QByteArray::fromHex(
-        "10f001"
-        "807f00");
-    return inAvi ? avi(riffChunk("gps0", positions) + riffChunk("gsen", accelerations))
-                 : mp4({}, {}, box("gps0", positions) + box("gsen", accelerations));
-}
-
 } // namespace
 
 QByteArray bigEndian(quint64 value, int bytes) {
@@ -191,10 +121,6 @@ QByteArray float64(double value) {
 
 QByteArray box(const char* type, const QByteArray& body) {
     return bigEndian(body.size() + 8, 4) + type + body;
-}
-
-QByteArray riffChunk(const char* name, const QByteArray& body) {
-    return name + littleEndian(body.size(), 4) + body + QByteArray(body.size() % 2, '\0');
 }
 
 Mp4 mp4Around(qint64 picture, const QList<Track>& tracks, const QByteArray& movieExtras,
@@ -266,15 +192,6 @@ QByteArray textSample(const QByteArray& text) {
     return bigEndian(text.size(), 2) + text;
 }
 
-QByteArray accelerationLog(const QList<QList<int>>& records) {
-    QByteArray body;
-    for (const QList<int>& record : records) {
-        body += bigEndian(record[0], 4) + bigEndian(quint16(record[1]), 2) +
-                bigEndian(quint16(record[2]), 2) + bigEndian(quint16(record[3]), 2);
-    }
-    return box("3gf ", body + QByteArray(10, '\xFF') + QByteArray(20, '\x11'));
-}
-
 QByteArray gps0Record(double latitude, double longitude, int kmh, const QList<int>& clock) {
     QByteArray record = float64(latitude) + float64(longitude) + littleEndian(30, 4) + littleEndian(kmh, 2);
     for (const int part : clock)
@@ -282,17 +199,16 @@ QByteArray gps0Record(double latitude, double longitude, int kmh, const QList<in
     return record + QByteArray(3, '\x01');
 }
 
-QByteArray avi(const QByteArray& chunks) {
-    const QByteArray body = "AVI " + riffChunk("LIST", "hdrl" + riffChunk("avih", QByteArray(56, '\0'))) +
-                            riffChunk("LIST", "movi" + riffChunk("00dc", QByteArray(31, 'p'))) + chunks;
-    return riffChunk("RIFF", body);
-}
-
 QList<NamedClip> clipsOfAllFormats() {
-    return {{"motion", motionClip()},         {"place", placeClip()},
-            {"gps-index", gpsIndexFixture()}, {"text", textClip()},
-            {"subtitle", subtitleClip()},     {"free-log", freeLogClip()},
-            {"gps0-mp4", plainTables(false)}, {"gps0-avi", plainTables(true)}};
+    QList<NamedClip> clips;
+    for (const QFileInfo& entry :
+         QDir(QStringLiteral(QL240_CLIPS_OF_ALL_FORMATS)).entryInfoList(QDir::Files)) {
+        QFile file(entry.filePath());
+        if (!file.open(QIODevice::ReadOnly))
+            qFatal("cannot read %s", qPrintable(entry.filePath()));
+        clips.append({entry.fileName().toLatin1(), file.readAll()});
+    }
+    return clips;
 }
 
 } // namespace ql240::madeclips

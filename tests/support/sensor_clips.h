@@ -1,5 +1,5 @@
-// Makes clips with sensor data, byte by byte, in every format that the viewer reads. For tests and benchmarks
-// only; written independently of the readers.
+// Makes clips with sensor data, byte by byte. For tests and benchmarks only; written independently of the
+// readers.
 #pragma once
 
 #include <QByteArray>
@@ -13,7 +13,6 @@ QByteArray float32(float value);
 QByteArray float64(double value);
 
 QByteArray box(const char* type, const QByteArray& body);
-QByteArray riffChunk(const char* name, const QByteArray& body);
 
 // A track of timed samples.
 struct Track {
@@ -58,12 +57,10 @@ QByteArray gpsIndexClip(const QList<QByteArray>& blocks);
 QByteArray sentence(const QByteArray& words);
 QByteArray textSample(const QByteArray& text);
 
-QByteArray accelerationLog(const QList<QList<int>>& records); // "3gf ", with its end mark
-
 QByteArray gps0Record(double latitude, double longitude, int kmh, const QList<int>& clock);
-QByteArray avi(const QByteArray& chunks);
 
-// One short clip in each format: a few seconds of a drive with everything that the format can store.
+// One short clip in each format: a few seconds of a drive with everything that the format can store. The
+// fuzzer starts from the same.
 struct NamedClip {
     QByteArray name;
     QByteArray bytes;

@@ -20,7 +20,7 @@ namespace ql240 {
 
 // A camera's card with its version file.
 inline void makeCamera(const MadeCard& card, const QByteArray& version = "QL240 1.02 1.00") {
-    card.put(QStringLiteral("update/version.txt"), version);
+    card.put("update/version.txt", version);
 }
 
 class SettingsFixture {
@@ -28,8 +28,10 @@ public:
     SettingsFixture() {
         host().drives = &m_drives;
         installFontSubstitutes();
-        QFile::remove(localIniPath());
-        setCurrentLanguage(QStringLiteral("en"));
+        const QString ini = localIniPath();
+        QFile::remove(ini);
+        QDir().rmdir(QFileInfo(ini).path()); // which has to be made again
+        setCurrentLanguage("en");
     }
     ~SettingsFixture() { host().drives = nullptr; }
     Q_DISABLE_COPY_MOVE(SettingsFixture)
@@ -37,8 +39,6 @@ public:
     void insert(const MadeCard& card, const QByteArray& label = "CAMERA") {
         m_drives.drives.append({card.drive(), label, "vfat"});
     }
-
-    void takeOut() { m_drives.drives.clear(); }
 
     // From now on the list of drives is returned only after `answer` was called, once per query.
     void holdDrives() {

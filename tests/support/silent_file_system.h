@@ -1,31 +1,31 @@
-// A mounted file system that stops answering on request, like a failing card reader. A process of its own
-// serves it, so that hanging calls can always be freed: the file system ends with the object, and all calls
-// waiting for it fail. Needs a private mount namespace (enterOwnMounts).
+// A file system that doesn't answer, mounted over a folder on request, like a failing card reader. Nothing
+// serves it, so every call hangs, and fails when the object ends. Needs a private mount namespace
+// (enterOwnMounts).
 #pragma once
 
 #include <QString>
-#include <atomic>
 
 namespace ql240 {
 
 class SilentFileSystem {
 public:
-    // Mounts an empty folder over an existing one.
+    // The existing folder answers until `fallSilent`.
     explicit SilentFileSystem(const QString& folder);
-    ~SilentFileSystem();
-    SilentFileSystem(const SilentFileSystem&) = delete;
-    SilentFileSystem& operator=(const SilentFileSystem&) = delete;
+    ~SilentFileSystem() { end(); }
+    Q_DISABLE_COPY_MOVE(SilentFileSystem)
 
+    // False if the machine mounts no such file system.
     bool isMounted() const { return m_mounted; }
-    void fallSilent() { m_silent->store(true); }
+    void fallSilent() { mount(); }
     // Makes all waiting calls fail.
     void end();
 
 private:
+    void mount();
+
     QString m_folder;
-    std::atomic<bool>* m_silent = nullptr;
-    int m_server = -1;
-    bool m_mounted = false;
+    int m_device = -1;
+    bool m_mounted = false; // since it was tried last
 };
 
 } // namespace ql240

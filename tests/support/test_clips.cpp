@@ -20,7 +20,7 @@ constexpr char kPatternVersion[] = "1"; // increase when the painted pattern cha
 // The variable rate's cycle; testClipFrameTimes() has the same.
 constexpr char kVariableTimes[] =
     "settb=1/90000,setpts=(floor(N/3)*150+if(eq(mod(N\\,3)\\,1)\\,20\\,if(eq(mod(N\\,3)\\,2)\\,60\\,0)))/"
-    "1000/TB";
+    "1000/TB,";
 
 bool isFullRange(const TestClipSpec& spec) {
     return spec.fullRange || spec.codec == TestClipSpec::Codec::MotionJpeg;
@@ -35,10 +35,12 @@ QSize canvasSize(const TestClipSpec& spec) {
 }
 
 QString streamFilter(const TestClipSpec& spec, QSize size, int top) {
-    QString filter = QStringLiteral("crop=%1:%2:0:%3,").arg(size.width()).arg(size.height()).arg(top);
-    if (spec.variableRate)
-        filter += QLatin1String(kVariableTimes) + QLatin1Char(',');
-    return filter + QStringLiteral("scale=in_range=%1:out_range=%1").arg(isFullRange(spec) ? "pc" : "tv");
+    const QString filter = QStringLiteral("crop=%1:%2:0:%3,%4scale=in_range=%5:out_range=%5");
+    return filter.arg(size.width())
+        .arg(size.height())
+        .arg(top)
+        .arg(QLatin1String(spec.variableRate ? kVariableTimes : ""),
+             QLatin1String(isFullRange(spec) ? "pc" : "tv"));
 }
 
 QString filterGraph(const TestClipSpec& spec) {
@@ -53,19 +55,19 @@ QStringList words(const QString& text) {
     return text.split(QLatin1Char(' '));
 }
 
+// A key frame every 30 frames.
 QStringList codecArguments(const TestClipSpec& spec) {
     const QString range = QStringLiteral("-color_range %1 ").arg(isFullRange(spec) ? "pc" : "tv");
     const QString h264 = QStringLiteral(
-        "-c:v libx264 -preset veryfast -crf 26 -g %1 -bf %2 "
-        "-x264-params threads=1:scenecut=0:b-adapt=0:keyint_min=%1");
+        "-c:v libx264 -preset veryfast -crf 26 -g 30 -bf %1 "
+        "-x264-params threads=1:scenecut=0:b-adapt=0:keyint_min=30");
     const QString h265 = QStringLiteral(
-        "-c:v libx265 -preset ultrafast -crf 28 -tag:v hvc1 -x265-params "
-        "log-level=error:pools=1:frame-threads=1:scenecut=0:b-adapt=0:"
-        "keyint=%1:min-keyint=%1:bframes=%2");
+        "-c:v libx265 -preset ultrafast -crf 28 -tag:v hvc1 -x265-params log-level=error:pools=1:"
+        "frame-threads=1:scenecut=0:b-adapt=0:keyint=30:min-keyint=30:bframes=%1");
     if (spec.codec == TestClipSpec::Codec::MotionJpeg)
         return words(range + QStringLiteral("-c:v mjpeg -q:v 5 -huffman default"));
     const QString& encoder = spec.codec == TestClipSpec::Codec::H264 ? h264 : h265;
-    return words(range + encoder.arg(spec.keyframeInterval).arg(spec.bFrames));
+    return words(range + encoder.arg(spec.bFrames));
 }
 
 double lengthSeconds(const TestClipSpec& spec) {
@@ -82,8 +84,7 @@ QStringList inputArguments(const TestClipSpec& spec) {
                                       .arg(canvas.height())
                                       .arg(spec.rate));
     if (spec.sound)
-        arguments += words(QStringLiteral("-f lavfi -i sine=frequency=%1:sample_rate=32000:duration=%2")
-                               .arg(spec.toneHz)
+        arguments += words(QStringLiteral("-f lavfi -i sine=frequency=440:sample_rate=32000:duration=%1")
                                .arg(lengthSeconds(spec)));
     return arguments;
 }
@@ -124,22 +125,18 @@ QStringList ffmpegArguments(const TestClipSpec& spec) {
     return arguments + words(QStringLiteral("-threads 1 ") + containerArguments(spec));
 }
 
-void stackPicture(QByteArray& raw, QSize canvas, QSize size, int top, FrameMark mark, bool fullRange) {
-    QByteArray luma(qsizetype(size.width()) * size.height(), 0);
-    paintFrameLuma({reinterpret_cast<uchar*>(luma.data()), size_t(luma.size())}, size.width(), size.height(),
-                   mark, fullRange);
-    for (int y = 0; y < size.height(); ++y)
-        std::copy_n(luma.constData() + qsizetype(y) * size.width(), size.width(),
-                    raw.data() + qsizetype(top + y) * canvas.width());
-}
-
 QByteArray rawFrame(const TestClipSpec& spec, int number) {
     const QSize canvas = canvasSize(spec);
     const qsizetype area = qsizetype(canvas.width()) * canvas.height();
     QByteArray raw(area * 3 / 2, char(128));
-    stackPicture(raw, canvas, spec.size, 0, {number, 0}, isFullRange(spec));
-    if (spec.videoStreams > 1)
-        stackPicture(raw, canvas, spec.secondSize, spec.size.height(), {number, 1}, isFullRange(spec));
+    auto* row = reinterpret_cast<uchar*>(raw.data());
+    for (int stream = 0; stream < spec.videoStreams; ++stream) {
+        const QSize size = stream == 0 ? spec.size : spec.secondSize;
+        std::vector<uchar> luma(size_t(size.width()) * size_t(size.height()));
+        paintFrameLuma(luma, size.width(), size.height(), {number, stream}, isFullRange(spec));
+        for (auto line = luma.begin(); line != luma.end(); line += size.width(), row += canvas.width())
+            std::copy_n(line, size.width(), row);
+    }
     return raw;
 }
 
@@ -155,16 +152,11 @@ bool feedFrames(QProcess& ffmpeg, const TestClipSpec& spec) {
            ffmpeg.exitCode() == 0;
 }
 
-bool appendTrailer(const QString& path, const QByteArray& trailer) {
-    QFile file(path);
-    return trailer.isEmpty() || (file.open(QIODevice::Append) && file.write(trailer) == trailer.size());
-}
-
 bool makeClipFile(const TestClipSpec& spec, const QString& path) {
     QProcess ffmpeg;
     ffmpeg.start(QStringLiteral("ffmpeg"), ffmpegArguments(spec) + QStringList{path});
     if (ffmpeg.waitForStarted(kProcessTimeoutMs) && feedFrames(ffmpeg, spec))
-        return appendTrailer(path, spec.trailer);
+        return true;
     qWarning("ffmpeg: %s %s", qPrintable(ffmpeg.errorString()), ffmpeg.readAllStandardError().constData());
     return false;
 }
@@ -179,7 +171,6 @@ QString clipName(const TestClipSpec& spec) {
     hash.addData(kPatternVersion);
     hash.addData(QByteArray::number(spec.frames));
     hash.addData(ffmpegArguments(spec).join(QLatin1Char('\n')).toUtf8());
-    hash.addData(spec.trailer);
     const bool avi = spec.container == TestClipSpec::Container::Avi;
     return QString::fromLatin1(hash.result().toHex().first(16)) + QLatin1String(avi ? ".avi" : ".mp4");
 }

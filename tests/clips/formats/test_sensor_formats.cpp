@@ -91,9 +91,7 @@ QByteArray logClip(const QList<int>& seconds) {
 }
 
 qint32 speedAt(SensorFileLibrary& library, SensorLibrary::Handle handle, qint64 timeMs) {
-    qint32 latitude = 0;
-    qint32 longitude = 0;
-    qint32 speed = -1;
+    qint32 latitude = 0, longitude = 0, speed = -1;
     std::int8_t letter = 0;
     library.getLatLonSpeed(handle, timeMs, &latitude, &longitude, &letter, &letter, &speed);
     return speed;
@@ -103,6 +101,36 @@ qint32 speedAt(SensorFileLibrary& library, SensorLibrary::Handle handle, qint64 
 
 class TestSensorFormats : public QObject {
     Q_OBJECT
+
+private:
+    // Rows of text samples: sentences and sensor lines.
+    static void addLines() {
+        const auto text = [](const char* name, const QByteArray& line, const char* expected) {
+            Track track;
+            track.handler = track.format = "text";
+            track.samples = {textSample(line)};
+            QTest::newRow(name) << mp4({track}) << expected;
+        };
+        const QByteArray good = "GPRMC,123000.00,A,3724.57426,N,12707.75518,E,27.0,90.5,050413,,";
+        const QByteArray place = "3724.57426,N,12707.75518,E";
+        const char* here = "0: 37409571 127129253 50 0 0 0";
+        const char* hereUnmoved = "0: 37409571 127129253 0 0 0 0";
+        const char* nowhere = "0: 0 0 0 0 0 0";
+        text("without a checksum", '$' + good, here);
+        text("another number in it", sentence(good).replace("27.0", "28.0"), "0: none");
+        text("checksum cut off", sentence(good).chopped(4), "0: none");
+        text("no status", "$GPRMC,123000,," + place + ",27.0", here);
+        text("no speed", "$GPRMC,123000,A," + place + ',', hereUnmoved);
+        text("a field missing", "$GPRMC,123000,A," + place, "0: none");
+        text("60 minutes", "$GPRMC,123000,A,3760.0,N,12707.75518,E,27.0", nowhere);
+        text("wrong letter", "$GPRMC,123000,A,3724.57426,n,12707.75518,E,27.0", nowhere);
+        text("no numbers", "$GPRMC,123000,A,nan,N,inf,E,1e999", nowhere);
+        text("GGA without a fix", "$GNGGA,123000," + place + ",0,08", nowhere);
+        text("other sentence", "$GPGLL," + place + ",123000,A,x", "0: none");
+        text("sensor line, scale 0", "gsensori,0,1,2,3", "0: none");
+        text("sensor line, no numbers", "gsensori,512,a,b,c", "0: none");
+        text("sensor line, too short", "gsensori,1,2,3", "0: none");
+    }
 
 private Q_SLOTS:
     void formats_data() {
@@ -249,73 +277,38 @@ private Q_SLOTS:
         QCOMPARE(ask(library, handle, 134), QByteArray("134: 0 0 0 128 0 0"));
     }
 
-    void values_data() {
-        QTest::addColumn<QByteArray>("record");
+    // What one record says at the start.
+    void records_data() {
+        QTest::addColumn<QByteArray>("clip");
         QTest::addColumn<QString>("expected");
+        const auto motion = [](const char* name, const QByteArray& record, const char* expected) {
+            Track track;
+            track.samples = {record};
+            QTest::newRow(name) << mp4({track}) << expected;
+        };
         const double nan = std::nan("");
         const float nanf = std::nanf("");
-        QTest::newRow("half counts go away from zero")
-            << motionAcceleration(2.2F, -2.2F, 0) << "0: 0 0 0 29 -29 0";
-        QTest::newRow("accelerations saturate")
-            << motionAcceleration(1e9F, -1e30F, 0) << "0: 0 0 0 32767 -32768 0";
-        QTest::newRow("speeds saturate")
-            << motionFix(3, 1, 1, 3e38F, 0) << "0: 1000000 1000000 2147483647 0 0 0";
-        QTest::newRow("speed isn't a number") << motionFix(3, 1, 1, nanf, 0) << "0: 1000000 1000000 0 0 0 0";
-        QTest::newRow("fix isn't a number") << motionFix(3, nan, 1, 5, 0) << "0: 0 0 0 0 0 0";
-        QTest::newRow("91 degrees") << motionFix(3, 91, 1, 5, 0) << "0: 0 0 0 0 0 0";
-        QTest::newRow("-181 degrees") << motionFix(3, 1, -181, 5, 0) << "0: 0 0 0 0 0 0";
-        QTest::newRow("the corner of the earth")
-            << motionFix(3, -90, -180, 5, 0) << "0: -90000000 -180000000 18 0 0 0";
-        QTest::newRow("acceleration isn't a number") << motionAcceleration(nanf, 0, 0) << "0: none";
-        QTest::newRow("a record cut short") << motionPlace(1, 1).chopped(1) << "0: none";
-        QTest::newRow("unknown type ends the sample")
-            << QByteArray::fromHex("00000800") + motionPlace(1, 1) << "0: none";
+        motion("half counts go away from zero", motionTurn() + motionAcceleration(2.2F, -2.2F, 0),
+               "0: 0 0 0 29 -29 0");
+        motion("accelerations saturate", motionAcceleration(1e9F, -1e30F, 0), "0: 0 0 0 32767 -32768 0");
+        motion("speeds saturate", motionFix(3, 1, 1, 3e38F, 0), "0: 1000000 1000000 2147483647 0 0 0");
+        motion("speed isn't a number", motionFix(3, 1, 1, nanf, 0), "0: 1000000 1000000 0 0 0 0");
+        motion("fix isn't a number", motionFix(3, nan, 1, 5, 0), "0: 0 0 0 0 0 0");
+        motion("91 degrees", motionFix(3, 91, 1, 5, 0), "0: 0 0 0 0 0 0");
+        motion("-181 degrees", motionFix(3, 1, -181, 5, 0), "0: 0 0 0 0 0 0");
+        motion("corner of the earth", motionFix(3, -90, -180, 5, 0), "0: -90000000 -180000000 18 0 0 0");
+        motion("acceleration isn't a number", motionAcceleration(nanf, 0, 0), "0: none");
+        motion("a record cut short", motionPlace(1, 1).chopped(1), "0: none");
+        motion("unknown type", QByteArray::fromHex("00000800") + motionPlace(1, 1), "0: none");
+        QTest::newRow("last candidate place in a block")
+            << gpsIndexClip({gpsBlock({12, 30, 58, 13, 4, 5}, "ANE", 3724.5F, 12707.75F, 10, 472)})
+            << "0: 37408333 127129167 19 0 0 0";
+        addLines();
     }
-    void values() {
-        QFETCH(QByteArray, record);
-        Track track;
-        track.samples = {record};
+    void records() {
+        QFETCH(QByteArray, clip);
         SensorFileLibrary library;
-        const SensorLibrary::Handle handle = open(library, mp4({track}));
-        QTEST(QString::fromLatin1(ask(library, handle, 0)), "expected");
-    }
-
-    void sentences_data() {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<QString>("expected");
-        const QByteArray good = "GPRMC,123000.00,A,3724.57426,N,12707.75518,E,27.0,90.5,050413,,";
-        const QByteArray place = "3724.57426,N,12707.75518,E";
-        const QString here = QStringLiteral("0: 37409571 127129253 50 0 0 0");
-        const QString hereUnmoved = QStringLiteral("0: 37409571 127129253 0 0 0 0");
-        const QString nowhere = QStringLiteral("0: 0 0 0 0 0 0");
-        const QString none = QStringLiteral("0: none");
-        QTest::newRow("checksum") << sentence(good) << here;
-        QTest::newRow("without a checksum") << '$' + good << here;
-        QTest::newRow("another number in it") << sentence(good).replace("27.0", "28.0") << none;
-        QTest::newRow("checksum cut off") << sentence(good).chopped(4) << none;
-        QTest::newRow("no status") << QByteArray("$GPRMC,123000,,") + place + ",27.0" << here;
-        QTest::newRow("no speed") << QByteArray("$GPRMC,123000,A,") + place + ',' << hereUnmoved;
-        QTest::newRow("a field missing") << QByteArray("$GPRMC,123000,A,") + place << none;
-        QTest::newRow("60 minutes") << QByteArray("$GPRMC,123000,A,3760.0,N,12707.75518,E,27.0") << nowhere;
-        QTest::newRow("wrong letter")
-            << QByteArray("$GPRMC,123000,A,3724.57426,n,12707.75518,E,27.0") << nowhere;
-        QTest::newRow("no numbers") << QByteArray("$GPRMC,123000,A,nan,N,inf,E,1e999") << nowhere;
-        QTest::newRow("GGA") << QByteArray("$GNGGA,123000,") + place + ",1,08" << hereUnmoved;
-        QTest::newRow("GGA without a fix") << QByteArray("$GNGGA,123000,") + place + ",0,08" << nowhere;
-        QTest::newRow("other sentence") << QByteArray("$GPGLL,") + place + ",123000,A,x" << none;
-        QTest::newRow("sensor line, range and scale")
-            << QByteArray("gsensori,4,512,-67,-12,100") << QStringLiteral("0: 0 0 0 -17 -3 25");
-        QTest::newRow("sensor line, scale 0") << QByteArray("gsensori,0,1,2,3") << none;
-        QTest::newRow("sensor line, no numbers") << QByteArray("gsensori,512,a,b,c") << none;
-        QTest::newRow("sensor line, too short") << QByteArray("gsensori,1,2,3") << none;
-    }
-    void sentences() {
-        QFETCH(QByteArray, text);
-        Track track;
-        track.handler = track.format = "text";
-        track.samples = {textSample(text)};
-        SensorFileLibrary library;
-        const SensorLibrary::Handle handle = open(library, mp4({track}));
+        const SensorLibrary::Handle handle = open(library, clip);
         QTEST(QString::fromLatin1(ask(library, handle, 0)), "expected");
     }
 

