@@ -5,7 +5,7 @@ cd "$(dirname "$0")"
 
 scripts/bootstrap.sh run
 [ -f build/release/build.ninja ] || cmake --preset release > /dev/null
-cmake --build --preset release --target ql240-viewer ql240-demo-card
+cmake --build --preset release --target ql240-viewer ql240-clip ql240-demo-card
 
 # The card is made once; the folder dialog opens on it until another folder is chosen.
 card="${XDG_DATA_HOME:-$HOME/.local/share}/QL240/demo-card"

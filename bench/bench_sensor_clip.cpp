@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "clips/formats/sensor_file_library.h"
+#include "clips/record_reader.h"
 #include "support/sensor_clips.h"
 
 namespace {
@@ -58,38 +59,58 @@ qint64 peakMemory() {
     return processNumber("status", "VmHWM");
 }
 
-int measure(const char* shortClip, const char* clip, qint64 trackAndIndex) {
-    SensorFileLibrary library;
-    library.getInformationData(shortClip);
+// Whether the clip had any sensor data.
+bool readForDashboard(const char* clip) {
+    static SensorFileLibrary library;
+    return library.getInformationData(clip) != 0;
+}
+
+bool readWhole(const char* clip) {
+    static ClipContents contents; // kept, so that its memory counts
+    QFile file(QString::fromLocal8Bit(clip));
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return false;
+    contents = readClipContents(file, {});
+    return !contents.record.fixes.empty();
+}
+
+int measure(const char* title, bool (*read)(const char*), const char* shortClip, const char* clip,
+            qint64 trackAndIndex) {
+    read(shortClip);
     const qint64 memory = peakMemory();
     const qint64 before = bytesRead();
     QElapsedTimer timer;
     timer.start();
-    const SensorLibrary::Handle handle = library.getInformationData(clip);
+    const bool isRead = read(clip);
     const double elapsedMs = static_cast<double>(timer.nsecsElapsed()) / 1e6;
     const auto bytes = static_cast<double>(bytesRead() - before - trackAndIndex) / 1024;
     const double kept =
         static_cast<double>(peakMemory() - memory) - static_cast<double>(trackAndIndex) / 1024;
-    if (handle == 0) {
+    if (!isRead) {
         std::fprintf(stderr, "the clip was not read\n");
         return 1;
     }
-    std::printf("sensor data of a 1 GB clip, ms\t%.1f\t\n", elapsedMs);
-    std::printf("sensor data of a 1 GB clip, KiB read beyond its track and index\t%.1f\t64\n", bytes);
-    std::printf("sensor data of a 1 GB clip, KiB of memory beyond its track and index\t%.1f\t64\n", kept);
+    std::printf("%s of a 1 GB clip, ms\t%.1f\t\n", title, elapsedMs);
+    std::printf("%s of a 1 GB clip, KiB read beyond its track and index\t%.1f\t64\n", title, bytes);
+    std::printf("%s of a 1 GB clip, KiB of memory beyond its track and index\t%.1f\t64\n", title, kept);
     return 0;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc == 4) {
-        return measure(argv[1], argv[2], QByteArray(argv[3]).toLongLong());
+    if (argc == 5) {
+        const bool isWhole = QByteArray(argv[4]) == "record";
+        return measure(isWhole ? "whole record" : "sensor data", isWhole ? readWhole : readForDashboard,
+                       argv[1], argv[2], QByteArray(argv[3]).toLongLong());
     }
     const QTemporaryDir folder;
     const madeclips::Mp4 clip = motionClip(kGigabyte, kSamples);
     const QString shortClip = writeClip(folder.filePath(QStringLiteral("short.mp4")), motionClip(64, 10));
     const QString longClip = writeClip(folder.filePath(QStringLiteral("long.mp4")), clip);
-    return QProcess::execute(QString::fromLocal8Bit(argv[0]),
-                             {shortClip, longClip, QString::number(clip.after.size())});
+    const QStringList clips{shortClip, longClip, QString::number(clip.after.size())};
+    int failed = 0;
+    for (const QString& kind : {QStringLiteral("dashboard"), QStringLiteral("record")})
+        failed |= QProcess::execute(QString::fromLocal8Bit(argv[0]), clips + QStringList(kind));
+    return failed;
 }

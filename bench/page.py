@@ -16,8 +16,10 @@ def commands(programs):
     program = lambda name: os.path.join(programs, name)
     script = lambda name, *rest: [sys.executable, os.path.join(HERE, name), *map(program, rest)]
     yield "playback.py", script("playback.py", "ql240-bench-player")
-    for name in ("bench_adjust", "bench_library", "bench_panel", "bench_map", "bench_settings", "bench_sensor_clip"):
+    for name in ("bench_adjust", "bench_library", "bench_panel", "bench_map", "bench_settings", "bench_sensor_clip",
+                 "bench_moments"):
         yield name, [program(name)]
+    yield "clip_program.py", script("clip_program.py", "ql240-clip", "ql240-bench-clip-maker", "ql240-bench-empty-core")
     yield "hour.py", [*script("hour.py", "ql240-viewer"), "1080p"]
     yield "start_up.py", script("start_up.py", "ql240-viewer", "ql240-bench-empty-window")
 

@@ -39,7 +39,8 @@ mkdir -m 700 "$HOME" "$XDG_RUNTIME_DIR"
 apt-get update -qq
 apt-get install -y -qq /tmp/try/ql240-viewer_*.deb > /tmp/try/install.log
 apt-get install -y -qq --no-install-recommends xvfb openbox libgtk-3-bin xdotool imagemagick > /tmp/try/tools.log
-ldd /usr/bin/ql240-viewer /usr/lib/ql240/*.so | grep 'not found' && exit 1
+ldd /usr/bin/ql240-viewer /usr/bin/ql240-clip /usr/lib/ql240/*.so | grep 'not found' && exit 1
+ql240-clip track --format gpx /tmp/try/card/VIDEO | grep -q '<trkpt'
 
 Xvfb -displayfd 3 -screen 0 1280x800x24 3> /tmp/try/display 2> /dev/null &
 until [ -s /tmp/try/display ]; do sleep 0.1; done

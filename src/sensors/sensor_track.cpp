@@ -4,18 +4,17 @@
 #include <QFileInfo>
 #include <algorithm>
 #include <array>
-#include <cmath>
-#include <limits>
 
+#include "clips/formats/trailer.h"
 #include "platform/logging.h"
 #include "platform/sensor_library.h"
 
 namespace ql240 {
+
+using namespace sensorfiles;
+
 namespace {
 
-constexpr std::int64_t kTailSize = 33006;
-constexpr QByteArrayView kMarker("ETKLP1");
-constexpr int kFieldsPerLine = 7;
 constexpr std::int64_t kLibraryStepMs = 100;
 constexpr std::int64_t kLibraryEndMs = 61000;
 
@@ -23,84 +22,17 @@ bool containsAfterStart(const QString& path, QLatin1StringView text) {
     return path.indexOf(text, 1) > 0;
 }
 
-// The last `kTailSize` bytes of a regular file; empty if it can't be read.
+// The last `kTrailerBytes` bytes of a regular file; empty if it can't be read.
 QByteArray readTail(const QString& path) {
     QFile file(path);
     if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
         return {};
-    file.seek(std::max<std::int64_t>(0, file.size() - kTailSize));
-    return file.read(kTailSize);
+    file.seek(std::max<std::int64_t>(0, file.size() - kTrailerBytes));
+    return file.read(kTrailerBytes);
 }
 
-// A decimal number; 0 for anything else, including "nan" and "inf". QByteArray::toDouble() on purpose: its
-// results for ties and limits are part of the format.
-double toNumber(QByteArrayView field) {
-    const double value = field.toByteArray().toDouble();
-    return std::isfinite(value) ? value : 0.0;
-}
-std::int32_t toInteger(QByteArrayView field) {
-    return field.toByteArray().toInt();
-}
-
-// Parses one line "clock,latitude,longitude,speed,x,y,z"; false if it has fewer fields.
-bool parseLine(QByteArrayView line, SensorSample& sample) {
-    std::array<QByteArrayView, kFieldsPerLine> fields;
-    qsizetype start = 0;
-    for (std::size_t i = 0; i < fields.size(); ++i) {
-        if (start > line.size())
-            return false;
-        const qsizetype comma = line.indexOf(',', start);
-        const qsizetype end = comma < 0 ? line.size() : comma;
-        fields[i] = line.sliced(start, end - start);
-        start = end + 1;
-    }
-    sample.latitude = toNumber(fields[1]);
-    sample.longitude = toNumber(fields[2]);
-    sample.speed = toInteger(fields[3]);
-    sample.accX = static_cast<std::int16_t>(toInteger(fields[4]));
-    sample.accY = static_cast<std::int16_t>(toInteger(fields[5]));
-    sample.accZ = static_cast<std::int16_t>(toInteger(fields[6]));
-    return true;
-}
-
-// Appends one sample per line and returns how many.
-std::size_t appendLines(SensorTrack& track, QByteArrayView text) {
-    const std::size_t before = track.size();
-    while (!text.isEmpty()) {
-        const qsizetype feed = text.indexOf('\n');
-        QByteArrayView line = feed < 0 ? text : text.first(feed);
-        text = feed < 0 ? QByteArrayView() : text.sliced(feed + 1);
-        if (line.endsWith('\r'))
-            line.chop(1);
-        SensorSample sample;
-        if (!line.isEmpty() && parseLine(line, sample)) {
-            sample.timeMs = static_cast<std::int32_t>(track.size()) + 1;
-            track.push_back(sample);
-        }
-    }
-    return track.size() - before;
-}
-
-// In event and motion clips the camera starts writing samples late: repeats the first one in front, about a
-// third of the track's length.
-void padFront(SensorTrack& track) {
-    const std::size_t n = track.size();
-    std::size_t p = n / 3;
-    if (static_cast<double>(n) * 0.25 + 0.5 >= static_cast<double>(p + 1))
-        ++p;
-    const SensorSample first = track.front();
-    track.insert(track.begin(), p + 1, first);
-}
-
-void spreadOver(SensorTrack& track, std::int64_t durationMs) {
-    const auto m = static_cast<std::int64_t>(track.size());
-    const std::int64_t total = std::min(durationMs, std::numeric_limits<std::int64_t>::max() - 100) + 100;
-    const std::int64_t q = total / m;
-    const bool roundUp =
-        static_cast<double>(total) / static_cast<double>(m) + 0.5 >= static_cast<double>(q + 1);
-    const auto step = static_cast<std::uint64_t>(roundUp ? q + 1 : q);
-    for (std::size_t i = 0; i < track.size(); ++i)
-        track[i].timeMs = static_cast<std::int32_t>(i * step);
+SensorSample sampleOf(const TrailerLine& line, std::int32_t timeMs) {
+    return {timeMs, line.x, line.y, line.z, line.latitude, line.longitude, line.speedKmh};
 }
 
 double signedDegrees(std::int32_t millionths, std::int8_t letter, char positive) {
@@ -126,19 +58,21 @@ bool readLibrarySample(SensorLibrary& library, SensorLibrary::Handle handle, std
 } // namespace
 
 bool appendTrailerBytes(SensorTrack& track, QByteArrayView tail, bool startsLate, std::int64_t durationMs) {
-    const qsizetype marker = tail.indexOf(kMarker);
-    if (marker <= 0) {
-        qCDebug(lcSensors) << "no trailer in the last" << tail.size() << "bytes";
-        return false;
+    const std::size_t before = track.size();
+    const bool isFound = forEachTrailerLine(tail, [&track](const TrailerLine& line) {
+        track.push_back(sampleOf(line, static_cast<std::int32_t>(track.size()) + 1));
+    });
+    qCDebug(lcSensors) << "a trailer" << (isFound ? "of" : "is missing,") << track.size() - before << "lines";
+    if (track.size() > before) {
+        if (startsLate) {
+            const SensorSample first = track.front();
+            track.insert(track.begin(), trailerPadding(track.size()), first);
+        }
+        const std::uint64_t step = trailerStepMs(durationMs, track.size());
+        for (std::size_t i = 0; i < track.size(); ++i)
+            track[i].timeMs = static_cast<std::int32_t>(i * step);
     }
-    const qsizetype start = std::min(marker + kMarker.size() + 1, tail.size());
-    if (appendLines(track, tail.sliced(start)) > 0) {
-        if (startsLate)
-            padFront(track);
-        spreadOver(track, durationMs);
-    }
-    qCDebug(lcSensors) << "the trailer has" << track.size() << "samples";
-    return true;
+    return isFound;
 }
 
 bool appendTrailer(SensorTrack& track, const QString& path, std::int64_t durationMs) {

@@ -1,5 +1,8 @@
-// A whole clip: the containers, the sample tables and whichever format is found.
+// A whole clip: the containers, the sample tables and whichever format is found, for the dashboard and for
+// the whole record with its moments.
 #include "clips/formats/sensor_file_library.h"
+#include "clips/moments.h"
+#include "clips/record_reader.h"
 #include "fuzz/sensor_fuzzing.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -22,5 +25,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         ql240::sensorfiles::demand(latitude >= 0 && latitude <= 90000000);
         ql240::sensorfiles::demand(longitude >= 0 && longitude <= 180000000);
     }
+    const ql240::ClipContents contents =
+        ql240::readClipContents(buffer, QStringLiteral("EVT_2013_04_05_12_30_00.avi"));
+    ql240::sensorfiles::checkRecord(contents.record);
+    ql240::findShocks(contents.record.accelerations);
     return 0;
 }

@@ -136,7 +136,8 @@ private Q_SLOTS:
         };
         const QString kept = way("[[37.56,126.97],[37.57,126.98]]");
         QVERIFY(kept.size() > 1000);
-        for (const QByteArray& place : {"37.5,1e20", "90.1,127", "-1e300,127", "NaN,127", "37.5,Infinity"}) {
+        const QByteArray places[] = {"37.5,1e20", "90.1,127", "-1e300,127", "NaN,127", "37.5,Infinity"};
+        for (const QByteArray& place : places) {
             m_page->runJavaScript("MapMoveToAuto(" + place + ",'9')");
             QVERIFY2(way("[[37.56,126.97],[" + place + "],[37.57,126.98]]") == kept, place);
             QVERIFY2(centredOn(kSeoulLatitude, kSeoulLongitude), place);

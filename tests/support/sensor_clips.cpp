@@ -123,6 +123,10 @@ QByteArray box(const char* type, const QByteArray& body) {
     return bigEndian(body.size() + 8, 4) + type + body;
 }
 
+QByteArray riffChunk(const char* name, const QByteArray& body) {
+    return name + littleEndian(body.size(), 4) + body + QByteArray(body.size() % 2, '\0');
+}
+
 Mp4 mp4Around(qint64 picture, const QList<Track>& tracks, const QByteArray& movieExtras,
               const QByteArray& fileExtras) {
     const QByteArray start = fileStart();
@@ -150,8 +154,8 @@ QByteArray motionPlace(double latitude, double longitude) {
     return motionRecord(5, float64(latitude) + float64(longitude) + float64(21.5));
 }
 
-QByteArray motionFix(int fix, double latitude, double longitude, float east, float north) {
-    return motionRecord(6, float64(1365165000) + littleEndian(quint32(fix), 4) + float64(latitude) +
+QByteArray motionFix(int fix, double latitude, double longitude, float east, float north, double clock) {
+    return motionRecord(6, float64(clock) + littleEndian(quint32(fix), 4) + float64(latitude) +
                                float64(longitude) + float32(21.5F) + float32(3) + float32(4) + float32(east) +
                                float32(north) + float32(-0.5F) + float32(0.25F));
 }

@@ -13,6 +13,7 @@ QByteArray float32(float value);
 QByteArray float64(double value);
 
 QByteArray box(const char* type, const QByteArray& body);
+QByteArray riffChunk(const char* name, const QByteArray& body);
 
 // A track of timed samples.
 struct Track {
@@ -45,7 +46,8 @@ QByteArray mp4(const QList<Track>& tracks, const QByteArray& movieExtras = {},
 // Camera motion records.
 QByteArray motionAcceleration(float x, float y, float z);
 QByteArray motionPlace(double latitude, double longitude);
-QByteArray motionFix(int fix, double latitude, double longitude, float east, float north);
+QByteArray motionFix(int fix, double latitude, double longitude, float east, float north,
+                     double clock = 1365165000);
 QByteArray motionTurn(); // a turning rate, which the viewer doesn't show
 
 // A block of the "gps " index, and a file with such an index. Clock: h, m, s, y, m, d.

@@ -2,11 +2,17 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QProcess>
+#include <QtCore/QtEndian>
 #include <QtTest/QTest>
+#include <cmath>
 
 #include "base/preferences.h"
+#include "clips/formats/trailer.h"
+#include "clips/moments.h"
+#include "demo_card/camm_track.h"
 #include "demo_card/card.h"
 #include "demo_card/clips.h"
+#include "demo_card/sensor_data.h"
 #include "settings/card.h"
 #include "settings/device_settings.h"
 #include "support/made_card.h"
@@ -77,6 +83,35 @@ private Q_SLOTS:
             QCOMPARE(
                 outputOf("ffmpeg", {"-v", "error", "-nostdin", "-i", path(clip.name), "-f", "null", "-"}),
                 "");
+        }
+    }
+
+    // The shock finder finds the impacts, and nothing else in any clip.
+    void impactsAreTheOnlyShocks() {
+        for (const ClipPlan& clip : demoClips()) {
+            const Drive drive(clip.drive);
+            std::deque<RecordedAcceleration> felt;
+            if (clip.format.container == ClipFormat::Container::Mp4) {
+                for (const QByteArray& sample : cammSamples(drive, clip.span)) {
+                    const auto g = [&](int at) {
+                        return qFromLittleEndian<float>(sample.constData() + at) / 9.80665F;
+                    };
+                    felt.push_back({qint64(felt.size()) * kCammSampleMs * 1000, g(4), g(8), g(12)});
+                }
+            } else {
+                const QByteArray trailer = "media" + sensorTrailer(drive, clip.span);
+                const double late = (clip.span.to - clip.span.from) / 4;
+                sensorfiles::forEachTrailerLine(trailer, [&](const sensorfiles::TrailerLine& line) {
+                    const double time = late + 0.1 * (1 + double(felt.size()));
+                    felt.push_back({qint64(time * 1e6), line.x / 128.0F, line.y / 128.0F, line.z / 128.0F});
+                });
+            }
+            const std::vector<Shock> shocks = findShocks(felt);
+            const double impact = clip.drive.impactTime.value_or(-1) - clip.span.from;
+            const bool hasOne = impact >= 0 && impact < clip.span.to - clip.span.from;
+            QCOMPARE(shocks.size(), size_t(hasOne));
+            if (hasOne)
+                QVERIFY(std::abs(double(shocks[0].timeUs) / 1e6 - impact) <= 0.1);
         }
     }
 

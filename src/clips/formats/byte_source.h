@@ -5,39 +5,50 @@
 
 #include <QIODevice>
 #include <array>
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <utility>
 
+#include "platform/limits.h"
+
 namespace ql240::sensorfiles {
 
 struct ByteRange {
-    qint64 start = 0;
-    qint64 size = 0;
+    std::int64_t start = 0;
+    std::int64_t size = 0;
 
-    qint64 end() const { return start + size; }
+    std::int64_t end() const { return start + size; }
     bool isEmpty() const { return size <= 0; }
+};
+
+struct ReadBudget {
+    std::int64_t bytes;
+    std::int64_t reads;
 };
 
 class ByteSource {
 public:
-    // The device is open, seekable and outlives this.
-    explicit ByteSource(QIODevice& device);
+    // The device is open, seekable and outlives this. Of a small file no more is read than it has.
+    explicit ByteSource(QIODevice& device, ReadBudget budget = {limits::kSensorBytes, limits::kSensorReads});
 
-    qint64 size() const { return m_size; }
+    std::int64_t size() const { return m_size; }
+    // Where the device first gave less than the file has.
+    std::optional<std::int64_t> failedAt() const { return m_failedAt; }
 
     // Fills `to` from `offset` on and returns how many bytes there were.
-    qsizetype read(qint64 offset, std::span<char> to);
+    qsizetype read(std::int64_t offset, std::span<char> to);
 
     // Where the last read ended; nothing where none was asked for since this was called last.
-    std::optional<qint64> takeLastEnd() { return std::exchange(m_lastEnd, std::nullopt); }
+    std::optional<std::int64_t> takeLastEnd() { return std::exchange(m_lastEnd, std::nullopt); }
 
 private:
     QIODevice& m_device;
-    qint64 m_size;
-    qint64 m_bytesLeft;
-    int m_readsLeft;
-    std::optional<qint64> m_lastEnd;
+    std::int64_t m_size;
+    std::int64_t m_bytesLeft;
+    std::int64_t m_readsLeft;
+    std::optional<std::int64_t> m_failedAt;
+    std::optional<std::int64_t> m_lastEnd;
 };
 
 // The bytes of one range in order, through a small window. Numbers are big-endian, as in boxes.
@@ -47,9 +58,9 @@ public:
 
     // False when the range has less left than that; then the reader is at its end.
     bool read(std::span<char> to);
-    std::optional<quint32> u32();
-    std::optional<quint64> u64();
-    std::optional<quint8> byte();
+    std::optional<std::uint32_t> u32();
+    std::optional<std::uint64_t> u64();
+    std::optional<std::uint8_t> byte();
 
 private:
     bool refill();

@@ -14,28 +14,31 @@
 namespace ql240::sensorfiles {
 namespace {
 
-constexpr quint32 kEndMark = 0xFFFFFFFF;
-constexpr qint64 kBelievedStartMs = 60000; // how far the log's first line may be from the start given
+constexpr std::uint32_t kEndMark = 0xFFFFFFFF;
+constexpr std::int64_t kBelievedStartMs = 60000; // how far the log's first line may be from the start given
 // A clock that is set right jumps: what is longer than a tunnel, or back by more than lines out of order are,
 // counts as the second that lies between two lines.
-constexpr qint64 kBelievedStepMs = 60000;
-constexpr qint64 kBelievedBackMs = 1000;
-constexpr qint64 kUsualStepMs = 1000;
-// Behind the time that anybody asks for, with room for what comes out of order.
-constexpr qint64 kEndMs = limits::kSensorTrackMs + kBelievedBackMs;
+constexpr std::int64_t kBelievedStepMs = 60000;
+constexpr std::int64_t kBelievedBackMs = 1000;
+constexpr std::int64_t kUsualStepMs = 1000;
+constexpr std::int64_t kUsPerMs = 1000;
 
-void readAccelerations(ByteSource& source, ByteRange table, SensorRecords& records) {
+// Behind what is asked for, with room for what comes out of order.
+bool isBehindEnd(std::int64_t timeMs, const RecordSink& sink) {
+    return timeMs - kBelievedBackMs > sink.endUs() / kUsPerMs;
+}
+
+void readAccelerations(ByteSource& source, ByteRange table, RecordSink& sink) {
     RangeReader reader(source, table);
     std::array<char, 10> record{};
-    while (!records.isFull() && reader.read(record)) {
-        const quint32 timeMs = qFromBigEndian<quint32>(record.data());
+    while (!sink.isFull() && reader.read(record)) {
+        const std::int64_t timeMs = qFromBigEndian<std::uint32_t>(record.data());
         if (timeMs == kEndMark) {
             return;
         }
-        records.addAcceleration(timeMs, qFromBigEndian<qint16>(record.data() + 4),
-                                qFromBigEndian<qint16>(record.data() + 6),
-                                qFromBigEndian<qint16>(record.data() + 8));
-        if (timeMs > kEndMs) {
+        const auto g = [&](int at) { return qFromBigEndian<std::int16_t>(record.data() + at) / kCountsPerG; };
+        sink.addAcceleration(timeMs * kUsPerMs, g(4), g(6), g(8));
+        if (isBehindEnd(timeMs, sink)) {
             return;
         }
     }
@@ -44,16 +47,17 @@ void readAccelerations(ByteSource& source, ByteRange table, SensorRecords& recor
 // The log's lines against its clock; those before the first with a clock have no time and are left out.
 class LogReader {
 public:
-    LogReader(std::optional<qint64> startedAt, SensorRecords& records)
-        : m_startedAt(startedAt), m_records(records) {}
+    LogReader(std::optional<std::int64_t> startedAt, RecordSink& sink)
+        : m_startedAt(startedAt), m_sink(sink) {}
 
-    bool isAtEnd() const { return m_records.isFull() || m_timeMs.value_or(0) > kEndMs; }
+    bool isAtEnd() const { return m_sink.isFull() || isBehindEnd(m_timeMs.value_or(0), m_sink); }
 
-    void addLine(QByteArrayView line) {
+    void addLine(QByteArrayView line, std::int64_t offset) {
+        ++m_number;
         if (line.startsWith('[')) {
             const qsizetype close = line.indexOf(']');
             bool isNumber = false;
-            const qint64 clock =
+            const std::int64_t clock =
                 close < 0 ? 0 : line.sliced(1, close - 1).toByteArray().toLongLong(&isNumber);
             if (!isNumber || clock < 0) {
                 return;
@@ -62,50 +66,54 @@ public:
             line = line.sliced(close + 1);
         }
         if (m_timeMs && line.startsWith('$')) {
-            addNmeaSentence(*m_timeMs, line, m_records);
+            addNmeaSentence({*m_timeMs * kUsPerMs, "log line", m_number, offset}, line, m_sink);
         }
     }
 
 private:
-    qint64 timeOf(qint64 clock) {
-        const qint64 last = std::exchange(m_clock, clock).value_or(clock);
+    std::int64_t timeOf(std::int64_t clock) {
+        const std::int64_t last = std::exchange(m_clock, clock).value_or(clock);
         if (!m_timeMs) {
             const bool believed = m_startedAt && std::llabs(clock - *m_startedAt) <= kBelievedStartMs;
             return believed ? clock - *m_startedAt : 0;
         }
-        const qint64 step = clock - last;
+        const std::int64_t step = clock - last;
         return *m_timeMs + (step >= -kBelievedBackMs && step <= kBelievedStepMs ? step : kUsualStepMs);
     }
 
-    std::optional<qint64> m_startedAt;
-    SensorRecords& m_records;
-    std::optional<qint64> m_clock; // of the last line that has one
-    std::optional<qint64> m_timeMs;
+    std::optional<std::int64_t> m_startedAt;
+    RecordSink& m_sink;
+    std::int64_t m_number = 0;
+    std::optional<std::int64_t> m_clock; // of the last line that has one
+    std::optional<std::int64_t> m_timeMs;
 };
 
-void readLog(ByteSource& source, ByteRange log, std::optional<qint64> startedAt, SensorRecords& records) {
+void readLog(ByteSource& source, ByteRange log, std::optional<std::int64_t> startedAt, RecordSink& sink) {
     RangeReader reader(source, log);
-    LogReader lines(startedAt, records);
+    LogReader lines(startedAt, sink);
     QByteArray line;
-    while (const std::optional<quint8> byte = reader.byte()) {
+    std::int64_t offset = log.start;
+    while (const std::optional<std::uint8_t> byte = reader.byte()) {
+        ++offset;
         if (*byte >= 0x20) {
             line.append(static_cast<char>(*byte));
             if (line.size() > limits::kSensorLine) {
+                sink.addStop({"log", 1, offset - line.size(), "a line without end"});
                 return;
             }
         } else if (!line.isEmpty()) {
-            lines.addLine(line);
+            lines.addLine(line, offset - 1 - line.size());
             line.clear();
             if (lines.isAtEnd()) {
                 return;
             }
         }
     }
-    lines.addLine(line);
+    lines.addLine(line, offset - line.size());
 }
 
-void readFreeBox(ByteSource& source, ByteRange area, SensorRecords& records) {
-    std::optional<qint64> startedAt;
+void readFreeBox(ByteSource& source, ByteRange area, RecordSink& sink) {
+    std::optional<std::int64_t> startedAt;
     ByteRange log;
     ByteRange accelerations;
     BoxCursor boxes(source, area);
@@ -115,21 +123,21 @@ void readFreeBox(ByteSource& source, ByteRange area, SensorRecords& records) {
         } else if (box->type == fourCc("3gf ")) {
             accelerations = box->body;
         } else if (box->type == fourCc("sttm")) {
-            const quint64 start = RangeReader(source, box->body).u64().value_or(0);
-            if (start <= quint64(std::numeric_limits<qint64>::max())) {
-                startedAt = static_cast<qint64>(start);
+            const std::uint64_t start = RangeReader(source, box->body).u64().value_or(0);
+            if (start <= std::uint64_t(std::numeric_limits<std::int64_t>::max())) {
+                startedAt = static_cast<std::int64_t>(start);
             }
         }
     }
-    readLog(source, log, startedAt, records);
-    readAccelerations(source, accelerations, records);
+    readLog(source, log, startedAt, sink);
+    readAccelerations(source, accelerations, sink);
 }
 
 } // namespace
 
-void readFreeLog(ByteSource& source, const ClipLayout& clip, SensorRecords& records) {
+void readFreeLog(ByteSource& source, const ClipLayout& clip, RecordSink& sink) {
     for (const ByteRange& area : clip.freeBoxes) {
-        readFreeBox(source, area, records);
+        readFreeBox(source, area, sink);
     }
 }
 

@@ -12,17 +12,18 @@
 namespace ql240::sensorfiles {
 namespace {
 
-constexpr size_t kHeadSize = 12; // box size, "free", "GPS "
-constexpr size_t kClockSize = 24;
-constexpr size_t kPlaceSize = 16; // four bytes of letters, latitude, longitude, knots
+constexpr std::size_t kHeadSize = 12; // box size, "free", "GPS "
+constexpr std::size_t kClockSize = 24;
+constexpr std::size_t kPlaceSize =
+    16; // four bytes of letters, latitude, longitude, knots; a heading may follow
 
 template <typename T>
-T field(std::span<const char> bytes, size_t offset) {
+T field(std::span<const char> bytes, std::size_t offset) {
     return qFromLittleEndian<T>(bytes.data() + offset);
 }
 
-std::optional<qint64> clockBefore(std::span<const char> block, size_t letters) {
-    const auto part = [&](size_t i) { return field<qint32>(block, letters - kClockSize + 4 * i); };
+std::int64_t clockBefore(std::span<const char> block, std::size_t letters) {
+    const auto part = [&](std::size_t i) { return field<std::int32_t>(block, letters - kClockSize + 4 * i); };
     return clockOf(part(3), part(4), part(5), part(0), part(1), part(2));
 }
 
@@ -32,9 +33,9 @@ bool areLetters(std::span<const char> bytes) {
 }
 
 // Where the letters stand: behind a clock that is one.
-std::optional<size_t> findLetters(std::span<const char> block) {
-    for (size_t i = kHeadSize + kClockSize; i + kPlaceSize <= block.size(); ++i) {
-        if (areLetters(block.subspan(i, 3)) && clockBefore(block, i)) {
+std::optional<std::size_t> findLetters(std::span<const char> block) {
+    for (std::size_t i = kHeadSize + kClockSize; i + kPlaceSize <= block.size(); ++i) {
+        if (areLetters(block.subspan(i, 3)) && clockBefore(block, i) != RecordedFix::kNoClock) {
             return i;
         }
     }
@@ -42,47 +43,62 @@ std::optional<size_t> findLetters(std::span<const char> block) {
 }
 
 bool isGpsBlock(std::span<const char> block) {
-    return block.size() >= kHeadSize && qFromBigEndian<quint32>(block.data() + 4) == fourCc("free") &&
-           qFromBigEndian<quint32>(block.data() + 8) == fourCc("GPS ");
+    return block.size() >= kHeadSize && qFromBigEndian<std::uint32_t>(block.data() + 4) == fourCc("free") &&
+           qFromBigEndian<std::uint32_t>(block.data() + 8) == fourCc("GPS ");
 }
 
-SecondRecord readBlock(std::span<const char> block) {
+double headingBehind(std::span<const char> block, std::size_t letters) {
+    const std::size_t at = letters + kPlaceSize;
+    const double degrees = at + 4 <= block.size() ? field<float>(block, at) : RecordedFix::kNothing;
+    return degrees >= 0 && degrees <= 360 ? degrees : RecordedFix::kNothing;
+}
+
+// `reason` says what is wrong with it.
+SecondRecord readBlock(std::span<const char> block, const char*& reason) {
     SecondRecord record;
     record.isRead = isGpsBlock(block);
-    const std::optional<size_t> letters = record.isRead ? findLetters(block) : std::nullopt;
+    const std::optional<std::size_t> letters = record.isRead ? findLetters(block) : std::nullopt;
     if (!letters) {
+        reason = record.isRead ? "no status letter" : "no GPS block";
         return record;
     }
-    record.clock = clockBefore(block, *letters);
+    RecordedFix& fix = record.fix;
+    fix.clockMs = clockBefore(block, *letters);
     if (block[*letters] == 'A') {
         const double latitude = fromDegreesAndMinutes(field<float>(block, *letters + 4));
         const double longitude = fromDegreesAndMinutes(field<float>(block, *letters + 8));
-        record.latitude = block[*letters + 1] == 'N' ? latitude : -latitude;
-        record.longitude = block[*letters + 2] == 'E' ? longitude : -longitude;
-        record.kmh = static_cast<double>(field<float>(block, *letters + 12)) * kKmhPerKnot;
+        fix.latitude = block[*letters + 1] == 'N' ? latitude : -latitude;
+        fix.longitude = block[*letters + 2] == 'E' ? longitude : -longitude;
+        fix.headingDeg = headingBehind(block, *letters);
+        fix.speedKmh = static_cast<double>(field<float>(block, *letters + 12)) * kKmhPerKnot;
     }
     return record;
 }
 
 } // namespace
 
-void readGpsIndex(ByteSource& source, const ClipLayout& clip, SensorRecords& records) {
+void readGpsIndex(ByteSource& source, const ClipLayout& clip, RecordSink& sink) {
     RangeReader index(source, clip.gpsIndex);
     index.u32(); // version
-    const quint32 count = std::min<quint32>(index.u32().value_or(0), limits::kSensorRecords);
+    const std::uint32_t count = std::min<std::uint32_t>(index.u32().value_or(0), limits::kSensorRecords);
     std::vector<SecondRecord> seconds;
     std::array<char, limits::kGpsBlockBytes> bytes{};
-    for (quint32 i = 0; i < count; ++i) {
-        const std::optional<quint32> offset = index.u32();
-        const std::optional<quint32> size = index.u32();
+    for (std::uint32_t i = 0; i < count; ++i) {
+        const std::optional<std::uint32_t> offset = index.u32();
+        const std::optional<std::uint32_t> size = index.u32();
         if (!offset || !size) {
+            sink.addStop({"GPS block", std::int64_t(i) + 1, clip.gpsIndex.end(), "the index ends before it"});
             break;
         }
-        const std::span<char> wanted = std::span(bytes).first(std::min<size_t>(*size, bytes.size()));
+        const std::span<char> wanted = std::span(bytes).first(std::min<std::size_t>(*size, bytes.size()));
         const std::span<const char> block = wanted.first(source.read(*offset, wanted));
-        seconds.push_back(readBlock(block));
+        const char* reason = nullptr;
+        seconds.push_back(readBlock(block, reason));
+        if (reason != nullptr) {
+            sink.addStop({"GPS block", std::int64_t(i) + 1, *offset, reason});
+        }
     }
-    addSecondRecords(seconds, clip.lengthMs, records);
+    addSecondRecords(seconds, clip.lengthMs, sink);
 }
 
 } // namespace ql240::sensorfiles

@@ -2,7 +2,9 @@
 // its type as a u16 and its fields, little-endian.
 #include <QtEndian>
 #include <cmath>
+#include <numbers>
 
+#include "clips/formats/leap_seconds.h"
 #include "clips/formats/sensor_formats.h"
 #include "clips/formats/track_samples.h"
 
@@ -14,61 +16,95 @@ constexpr double kKmhPerMetreAS = 3.6;
 
 // Whole sizes by type, header included: angles, exposure, turning rates, acceleration, position of the
 // camera, place, place with fix and velocity, magnetic field.
-constexpr std::array<size_t, 8> kRecordSizes{16, 12, 16, 16, 16, 28, 60, 16};
+constexpr std::array<std::size_t, 8> kRecordSizes{16, 12, 16, 16, 16, 28, 60, 16};
 enum RecordType { kAcceleration = 3, kPlace = 5, kFix = 6 };
 
 template <typename T>
-T field(std::span<const char> record, size_t offset) {
+T field(std::span<const char> record, std::size_t offset) {
     return qFromLittleEndian<T>(record.data() + offset);
 }
 
-void addFixRecord(qint64 timeMs, std::span<const char> record, SensorRecords& records) {
-    if (field<qint32>(record, 12) == 0) {
-        records.addNoFix(timeMs);
-        return;
+// Seconds since 1980 as the satellites count them; but some recorders write them since 1970, in UTC, which
+// the clip's own date gives away.
+std::int64_t clockMsOf(double seconds, std::optional<std::int64_t> createdAt) {
+    constexpr double kFiveYearsS = 5 * 365 * 86400.0;
+    constexpr double kLastS = 1e11;
+    if (!(seconds > 0 && seconds < kLastS)) {
+        return RecordedFix::kNoClock;
     }
-    records.addFix(timeMs, field<double>(record, 16), field<double>(record, 24));
-    const double east = field<float>(record, 44);
-    const double north = field<float>(record, 48);
-    records.addSpeed(timeMs, std::hypot(east, north) * kKmhPerMetreAS);
+    const std::int64_t ms = std::llround(seconds * 1000);
+    const bool isUtc = createdAt && std::abs(static_cast<double>(*createdAt) - seconds) < kFiveYearsS;
+    return isUtc ? ms : utcFromGpsMs(ms);
 }
 
-void addAccelerationRecord(qint64 timeMs, std::span<const char> record, SensorRecords& records) {
-    const auto counts = [&](size_t offset) {
-        return static_cast<double>(field<float>(record, offset)) * kCountsPerG / kStandardGravity;
+RecordedFix readPlace(std::int64_t timeUs, std::span<const char> record) {
+    RecordedFix fix;
+    fix.timeUs = timeUs;
+    fix.latitude = field<double>(record, 4);
+    fix.longitude = field<double>(record, 12);
+    fix.altitudeM = field<double>(record, 20);
+    return fix;
+}
+
+RecordedFix readFix(std::int64_t timeUs, std::span<const char> record,
+                    std::optional<std::int64_t> createdAt) {
+    RecordedFix fix;
+    fix.timeUs = timeUs;
+    fix.clockMs = clockMsOf(field<double>(record, 4), createdAt);
+    if (field<std::int32_t>(record, 12) == 0) {
+        return fix;
+    }
+    fix.latitude = field<double>(record, 16);
+    fix.longitude = field<double>(record, 24);
+    fix.altitudeM = field<float>(record, 32);
+    const double east = field<float>(record, 44);
+    const double north = field<float>(record, 48);
+    fix.speedKmh = std::hypot(east, north) * kKmhPerMetreAS;
+    if (fix.speedKmh > 0) { // who stands has no heading
+        const double degrees = std::atan2(east, north) * 180 / std::numbers::pi;
+        fix.headingDeg = degrees < 0 ? degrees + 360 : degrees;
+    }
+    return fix;
+}
+
+void addAccelerationRecord(std::int64_t timeUs, std::span<const char> record, RecordSink& sink) {
+    const auto g = [&](std::size_t offset) {
+        return static_cast<double>(field<float>(record, offset)) / kStandardGravity;
     };
-    records.addAcceleration(timeMs, counts(4), counts(8), counts(12));
+    sink.addAcceleration(timeUs, g(4), g(8), g(12));
 }
 
 } // namespace
 
-void readMotionSample(qint64 timeMs, std::span<const char> bytes, SensorRecords& records) {
+void readMotionSample(const TrackSample& sample, RecordSink& sink, std::optional<std::int64_t> createdAt) {
+    std::span<const char> bytes = sample.bytes;
     while (bytes.size() >= 4) {
-        const size_t type = field<quint16>(bytes, 2);
+        const std::size_t type = field<std::uint16_t>(bytes, 2);
         if (type >= kRecordSizes.size() || bytes.size() < kRecordSizes[type]) {
+            sink.addStop({"motion sample", sample.number, sample.offset,
+                          type >= kRecordSizes.size() ? "unknown type of record" : "record cut short"});
             return;
         }
         const std::span<const char> record = bytes.first(kRecordSizes[type]);
         bytes = bytes.subspan(record.size());
         if (type == kAcceleration) {
-            addAccelerationRecord(timeMs, record, records);
+            addAccelerationRecord(sample.timeUs, record, sink);
         } else if (type == kPlace) {
-            records.addFix(timeMs, field<double>(record, 4), field<double>(record, 12));
+            sink.addFix(readPlace(sample.timeUs, record));
         } else if (type == kFix) {
-            addFixRecord(timeMs, record, records);
+            sink.addFix(readFix(sample.timeUs, record, createdAt));
         } else {
-            records.addOther(timeMs);
+            sink.addOther(sample.timeUs);
         }
     }
 }
 
-void readMotionTrack(ByteSource& source, const ClipLayout& clip, SensorRecords& records) {
+void readMotionTrack(ByteSource& source, const ClipLayout& clip, RecordSink& sink) {
     for (const TrackLayout& track : clip.tracks) {
         const bool handled = track.handler == fourCc("meta") || track.handler == fourCc("camm");
         if (handled && track.format == fourCc("camm")) {
-            forEachSample(source, track, clip.timescale, [&](qint64 timeMs, std::span<const char> bytes) {
-                readMotionSample(timeMs, bytes, records);
-            });
+            forEachSample(source, track, clip.timescale, sink,
+                          [&](const TrackSample& sample) { readMotionSample(sample, sink, clip.createdAt); });
         }
     }
 }

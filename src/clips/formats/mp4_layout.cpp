@@ -7,7 +7,7 @@
 namespace ql240::sensorfiles {
 namespace {
 
-constexpr qint64 kSecondsFrom1904To1970 = 2082844800;
+constexpr std::int64_t kSecondsFrom1904To1970 = 2082844800;
 
 // A full box's version and flags, then the rest.
 struct FullBox {
@@ -17,7 +17,7 @@ struct FullBox {
 
 std::optional<FullBox> openFullBox(ByteSource& source, const Box& box) {
     FullBox full{0, RangeReader(source, box.body)};
-    const std::optional<quint32> head = full.reader.u32();
+    const std::optional<std::uint32_t> head = full.reader.u32();
     if (!head) {
         return std::nullopt;
     }
@@ -25,17 +25,17 @@ std::optional<FullBox> openFullBox(ByteSource& source, const Box& box) {
     return full;
 }
 
-quint64 number(RangeReader& reader, bool wide) {
+std::uint64_t number(RangeReader& reader, bool wide) {
     return wide ? reader.u64().value_or(0) : reader.u32().value_or(0);
 }
 
 // The entries behind a table's 8 byte header, no more than the header counts and the box holds.
-ByteRange tableEntries(ByteSource& source, const Box& box, qint64 entrySize) {
+ByteRange tableEntries(ByteSource& source, const Box& box, std::int64_t entrySize) {
     std::array<char, 8> head{};
     if (box.body.size < 8 || source.read(box.body.start, head) != 8) {
         return {};
     }
-    const qint64 count = qFromBigEndian<quint32>(head.data() + 4);
+    const std::int64_t count = qFromBigEndian<std::uint32_t>(head.data() + 4);
     return {box.body.start + 8, std::min(count, (box.body.size - 8) / entrySize) * entrySize};
 }
 
@@ -44,8 +44,8 @@ void readSizes(ByteSource& source, const Box& box, TrackLayout& track) {
     if (box.body.size < 12 || source.read(box.body.start, head) != 12) {
         return;
     }
-    const quint32 field = qFromBigEndian<quint32>(head.data() + 4);
-    track.sampleCount = qFromBigEndian<quint32>(head.data() + 8);
+    const std::uint32_t field = qFromBigEndian<std::uint32_t>(head.data() + 4);
+    track.sampleCount = qFromBigEndian<std::uint32_t>(head.data() + 8);
     track.sizes = {box.body.start + 12, box.body.size - 12};
     if (box.type == fourCc("stsz")) {
         track.constantSize = field;
@@ -59,9 +59,10 @@ void readSampleTables(ByteSource& source, ByteRange area, TrackLayout& track) {
     while (const std::optional<Box> box = boxes.next()) {
         switch (box->type) {
             case fourCc("stsd"): {
+                track.description = box->body;
                 std::array<char, 16> head{};
                 if (box->body.size >= 16 && source.read(box->body.start, head) == 16) {
-                    track.format = qFromBigEndian<quint32>(head.data() + 12);
+                    track.format = qFromBigEndian<std::uint32_t>(head.data() + 12);
                 }
                 break;
             }
@@ -94,6 +95,7 @@ void readMedia(ByteSource& source, ByteRange area, TrackLayout& track) {
                 number(full->reader, full->version == 1); // creation and change
                 number(full->reader, full->version == 1);
                 track.timescale = full->reader.u32().value_or(0);
+                track.length = number(full->reader, full->version == 1);
             }
         } else if (box->type == fourCc("hdlr")) {
             if (auto full = openFullBox(source, *box)) {
@@ -117,11 +119,11 @@ void readEdits(ByteSource& source, const Box& box, TrackLayout& track) {
         return;
     }
     const bool wide = full->version == 1;
-    const quint32 count = full->reader.u32().value_or(0);
-    for (quint32 i = 0; i < std::min(count, limits::kEdits); ++i) {
-        const quint64 duration = number(full->reader, wide);
-        const quint64 raw = number(full->reader, wide);
-        const qint64 mediaTime = wide ? static_cast<qint64>(raw) : static_cast<qint32>(raw);
+    const std::uint32_t count = full->reader.u32().value_or(0);
+    for (std::uint32_t i = 0; i < std::min(count, limits::kEdits); ++i) {
+        const std::uint64_t duration = number(full->reader, wide);
+        const std::uint64_t raw = number(full->reader, wide);
+        const std::int64_t mediaTime = wide ? static_cast<std::int64_t>(raw) : static_cast<std::int32_t>(raw);
         full->reader.u32(); // rate
         if (mediaTime >= 0) {
             track.mediaStart = mediaTime;
@@ -151,15 +153,16 @@ TrackLayout readTrack(ByteSource& source, ByteRange area) {
 
 void readMovieHeader(ByteSource& source, const Box& box, ClipLayout& clip) {
     if (auto full = openFullBox(source, box)) {
-        const quint64 created = number(full->reader, full->version == 1);
+        const std::uint64_t created = number(full->reader, full->version == 1);
         number(full->reader, full->version == 1);
         clip.timescale = full->reader.u32().value_or(0);
-        const quint64 length = number(full->reader, full->version == 1);
-        if (clip.timescale > 0 && length > 0 && length <= std::numeric_limits<quint32>::max()) {
-            clip.lengthMs = static_cast<qint64>(length) * 1000 / clip.timescale;
+        const std::uint64_t length = number(full->reader, full->version == 1);
+        if (clip.timescale > 0 && length > 0 && length <= std::numeric_limits<std::uint32_t>::max()) {
+            clip.lengthMs = static_cast<std::int64_t>(length) * 1000 / clip.timescale;
         }
-        if (created > quint64(kSecondsFrom1904To1970) && created <= std::numeric_limits<quint32>::max()) {
-            clip.createdAt = static_cast<qint64>(created) - kSecondsFrom1904To1970;
+        if (created > std::uint64_t(kSecondsFrom1904To1970) &&
+            created <= std::numeric_limits<std::uint32_t>::max()) {
+            clip.createdAt = static_cast<std::int64_t>(created) - kSecondsFrom1904To1970;
         }
     }
 }
@@ -173,6 +176,8 @@ void readMovie(ByteSource& source, ByteRange area, ClipLayout& clip) {
             clip.tracks.push_back(readTrack(source, box->body));
         } else if (box->type == fourCc("gps ")) {
             clip.gpsIndex = box->body;
+        } else if (box->type == fourCc("udta")) {
+            clip.userData = box->body;
         }
     }
 }
@@ -181,23 +186,26 @@ void readMovie(ByteSource& source, ByteRange area, ClipLayout& clip) {
 
 std::optional<Box> BoxCursor::next() {
     std::array<char, 16> head{};
-    const qsizetype wanted = std::min<qint64>(m_rest.size, 16);
+    const qsizetype wanted = std::min<std::int64_t>(m_rest.size, 16);
     if (wanted < 8 || m_source.read(m_rest.start, std::span(head).first(wanted)) < 8) {
         return std::nullopt;
     }
-    quint64 size = qFromBigEndian<quint32>(head.data());
-    qint64 headSize = 8;
+    std::uint64_t size = qFromBigEndian<std::uint32_t>(head.data());
+    std::int64_t headSize = 8;
     if (size == 0) {
-        size = static_cast<quint64>(m_rest.size); // the last one, up to the end
+        size = static_cast<std::uint64_t>(m_rest.size); // the last one, up to the end
     } else if (size == 1) {
         headSize = 16;
-        size = wanted == 16 ? qFromBigEndian<quint64>(head.data() + 8) : 0;
+        size = wanted == 16 ? qFromBigEndian<std::uint64_t>(head.data() + 8) : 0;
     }
-    if (size < static_cast<quint64>(headSize)) {
+    if (size < static_cast<std::uint64_t>(headSize)) {
         return std::nullopt;
     }
-    const auto whole = static_cast<qint64>(std::min(size, static_cast<quint64>(m_rest.size)));
-    const Box box{qFromBigEndian<quint32>(head.data() + 4), {m_rest.start + headSize, whole - headSize}};
+    const auto whole = static_cast<std::int64_t>(std::min(size, static_cast<std::uint64_t>(m_rest.size)));
+    const Box box{qFromBigEndian<std::uint32_t>(head.data() + 4),
+                  {m_rest.start + headSize, whole - headSize},
+                  m_rest.start,
+                  size - static_cast<std::uint64_t>(whole)};
     m_rest = {m_rest.start + whole, m_rest.size - whole};
     return box;
 }
@@ -205,7 +213,11 @@ std::optional<Box> BoxCursor::next() {
 void readMp4Layout(ByteSource& source, ClipLayout& clip) {
     BoxCursor boxes(source, {0, source.size()});
     while (const std::optional<Box> box = boxes.next()) {
+        if (box->missing > 0 && !clip.cut) {
+            clip.cut = CutBox{box->type, box->offset, box->missing};
+        }
         if (box->type == fourCc("moov")) {
+            clip.hasIndex = true;
             readMovie(source, box->body, clip);
         } else if (box->type == fourCc("free") && clip.freeBoxes.size() < limits::kFreeBoxes) {
             clip.freeBoxes.push_back(box->body);
@@ -214,6 +226,9 @@ void readMp4Layout(ByteSource& source, ClipLayout& clip) {
         } else if (box->type == fourCc("gsen")) {
             clip.gsen = box->body;
         }
+    }
+    if (!boxes.rest().isEmpty() && !clip.cut) {
+        clip.cut = CutBox{0, boxes.rest().start, 0};
     }
 }
 

@@ -1,17 +1,20 @@
 #include "clips/formats/nmea.h"
 
+#include <QDateTime>
+#include <QTimeZone>
+#include <algorithm>
 #include <array>
 #include <cmath>
-#include <limits>
 #include <span>
 
 namespace ql240::sensorfiles {
 namespace {
 
-constexpr size_t kFieldsNeeded = 8;
-constexpr double kNothing = std::numeric_limits<double>::quiet_NaN();
+constexpr std::size_t kFieldsNeeded = 8;
+constexpr double kNothing = RecordedFix::kNothing;
 
-using Fields = std::array<QByteArrayView, kFieldsNeeded>;
+// Up to RMC's date and GGA's altitude.
+using Fields = std::array<QByteArrayView, 10>;
 
 // Cuts "*hh" off; false when it isn't the exclusive or of what stands before it.
 bool takeChecksum(QByteArrayView& sentence) {
@@ -21,7 +24,7 @@ bool takeChecksum(QByteArrayView& sentence) {
     }
     int sum = 0;
     for (const char c : sentence.first(star)) {
-        sum ^= static_cast<quint8>(c);
+        sum ^= static_cast<std::uint8_t>(c);
     }
     bool isNumber = false;
     const int told = sentence.sliced(star + 1, std::min<qsizetype>(2, sentence.size() - star - 1))
@@ -31,17 +34,18 @@ bool takeChecksum(QByteArrayView& sentence) {
     return isNumber && told == sum;
 }
 
-// The first eight fields, or false with fewer.
+// As many as there are; false with fewer than are needed.
 bool split(QByteArrayView sentence, Fields& fields) {
-    for (size_t i = 0; i < fields.size(); ++i) {
+    std::size_t count = 0;
+    while (count < fields.size()) {
         const qsizetype comma = sentence.indexOf(',');
-        if (comma < 0 && i + 1 < fields.size()) {
-            return false;
+        fields[count++] = comma < 0 ? sentence : sentence.first(comma);
+        if (comma < 0) {
+            break;
         }
-        fields[i] = comma < 0 ? sentence : sentence.first(comma);
-        sentence = comma < 0 ? QByteArrayView() : sentence.sliced(comma + 1);
+        sentence = sentence.sliced(comma + 1);
     }
-    return true;
+    return count >= kFieldsNeeded;
 }
 
 double number(QByteArrayView field) {
@@ -58,13 +62,47 @@ double signedDegrees(QByteArrayView value, QByteArrayView letter, char positive,
     return letter[0] == positive ? degrees : -degrees;
 }
 
-void addPlace(qint64 timeMs, bool hasFix, std::span<const QByteArrayView> place, SensorRecords& records) {
-    if (hasFix) {
-        records.addFix(timeMs, signedDegrees(place[0], place[1], 'N', 'S'),
-                       signedDegrees(place[2], place[3], 'E', 'W'));
-    } else {
-        records.addNoFix(timeMs);
+void setPlace(RecordedFix& fix, std::span<const QByteArrayView> place) {
+    fix.latitude = signedDegrees(place[0], place[1], 'N', 'S');
+    fix.longitude = signedDegrees(place[2], place[3], 'E', 'W');
+}
+
+// "hhmmss.sss" and "ddmmyy".
+std::int64_t clockOf(QByteArrayView time, QByteArrayView date) {
+    const double seconds = number(time);
+    bool isNumber = false;
+    const int day = date.toByteArray().toInt(&isNumber);
+    if (!(seconds >= 0 && seconds < 240000) || !isNumber || date.size() != 6) {
+        return RecordedFix::kNoClock;
     }
+    const int whole = static_cast<int>(seconds);
+    const QDate calendar((day % 100 < 80 ? 2000 : 1900) + day % 100, day / 100 % 100, day / 10000);
+    const QTime clock(whole / 10000, whole / 100 % 100, whole % 100);
+    if (!calendar.isValid() || !clock.isValid()) {
+        return RecordedFix::kNoClock;
+    }
+    return QDateTime(calendar, clock, QTimeZone::utc()).toMSecsSinceEpoch() +
+           std::llround((seconds - whole) * 1000);
+}
+
+RecordedFix readRmc(const Fields& fields) {
+    RecordedFix fix;
+    fix.clockMs = clockOf(fields[1], fields[9]);
+    if (fields[2] == QByteArrayView("A") || fields[2].isEmpty()) {
+        setPlace(fix, std::span(fields).subspan(3, 4));
+        fix.speedKmh = number(fields[7]) * kKmhPerKnot;
+        fix.headingDeg = number(fields[8]);
+    }
+    return fix;
+}
+
+RecordedFix readGga(const Fields& fields) {
+    RecordedFix fix;
+    if (fields[6] != QByteArrayView("0")) {
+        setPlace(fix, std::span(fields).subspan(2, 4));
+        fix.altitudeM = number(fields[9]);
+    }
+    return fix;
 }
 
 } // namespace
@@ -75,23 +113,24 @@ double fromDegreesAndMinutes(double value) {
     return std::abs(minutes) < 60 ? degrees + minutes / 60 : kNothing;
 }
 
-void addNmeaSentence(qint64 timeMs, QByteArrayView sentence, SensorRecords& records) {
+void addNmeaSentence(const SentencePlace& place, QByteArrayView sentence, RecordSink& sink) {
     if (sentence.startsWith('$')) {
         sentence = sentence.sliced(1);
     }
-    Fields fields;
-    if (!takeChecksum(sentence) || !split(sentence, fields) || fields[0].size() != 5) {
+    const QByteArrayView name = sentence.first(std::max<qsizetype>(0, sentence.indexOf(',')));
+    const bool isRmc = name.endsWith("RMC");
+    if (name.size() != 5 || (!isRmc && !name.endsWith("GGA"))) {
         return;
     }
-    const std::span<const QByteArrayView> all(fields);
-    if (fields[0].endsWith("RMC")) {
-        const bool hasFix = fields[2] == QByteArrayView("A") || fields[2].isEmpty();
-        addPlace(timeMs, hasFix, all.subspan(3, 4), records);
-        if (hasFix) {
-            records.addSpeed(timeMs, number(fields[7]) * kKmhPerKnot);
-        }
-    } else if (fields[0].endsWith("GGA")) {
-        addPlace(timeMs, fields[6] != QByteArrayView("0"), all.subspan(2, 4), records);
+    Fields fields;
+    if (!takeChecksum(sentence)) {
+        sink.addStop({place.unit, place.number, place.offset, "wrong checksum"});
+    } else if (!split(sentence, fields)) {
+        sink.addStop({place.unit, place.number, place.offset, "sentence too short"});
+    } else {
+        RecordedFix fix = isRmc ? readRmc(fields) : readGga(fields);
+        fix.timeUs = place.timeUs;
+        sink.addFix(fix);
     }
 }
 

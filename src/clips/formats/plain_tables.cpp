@@ -11,49 +11,55 @@
 namespace ql240::sensorfiles {
 namespace {
 
-constexpr qint64 kAccelerationStepMs = 200;
-// Up to the first behind the time that anybody asks for.
-constexpr qint64 kAccelerations = limits::kSensorTrackMs / kAccelerationStepMs + 2;
-constexpr double kCountsPerUnit = kCountsPerG / 16.0;
+constexpr std::int64_t kAccelerationStepUs = 200'000;
+constexpr double kUnitsPerG = 16;
 
 SecondRecord readPosition(std::span<const char> bytes) {
-    const auto part = [&](size_t offset) { return static_cast<quint8>(bytes[offset]); };
+    const auto part = [&](std::size_t offset) { return static_cast<std::uint8_t>(bytes[offset]); };
     SecondRecord record;
-    record.clock = clockOf(2000 + part(22), part(23), part(24), part(25), part(26), part(27));
+    RecordedFix& fix = record.fix;
+    fix.clockMs = clockOf(2000 + part(22), part(23), part(24), part(25), part(26), part(27));
     const double latitude = fromDegreesAndMinutes(qFromLittleEndian<double>(bytes.data()));
     const double longitude = fromDegreesAndMinutes(qFromLittleEndian<double>(bytes.data() + 8));
     if (latitude != 0.0 || longitude != 0.0) {
-        record.latitude = latitude;
-        record.longitude = longitude;
-        record.kmh = qFromLittleEndian<quint16>(bytes.data() + 20);
+        fix.latitude = latitude;
+        fix.longitude = longitude;
+        fix.altitudeM = qFromLittleEndian<std::int32_t>(bytes.data() + 16);
+        fix.speedKmh = qFromLittleEndian<std::uint16_t>(bytes.data() + 20);
+        fix.headingDeg = part(28) * 2;
     }
     return record;
 }
 
-void readPositions(ByteSource& source, const ClipLayout& clip, SensorRecords& records) {
+void readPositions(ByteSource& source, const ClipLayout& clip, RecordSink& sink) {
     RangeReader reader(source, clip.gps0);
     std::vector<SecondRecord> seconds;
     std::array<char, 32> record{};
     while (seconds.size() < limits::kSensorRecords && reader.read(record)) {
         seconds.push_back(readPosition(record));
     }
-    addSecondRecords(seconds, clip.lengthMs, records);
+    addSecondRecords(seconds, clip.lengthMs, sink);
 }
 
-void readAccelerations(ByteSource& source, ByteRange table, SensorRecords& records) {
+void readAccelerations(ByteSource& source, ByteRange table, RecordSink& sink) {
     RangeReader reader(source, table);
     std::array<char, 3> record{};
-    for (qint64 i = 0; i < kAccelerations && reader.read(record); ++i) {
-        const auto counts = [&](int axis) { return static_cast<qint8>(record[axis]) * kCountsPerUnit; };
-        records.addAcceleration(i * kAccelerationStepMs, counts(0), counts(1), counts(2));
+    // Up to the first behind what is asked for.
+    for (std::int64_t timeUs = 0; timeUs - kAccelerationStepUs <= sink.endUs() && !sink.isFull();
+         timeUs += kAccelerationStepUs) {
+        if (!reader.read(record)) {
+            break;
+        }
+        const auto g = [&](int axis) { return static_cast<std::int8_t>(record[axis]) / kUnitsPerG; };
+        sink.addAcceleration(timeUs, g(0), g(1), g(2));
     }
 }
 
 } // namespace
 
-void readPlainTables(ByteSource& source, const ClipLayout& clip, SensorRecords& records) {
-    readPositions(source, clip, records);
-    readAccelerations(source, clip.gsen, records);
+void readPlainTables(ByteSource& source, const ClipLayout& clip, RecordSink& sink) {
+    readPositions(source, clip, sink);
+    readAccelerations(source, clip.gsen, sink);
 }
 
 } // namespace ql240::sensorfiles

@@ -6,52 +6,56 @@
 namespace ql240::sensorfiles {
 namespace {
 
-// A chunk's name, its little-endian size and, for "RIFF" and "LIST", the kind of the list.
-struct Chunk {
-    quint32 name = 0;
-    quint32 kind = 0;
-    ByteRange body;
-};
-
-bool isList(quint32 name) {
+bool isList(std::uint32_t name) {
     return name == fourCc("RIFF") || name == fourCc("LIST");
 }
 
-std::optional<Chunk> readChunk(ByteSource& source, ByteRange& rest) {
-    std::array<char, 12> head{};
-    const qsizetype wanted = std::min<qint64>(rest.size, 12);
-    if (wanted < 8 || source.read(rest.start, std::span(head).first(wanted)) < 8) {
-        return std::nullopt;
-    }
-    Chunk chunk{qFromBigEndian<quint32>(head.data()), 0, {rest.start + 8, 0}};
-    qint64 size = qFromLittleEndian<quint32>(head.data() + 4);
-    if (isList(chunk.name) && wanted == 12) {
-        chunk.kind = qFromBigEndian<quint32>(head.data() + 8);
-        size = std::max<qint64>(size, 4);
-        chunk.body.start += 4;
-    }
-    const qint64 end = std::min(rest.start + 8 + size, rest.end());
-    chunk.body.size = std::max<qint64>(0, end - chunk.body.start);
-    const qint64 next = std::min(end + (size & 1), rest.end()); // chunks begin at even places
-    rest = {next, rest.end() - next};
-    return chunk;
-}
-
 void readChunks(ByteSource& source, ByteRange area, ClipLayout& clip) {
-    while (const std::optional<Chunk> chunk = readChunk(source, area)) {
+    while (const std::optional<RiffChunk> chunk = nextChunk(source, area)) {
         if (chunk->name == fourCc("gps0")) {
             clip.gps0 = chunk->body;
         } else if (chunk->name == fourCc("gsen")) {
             clip.gsen = chunk->body;
+        } else if (chunk->kind == fourCc("hdrl")) {
+            clip.headers = chunk->body;
+            clip.hasIndex = true;
+        } else if (chunk->kind == fourCc("INFO")) {
+            clip.information = chunk->body;
         }
     }
 }
 
 } // namespace
 
+std::optional<RiffChunk> nextChunk(ByteSource& source, ByteRange& rest) {
+    std::array<char, 12> head{};
+    const qsizetype wanted = std::min<std::int64_t>(rest.size, 12);
+    if (wanted < 8 || source.read(rest.start, std::span(head).first(wanted)) < 8) {
+        return std::nullopt;
+    }
+    RiffChunk chunk{qFromBigEndian<std::uint32_t>(head.data()), 0, {rest.start + 8, 0}};
+    std::int64_t size = qFromLittleEndian<std::uint32_t>(head.data() + 4);
+    if (isList(chunk.name) && wanted == 12) {
+        chunk.kind = qFromBigEndian<std::uint32_t>(head.data() + 8);
+        size = std::max<std::int64_t>(size, 4);
+        chunk.body.start += 4;
+    }
+    const std::int64_t end = std::min(rest.start + 8 + size, rest.end());
+    chunk.offset = rest.start;
+    chunk.missing = static_cast<std::uint64_t>(rest.start + 8 + size - end);
+    chunk.body.size = std::max<std::int64_t>(0, end - chunk.body.start);
+    const std::int64_t next = std::min(end + (size & 1), rest.end()); // chunks begin at even places
+    rest = {next, rest.end() - next};
+    return chunk;
+}
+
 void readRiffLayout(ByteSource& source, ClipLayout& clip) {
+    clip.isRiff = true;
     ByteRange rest{0, source.size()};
-    while (const std::optional<Chunk> chunk = readChunk(source, rest)) {
+    while (const std::optional<RiffChunk> chunk = nextChunk(source, rest)) {
+        if (chunk->missing > 0 && chunk->name == fourCc("RIFF") && !clip.cut) {
+            clip.cut = CutBox{chunk->name, chunk->offset, chunk->missing};
+        }
         if (chunk->name == fourCc("RIFF")) {
             readChunks(source, chunk->body, clip);
         }
@@ -62,7 +66,7 @@ ClipLayout readClipLayout(ByteSource& source) {
     ClipLayout clip;
     std::array<char, 12> head{};
     source.read(0, head);
-    if (qFromBigEndian<quint32>(head.data()) == fourCc("RIFF")) {
+    if (qFromBigEndian<std::uint32_t>(head.data()) == fourCc("RIFF")) {
         readRiffLayout(source, clip);
     } else {
         readMp4Layout(source, clip);

@@ -13,6 +13,32 @@ namespace ql240 {
 
 using namespace sensorfiles;
 
+namespace {
+
+void report(const SensorFormat& format, bool took, std::optional<std::int64_t> end) {
+    const char* outcome = took ? "took the clip" : "found nothing";
+    if (end)
+        qCDebug(lcSensors) << format.name << outcome << "and stopped at byte" << *end;
+    else
+        qCDebug(lcSensors) << format.name << outcome << "and read nothing";
+}
+
+SensorRecords readSensorRecords(ByteSource& source, const ClipLayout& clip) {
+    source.takeLastEnd();
+    for (const SensorFormat& format : kSensorFormats) {
+        SensorRecords records;
+        format.read(source, clip, records);
+        report(format, !records.isEmpty(), source.takeLastEnd());
+        if (!records.isEmpty()) {
+            records.finish();
+            return records;
+        }
+    }
+    return {};
+}
+
+} // namespace
+
 SensorLibrary::Handle SensorFileLibrary::getInformationData(const char* path) {
     m_records = {};
     const QString name = QString::fromLocal8Bit(path);

@@ -1,44 +1,45 @@
-// The ways cameras store sensor data in their clips, one reader each, in the order in which they are tried.
+// The ways cameras store sensor data in their clips, one reader each, in the order in which they are tried:
+// the first that finds anything counts.
 #pragma once
 
 #include <array>
 #include <span>
 
 #include "clips/formats/clip_layout.h"
-#include "clips/formats/sensor_records.h"
+#include "clips/formats/record_sink.h"
+#include "clips/formats/track_samples.h"
 
 namespace ql240::sensorfiles {
 
 struct SensorFormat {
     const char* name;
     // Adds what the clip has in this format, up to where it stops making sense.
-    void (*read)(ByteSource& source, const ClipLayout& clip, SensorRecords& records);
+    void (*read)(ByteSource& source, const ClipLayout& clip, RecordSink& sink);
 };
 
 // Camera motion metadata: a track of records that say their type.
-void readMotionTrack(ByteSource& source, const ClipLayout& clip, SensorRecords& records);
-void readMotionSample(qint64 timeMs, std::span<const char> bytes, SensorRecords& records);
+void readMotionTrack(ByteSource& source, const ClipLayout& clip, RecordSink& sink);
+// `createdAt`: the clip's date, in seconds since 1970.
+void readMotionSample(const TrackSample& sample, RecordSink& sink,
+                      std::optional<std::int64_t> createdAt = {});
 
 // An index of "GPS " blocks, one record each.
-void readGpsIndex(ByteSource& source, const ClipLayout& clip, SensorRecords& records);
+void readGpsIndex(ByteSource& source, const ClipLayout& clip, RecordSink& sink);
 
 // A text track of NMEA sentences.
-void readTextTrack(ByteSource& source, const ClipLayout& clip, SensorRecords& records);
-void readTextSample(qint64 timeMs, std::span<const char> bytes, SensorRecords& records);
+void readTextTrack(ByteSource& source, const ClipLayout& clip, RecordSink& sink);
+void readTextSample(const TrackSample& sample, RecordSink& sink);
 
 // A free box with an NMEA log and a table of accelerations.
-void readFreeLog(ByteSource& source, const ClipLayout& clip, SensorRecords& records);
+void readFreeLog(ByteSource& source, const ClipLayout& clip, RecordSink& sink);
 
 // Tables of positions and accelerations without times of their own.
-void readPlainTables(ByteSource& source, const ClipLayout& clip, SensorRecords& records);
+void readPlainTables(ByteSource& source, const ClipLayout& clip, RecordSink& sink);
 
 inline constexpr std::array kSensorFormats{
     SensorFormat{"camera motion track", readMotionTrack},  SensorFormat{"GPS block index", readGpsIndex},
     SensorFormat{"NMEA text track", readTextTrack},        SensorFormat{"log in a free box", readFreeLog},
     SensorFormat{"gps0 and gsen tables", readPlainTables},
 };
-
-// The records of the first format that has any.
-SensorRecords readSensorRecords(ByteSource& source, const ClipLayout& clip);
 
 } // namespace ql240::sensorfiles

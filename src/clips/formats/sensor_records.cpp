@@ -5,14 +5,16 @@
 #include <limits>
 #include <numbers>
 
+#include "clips/formats/sphere.h"
+
 namespace ql240::sensorfiles {
 namespace {
 
-constexpr qint64 kHoldMs = 1000;
+constexpr std::int64_t kHoldMs = 1000;
 // Receivers repeat a position between two of their own fixes: over a second a speed is true, over less it may
 // not be.
-constexpr qint64 kSpeedWindowMs = 1000;
-constexpr double kEarthRadiusM = 6371008.8; // mean radius, IUGG
+constexpr std::int64_t kSpeedWindowMs = 1000;
+constexpr std::int64_t kUsPerMs = 1000;
 constexpr double kRadiansPerMillionth = std::numbers::pi / 180.0 / 1e6;
 constexpr double kKmhPerMetreAMs = 3600.0;
 
@@ -23,16 +25,9 @@ T rounded(double value) {
     return static_cast<T>(std::clamp(std::round(value), kLow, kHigh));
 }
 
-// On a sphere; the haversine formula, exact enough at any distance.
 double metresBetween(const Position& a, const Position& b) {
-    const double latitudeA = a.latitude * kRadiansPerMillionth;
-    const double latitudeB = b.latitude * kRadiansPerMillionth;
-    const double sinLatitude = std::sin((latitudeB - latitudeA) / 2);
-    const double sinLongitude =
-        std::sin((static_cast<double>(b.longitude) - a.longitude) * kRadiansPerMillionth / 2);
-    const double h =
-        sinLatitude * sinLatitude + std::cos(latitudeA) * std::cos(latitudeB) * sinLongitude * sinLongitude;
-    return 2 * kEarthRadiusM * std::asin(std::min(1.0, std::sqrt(h)));
+    return metresOnSphere(a.latitude * kRadiansPerMillionth, b.latitude * kRadiansPerMillionth,
+                          (static_cast<double>(b.longitude) - a.longitude) * kRadiansPerMillionth);
 }
 
 template <typename Record>
@@ -42,55 +37,46 @@ void sortByTime(std::vector<Record>& records) {
 }
 
 template <typename Record>
-const Record* latest(const std::vector<Record>& records, qint64 timeMs) {
+const Record* latest(const std::vector<Record>& records, std::int64_t timeMs) {
     const auto after =
         std::upper_bound(records.begin(), records.end(), timeMs,
-                         [](qint64 time, const Record& record) { return time < record.timeMs; });
+                         [](std::int64_t time, const Record& record) { return time < record.timeMs; });
     return after == records.begin() ? nullptr : &*std::prev(after);
 }
 
 } // namespace
 
 // The time as it is kept.
-qint32 SensorRecords::note(qint64 timeMs) {
-    const auto kept = static_cast<qint32>(
-        std::clamp<qint64>(timeMs, std::numeric_limits<qint32>::min(), std::numeric_limits<qint32>::max()));
+std::int32_t SensorRecords::note(std::int64_t timeUs) {
+    const std::int64_t timeMs = timeUs / kUsPerMs + (timeUs % kUsPerMs > 0 ? 1 : 0);
+    const auto kept = static_cast<std::int32_t>(std::clamp<std::int64_t>(
+        timeMs, std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()));
     m_lastMs = std::max(m_lastMs.value_or(kept), kept);
     return kept;
 }
 
-void SensorRecords::addFix(qint64 timeMs, double latitude, double longitude) {
+void SensorRecords::addFix(const RecordedFix& fix) {
     if (isFull()) {
         return;
     }
-    if (std::abs(latitude) <= 90.0 && std::abs(longitude) <= 180.0) {
-        m_fixes.push_back(
-            {note(timeMs), {rounded<qint32>(latitude * 1e6), rounded<qint32>(longitude * 1e6)}});
-    } else {
-        addNoFix(timeMs);
+    const Position position = fix.isValid() ? Position{rounded<std::int32_t>(fix.latitude * 1e6),
+                                                       rounded<std::int32_t>(fix.longitude * 1e6)}
+                                            : Position();
+    m_fixes.push_back({note(fix.timeUs), position});
+    if (!isFull() && std::isfinite(fix.speedKmh)) {
+        m_speeds.push_back({note(fix.timeUs), rounded<std::int32_t>(fix.speedKmh)});
     }
 }
 
-void SensorRecords::addNoFix(qint64 timeMs) {
-    if (!isFull()) {
-        m_fixes.push_back({note(timeMs), {}});
-    }
-}
-
-void SensorRecords::addSpeed(qint64 timeMs, double kmh) {
-    if (!isFull() && std::isfinite(kmh)) {
-        m_speeds.push_back({note(timeMs), rounded<qint32>(kmh)});
-    }
-}
-
-void SensorRecords::addAcceleration(qint64 timeMs, double x, double y, double z) {
+void SensorRecords::addAcceleration(std::int64_t timeUs, double x, double y, double z) {
     if (!isFull() && std::isfinite(x) && std::isfinite(y) && std::isfinite(z)) {
-        m_shocks.push_back({note(timeMs), {rounded<qint16>(x), rounded<qint16>(y), rounded<qint16>(z)}});
+        const auto counts = [](double g) { return rounded<std::int16_t>(g * kCountsPerG); };
+        m_shocks.push_back({note(timeUs), {counts(x), counts(y), counts(z)}});
     }
 }
 
-void SensorRecords::addOther(qint64 timeMs) {
-    note(timeMs);
+void SensorRecords::addOther(std::int64_t timeUs) {
+    note(timeUs);
 }
 
 void SensorRecords::finish() {
@@ -104,8 +90,8 @@ void SensorRecords::finish() {
 
 // Across a gap without a fix there is no distance: each unbroken run of fixes stands for itself.
 void SensorRecords::deriveSpeeds() {
-    size_t first = 0;
-    for (size_t i = 0; i <= m_fixes.size(); ++i) {
+    std::size_t first = 0;
+    for (std::size_t i = 0; i <= m_fixes.size(); ++i) {
         if (i == m_fixes.size() || !m_fixes[i].position.isFix()) {
             if (i > first) {
                 deriveSpeedsOfRun(first, i);
@@ -117,41 +103,41 @@ void SensorRecords::deriveSpeeds() {
 
 // Over the last second up to each fix of [first, last); over the run's first second where that isn't over
 // yet.
-void SensorRecords::deriveSpeedsOfRun(size_t first, size_t last) {
-    const auto timeOf = [this](size_t i) { return qint64(m_fixes[i].timeMs); };
-    size_t opening = first;
+void SensorRecords::deriveSpeedsOfRun(std::size_t first, std::size_t last) {
+    const auto timeOf = [this](std::size_t i) { return std::int64_t(m_fixes[i].timeMs); };
+    std::size_t opening = first;
     while (opening + 1 < last && timeOf(opening) - timeOf(first) < kSpeedWindowMs) {
         ++opening;
     }
-    size_t from = first;
-    for (size_t i = first; i < last; ++i) {
-        const size_t to = std::max(i, opening);
+    std::size_t from = first;
+    for (std::size_t i = first; i < last; ++i) {
+        const std::size_t to = std::max(i, opening);
         while (from + 1 < to && timeOf(to) - timeOf(from + 1) >= kSpeedWindowMs) {
             ++from;
         }
-        const qint64 elapsedMs = timeOf(to) - timeOf(from);
+        const std::int64_t elapsedMs = timeOf(to) - timeOf(from);
         const double metres = metresBetween(m_fixes[from].position, m_fixes[to].position);
         const double kmh = elapsedMs > 0 ? metres / static_cast<double>(elapsedMs) * kKmhPerMetreAMs : 0.0;
-        m_speeds.push_back({m_fixes[i].timeMs, rounded<qint32>(kmh)});
+        m_speeds.push_back({m_fixes[i].timeMs, rounded<std::int32_t>(kmh)});
     }
 }
 
-bool SensorRecords::covers(qint64 timeMs) const {
+bool SensorRecords::covers(std::int64_t timeMs) const {
     return !isEmpty() && timeMs >= 0 && timeMs - kHoldMs <= *m_lastMs;
 }
 
-Position SensorRecords::positionAt(qint64 timeMs) const {
+Position SensorRecords::positionAt(std::int64_t timeMs) const {
     const Fix* fix = latest(m_fixes, timeMs);
     return fix != nullptr ? fix->position : Position();
 }
 
-qint32 SensorRecords::speedAt(qint64 timeMs) const {
+std::int32_t SensorRecords::speedAt(std::int64_t timeMs) const {
     const Fix* fix = latest(m_fixes, timeMs);
     const Speed* speed = latest(m_speeds, timeMs);
     return fix != nullptr && fix->position.isFix() && speed != nullptr ? speed->kmh : 0;
 }
 
-Acceleration SensorRecords::accelerationAt(qint64 timeMs) const {
+Acceleration SensorRecords::accelerationAt(std::int64_t timeMs) const {
     const Shock* shock = latest(m_shocks, timeMs);
     return shock != nullptr ? shock->acceleration : Acceleration();
 }

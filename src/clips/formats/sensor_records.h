@@ -1,82 +1,78 @@
-// What the readers of the formats found in a clip: positions, speeds and accelerations, each by its own times
-// in ms from the clip's start, already in the units of the sensor library (millionths of a degree, km/h,
-// counts of 128 a g; rounded half away from zero, saturated).
+// What the dashboard takes of a clip's record: positions, speeds and accelerations, each by its own times in
+// ms from the clip's start (rounded up: a sample isn't there before its time), in the units of the sensor
+// library (millionths of a degree, km/h, counts of 128 a g; rounded half away from zero, saturated).
 #pragma once
 
 #include <QtGlobal>
 #include <optional>
 #include <vector>
 
+#include "clips/formats/record_sink.h"
 #include "platform/limits.h"
-#include "platform/sensor_library.h"
 
 namespace ql240::sensorfiles {
 
-inline constexpr double kCountsPerG = SensorLibrary::kCountsPerG;
-
 struct Position {
-    qint32 latitude = 0; // north positive; both 0 without a fix
-    qint32 longitude = 0;
+    std::int32_t latitude = 0; // north positive; both 0 without a fix
+    std::int32_t longitude = 0;
 
     bool isFix() const { return latitude != 0 || longitude != 0; }
 };
 
 struct Acceleration {
-    qint16 x = 0;
-    qint16 y = 0;
-    qint16 z = 0;
+    std::int16_t x = 0;
+    std::int16_t y = 0;
+    std::int16_t z = 0;
 };
 
-class SensorRecords {
+class SensorRecords final : public RecordSink {
 public:
-    // Degrees; what is no place on earth counts as no fix.
-    void addFix(qint64 timeMs, double latitude, double longitude);
-    void addNoFix(qint64 timeMs);
-    void addSpeed(qint64 timeMs, double kmh);
-    void addAcceleration(qint64 timeMs, double x, double y, double z);
-    // Something else that was recorded at this time.
-    void addOther(qint64 timeMs);
+    std::int64_t endUs() const override { return limits::kSensorTrackMs * 1000; }
+    std::size_t mostRecords() const override { return limits::kSensorRecords; }
+    void addFix(const RecordedFix& fix) override;
+    void addAcceleration(std::int64_t timeUs, double x, double y, double z) override;
+    void addOther(std::int64_t timeUs) override;
+    void addStop(const ReaderStop&) override {}
 
     // Once after the last record: puts late ones in order and, where no record gave a speed, works it out
     // from the distance between the fixes.
     void finish();
 
-    // Nothing more is taken.
-    bool isFull() const {
+    bool isFull() const override {
         return m_fixes.size() + m_speeds.size() + m_shocks.size() >= limits::kSensorRecords;
     }
     bool isEmpty() const { return m_fixes.empty() && m_speeds.empty() && m_shocks.empty(); }
     // A clip is answered for up to a second behind its last record.
-    bool covers(qint64 timeMs) const;
+    bool covers(std::int64_t timeMs) const;
 
     // The latest record at or before the time, zeros where there is none. Speeds are 0 without a fix.
-    Position positionAt(qint64 timeMs) const;
-    qint32 speedAt(qint64 timeMs) const;
-    Acceleration accelerationAt(qint64 timeMs) const;
+    Position positionAt(std::int64_t timeMs) const;
+    std::int32_t speedAt(std::int64_t timeMs) const;
+    Acceleration accelerationAt(std::int64_t timeMs) const;
 
 private:
     // Times in ms as 32 bits: a clip's records take no more memory than they take in the clip.
     struct Fix {
-        qint32 timeMs;
+        std::int32_t timeMs;
         Position position;
     };
     struct Speed {
-        qint32 timeMs;
-        qint32 kmh;
+        std::int32_t timeMs;
+        std::int32_t kmh;
     };
     struct Shock {
-        qint32 timeMs;
+        std::int32_t timeMs;
         Acceleration acceleration;
     };
 
-    qint32 note(qint64 timeMs);
+    std::int32_t note(std::int64_t timeUs);
     void deriveSpeeds();
-    void deriveSpeedsOfRun(size_t first, size_t last);
+    void deriveSpeedsOfRun(std::size_t first, std::size_t last);
 
     std::vector<Fix> m_fixes;
     std::vector<Speed> m_speeds;
     std::vector<Shock> m_shocks;
-    std::optional<qint32> m_lastMs;
+    std::optional<std::int32_t> m_lastMs;
 };
 
 } // namespace ql240::sensorfiles

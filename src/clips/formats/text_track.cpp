@@ -14,11 +14,11 @@ namespace {
 constexpr QByteArrayView kSensorWord("gsensori,");
 
 bool endsLine(char c) {
-    return static_cast<quint8>(c) < 0x20 || c == ';' || c == '$';
+    return static_cast<std::uint8_t>(c) < 0x20 || c == ';' || c == '$';
 }
 
 // The last four numbers count: the scale, then x, y and z.
-void addSensorLine(qint64 timeMs, QByteArrayView line, SensorRecords& records) {
+void addSensorLine(std::int64_t timeUs, QByteArrayView line, RecordSink& sink) {
     std::vector<double> numbers;
     for (const QByteArray& part : line.sliced(kSensorWord.size()).toByteArray().split(',')) {
         bool isNumber = false;
@@ -31,43 +31,43 @@ void addSensorLine(qint64 timeMs, QByteArrayView line, SensorRecords& records) {
         return;
     }
     const std::span<const double> last = std::span<const double>(numbers).last(4);
-    const double factor = kCountsPerG / last[0];
-    records.addAcceleration(timeMs, last[1] * factor, last[2] * factor, last[3] * factor);
+    const double factor = 1.0 / last[0];
+    sink.addAcceleration(timeUs, last[1] * factor, last[2] * factor, last[3] * factor);
 }
 
-void addLine(qint64 timeMs, QByteArrayView line, SensorRecords& records) {
+void addLine(const TrackSample& sample, QByteArrayView line, RecordSink& sink) {
     if (line.startsWith(kSensorWord)) {
-        addSensorLine(timeMs, line, records);
+        addSensorLine(sample.timeUs, line, sink);
     } else {
-        addNmeaSentence(timeMs, line, records);
+        addNmeaSentence({sample.timeUs, "text sample", sample.number, sample.offset}, line, sink);
     }
 }
 
 } // namespace
 
-void readTextSample(qint64 timeMs, std::span<const char> bytes, SensorRecords& records) {
+void readTextSample(const TrackSample& sample, RecordSink& sink) {
+    std::span<const char> bytes = sample.bytes;
     if (bytes.size() >= 2) {
-        const size_t length = qFromBigEndian<quint16>(bytes.data());
+        const std::size_t length = qFromBigEndian<std::uint16_t>(bytes.data());
         if (length <= bytes.size() - 2) {
             bytes = bytes.subspan(2, length);
         }
     }
-    size_t start = 0;
-    for (size_t i = 0; i <= bytes.size(); ++i) {
+    std::size_t start = 0;
+    for (std::size_t i = 0; i <= bytes.size(); ++i) {
         if (i == bytes.size() || endsLine(bytes[i])) {
             const auto line = bytes.subspan(start, i - start);
-            addLine(timeMs, QByteArrayView(line.data(), static_cast<qsizetype>(line.size())), records);
+            addLine(sample, QByteArrayView(line.data(), static_cast<qsizetype>(line.size())), sink);
             start = i + 1;
         }
     }
 }
 
-void readTextTrack(ByteSource& source, const ClipLayout& clip, SensorRecords& records) {
+void readTextTrack(ByteSource& source, const ClipLayout& clip, RecordSink& sink) {
     for (const TrackLayout& track : clip.tracks) {
         if (track.format == fourCc("text") || track.format == fourCc("tx3g")) {
-            forEachSample(source, track, clip.timescale, [&](qint64 timeMs, std::span<const char> bytes) {
-                readTextSample(timeMs, bytes, records);
-            });
+            forEachSample(source, track, clip.timescale, sink,
+                          [&](const TrackSample& sample) { readTextSample(sample, sink); });
         }
     }
 }

@@ -8,18 +8,21 @@ namespace ql240::sensorfiles {
 namespace {
 
 constexpr qsizetype kBatchBytes = qsizetype(16) * 1024;
-constexpr size_t kBatchSamples = 256;
-constexpr qint64 kMaxTicks = qint64(1) << 52; // twice as many seconds still are ms of 64 bits
+constexpr std::size_t kBatchSamples = 256;
+constexpr std::int64_t kMaxTicks = std::int64_t(1) << 52;
+constexpr std::int64_t kMaxSeconds = std::int64_t(1) << 40; // twice as many still are microseconds of 64 bits
+constexpr std::int64_t kUsPerSecond = 1'000'000;
 
-qint64 ticksToMsUp(qint64 ticks, quint32 timescale) {
-    const qint64 scale = timescale;
-    qint64 seconds = ticks / scale;
-    qint64 rest = ticks % scale;
+std::int64_t ticksToUsUp(std::int64_t ticks, std::uint32_t timescale) {
+    const std::int64_t scale = timescale;
+    std::int64_t seconds = ticks / scale;
+    std::int64_t rest = ticks % scale;
     if (rest < 0) {
         --seconds;
         rest += scale;
     }
-    return seconds * 1000 + (rest * 1000 + scale - 1) / scale;
+    return std::clamp(seconds, -kMaxSeconds, kMaxSeconds) * kUsPerSecond +
+           (rest * kUsPerSecond + scale - 1) / scale;
 }
 
 // When each sample begins, in ticks of the track.
@@ -27,7 +30,7 @@ class SampleTimes {
 public:
     SampleTimes(ByteSource& source, const TrackLayout& track) : m_entries(source, track.times) {}
 
-    std::optional<qint64> next() {
+    std::optional<std::int64_t> next() {
         if (m_left == 0) {
             m_left = m_entries.u32().value_or(0);
             m_delta = m_entries.u32().value_or(0);
@@ -36,16 +39,16 @@ public:
             return std::nullopt;
         }
         --m_left;
-        const qint64 time = m_time;
+        const std::int64_t time = m_time;
         m_time += m_delta;
         return time;
     }
 
 private:
     RangeReader m_entries;
-    quint32 m_left = 0;
-    quint32 m_delta = 0;
-    qint64 m_time = 0;
+    std::uint32_t m_left = 0;
+    std::uint32_t m_delta = 0;
+    std::int64_t m_time = 0;
 };
 
 class SampleSizes {
@@ -56,7 +59,7 @@ public:
           m_bits(track.sizeBits),
           m_left(track.sampleCount) {}
 
-    std::optional<quint32> next() {
+    std::optional<std::uint32_t> next() {
         if (m_left == 0) {
             return std::nullopt;
         }
@@ -66,22 +69,22 @@ public:
 
 private:
     // Four bits would say 15 bytes at most, which no sensor record is.
-    std::optional<quint32> nextEntry() {
+    std::optional<std::uint32_t> nextEntry() {
         if (m_bits == 32) {
             return m_entries.u32();
         }
-        const std::optional<quint8> high = m_entries.byte();
+        const std::optional<std::uint8_t> high = m_entries.byte();
         if (!high || m_bits == 8) {
             return high;
         }
-        const std::optional<quint8> low = m_bits == 16 ? m_entries.byte() : std::nullopt;
-        return low ? std::optional<quint32>(*high << 8 | *low) : std::nullopt;
+        const std::optional<std::uint8_t> low = m_bits == 16 ? m_entries.byte() : std::nullopt;
+        return low ? std::optional<std::uint32_t>(*high << 8 | *low) : std::nullopt;
     }
 
     RangeReader m_entries;
-    quint32 m_constant;
+    std::uint32_t m_constant;
     int m_bits;
-    quint32 m_left;
+    std::uint32_t m_left;
 };
 
 // How many samples each chunk holds, from the runs of like chunks.
@@ -91,7 +94,7 @@ public:
         readRun();
     }
 
-    quint32 samplesOf(quint32 chunk) {
+    std::uint32_t samplesOf(std::uint32_t chunk) {
         while (m_next != 0 && chunk >= m_next) {
             m_samples = m_nextSamples;
             readRun();
@@ -101,7 +104,7 @@ public:
 
 private:
     void readRun() {
-        const quint32 before = m_next;
+        const std::uint32_t before = m_next;
         m_next = m_entries.u32().value_or(0);
         m_nextSamples = m_entries.u32().value_or(0);
         m_entries.u32(); // sample description
@@ -111,13 +114,14 @@ private:
     }
 
     RangeReader m_entries;
-    quint32 m_samples = 0;
-    quint32 m_next = 0;
-    quint32 m_nextSamples = 0;
+    std::uint32_t m_samples = 0;
+    std::uint32_t m_next = 0;
+    std::uint32_t m_nextSamples = 0;
 };
 
 struct Sample {
-    qint64 timeMs;
+    std::int64_t timeUs;
+    std::int64_t number;
     qsizetype start;
     qsizetype size;
 };
@@ -125,10 +129,11 @@ struct Sample {
 // Reads neighbouring samples of a chunk together.
 class SampleBatch {
 public:
-    SampleBatch(ByteSource& source, const SampleVisitor& visit) : m_source(source), m_visit(visit) {}
+    SampleBatch(ByteSource& source, RecordSink& sink, const SampleVisitor& visit)
+        : m_source(source), m_sink(sink), m_visit(visit) {}
 
-    void add(qint64 offset, quint32 size, qint64 timeMs) {
-        const auto bytes = static_cast<qsizetype>(std::min<qint64>(size, limits::kSensorSampleBytes));
+    void add(std::int64_t offset, std::uint32_t size, std::int64_t number, std::int64_t timeUs) {
+        const auto bytes = static_cast<qsizetype>(std::min<std::int64_t>(size, limits::kSensorSampleBytes));
         const bool follows = offset == m_offset + m_size;
         if (!follows || m_size + bytes > kBatchBytes || m_samples.size() == kBatchSamples) {
             flush();
@@ -137,7 +142,7 @@ public:
             m_offset = offset;
             m_size = 0;
         }
-        m_samples.push_back({timeMs, m_size, bytes});
+        m_samples.push_back({timeUs, number, m_size, bytes});
         m_size += bytes;
     }
 
@@ -149,8 +154,13 @@ public:
         const qsizetype got = m_source.read(m_offset, m_bytes);
         for (const Sample& sample : m_samples) {
             const qsizetype there = std::min(sample.size, got - sample.start);
+            const std::int64_t offset = m_offset + sample.start;
+            if (there < sample.size) {
+                m_sink.addStop({"sample", sample.number, offset, "it isn't whole in the file"});
+            }
             if (there > 0) {
-                m_visit(sample.timeMs, std::span<const char>(m_bytes).subspan(sample.start, there));
+                const auto bytes = std::span<const char>(m_bytes).subspan(sample.start, there);
+                m_visit({sample.timeUs, sample.number, offset, bytes});
             }
         }
         m_samples.clear();
@@ -159,41 +169,44 @@ public:
 
 private:
     ByteSource& m_source;
+    RecordSink& m_sink;
     const SampleVisitor& m_visit;
     std::vector<Sample> m_samples;
     std::vector<char> m_bytes;
-    qint64 m_offset = 0;
+    std::int64_t m_offset = 0;
     qsizetype m_size = 0;
 };
 
-// A track's ticks as ms from the clip's start, by the beginning of its edit list.
+// A track's ticks as microseconds from the clip's start, by the beginning of its edit list.
 class ClipClock {
 public:
-    ClipClock(const TrackLayout& track, quint32 fileTimescale)
+    ClipClock(const TrackLayout& track, std::uint32_t fileTimescale)
         : m_timescale(track.timescale), m_mediaStart(std::min(track.mediaStart, kMaxTicks)) {
-        if (fileTimescale > 0 && track.emptyEdit < quint64(kMaxTicks)) {
-            m_delayMs = ticksToMsUp(static_cast<qint64>(track.emptyEdit), fileTimescale);
+        if (fileTimescale > 0 && track.emptyEdit < std::uint64_t(kMaxTicks)) {
+            m_delayUs = ticksToUsUp(static_cast<std::int64_t>(track.emptyEdit), fileTimescale);
         }
     }
 
-    qint64 msOf(qint64 ticks) const { return ticksToMsUp(ticks - m_mediaStart, m_timescale) + m_delayMs; }
+    std::int64_t usOf(std::int64_t ticks) const {
+        return ticksToUsUp(ticks - m_mediaStart, m_timescale) + m_delayUs;
+    }
 
 private:
-    quint32 m_timescale;
-    qint64 m_mediaStart;
-    qint64 m_delayMs = 0;
+    std::uint32_t m_timescale;
+    std::int64_t m_mediaStart;
+    std::int64_t m_delayUs = 0;
 };
 
-std::optional<qint64> nextChunk(RangeReader& offsets, const TrackLayout& track, qint64 fileSize) {
-    const std::optional<quint64> offset =
-        track.wideOffsets ? offsets.u64() : std::optional<quint64>(offsets.u32());
-    return offset && *offset < quint64(fileSize) ? std::optional<qint64>(*offset) : std::nullopt;
+std::optional<std::int64_t> nextChunk(RangeReader& offsets, const TrackLayout& track, std::int64_t fileSize) {
+    const std::optional<std::uint64_t> offset =
+        track.wideOffsets ? offsets.u64() : std::optional<std::uint64_t>(offsets.u32());
+    return offset && *offset < std::uint64_t(fileSize) ? std::optional<std::int64_t>(*offset) : std::nullopt;
 }
 
 } // namespace
 
-void forEachSample(ByteSource& source, const TrackLayout& track, quint32 fileTimescale,
-                   const SampleVisitor& visit) {
+void forEachSample(ByteSource& source, const TrackLayout& track, std::uint32_t fileTimescale,
+                   RecordSink& sink, const SampleVisitor& visit) {
     if (track.timescale == 0) {
         return;
     }
@@ -202,29 +215,37 @@ void forEachSample(ByteSource& source, const TrackLayout& track, quint32 fileTim
     SampleSizes sizes(source, track);
     ChunkRuns runs(source, track);
     RangeReader offsets(source, track.chunkOffsets);
-    SampleBatch batch(source, visit);
-    quint32 chunk = 0;
-    quint32 leftInChunk = 0;
-    qint64 offset = 0;
-    for (size_t i = 0; i < limits::kSensorRecords; ++i) {
+    SampleBatch batch(source, sink, visit);
+    std::uint32_t chunk = 0;
+    std::uint32_t leftInChunk = 0;
+    std::int64_t offset = 0;
+    for (std::int64_t number = 1; number <= track.sampleCount; ++number) {
+        if (static_cast<std::size_t>(number) > sink.mostRecords()) {
+            break;
+        }
         if (leftInChunk == 0) {
-            const std::optional<qint64> start = nextChunk(offsets, track, source.size());
+            const std::optional<std::int64_t> start = nextChunk(offsets, track, source.size());
             leftInChunk = runs.samplesOf(++chunk);
             offset = start.value_or(0);
             if (!start || leftInChunk == 0) {
+                const std::int64_t entry = (chunk - 1) * (track.wideOffsets ? 8LL : 4LL);
+                sink.addStop(
+                    {"sample", number, track.chunkOffsets.start + entry, "no chunk in the file holds it"});
                 break;
             }
         }
-        const std::optional<quint32> size = sizes.next();
-        const std::optional<qint64> time = times.next();
+        const std::optional<std::uint32_t> size = sizes.next();
+        const std::optional<std::int64_t> time = times.next();
         if (!size || !time) {
+            sink.addStop(
+                {"sample", number, (size ? track.times : track.sizes).end(), "the tables end before it"});
             break;
         }
-        const qint64 timeMs = clock.msOf(*time);
+        const std::int64_t timeUs = clock.usOf(*time);
         if (*size > 0) {
-            batch.add(offset, *size, timeMs);
+            batch.add(offset, *size, number, timeUs);
         }
-        if (timeMs > limits::kSensorTrackMs) {
+        if (timeUs > sink.endUs()) {
             break;
         }
         offset += *size;

@@ -5,15 +5,21 @@
 #include <span>
 
 #include "clips/formats/clip_layout.h"
+#include "clips/formats/record_sink.h"
 
 namespace ql240::sensorfiles {
 
-// Calls `visit` for each sample that isn't empty: when it begins in ms from the clip's start (rounded up: a
-// sample isn't there before its time; before the start it may be negative) and its bytes, of a long one only
-// the first. Ends where the first table does or says nothing sensible, and with the first sample behind the
-// time that anybody asks for.
-using SampleVisitor = std::function<void(qint64 timeMs, std::span<const char> bytes)>;
-void forEachSample(ByteSource& source, const TrackLayout& track, quint32 fileTimescale,
-                   const SampleVisitor& visit);
+struct TrackSample {
+    std::int64_t timeUs = 0; // rounded up; before the clip's start it may be negative
+    std::int64_t number = 0; // from 1
+    std::int64_t offset = 0; // in the file
+    std::span<const char> bytes;
+};
+
+// Calls `visit` for each sample that isn't empty, of a long one with the first bytes only. Ends where the
+// first table does or says nothing sensible, and with the first sample behind what the sink asks for.
+using SampleVisitor = std::function<void(const TrackSample& sample)>;
+void forEachSample(ByteSource& source, const TrackLayout& track, std::uint32_t fileTimescale,
+                   RecordSink& sink, const SampleVisitor& visit);
 
 } // namespace ql240::sensorfiles

@@ -1,5 +1,6 @@
-// The same clips read by ExifTool: positions, speeds, accelerations and their times agree. Skipped without
-// it.
+// The same clips read by ExifTool: positions, speeds, headings, altitudes, clocks, accelerations and their
+// times agree. Skipped without it.
+#include <QBuffer>
 #include <QDateTime>
 #include <QFile>
 #include <QJsonArray>
@@ -10,14 +11,16 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimeZone>
 #include <cmath>
 
-#include "clips/formats/sensor_file_library.h"
+#include "clips/record_reader.h"
 #include "support/sensor_clips.h"
 
 namespace ql240 {
 namespace {
 
+using namespace madeclips;
 using Document = QMap<QString, QJsonValue>;
 
 // The numbered documents of ExifTool's answer, one a sample.
@@ -32,56 +35,76 @@ QMap<int, Document> documentsOf(const QByteArray& json) {
     return documents;
 }
 
-// Three numbers of a text, multiplied.
-QList<double> triple(const QJsonValue& value, char separator, double factor) {
-    const QStringList parts = value.toString().split(QLatin1Char(separator));
-    QList<double> numbers;
-    for (const QString& part : parts.mid(parts.size() - 3))
-        numbers.append(part.toDouble() * factor);
-    return numbers;
+double numberOf(const Document& document, const char* name) {
+    return document[QLatin1StringView(name)].toVariant().toString().isEmpty()
+               ? RecordedFix::kNothing
+               : document[QLatin1StringView(name)].toVariant().toDouble();
 }
 
-// Nothing where the document has none.
+// The last three numbers of a text in g; nothing where the document has none.
 QList<double> accelerationOf(const Document& document) {
-    if (document.contains(QStringLiteral("Acceleration")))
-        return triple(document[QStringLiteral("Acceleration")], ' ', 128 / 9.80665);
-    if (document.contains(QStringLiteral("GSensor")))
-        return triple(document[QStringLiteral("GSensor")], ',', 128.0 / 512);
-    if (!document.contains(QStringLiteral("Accelerometer")))
-        return {};
-    const double perUnit =
-        document.contains(QStringLiteral("TimeCode")) ? 10 : 128; // it divides "3gf " by ten
-    return triple(document[QStringLiteral("Accelerometer")], ' ', perUnit);
+    const struct {
+        const char* name;
+        char separator;
+        double perG;
+    } rows[] = {{"Acceleration", ' ', 9.80665},
+                {"GSensor", ',', 512},
+                // It divides the counts of "3gf " by ten.
+                {"Accelerometer", ' ', document.contains(QStringLiteral("TimeCode")) ? 12.8 : 1}};
+    for (const auto& row : rows) {
+        const QStringList parts =
+            document[QLatin1StringView(row.name)].toString().split(QLatin1Char(row.separator));
+        if (parts.size() >= 3) {
+            const auto at = [&](int i) { return parts[parts.size() - 3 + i].toDouble() / row.perG; };
+            return {at(0), at(1), at(2)};
+        }
+    }
+    return {};
 }
 
 double speedOf(const Document& document) {
-    if (document.contains(QStringLiteral("GPSVelocityEast"))) {
-        return 3.6 * std::hypot(document[QStringLiteral("GPSVelocityEast")].toDouble(),
-                                document[QStringLiteral("GPSVelocityNorth")].toDouble());
-    }
-    return document[QStringLiteral("GPSSpeed")].toDouble(-1);
+    const double east = numberOf(document, "GPSVelocityEast");
+    return std::isnan(east) ? numberOf(document, "GPSSpeed")
+                            : 3.6 * std::hypot(east, numberOf(document, "GPSVelocityNorth"));
+}
+
+qint64 clockOf(const Document& document) {
+    const QString text = document[QStringLiteral("GPSDateTime")].toString();
+    QDateTime clock = QDateTime::fromString(text.left(19), QStringLiteral("yyyy:MM:dd hh:mm:ss"));
+    clock.setTimeZone(QTimeZone::utc());
+    return clock.isValid() ? clock.toMSecsSinceEpoch() : RecordedFix::kNoClock;
 }
 
 // When each document is, in ms from the clip's start.
-class DocumentClock {
+class DocumentTimes {
 public:
     qint64 msOf(const Document& document) {
         for (const char* name : {"SampleTime", "TimeCode"})
             if (document.contains(QLatin1StringView(name)))
                 return std::llround(document[QLatin1StringView(name)].toDouble() * 1000);
-        if (!document.contains(QStringLiteral("GPSDateTime")))
+        if (clockOf(document) == RecordedFix::kNoClock)
             return 200 * m_timeless++;
-        const QDateTime clock =
-            QDateTime::fromString(document[QStringLiteral("GPSDateTime")].toString().left(19),
-                                  QStringLiteral("yyyy:MM:dd hh:mm:ss"));
-        m_first = m_first.isValid() ? m_first : clock;
-        return m_first.msecsTo(clock);
+        m_first = m_first.value_or(clockOf(document));
+        return clockOf(document) - *m_first;
     }
 
 private:
-    QDateTime m_first;
+    std::optional<qint64> m_first;
     qint64 m_timeless = 0;
 };
+
+template <typename Records>
+auto* at(const Records& records, qint64 timeMs) {
+    const auto found = std::find_if(records.begin(), records.end(), [timeMs](const auto& record) {
+        return std::abs(record.timeUs - timeMs * 1000) <= 1000;
+    });
+    return found != records.end() ? &*found : nullptr;
+}
+
+// Either says nothing of it, or both the same to the precision that is printed.
+bool agree(double ours, double theirs, double precision) {
+    return std::isnan(theirs) || std::abs(ours - theirs) <= precision;
+}
 
 } // namespace
 
@@ -89,35 +112,19 @@ class TestSensorExifTool : public QObject {
     Q_OBJECT
 
 private:
-    SensorFileLibrary m_library;
-    SensorLibrary::Handle m_handle = 0;
-
-    void comparePosition(const Document& document, qint64 timeMs) {
-        qint32 latitude = 0;
-        qint32 longitude = 0;
-        qint32 speed = 0;
-        std::int8_t north = 0;
-        std::int8_t east = 0;
-        QVERIFY(m_library.getLatLonSpeed(m_handle, timeMs, &latitude, &longitude, &north, &east, &speed) !=
-                0);
-        const bool noFix = document[QStringLiteral("GPSMeasureMode")].toInt(3) == 0;
-        const double told = noFix ? 0 : 1e6;
-        QVERIFY(std::abs((north == 'N' ? latitude : -latitude) -
-                         told * document[QStringLiteral("GPSLatitude")].toDouble()) < 0.501);
-        QVERIFY(std::abs((east == 'E' ? longitude : -longitude) -
-                         told * document[QStringLiteral("GPSLongitude")].toDouble()) < 0.501);
-        if (speedOf(document) >= 0 && latitude != 0)
-            QVERIFY(std::abs(speed - speedOf(document)) < 0.501);
-    }
-
-    void compareAcceleration(const Document& document, qint64 timeMs) {
-        qint16 x = 0;
-        qint16 y = 0;
-        qint16 z = 0;
-        QVERIFY(m_library.getAccXYZ(m_handle, timeMs, &x, &y, &z) != 0);
-        const QList<double> told = accelerationOf(document);
-        QVERIFY(std::abs(x - told[0]) < 0.501 && std::abs(y - told[1]) < 0.501 &&
-                std::abs(z - told[2]) < 0.501);
+    void compareFix(const RecordedFix* fix, const Document& document, qint64 leapMs) {
+        QVERIFY(fix != nullptr);
+        QCOMPARE(fix->isValid(), numberOf(document, "GPSMeasureMode") != 0);
+        // Where a fix says no clock, it makes one up from the clip's date.
+        const qint64 made = 1365165000000 + fix->timeUs / 1000;
+        QCOMPARE(fix->hasClock() ? fix->clockMs : made, clockOf(document) - leapMs);
+        if (!fix->isValid())
+            return;
+        QVERIFY(agree(fix->latitude, numberOf(document, "GPSLatitude"), 1e-9));
+        QVERIFY(agree(fix->longitude, numberOf(document, "GPSLongitude"), 1e-9));
+        QVERIFY(agree(fix->altitudeM, numberOf(document, "GPSAltitude"), 1e-4));
+        QVERIFY(agree(fix->headingDeg, numberOf(document, "GPSTrack"), 1e-4));
+        QVERIFY(agree(fix->speedKmh, speedOf(document), 1e-3));
     }
 
 private Q_SLOTS:
@@ -127,42 +134,51 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("clip");
         QTest::addColumn<int>("positions");
         QTest::addColumn<int>("accelerations");
+        QTest::addColumn<qint64>("leapMs");
         const QMap<QByteArray, std::pair<int, int>> read{
             {"motion", {3, 2}},   {"place", {4, 4}},    {"gps-index", {3, 0}}, {"text", {2, 1}},
             {"free-log", {2, 2}}, {"gps0-mp4", {3, 2}}, {"gps0-avi", {3, 2}}};
-        for (const madeclips::NamedClip& clip : madeclips::clipsOfAllFormats()) {
+        for (const NamedClip& clip : clipsOfAllFormats()) {
             if (read.contains(clip.name)) {
                 const auto [positions, accelerations] = read[clip.name];
-                QTest::newRow(clip.name.constData()) << clip.bytes << positions << accelerations;
+                QTest::newRow(clip.name.constData()) << clip.bytes << positions << accelerations << qint64(0);
             }
         }
+        // It leaves the leap seconds in clocks that count from 1980.
+        Track track;
+        track.samples = {motionFix(3, -33.8568, 151.2153, 10, 0, 1365165016.0 - 315964800)};
+        QTest::newRow("clock of the satellites") << mp4({track}) << 1 << 0 << qint64(16000);
     }
     void agrees() {
         QFETCH(QByteArray, clip);
+        QFETCH(qint64, leapMs);
         QTemporaryDir folder;
-        QFile file(
-            folder.filePath(clip.startsWith("RIFF") ? QStringLiteral("a.avi") : QStringLiteral("a.mp4")));
-        QVERIFY(file.open(QIODevice::WriteOnly));
+        const QString name = clip.startsWith("RIFF") ? QStringLiteral("a.avi") : QStringLiteral("a.mp4");
+        QFile file(folder.filePath(name));
+        QVERIFY(file.open(QIODevice::ReadWrite));
         file.write(clip);
-        file.close();
+        file.flush();
+        const ClipRecord record = readClipContents(file, name).record;
         QProcess exiftool;
         exiftool.start(QStringLiteral("exiftool"),
-                       {QStringLiteral("-ee"), QStringLiteral("-n"), QStringLiteral("-G3"),
+                       {QStringLiteral("-ee3"), QStringLiteral("-n"), QStringLiteral("-G3"),
                         QStringLiteral("-j"), file.fileName()});
         QVERIFY(exiftool.waitForFinished());
-        m_handle = m_library.getInformationData(file.fileName().toLocal8Bit().constData());
-        QVERIFY(m_handle != 0);
         int positions = 0;
         int accelerations = 0;
-        DocumentClock clock;
+        DocumentTimes times;
         for (const Document& document : documentsOf(exiftool.readAllStandardOutput())) {
-            const qint64 timeMs = clock.msOf(document);
+            const qint64 timeMs = times.msOf(document);
             if (document.contains(QStringLiteral("GPSLatitude"))) {
-                comparePosition(document, timeMs);
+                // The record at 0,0 is one without a fix, which it doesn't know.
+                if (numberOf(document, "GPSLatitude") != 0)
+                    compareFix(at(record.fixes, timeMs), document, leapMs);
                 ++positions;
             }
-            if (!accelerationOf(document).isEmpty()) {
-                compareAcceleration(document, timeMs);
+            if (const QList<double> told = accelerationOf(document); !told.isEmpty()) {
+                const RecordedAcceleration* ours = at(record.accelerations, timeMs);
+                QVERIFY(ours && agree(ours->x, told[0], 1e-5) && agree(ours->y, told[1], 1e-5) &&
+                        agree(ours->z, told[2], 1e-5));
                 ++accelerations;
             }
             if (QTest::currentTestFailed())

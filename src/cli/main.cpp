@@ -1,0 +1,55 @@
+// ql240-clip: what dash camera clips hold beside picture and sound, on the command line.
+#include <QCoreApplication>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+
+#include "cli/commands.h"
+
+namespace ql240::cli {
+
+bool writeResult(const QByteArray& bytes, Reports& reports) {
+    const auto size = static_cast<std::size_t>(bytes.size());
+    if (std::fwrite(bytes.constData(), 1, size, stdout) == size && std::fflush(stdout) == 0)
+        return true;
+    reports.fail(QStringLiteral("standard output"), QString::fromLocal8Bit(std::strerror(errno)));
+    return false;
+}
+
+} // namespace ql240::cli
+
+int main(int argc, char** argv) {
+    using namespace ql240::cli;
+    using Command = Options::Command;
+    // A reader that has enough ends the program, also where who started it ignores the signal.
+    std::signal(SIGPIPE, SIG_DFL);
+    const QCoreApplication application(argc, argv);
+    QString problem;
+    const std::optional<Options> options = parseOptions(application.arguments().mid(1), problem);
+    if (!options) {
+        std::fprintf(stderr, "ql240-clip: %s\nTry \"ql240-clip --help\".\n",
+                     forTerminal(problem).constData());
+        return kWrongUse;
+    }
+    Reports reports;
+    bool isWritten = true;
+    switch (options->command) {
+        case Command::Help:
+            isWritten = writeResult(helpText(), reports);
+            break;
+        case Command::Version:
+            isWritten = writeResult("ql240-clip " QL240_VERSION "\n", reports);
+            break;
+        case Command::Info:
+            isWritten = runInfo(*options, reports);
+            break;
+        case Command::Track:
+            isWritten = runTrack(*options, reports);
+            break;
+        case Command::Events:
+            isWritten = runEvents(*options, reports);
+            break;
+    }
+    return isWritten && !reports.hasFailures() ? kDone : kSomeFailed;
+}

@@ -1,0 +1,164 @@
+#include "cli/options.h"
+
+#include <QCommandLineParser>
+#include <QFileInfo>
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
+namespace ql240::cli {
+namespace {
+
+using Command = Options::Command;
+
+enum CommandBit { kInfo = 1, kTrack = 2, kEvents = 4, kAll = 7 };
+
+struct OptionRule {
+    const char* name;
+    const char* letter;
+    bool hasValue;
+    int commands;
+};
+
+constexpr OptionRule kRules[] = {
+    {"json", "", false, kInfo | kEvents}, {"threshold", "", true, kEvents},
+    {"format", "f", true, kTrack},        {"output", "o", true, kTrack},
+    {"force", "", false, kTrack},         {"accelerations", "", false, kTrack},
+    {"help", "h", false, kAll},           {"version", "", false, kAll},
+};
+
+constexpr struct {
+    const char* word;
+    Command command;
+    int bit;
+} kCommands[] = {
+    {"info", Command::Info, kInfo},  {"track", Command::Track, kTrack}, {"events", Command::Events, kEvents},
+    {"--help", Command::Help, kAll}, {"-h", Command::Help, kAll},       {"--version", Command::Version, kAll},
+};
+
+QString text(const char* latin1) {
+    return QString::fromLatin1(latin1);
+}
+
+void addRules(QCommandLineParser& parser) {
+    for (const OptionRule& rule : kRules) {
+        QStringList names{text(rule.name)};
+        if (*rule.letter != 0)
+            names << text(rule.letter);
+        parser.addOption(QCommandLineOption(names, {}, rule.hasValue ? text(rule.name) : QString()));
+    }
+}
+
+// The first option that is given but not the command's.
+QString strangeOption(const QCommandLineParser& parser, int commandBit) {
+    for (const OptionRule& rule : kRules) {
+        if ((rule.commands & commandBit) == 0 && parser.isSet(text(rule.name)))
+            return text(rule.name);
+    }
+    return {};
+}
+
+bool takeThreshold(const QCommandLineParser& parser, Options& options, QString& problem) {
+    if (!parser.isSet(text("threshold")))
+        return true;
+    bool isNumber = false;
+    options.thresholdG = parser.value(text("threshold")).toDouble(&isNumber);
+    if (isNumber && std::isfinite(options.thresholdG) && options.thresholdG > 0)
+        return true;
+    problem = QStringLiteral("\"%1\" is no threshold in g").arg(parser.value(text("threshold")));
+    return false;
+}
+
+// By its name, else by the output's ending.
+bool takeFormat(const QCommandLineParser& parser, Options& options, QString& problem) {
+    const bool isNamed = parser.isSet(text("format"));
+    const QString name =
+        isNamed ? parser.value(text("format")) : QFileInfo(options.output).suffix().toLower();
+    const std::optional<TrackFormat> format = trackFormatOf(name);
+    options.format = format.value_or(TrackFormat::Gpx);
+    if (!format) {
+        problem = isNamed ? QStringLiteral("no format \"%1\"").arg(name)
+                          : QStringLiteral("--format gpx, kml, csv or geojson is needed");
+    } else if (options.accelerations && *format != TrackFormat::Csv) {
+        problem = QStringLiteral("only csv has room for accelerations");
+    }
+    return problem.isEmpty();
+}
+
+bool takeOptions(const QCommandLineParser& parser, Options& options, QString& problem) {
+    const auto isSet = [&parser](const char* name) { return parser.isSet(text(name)); };
+    options.names = parser.positionalArguments();
+    options.json = isSet("json");
+    options.force = isSet("force");
+    options.accelerations = isSet("accelerations");
+    options.output = parser.value(text("output"));
+    if (isSet("output") && options.output.isEmpty())
+        problem = text("the output has no name");
+    else if (options.names.isEmpty())
+        problem = text("no clip is named");
+    else if (options.names.count(text("-")) > 1)
+        problem = text("standard input can be read once only");
+    if (!problem.isEmpty())
+        return false;
+    if (options.output == QLatin1String("-"))
+        options.output.clear();
+    return options.command != Command::Track ? takeThreshold(parser, options, problem)
+                                             : takeFormat(parser, options, problem);
+}
+
+} // namespace
+
+std::optional<Options> parseOptions(const QStringList& arguments, QString& problem) {
+    const QString word = arguments.value(0);
+    const auto* const known = std::find_if(std::begin(kCommands), std::end(kCommands), [&](const auto& each) {
+        return word == QLatin1StringView(each.word);
+    });
+    if (known == std::end(kCommands)) {
+        problem =
+            word.isEmpty() ? text("no command is given") : QStringLiteral("no command \"%1\"").arg(word);
+        return std::nullopt;
+    }
+    Options options;
+    options.command = known->command;
+    if (known->bit == kAll)
+        return options;
+    QCommandLineParser parser;
+    addRules(parser);
+    if (!parser.parse(arguments)) {
+        problem = parser.errorText();
+    } else if (parser.isSet(text("help")) || parser.isSet(text("version"))) {
+        options.command = parser.isSet(text("help")) ? Command::Help : Command::Version;
+        return options;
+    } else if (const QString strange = strangeOption(parser, known->bit); !strange.isEmpty()) {
+        problem = QStringLiteral("%1 takes no --%2").arg(word, strange);
+    } else if (takeOptions(parser, options, problem)) {
+        return options;
+    }
+    return std::nullopt;
+}
+
+const char* helpText() {
+    return "usage: ql240-clip info [--json] CLIP|FOLDER…\n"
+           "       ql240-clip track --format FORMAT [-o FILE [--force]] [--accelerations] CLIP|FOLDER…\n"
+           "       ql240-clip events [--threshold G] [--json] CLIP|FOLDER…\n"
+           "\n"
+           "Shows what dash camera clips (MP4, AVI) recorded beside picture and sound. \"-\" is standard "
+           "input.\n"
+           "\n"
+           "  info    what a clip holds, and what is wrong with it\n"
+           "  track   where the car was, as one track\n"
+           "  events  shocks, and the clips that the camera itself kept as events\n"
+           "\n"
+           "      --json           for programs\n"
+           "  -f, --format FORMAT  gpx, kml, csv or geojson; by default the output's ending\n"
+           "  -o, --output FILE    write there; it appears whole or not at all\n"
+           "      --force          also over a file that exists\n"
+           "      --accelerations  in csv, a row for each acceleration\n"
+           "      --threshold G    the smallest shock, 0.5 by default\n"
+           "  -h, --help           this text\n"
+           "      --version        the version\n"
+           "\n"
+           "Ends with 0; 1 where a clip failed or had nothing of what was asked for; 2 for wrong use.\n";
+}
+
+} // namespace ql240::cli

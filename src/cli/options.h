@@ -1,0 +1,31 @@
+// The command line of ql240-clip.
+#pragma once
+
+#include <QStringList>
+#include <optional>
+
+#include "clips/track_export.h"
+
+namespace ql240::cli {
+
+enum ExitCode { kDone = 0, kSomeFailed = 1, kWrongUse = 2 };
+
+struct Options {
+    enum class Command { Help, Version, Info, Track, Events };
+
+    Command command = Command::Help;
+    QStringList names; // clips, folders, "-" for standard input
+    bool json = false;
+    double thresholdG = 0.5;
+    TrackFormat format = TrackFormat::Gpx;
+    QString output; // empty for standard output
+    bool force = false;
+    bool accelerations = false;
+};
+
+// Nothing where they make no sense; `problem` says why. Without the program's name.
+std::optional<Options> parseOptions(const QStringList& arguments, QString& problem);
+
+const char* helpText();
+
+} // namespace ql240::cli

@@ -1,0 +1,59 @@
+#include "cli/reports.h"
+
+#include <unistd.h>
+
+#include <QByteArray>
+#include <cstdio>
+
+namespace ql240::cli {
+
+QString shown(const QString& text) {
+    QString safe = text;
+    for (QChar& c : safe) {
+        if (c.category() == QChar::Other_Control || c.category() == QChar::Other_Format)
+            c = u'?';
+    }
+    return safe;
+}
+
+QByteArray forTerminal(const QString& text) {
+    return shown(text).toLocal8Bit();
+}
+
+Reports::Reports(Kind kind)
+    : m_isSilent(kind == Kind::Silent), m_isTerminal(!m_isSilent && ::isatty(STDERR_FILENO) == 1) {}
+
+Reports::~Reports() {
+    clearLine();
+}
+
+void Reports::progress(qsizetype number, qsizetype count, const QString& name) {
+    if (!m_isTerminal || count < 2)
+        return;
+    clearLine();
+    std::fprintf(stderr, "%lld/%lld %s", static_cast<long long>(number), static_cast<long long>(count),
+                 forTerminal(name.left(60)).constData());
+    std::fflush(stderr);
+    m_hasLine = true;
+}
+
+void Reports::say(const QString& name, const QString& text) {
+    if (m_isSilent)
+        return;
+    clearLine();
+    std::fprintf(stderr, "ql240-clip: %s: %s\n", forTerminal(name).constData(),
+                 forTerminal(text).constData());
+}
+
+void Reports::fail(const QString& name, const QString& text) {
+    m_hasFailures = true;
+    say(name, text);
+}
+
+void Reports::clearLine() {
+    if (m_hasLine)
+        std::fputs("\r\033[K", stderr);
+    m_hasLine = false;
+}
+
+} // namespace ql240::cli

@@ -1,0 +1,97 @@
+#include <algorithm>
+
+#include "cli/clip_input.h"
+#include "cli/commands.h"
+#include "cli/track_output.h"
+#include "clips/track_joiner.h"
+
+namespace ql240::cli {
+namespace {
+
+struct Start {
+    QString name;
+    std::optional<std::int64_t> cameraMs; // by the clip's name
+    std::optional<std::int64_t> utcMs;    // by the satellites
+};
+
+// Asks the clips themselves; gives the camera's offset where one of them says it. What can't be read is
+// reported when the track is.
+std::optional<std::int64_t> askClips(std::vector<Start>& starts) {
+    std::optional<std::int64_t> offsetMs;
+    for (Start& start : starts) {
+        Reports silent(Reports::Kind::Silent);
+        const std::optional<ClipInput> input = readClip(start.name, RecordPart::Fixes, silent);
+        if (!input)
+            continue;
+        start.utcMs = input->contents.record.startBySatellitesMs;
+        if (!offsetMs)
+            offsetMs = cameraOffsetMs(input->contents.record);
+    }
+    return offsetMs;
+}
+
+// By their names, as the camera's clock had it, where all of them say it; else by the satellites, for which
+// the clips are read once more.
+QStringList inOrderOfTime(const QStringList& names) {
+    std::vector<Start> starts;
+    bool allSayIt = true;
+    for (const QString& name : names) {
+        const QDateTime byName = startByName(name.section(u'/', -1));
+        allSayIt = allSayIt && byName.isValid();
+        starts.push_back({name, {}, {}});
+        if (byName.isValid())
+            starts.back().cameraMs = byName.toMSecsSinceEpoch();
+    }
+    const bool canAsk = !allSayIt && !names.contains(QStringLiteral("-"));
+    const std::int64_t offsetMs = canAsk ? askClips(starts).value_or(0) : 0;
+    const auto key = [offsetMs](const Start& start) {
+        const std::int64_t never = std::numeric_limits<std::int64_t>::max();
+        return start.utcMs.value_or(start.cameraMs ? *start.cameraMs - offsetMs : never);
+    };
+    std::stable_sort(starts.begin(), starts.end(),
+                     [&key](const Start& a, const Start& b) { return key(a) < key(b); });
+    QStringList ordered;
+    for (const Start& start : starts)
+        ordered << start.name;
+    return ordered;
+}
+
+void addClip(const ClipInput& input, TrackOutput& output, TrackJoiner& joiner, Reports& reports) {
+    const ClipRecord& record = input.contents.record;
+    if (!record.hasFix()) {
+        reports.fail(input.name, record.stops.isEmpty()
+                                     ? QStringLiteral("no position in it")
+                                     : QStringLiteral("no position in it: ") + record.stops.first());
+        return;
+    }
+    const TrackJoiner::Result result = joiner.add(record, input.name, output.writer());
+    if (result.leftOut > 0) {
+        reports.say(input.name, QStringLiteral("%1 of its positions left out: %2 has their time")
+                                    .arg(result.leftOut)
+                                    .arg(result.earlier));
+    }
+}
+
+} // namespace
+
+bool runTrack(const Options& options, Reports& reports) {
+    TrackOutput output(options);
+    QString reason;
+    if (!output.open(reason)) {
+        reports.fail(output.name(), reason);
+        return false;
+    }
+    const QStringList names = inOrderOfTime(clipNames(options.names, reports));
+    const RecordPart part = options.accelerations ? RecordPart::FixesAndAccelerations : RecordPart::Fixes;
+    TrackJoiner joiner;
+    forEachClip(names, part, reports, [&](const ClipInput& input) {
+        addClip(input, output, joiner, reports);
+        return true;
+    });
+    if (output.finish(reason))
+        return true;
+    reports.fail(output.name(), reason);
+    return false;
+}
+
+} // namespace ql240::cli

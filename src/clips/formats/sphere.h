@@ -1,0 +1,19 @@
+// Distances on the earth's mean sphere (radius by IUGG).
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+
+namespace ql240 {
+
+// The haversine formula, exact enough at any distance. Radians.
+inline double metresOnSphere(double latitudeA, double latitudeB, double longitudeDifference) {
+    constexpr double kEarthRadiusM = 6371008.8;
+    const double sinLatitude = std::sin((latitudeB - latitudeA) / 2);
+    const double sinLongitude = std::sin(longitudeDifference / 2);
+    const double h =
+        sinLatitude * sinLatitude + std::cos(latitudeA) * std::cos(latitudeB) * sinLongitude * sinLongitude;
+    return 2 * kEarthRadiusM * std::asin(std::min(1.0, std::sqrt(h)));
+}
+
+} // namespace ql240

@@ -1,0 +1,233 @@
+// What a clip's record holds, where it says that it stopped, and how records become one track.
+#include <QBuffer>
+#include <QTest>
+#include <QTimeZone>
+
+#include "clips/formats/leap_seconds.h"
+#include "clips/record_reader.h"
+#include "clips/track_joiner.h"
+#include "support/sensor_clips.h"
+
+namespace ql240 {
+namespace {
+
+using namespace madeclips;
+
+ClipContents read(const QByteArray& clip, const char* name = "REC_2013_04_05_21_30_00.mp4") {
+    QBuffer buffer;
+    buffer.setData(clip);
+    buffer.open(QIODevice::ReadOnly);
+    return readClipContents(buffer, QLatin1StringView(name));
+}
+
+QByteArray textClip(const QList<QByteArray>& samples) {
+    Track track;
+    track.handler = track.format = "text";
+    track.durations = {1000};
+    for (const QByteArray& text : samples)
+        track.samples.append(textSample(text));
+    return mp4({track});
+}
+
+QByteArray motionClip(const QList<QByteArray>& samples) {
+    Track track;
+    track.samples = samples;
+    return mp4({track});
+}
+
+QByteArray rmc(const char* time, const char* place = "3724.5,N,12707.5,E") {
+    return sentence(QByteArray("GPRMC,") + time + ",A," + place + ",27.0,359.5,311299,,");
+}
+
+// An AVI file of 60 s with a trailer.
+QByteArray trailerClip(const QByteArray& lines) {
+    const QByteArray strh = "vidsMJPG" + QByteArray(12, '\0') + littleEndian(1, 4) + littleEndian(15, 4) +
+                            littleEndian(0, 4) + littleEndian(900, 4);
+    const QByteArray strl = riffChunk("LIST", "strl" + riffChunk("strh", strh));
+    return riffChunk("RIFF", "AVI " + riffChunk("LIST", "hdrl" + strl)) + "ETKLP1\n" + lines;
+}
+
+QString timesOf(const ClipRecord& record) {
+    QStringList times;
+    for (const RecordedFix& fix : record.fixes) {
+        times << QString::number(fix.timeUs / 1000) + (fix.isValid() ? u' ' : u'!') +
+                     (fix.hasClock() ? clockText(fix.clockMs, record.clock) : QString());
+    }
+    return times.join(u'|');
+}
+
+// "name:t,t,…/t,…": the points of each segment, by their longitudes.
+class NotedTrack final : public TrackWriter {
+public:
+    QString text;
+
+    void beginSegment(const QString& clip, ClipRecord::Clock) override { text += u'/' + clip + u':'; }
+    void addPoint(const RecordedFix& fix) override { text += QString::number(fix.longitude) + u','; }
+    bool finish() override { return true; }
+};
+
+// A fix a second from `second` on by the satellites, its number as longitude; none where that is negative.
+ClipRecord drive(const char* start, std::optional<qint64> second, const QList<double>& places) {
+    ClipRecord record;
+    record.startByName = startByName(QLatin1StringView(start));
+    if (second)
+        record.startBySatellitesMs = *second * 1000;
+    for (qsizetype i = 0; i < places.size(); ++i) {
+        RecordedFix fix;
+        fix.timeUs = i * 1'000'000;
+        if (places[i] >= 0) {
+            fix.latitude = 1;
+            fix.longitude = places[i];
+        }
+        record.fixes.push_back(fix);
+    }
+    return record;
+}
+
+} // namespace
+
+class TestClipRecord : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void leapSeconds_data() {
+        QTest::addColumn<qint64>("gpsSeconds");
+        QTest::addColumn<QString>("utc");
+        QTest::newRow("the first day") << qint64(0) << "1980-01-06T00:00:00";
+        QTest::newRow("the last before 2017") << qint64(1167264016) << "2016-12-31T23:59:59";
+        QTest::newRow("the first of 2017") << qint64(1167264018) << "2017-01-01T00:00:00";
+        QTest::newRow("today") << qint64(1447934418) << "2025-11-23T12:00:00";
+    }
+    void leapSeconds() {
+        QFETCH(qint64, gpsSeconds);
+        const auto utc = QDateTime::fromMSecsSinceEpoch(utcFromGpsMs(gpsSeconds * 1000), QTimeZone::utc());
+        QTEST(utc.toString(QStringLiteral("yyyy-MM-ddThh:mm:ss")), "utc");
+    }
+
+    void startsAndOffset() {
+        const ClipRecord record = read(textClip({"$GPRMC,123000.00,V,,,,,,,050413,,", rmc("235959.25"),
+                                                 rmc("000000.25").replace("311299", "010100").chopped(5)}))
+                                      .record;
+        QCOMPARE(timesOf(record), QString("0!2013-04-05T12:30:00.000Z|1000 1999-12-31T23:59:59.250Z|"
+                                          "2000 2000-01-01T00:00:00.250Z"));
+        QCOMPARE(clockText(record.startByName.toMSecsSinceEpoch(), ClipRecord::Clock::Camera),
+                 QString("2013-04-05T21:30:00.000"));
+        const ClipRecord camera =
+            read(textClip({"$GPRMC,123001.5,A,3724.5,N,12707.5,E,0,0,050413,,"})).record;
+        QCOMPARE(*cameraOffsetMs(camera), qint64(9 * 3600 * 1000 - 1500));
+        QVERIFY(!cameraOffsetMs(read(textClip({rmc("120000")}), "clip.mp4").record));
+    }
+
+    // A receiver's two sentences of a fix are one; what says a thing anew is another.
+    void halvesOfAFix() {
+        const QByteArray gga = "$GPGGA,120000,3724.5,N,12707.5,E,1,08,1.1,30.5,M,,,,\r\n";
+        const ClipRecord record = read(textClip({rmc("120000") + gga, gga + rmc("120001"), gga})).record;
+        QCOMPARE(record.fixes.size(), size_t(3));
+        for (size_t i = 0; i < 2; ++i) {
+            QCOMPARE(record.fixes[i].altitudeM, 30.5);
+            QCOMPARE(record.fixes[i].headingDeg, 359.5);
+        }
+        QVERIFY(std::isnan(record.fixes[2].speedKmh));
+    }
+
+    void trailer_data() {
+        QTest::addColumn<QByteArray>("name");
+        QTest::addColumn<QByteArray>("lines");
+        QTest::addColumn<QString>("times");
+        const QByteArray past = "x$235959,1,2,3,128,0,-64\n$000000,1,2,3,0,0,0\n";
+        QTest::newRow("past midnight") << QByteArray("REC_2013_04_05_23_59_59.avi") << past
+                                       << "0 2013-04-05T23:59:59.000|30050 2013-04-06T00:00:00.000";
+        QTest::newRow("its own day") << QByteArray("clip.avi") << QByteArray("20130405$123000,0,2,3,0,0,0\n")
+                                     << "0!2013-04-05T12:30:00.000";
+        QTest::newRow("begins late") << QByteArray("EVT_2013_04_05_12_30_00.avi")
+                                     << QByteArray("nothing,1,2,3,0,0,0\n") << "30050 ";
+    }
+    void trailer() {
+        QFETCH(QByteArray, name);
+        QFETCH(QByteArray, lines);
+        const ClipContents contents = read(trailerClip(lines), name.constData());
+        QTEST(timesOf(contents.record), "times");
+        QCOMPARE(contents.lengthMs, qint64(60000));
+        QVERIFY(!contents.record.startBySatellitesMs);
+    }
+
+    void whereItStops_data() {
+        QTest::addColumn<QByteArray>("clip");
+        QTest::addColumn<QString>("said");
+        const QByteArray good = gpsBlock({12, 30, 58, 13, 4, 5}, "ANE", 3724.5F, 12707.75F, 10);
+        const QByteArray bad = gpsBlock({12, 30, 59, 13, 4, 5}, "XNE", 3724.5F, 12707.75F, 10);
+        QTest::newRow("block") << gpsIndexClip({good, bad}) << "GPS block 2 at byte 540: no status letter";
+        QTest::newRow("sentence") << textClip({rmc("120000"), rmc("120001").replace("27.0", "27.1")})
+                                  << "text sample 2 at byte 162: wrong checksum";
+        QTest::newRow("motion") << motionClip({motionPlace(1, 1), motionPlace(1, 1).chopped(1)})
+                                << "motion sample 2 at byte 129: record cut short";
+        QByteArray moved = motionClip({motionPlace(1, 1), motionPlace(1, 1)});
+        const auto entry = moved.indexOf("stco") + 16;
+        moved.replace(entry, 4, bigEndian(0x7FFFFFFF, 4));
+        QTest::newRow("chunk")
+            << moved << QStringLiteral("sample 2 at byte %1: no chunk in the file holds it").arg(entry);
+        QTest::newRow("cut file") << mp4({}, {}, box("free", QByteArray(2000, 'x'))).chopped(1234)
+                                  << "\"free\" at byte 216: the file ends 1,234 bytes before it does";
+        QTest::newRow("no index") << box("ftyp", "mp42") + box("mdat", QByteArray(9, 'x'))
+                                  << "no index: the recording wasn't finished";
+    }
+    void whereItStops() {
+        QFETCH(QByteArray, clip);
+        const ClipContents contents = read(clip);
+        QTEST((contents.record.stops + contents.faults).join(u'|'), "said");
+    }
+
+    // All of three hours, where the dashboard stops at 61 s.
+    void threeHours() {
+        Track track;
+        track.samplesPerChunk = 100;
+        for (int i = 0; i < 108000; ++i)
+            track.samples.append(motionPlace(1, i * 1e-6));
+        const ClipRecord record = read(mp4({track})).record;
+        QCOMPARE(record.fixes.size(), size_t(108000));
+        QCOMPARE(record.lengthUs, qint64(10'799'900'000));
+        QVERIFY(record.stops.isEmpty());
+    }
+
+    void joining_data() {
+        QTest::addColumn<QList<ClipRecord>>("clips");
+        QTest::addColumn<QString>("track");
+        QTest::addColumn<qint64>("leftOut");
+        const char* first = "REC_2013_04_05_12_30_00";
+        const char* second = "EVS_2013_04_05_12_30_04";
+        const QList<double> six{0, 1, 2, 3, 4, 5};
+        const QList<double> three{10, 11, 12};
+        const auto row = [](const char* name, const QList<ClipRecord>& clips, const char* track,
+                            int leftOut) {
+            QTest::newRow(name) << clips << QString(track) << qint64(leftOut);
+        };
+        row("one after the other", {drive(first, 100, six), drive(second, 106, three)},
+            "/0:0,1,2,3,4,5,/1:10,11,12,", 0);
+        row("the satellites say that they overlap", {drive(first, 100, six), drive(first, 104, three)},
+            "/0:0,1,2,3,4,5,/1:12,", 2);
+        row("the names say so", {drive(first, {}, six), drive("EVS_2013_04_05_12_30_01", {}, three)},
+            "/0:0,1,2,3,4,5,", 3);
+        row("names are a second rough", {drive(first, {}, six), drive(second, {}, three)},
+            "/0:0,1,2,3,4,5,/1:10,11,12,", 0);
+        row("a lost fix", {drive(first, 100, {0, 1, -1, 3})}, "/0:0,1,/0:3,", 0);
+        ClipRecord tunnel = drive(first, 100, {0, 1, 2, 3});
+        tunnel.fixes[2].timeUs = 32'000'000;
+        tunnel.fixes[3].timeUs = 33'000'000;
+        row("a tunnel without records", {tunnel}, "/0:0,1,/0:2,3,", 0);
+    }
+    void joining() {
+        QFETCH(QList<ClipRecord>, clips);
+        TrackJoiner joiner;
+        NotedTrack track;
+        qint64 leftOut = 0;
+        for (qsizetype i = 0; i < clips.size(); ++i)
+            leftOut += joiner.add(clips[i], QString::number(i), track).leftOut;
+        QTEST(track.text, "track");
+        QTEST(leftOut, "leftOut");
+    }
+};
+
+} // namespace ql240
+
+QTEST_GUILESS_MAIN(ql240::TestClipRecord)
+#include "test_clip_record.moc"
