@@ -5,6 +5,7 @@ set -eu
 cd "$(dirname "$0")"
 
 scripts/bootstrap.sh test
+scripts/check-format
 for preset in dev asan; do
     cmake --preset "$preset" > /dev/null
     cmake --build --preset "$preset"
