@@ -20,7 +20,8 @@ bool TrackOutput::open(QString& reason) {
         return isOpen;
     }
     const QFileInfo info(m_options.output);
-    if (info.exists() && !info.isFile()) {
+    // QSaveFile would follow a link, also one to a file that doesn't exist yet.
+    if (info.isSymLink() || (info.exists() && !info.isFile())) {
         reason = QStringLiteral("no regular file");
     } else if (info.exists() && !m_options.force) {
         reason = QStringLiteral("it exists; --force writes over it");
@@ -44,7 +45,8 @@ bool TrackOutput::finish(QString& reason) {
     const bool isWritten = m_writer->finish() && m_device->flush();
     auto* const file = qobject_cast<QSaveFile*>(m_device.get());
     // Without --force a file that has come meanwhile stays as well.
-    const bool isFree = m_options.force || !QFileInfo::exists(m_options.output);
+    const QFileInfo info(m_options.output);
+    const bool isFree = !info.isSymLink() && (m_options.force || !info.exists());
     if (isWritten && (!file || (isFree && file->commit())))
         return true;
     reason =

@@ -85,6 +85,7 @@ private Q_SLOTS:
         put("mute.mp4", mp4({}));
         put("quiet.mp4", textless());
         put("old.gpx", "old");
+        QVERIFY(QFile::link("outside.gpx", "link.gpx"));
     }
 
     void endings_data() {
@@ -119,6 +120,7 @@ private Q_SLOTS:
         row("track -o nowhere/a.gpx card", 1, "ql240-clip: nowhere/a.gpx: No such file or directory\n");
         row("track -o none.gpx mute.mp4", 1, "ql240-clip: mute.mp4: no position in it\n");
         row("track -f csv -o /dev/null --force card", 1, "ql240-clip: /dev/null: no regular file\n");
+        row("track -o link.gpx --force card", 1, "ql240-clip: link.gpx: no regular file\n");
     }
     void endings() {
         QFETCH(QString, arguments);

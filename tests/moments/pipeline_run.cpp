@@ -200,7 +200,7 @@ void PipelineRun::check(bool navigated) {
     const qint64 reached = m_positionMs + m_since.elapsed() + 100;
     if (row != m_row && !navigated && reached < kClipMs)
         fail(QStringLiteral("clip %1 was left at %2 by itself").arg(m_row).arg(m_positionMs));
-    m_wasPlaying |= window()->isPlaying();
+    m_wasPlaying |= window()->isPlaying() || row != m_row; // a clip that is opened plays
     if (window()->isPlaying())
         checkPlaying();
     else
