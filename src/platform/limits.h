@@ -65,6 +65,9 @@ inline constexpr std::int64_t kOpeningBytes = 24 * 1024 * 1024;
 // demuxer takes 60 bytes for each.
 inline constexpr std::uint64_t kClipSamples = 2'000'000;
 
+// An index has one, and one more for each fragment: 27 hours of half a second each.
+inline constexpr std::size_t kIndexBoxes = 200'000;
+
 // 16 KiB for a track's sample description, which has a few hundred bytes. The demuxer recurses into its
 // boxes.
 inline constexpr std::size_t kSampleEntryBytes = 16 * 1024;
@@ -106,7 +109,7 @@ inline constexpr std::size_t kGpsBlockBytes = 4096;
 // An NMEA sentence has at most 82 characters; recorders put a time and more numbers before it.
 inline constexpr std::ptrdiff_t kSensorLine = 1024;
 
-// Cameras write five tracks at most.
+// Cameras write five tracks at most. The demuxer takes longer for each than for the one before.
 inline constexpr std::size_t kTracks = 64;
 
 // One of them holds the log; some writers add others as padding.

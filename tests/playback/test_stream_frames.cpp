@@ -1,5 +1,6 @@
 // Frames on the pipeline's threads: which one a clipper lets through, and that a slot never turns back.
 #include <QTest>
+#include <QtEndian>
 
 #include <memory>
 #include <vector>
@@ -9,6 +10,7 @@
 #include "platform/gstreamer/frame_allocator.h"
 #include "platform/gstreamer/frame_clipper.h"
 #include "platform/gstreamer/frame_slot.h"
+#include "platform/gstreamer/index_guard.h"
 #include "platform/gstreamer/picture_gate.h"
 #include "platform/gstreamer/yuy2_packer.h"
 #include "platform/limits.h"
@@ -239,6 +241,31 @@ private Q_SLOTS:
     }
 
     // The window changes its size while a frame is converted and the next one waits.
+    // In whichever order the splitter reads the index: its end first, a header alone, the same box twice.
+    void indexIsCountedWhereverItStands() {
+        const auto box = [](const char* name, const QByteArray& body) {
+            QByteArray head(4, '\0');
+            qToBigEndian(quint32(8 + body.size()), head.data());
+            return head + name + body;
+        };
+        QByteArray run(12, '\0');
+        qToBigEndian(quint32(ql240::limits::kClipSamples / 2 + 1), run.data() + 4);
+        const QByteArray fragment = box("moof", box("traf", box("trun", run)));
+        const QByteArray track = box("trak", box("tkhd", QByteArray(4, '\0')));
+        QByteArray index = box("moov", track.repeated(qsizetype(ql240::limits::kTracks) + 10));
+        IndexGuard guard;
+        const auto tidy = [&guard](std::uint64_t place, QByteArray bytes, qsizetype size) {
+            return guard.tidy(place, {reinterpret_cast<std::uint8_t*>(bytes.data()), std::size_t(size)});
+        };
+        QVERIFY(guard.tidy(1'000'000,
+                           {reinterpret_cast<std::uint8_t*>(index.data()), std::size_t(index.size())}));
+        QCOMPARE(std::size_t(index.count("trak")), ql240::limits::kTracks);
+        QVERIFY(tidy(100, fragment, 16));
+        QVERIFY(tidy(100, fragment, fragment.size()));
+        QVERIFY(tidy(100, fragment, fragment.size()));
+        QVERIFY(!tidy(500, fragment, fragment.size()));
+    }
+
     void newerPictureStays() {
         const auto target = [](int width) {
             return PictureTarget{QSize(width, 1080), QRect(0, 0, width, 1080)};

@@ -62,21 +62,23 @@ bool IndexGuard::tidy(std::uint64_t place, Bytes box) {
     const std::uint32_t name = numberAt(box, 4);
     if (!holdsBoxes(name))
         return true;
-    const std::uint64_t end = place + box.size();
-    const bool isNew = end > m_counted; // a header may have been read alone before
-    m_counted = std::max(m_counted, end);
-    return tidyWithin(name, box.subspan(kHeader), isNew);
+    std::size_t& counted = m_counted[place];
+    const bool isNew = box.size() > counted; // a header may have been read alone before
+    counted = std::max(counted, box.size());
+    return m_counted.size() <= limits::kIndexBoxes && tidyWithin(name, box.subspan(kHeader), isNew);
 }
 
 // The splitter too ends at a length that doesn't fit.
 bool IndexGuard::tidyWithin(std::uint32_t parent, Bytes boxes, bool isNew) {
+    std::size_t tracks = 0;
     while (boxes.size() >= kHeader) {
         const std::uint32_t size = numberAt(boxes, 0);
         if (size < kHeader || size > boxes.size())
             return true;
         const Bytes box = boxes.first(size);
         const std::uint32_t name = numberAt(box, 4);
-        if (!isKnown(parent, name))
+        const bool isSpare = name == tag("trak") && ++tracks > limits::kTracks;
+        if (!isKnown(parent, name) || isSpare)
             qToBigEndian(tag("free"), box.data() + 4);
         else if (holdsBoxes(name) ? !tidyWithin(name, box.subspan(kHeader), isNew) : !fits(name, box, isNew))
             return false;

@@ -3,7 +3,9 @@
 // makes room for samples that no table is there for. On the splitter's thread.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <map>
 #include <span>
 
 namespace ql240::gstreamer {
@@ -20,7 +22,7 @@ private:
     bool tidyWithin(std::uint32_t parent, Bytes boxes, bool isNew);
     bool fits(std::uint32_t name, Bytes box, bool isNew);
 
-    std::uint64_t m_counted = 0; // of the file: up to there its samples are
+    std::map<std::uint64_t, std::size_t> m_counted; // by a box's place: how much of it
     std::uint64_t m_samples = 0;
 };
 
