@@ -41,10 +41,7 @@ public:
     // In order of time; those whose time nobody knows come last.
     const std::vector<Event>& sorted() {
         const auto key = [this](const Event& event) {
-            if (event.utcMs)
-                return *event.utcMs;
-            return event.cameraMs ? *event.cameraMs - m_cameraOffsetMs.value_or(0)
-                                  : std::numeric_limits<std::int64_t>::max();
+            return timeOrder(event.utcMs, event.cameraMs, m_cameraOffsetMs);
         };
         std::stable_sort(m_events.begin(), m_events.end(),
                          [&](const Event& a, const Event& b) { return key(a) < key(b); });

@@ -3,6 +3,7 @@
 #include "cli/clip_input.h"
 #include "cli/commands.h"
 #include "cli/track_output.h"
+#include "clips/clip_name.h"
 #include "clips/track_joiner.h"
 
 namespace ql240::cli {
@@ -36,17 +37,16 @@ QStringList inOrderOfTime(const QStringList& names) {
     std::vector<Start> starts;
     bool allSayIt = true;
     for (const QString& name : names) {
-        const QDateTime byName = startByName(name.section(u'/', -1));
+        const QDateTime byName = clipStart(name.section(u'/', -1));
         allSayIt = allSayIt && byName.isValid();
         starts.push_back({name, {}, {}});
         if (byName.isValid())
             starts.back().cameraMs = byName.toMSecsSinceEpoch();
     }
     const bool canAsk = !allSayIt && !names.contains(QStringLiteral("-"));
-    const std::int64_t offsetMs = canAsk ? askClips(starts).value_or(0) : 0;
+    const std::optional<std::int64_t> offsetMs = canAsk ? askClips(starts) : std::nullopt;
     const auto key = [offsetMs](const Start& start) {
-        const std::int64_t never = std::numeric_limits<std::int64_t>::max();
-        return start.utcMs.value_or(start.cameraMs ? *start.cameraMs - offsetMs : never);
+        return timeOrder(start.utcMs, start.cameraMs, offsetMs);
     };
     std::stable_sort(starts.begin(), starts.end(),
                      [&key](const Start& a, const Start& b) { return key(a) < key(b); });

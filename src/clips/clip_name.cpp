@@ -1,5 +1,7 @@
 #include "clips/clip_name.h"
 
+#include <QTimeZone>
+
 namespace ql240 {
 
 QString clipDateText(const QString& fileName) {
@@ -13,7 +15,9 @@ QString clipDateText(const QString& fileName) {
 }
 
 QDateTime clipStart(const QString& fileName) {
-    return QDateTime::fromString(fileName.mid(4, 19), QStringLiteral("yyyy_MM_dd_hh_mm_ss"));
+    const QDate date = QDate::fromString(fileName.mid(4, 10), QStringLiteral("yyyy_MM_dd"));
+    const QTime time = QTime::fromString(fileName.mid(14, 9), QStringLiteral("_hh_mm_ss"));
+    return date.isValid() && time.isValid() ? QDateTime(date, time, QTimeZone::utc()) : QDateTime();
 }
 
 } // namespace ql240

@@ -1,6 +1,7 @@
 #include "clips/clip_record.h"
 
 #include <algorithm>
+#include <limits>
 #include <numbers>
 
 #include "clips/formats/sphere.h"
@@ -21,6 +22,13 @@ std::optional<std::int64_t> cameraOffsetMs(const ClipRecord& record) {
     if (!record.startByName.isValid() || !record.startBySatellitesMs)
         return std::nullopt;
     return record.startByName.toMSecsSinceEpoch() - *record.startBySatellitesMs;
+}
+
+std::int64_t timeOrder(std::optional<std::int64_t> utcMs, std::optional<std::int64_t> cameraMs,
+                       std::optional<std::int64_t> cameraOffsetMs) {
+    if (utcMs)
+        return *utcMs;
+    return cameraMs ? *cameraMs - cameraOffsetMs.value_or(0) : std::numeric_limits<std::int64_t>::max();
 }
 
 double metresBetween(const RecordedFix& a, const RecordedFix& b) {

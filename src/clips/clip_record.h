@@ -62,6 +62,11 @@ struct ClipRecord {
 // The camera's time less UTC; nothing unless the clip has both starts. Names say whole seconds.
 std::optional<std::int64_t> cameraOffsetMs(const ClipRecord& record);
 
+// The key that puts clips and their moments in order of time: by the satellites' clock, else by the camera's
+// less its offset. What has neither comes last.
+std::int64_t timeOrder(std::optional<std::int64_t> utcMs, std::optional<std::int64_t> cameraMs,
+                       std::optional<std::int64_t> cameraOffsetMs);
+
 // Both valid; along the earth's mean sphere.
 double metresBetween(const RecordedFix& a, const RecordedFix& b);
 

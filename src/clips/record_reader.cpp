@@ -4,6 +4,7 @@
 #include <QTimeZone>
 #include <algorithm>
 
+#include "clips/clip_name.h"
 #include "clips/formats/record_collector.h"
 #include "clips/formats/sensor_formats.h"
 #include "clips/formats/trailer.h"
@@ -163,15 +164,9 @@ bool isMp4(ByteSource& source) {
 
 } // namespace
 
-QDateTime startByName(const QString& fileName) {
-    const QDate date = QDate::fromString(fileName.mid(4, 10), QStringLiteral("yyyy_MM_dd"));
-    const QTime time = QTime::fromString(fileName.mid(14, 9), QStringLiteral("_hh_mm_ss"));
-    return date.isValid() && time.isValid() ? QDateTime(date, time, QTimeZone::utc()) : QDateTime();
-}
-
 ClipContents readClipContents(QIODevice& device, const QString& fileName, RecordPart part) {
     ClipContents contents;
-    contents.record.startByName = startByName(fileName);
+    contents.record.startByName = clipStart(fileName);
     ByteSource source(device, {limits::kRecordBytes, limits::kRecordReads});
     const ClipLayout layout = readClipLayout(source);
     if (layout.isRiff || isMp4(source)) {

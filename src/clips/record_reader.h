@@ -22,10 +22,6 @@ struct ClipContents {
 
 enum class RecordPart { Fixes, FixesAndAccelerations };
 
-// As the camera's clock showed it, whatever zone this is, as if it were UTC; invalid where the name (without
-// folder) has no time stamp.
-QDateTime startByName(const QString& fileName);
-
 // `device` is open and seekable. `fileName` (without folder) says when the clip began and what kind it is.
 ClipContents readClipContents(QIODevice& device, const QString& fileName,
                               RecordPart part = RecordPart::FixesAndAccelerations);

@@ -3,6 +3,7 @@
 #include <QTest>
 #include <QTimeZone>
 
+#include "clips/clip_name.h"
 #include "clips/formats/leap_seconds.h"
 #include "clips/record_reader.h"
 #include "clips/track_joiner.h"
@@ -69,7 +70,7 @@ public:
 // A fix a second from `second` on by the satellites, its number as longitude; none where that is negative.
 ClipRecord drive(const char* start, std::optional<qint64> second, const QList<double>& places) {
     ClipRecord record;
-    record.startByName = startByName(QLatin1StringView(start));
+    record.startByName = clipStart(QLatin1StringView(start));
     if (second)
         record.startBySatellitesMs = *second * 1000;
     for (qsizetype i = 0; i < places.size(); ++i) {
