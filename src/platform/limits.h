@@ -13,6 +13,8 @@ namespace ql240::limits {
 inline constexpr std::int64_t kVersionFileBytes = 64 * 1024;
 // 64 KiB: the camera's own "setting.dat" has about 600 bytes.
 inline constexpr std::int64_t kSettingFileBytes = 64 * 1024;
+// 64 MiB: a picture for the camera's screen has less than one.
+inline constexpr std::int64_t kScreenSaverBytes = 64 * 1024 * 1024;
 // The maximum of a folder on a FAT volume.
 inline constexpr int kFolderEntries = 65536;
 
@@ -31,6 +33,11 @@ inline constexpr std::int64_t kPicturePixels = 64 * 1024 * 1024;
 constexpr bool isPictureTooLarge(std::int64_t width, std::int64_t height) {
     return width < 0 || height < 0 || (height > 0 && width > kPicturePixels / height);
 }
+
+// 1.5 Gi pixels that a decoder goes over for one piece: each slice or scan can make it go over the whole
+// picture, which takes a second for one thousand million. 3,840 x 2,160 may have 190 slices, one for each row
+// of blocks is 135.
+inline constexpr std::int64_t kPassedPixels = std::int64_t(1536) * 1024 * 1024;
 
 // 16 MiB for one sample or index read at once: an uncompressed picture of 3,840 x 2,160 has 12 MB, the index
 // of three hours 15 MB.
@@ -71,6 +78,13 @@ inline constexpr std::size_t kIndexBoxes = 200'000;
 // 16 KiB for a track's sample description, which has a few hundred bytes. The demuxer recurses into its
 // boxes.
 inline constexpr std::size_t kSampleEntryBytes = 16 * 1024;
+
+// Sound from telephones' 8 kHz to the 192 kHz of studios, with room to spare; an output for a device of
+// another rate takes memory by the ratio of the two.
+inline constexpr int kSlowestSound = 4000;
+inline constexpr int kFastestSound = 384'000;
+// 7.1 is the most that a recorder writes.
+inline constexpr int kSoundChannels = 8;
 
 // --- Sensor data ---
 

@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/limits.h"
 #include "platform/logging.h"
 #include "settings/card.h"
 #include "settings/device_settings.h"
@@ -79,8 +80,9 @@ CardFile openPicture(const QString& picture, Drives* drives) {
 bool copy(CardFile& from, CardFile& to) {
     std::vector<char> piece(64 * 1024);
     ssize_t count = 0;
+    std::int64_t left = limits::kScreenSaverBytes;
     while ((count = from.read(piece.data(), piece.size())) > 0)
-        if (!to.write(piece.data(), count))
+        if ((left -= count) < 0 || !to.write(piece.data(), count))
             return false;
     return count == 0;
 }

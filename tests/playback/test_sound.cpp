@@ -6,6 +6,7 @@
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <QtEndian>
 
 #include <fcntl.h>
 #include <signal.h>
@@ -18,6 +19,7 @@
 #include "clips/clip.h"
 #include "platform/gstreamer/gst_media_platform.h"
 #include "platform/host.h"
+#include "platform/limits.h"
 #include "platform/wave_out.h"
 #include "playback/video_view.h"
 #include "playback/widget_volume.h"
@@ -225,6 +227,25 @@ private Q_SLOTS:
         // Without a server the next clip plays in silence.
         QVERIFY(played.play());
         QTRY_VERIFY_WITH_TIMEOUT(player.positionMs() > 500, kPatienceMs);
+    }
+
+    // At 1 Hz the conversion for a device of 48 kHz takes 58 GB.
+    void soundOfNoCommonRateIsSilent() {
+        TestClipSpec spec = longClip(aviTestClip());
+        QFile clip(makeTestClip(spec));
+        QVERIFY(clip.open(QIODevice::ReadOnly));
+        QByteArray bytes = clip.readAll();
+        const qsizetype format = bytes.indexOf("strf", bytes.indexOf("auds")) + 8;
+        qToLittleEndian(quint32(limits::kSlowestSound - 1), bytes.data() + format + 4);
+        QTemporaryDir folder;
+        QFile slow(folder.filePath(QStringLiteral("slow.avi")));
+        QVERIFY(slow.open(QIODevice::WriteOnly) && slow.write(bytes) == bytes.size());
+        slow.close();
+        const Clip opened{QFileInfo(slow)};
+        VideoView view;
+        QVERIFY(view.openClip(&opened) && view.player()->play());
+        QTRY_VERIFY_WITH_TIMEOUT(view.player()->positionMs() > 1500, kPatienceMs);
+        QCOMPARE(m_server->loudestSample(), 0);
     }
 
     // Whatever is done with the clip while the server stands still, and afterwards.

@@ -145,6 +145,17 @@ private Q_SLOTS:
         QCOMPARE(stream.clipper.starvedAtEnd(), 2000 * GST_MSECOND);
     }
 
+    // One to either side of the last that was let through is where a pause may find the clip.
+    void isOffByMoreThanOneFrame() {
+        ClippedStream stream;
+        stream.beginAt(0, 3000, 0);
+        for (int begin = 0; begin < 500; begin += 100)
+            stream.decode(begin);
+        for (int ms = 0; ms < 1000; ms += 100)
+            QCOMPARE(stream.clipper.isOff(static_cast<GstClockTime>(ms) * GST_MSECOND + 50),
+                     ms < 300 || ms >= 600);
+    }
+
     void tooLargePicturesAreRefused() {
         const QByteArray line = QByteArray(
                                     "appsrc name=in caps=video/x-raw,format=I420,width=16000,height=16000,"
@@ -205,6 +216,15 @@ private Q_SLOTS:
             sized(slice, 8), false);
         row("hvc1, large in the head", hvc + sized(wide, 4), sized("2601af", 8), false);
         row("hvc1, small in the head", hvc + sized(narrow, 4), sized("2601af", 8), true);
+        const QByteArray picture = "ffd8ffc0000b0810e01c2001011100"; // 7,200 x 4,320
+        const QByteArray scan = "ffda0008010100003f00";
+        row("JPEG of 51 scans", "image/jpeg", picture + scan.repeated(51), true);
+        row("JPEG of 52 scans", "image/jpeg", picture + scan.repeated(52), false);
+        row("H.264 of 500 slices", h264, start + small + (start + slice).repeated(500), true);
+        row("H.264 of 9000 slices", h264, start + small + (start + slice).repeated(9000), false);
+        row("avc of 9000 slices", avc + "ffe1" + sized(small, 4) + "00", sized(slice, 8).repeated(9000),
+            false);
+        row("hvc1 of 9000 slices", hvc + sized(narrow, 4), sized("2601af", 8).repeated(9000), false);
         row("hvc1, large", hvc + sized(narrow, 4), sized("2601af", 8) + sized(wide, 8), false);
     }
 
@@ -264,6 +284,14 @@ private Q_SLOTS:
         QVERIFY(tidy(100, fragment, fragment.size()));
         QVERIFY(tidy(100, fragment, fragment.size()));
         QVERIFY(!tidy(500, fragment, fragment.size()));
+
+        // Raw sound has no table of sizes.
+        QByteArray chunks(8, '\0');
+        qToBigEndian(quint32(ql240::limits::kClipSamples + 1), chunks.data() + 4);
+        const QByteArray sound =
+            box("moov", box("trak", box("mdia", box("minf", box("stbl", box("stco", chunks))))));
+        guard = IndexGuard();
+        QVERIFY(!tidy(100, sound, sound.size()));
     }
 
     void newerPictureStays() {

@@ -26,7 +26,7 @@ struct FakeStreams final : Streams {
     bool areInStepAt(std::int64_t position) const override {
         return lastGone == QStringLiteral("seek %1").arg(position);
     }
-    bool lagBehind(std::int64_t position) const override { return position - picture > 10; }
+    bool areOff(std::int64_t position) const override { return std::abs(position - picture) > 10; }
     Sent note(const char* what, std::int64_t target, bool accepted) {
         if (!accepted)
             return {Answer::Refused, 0};
@@ -40,7 +40,7 @@ struct FakeStreams final : Streams {
     std::int64_t lastPicture = -1; // where a stream has ended
     std::int64_t playedTo = 0;
     std::int64_t lateStopBy = 0; // how far time goes on while they stop
-    std::int64_t picture = 1000;
+    std::int64_t picture = 1000; // on display
     QStringList log;
     QString stood;
     QString lastGone;
@@ -122,12 +122,13 @@ private Q_SLOTS:
         }
     }
 
-    // The streams held a picture from far before the position; a seek in between has its own.
-    void latePictureIsMadeUpForAtAPause() {
-        for (const bool sought : {false, true}) {
+    // The streams hold a picture from far before the position, or behind it; a seek in between has its own.
+    void strayPictureIsMadeUpForAtAPause() {
+        for (const auto& [picture, sought] : {std::pair(600, false), {600, true}, {660, false}}) {
             Paused clip;
             clip.transport.setState(GraphState::Running);
-            clip.streams.playedTo = clip.streams.picture = 600;
+            clip.streams.picture = picture;
+            clip.streams.playedTo = 600;
             clip.streams.pauseIsAwaited = true;
             clip.streams.log.clear();
             clip.streams.playedTo = 640;
@@ -137,7 +138,7 @@ private Q_SLOTS:
             clip.arrive();
             QCOMPARE(clip.transport.position(), sought ? 700 : 640);
             QCOMPARE(clip.streams.log, QStringList({"pause", sought ? "seek 700" : "seek 640"}));
-            clip.streams.picture = 700;
+            clip.streams.picture = sought ? 700 : 640;
             clip.arrive();
             QVERIFY(clip.transport.isSettled());
         }

@@ -106,9 +106,7 @@ private Q_SLOTS:
         m_longestTurn = qMax(m_longestTurn, turns.longestMs());
         const auto adjustment = readCardAdjustment(host().drives);
         const auto model = cardVersionText(host().drives);
-        const bool isGiant = part == Trapped::Files && trap == int(traps().size()) - 1;
-        for (const QString& drive :
-             isGiant ? QStringList() : QStringList{other.path(QStringLiteral("card")), made.card.drive()})
+        for (const QString& drive : {other.path(QStringLiteral("card")), made.card.drive()})
             copyScreenSaver(drive + QStringLiteral("/chosen.bin"), made.card.drive(), host().drives);
         copyScreenSaver(other.path(QStringLiteral("picture.bin")), made.card.drive(), host().drives);
 

@@ -5,6 +5,7 @@
 #include "platform/gstreamer/c_border.h"
 #include "platform/gstreamer/codec_table.h"
 #include "platform/gstreamer/queue_limits.h"
+#include "platform/limits.h"
 
 namespace ql240::gstreamer {
 
@@ -22,6 +23,16 @@ void endUnlessPrerolled(GstElement* queue, gpointer) {
     GstObject* pipeline = GST_OBJECT_PARENT(queue);
     if (pipeline && GST_STATE_RETURN(pipeline) == GST_STATE_CHANGE_ASYNC)
         GST_ELEMENT_ERROR(queue, STREAM, FAILED, (nullptr), (nullptr));
+}
+
+// Everything else is played in silence.
+bool canBeHeard(const GstCaps* caps) {
+    const GstStructure* sound = gst_caps_get_structure(caps, 0);
+    gint rate = 0;
+    gint channels = 0;
+    return gst_structure_get_int(sound, "rate", &rate) &&
+           gst_structure_get_int(sound, "channels", &channels) && rate >= limits::kSlowestSound &&
+           rate <= limits::kFastestSound && channels >= 1 && channels <= limits::kSoundChannels;
 }
 
 } // namespace
@@ -85,7 +96,7 @@ void AudioRenderer::eventArrived(GstEvent* event) {
         case GST_EVENT_CAPS: {
             GstCaps* caps = nullptr;
             gst_event_parse_caps(event, &caps);
-            m_caps = share(caps);
+            m_caps = canBeHeard(caps) ? share(caps) : nullptr;
             break;
         }
         case GST_EVENT_SEGMENT:

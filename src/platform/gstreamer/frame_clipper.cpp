@@ -18,6 +18,8 @@ constexpr GstClockTime kFarthest = 2 * GST_SECOND;
 constexpr GstClockTime kLastFrame = GST_SECOND;
 // Of a frame that doesn't say.
 constexpr GstClockTime kUsualFrame = GST_SECOND / 15;
+// Of a position.
+constexpr GstClockTime kRounding = GST_USECOND;
 
 GstClockTime durationOf(GstBuffer* frame) {
     return GST_BUFFER_DURATION_IS_VALID(frame) ? GST_BUFFER_DURATION(frame) : kUsualFrame;
@@ -120,6 +122,7 @@ void FrameClipper::reset() {
     m_row.clear();
     m_shown.reset();
     m_nextOver.reset();
+    m_last = m_beforeLast = 0;
     m_framePassed = false;
     m_hasSegment = false;
     m_ended = false;
@@ -168,6 +171,7 @@ GstPadProbeReturn FrameClipper::handleFrame(GstPadProbeInfo* info) {
     if (m_framePassed) {
         m_row.clear();
         m_nextOver = GST_BUFFER_PTS(frame) + 2 * durationOf(frame);
+        m_beforeLast = std::exchange(m_last, GST_BUFFER_PTS(frame));
         return GST_PAD_PROBE_OK;
     }
     m_row.add(share(frame), m_cut);
@@ -224,9 +228,12 @@ GstClockTime FrameClipper::stampOf(GstClockTime ns) const {
     return ns + m_segment.start - m_segment.time;
 }
 
-bool FrameClipper::lagsBehind(GstClockTime ns) {
+bool FrameClipper::isOff(GstClockTime ns) {
     const std::scoped_lock lock(m_mutex);
-    return m_nextOver && !m_ended && *m_nextOver <= stampOf(ns);
+    if (!m_nextOver || m_ended)
+        return false;
+    const GstClockTime stamp = stampOf(ns);
+    return *m_nextOver <= stamp || m_beforeLast > stamp + kRounding;
 }
 
 bool FrameClipper::canMoveTo(GstClockTime ns) {

@@ -29,9 +29,9 @@ public:
     // otherwise. Any thread.
     std::int64_t starvedAtEnd() const { return m_starvedAtEnd; }
 
-    // Whether the last frame that playing let through, and the next one too, end before `ns`. Interface
-    // thread.
-    bool lagsBehind(GstClockTime ns);
+    // Whether the last frame that playing let through, and the next one too, end before `ns`, or the one
+    // before it begins later already. Interface thread.
+    bool isOff(GstClockTime ns);
 
     // Interface thread, while the clip is paused after a seek that has settled. Whether the frame at `ns` can
     // be had without a seek, soon; then beginMove takes the picture off the screen and returns the clipper's
@@ -75,6 +75,8 @@ private:
     FrameRow m_row;            // since the last seek; empty as soon as time goes on
     std::optional<FrameRow::Shown> m_shown;
     std::optional<GstClockTime> m_nextOver; // when the frame after the last that playing let through ends
+    GstClockTime m_last = 0;                // when that last one begins,
+    GstClockTime m_beforeLast = 0;          // and the one before it
     bool m_hasSegment = false;
     bool m_framePassed = false;
     bool m_ended = false;

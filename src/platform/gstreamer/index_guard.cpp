@@ -90,13 +90,17 @@ bool IndexGuard::tidyWithin(std::uint32_t parent, Bytes boxes, bool isNew) {
 bool IndexGuard::fits(std::uint32_t name, Bytes box, bool isNew) {
     constexpr std::size_t kSizesCount = 16;
     constexpr std::size_t kRunCount = 12;
+    constexpr std::size_t kChunksCount = 12;
     if (name == tag("stsd"))
         return box.size() <= limits::kSampleEntryBytes;
     if (isNew && (name == tag("stsz") || name == tag("stz2")))
         m_samples += numberAt(box, kSizesCount);
     if (isNew && name == tag("trun"))
         m_samples += numberAt(box, kRunCount);
-    return m_samples <= limits::kClipSamples;
+    // Of raw sound each chunk becomes a sample.
+    if (isNew && (name == tag("stco") || name == tag("co64")))
+        m_chunks += numberAt(box, kChunksCount);
+    return m_samples <= limits::kClipSamples && m_chunks <= limits::kClipSamples;
 }
 
 } // namespace ql240::gstreamer

@@ -24,6 +24,7 @@ private:
 
     std::map<std::uint64_t, std::size_t> m_counted; // by a box's place: how much of it
     std::uint64_t m_samples = 0;
+    std::uint64_t m_chunks = 0;
 };
 
 } // namespace ql240::gstreamer

@@ -1,4 +1,4 @@
-// The size that a JPEG picture says of itself. Any thread.
+// The sizes that JPEG pictures say of themselves. Any thread.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,8 @@
 
 namespace ql240::gstreamer {
 
-// Width by height; the most where a buffer holds several pictures, as the two fields of one do.
-std::int64_t jpegPixels(GstBuffer* buffer);
+// Whether a picture in the buffer is too large, or has too many scans for its size. The two fields of one are
+// two pictures.
+bool isJpegTooLarge(GstBuffer* buffer);
 
 } // namespace ql240::gstreamer

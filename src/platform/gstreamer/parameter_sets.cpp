@@ -115,7 +115,14 @@ void skipOrder(Bits& bits) {
         bits.difference();
 }
 
-bool isH264TooLarge(Bits bits) {
+// 0 if they can't be read; more than any picture may have counts as one more than that.
+std::int64_t pixelsOf(std::int64_t width, std::int64_t height, const Bits& bits) {
+    if (bits.isOver())
+        return 0;
+    return limits::isPictureTooLarge(width, height) ? limits::kPicturePixels + 1 : width * height;
+}
+
+std::int64_t h264Pixels(Bits bits) {
     constexpr std::int64_t kBlock = 16;
     const std::uint32_t profile = bits.take(8);
     bits.skip(16);
@@ -129,7 +136,7 @@ bool isH264TooLarge(Bits bits) {
     const std::int64_t width = kBlock * (std::int64_t(bits.number()) + 1);
     const std::int64_t height = kBlock * (std::int64_t(bits.number()) + 1);
     const bool hasFields = !bits.take(1);
-    return !bits.isOver() && limits::isPictureTooLarge(width, hasFields ? 2 * height : height);
+    return pixelsOf(width, hasFields ? 2 * height : height, bits);
 }
 
 void skipLayers(Bits& bits, std::uint32_t more) {
@@ -144,7 +151,7 @@ void skipLayers(Bits& bits, std::uint32_t more) {
         bits.skip((said[i] & 2U ? kProfile : 0) + (said[i] & 1U ? kLevel : 0));
 }
 
-bool isH265TooLarge(Bits bits) {
+std::int64_t h265Pixels(Bits bits) {
     bits.skip(4);
     const std::uint32_t moreLayers = bits.take(3);
     bits.skip(1);
@@ -154,7 +161,7 @@ bool isH265TooLarge(Bits bits) {
         bits.skip(1);
     const std::int64_t width = bits.number();
     const std::int64_t height = bits.number();
-    return !bits.isOver() && limits::isPictureTooLarge(width, height);
+    return pixelsOf(width, height, bits);
 }
 
 // False at the end, or where there is less than the length says.
@@ -175,14 +182,27 @@ bool takeSized(Bytes& bytes, int lengthBytes, Bytes& unit) {
 } // namespace
 
 // A decoder that can't make sense of an H.264 set reads it as if nothing in it were escaped.
-bool ParameterSets::isUnitTooLarge(Bytes unit) const {
-    if (m_codec == ParameterCodec::H264)
-        return unit.size() > 1 && (unit[0] & 0x1FU) == 7 &&
-               (isH264TooLarge(Bits(unit.subspan(1), true)) || isH264TooLarge(Bits(unit.subspan(1), false)));
-    return unit.size() > 2 && (unit[0] >> 1 & 0x3FU) == 33 && isH265TooLarge(Bits(unit.subspan(2), true));
+bool ParameterSets::isUnitTooLarge(Bytes unit) {
+    const std::size_t head = m_codec == ParameterCodec::H264 ? 1 : 2;
+    if (unit.size() <= head)
+        return false;
+    if (isSlice(unit))
+        ++m_slices;
+    const Bytes set = unit.subspan(head);
+    if (m_codec == ParameterCodec::H264 && (unit[0] & 0x1FU) == 7)
+        m_pixels = std::max({m_pixels, h264Pixels(Bits(set, true)), h264Pixels(Bits(set, false))});
+    else if (m_codec == ParameterCodec::H265 && (unit[0] >> 1 & 0x3FU) == 33)
+        m_pixels = std::max(m_pixels, h265Pixels(Bits(set, true)));
+    return m_pixels > limits::kPicturePixels || m_slices * m_pixels > limits::kPassedPixels;
 }
 
-bool ParameterSets::areStartedTooLarge(Bytes bytes) const {
+bool ParameterSets::isSlice(Bytes unit) const {
+    const auto kind = m_codec == ParameterCodec::H264 ? unit[0] & 0x1FU : unit[0] >> 1 & 0x3FU;
+    return m_codec == ParameterCodec::H264 ? (kind >= 1 && kind <= 5) || kind == 20 : kind < 32;
+}
+
+bool ParameterSets::areStartedTooLarge(Bytes bytes) {
+    m_slices = 0;
     for (auto at = bytes.begin(); (at = std::find(at, bytes.end(), 1)) != bytes.end(); ++at) {
         const std::ptrdiff_t before = at - bytes.begin();
         if (before >= 2 && at[-1] == 0 && at[-2] == 0 && isUnitTooLarge({at + 1, bytes.end()}))
@@ -192,7 +212,8 @@ bool ParameterSets::areStartedTooLarge(Bytes bytes) const {
 }
 
 // Takes what it has read off `bytes`.
-bool ParameterSets::areSizedTooLarge(Bytes& bytes, int lengthBytes, std::size_t count) const {
+bool ParameterSets::areSizedTooLarge(Bytes& bytes, int lengthBytes, std::size_t count) {
+    m_slices = 0;
     Bytes unit;
     for (std::size_t i = 0; i < count && takeSized(bytes, lengthBytes, unit); ++i) {
         if (isUnitTooLarge(unit))
@@ -202,7 +223,7 @@ bool ParameterSets::areSizedTooLarge(Bytes& bytes, int lengthBytes, std::size_t 
 }
 
 // Each list has its number of units ahead.
-bool ParameterSets::areListsTooLarge(Bytes head) const {
+bool ParameterSets::areListsTooLarge(Bytes head) {
     const bool isAvc = m_codec == ParameterCodec::H264;
     Bytes rest = head.subspan(isAvc ? kAvcLists : kHevcLists + 1);
     const int lists = isAvc ? 2 : head[kHevcLists];
@@ -230,7 +251,7 @@ bool ParameterSets::isHeadTooLarge(Bytes head) {
 }
 
 // A decoder takes a piece that looks like a head for another one.
-bool ParameterSets::isPieceTooLarge(Bytes piece) const {
+bool ParameterSets::isPieceTooLarge(Bytes piece) {
     if (areStartedTooLarge(piece))
         return true;
     if (m_lengthBytes == 0)

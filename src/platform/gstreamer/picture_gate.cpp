@@ -101,11 +101,11 @@ void PictureGate::takeCaps(GstEvent* event) {
                !(m_sets && bytes && m_sets->isHeadTooLarge(MappedBytes(bytes)));
 }
 
-bool PictureGate::isOpenFor(GstBuffer* picture) const {
+bool PictureGate::isOpenFor(GstBuffer* picture) {
     if (!m_isOpen)
         return false;
     if (m_isJpeg)
-        return jpegPixels(picture) <= limits::kPicturePixels;
+        return !isJpegTooLarge(picture);
     return !m_sets || !m_sets->isPieceTooLarge(MappedBytes(picture));
 }
 

@@ -21,7 +21,7 @@ private:
     static GstPadProbeReturn beforeParser(GstPad* pad, GstPadProbeInfo* info, gpointer self);
     static GstPadProbeReturn beforeDecoder(GstPad* pad, GstPadProbeInfo* info, gpointer self);
     void takeCaps(GstEvent* event);
-    bool isOpenFor(GstBuffer* picture) const;
+    bool isOpenFor(GstBuffer* picture);
 
     PadHandle m_parserSink;
     PadHandle m_decoderSink;

@@ -131,10 +131,10 @@ Streams::Sent PipelineStreams::move(std::int64_t target) {
     return {moves.empty() ? Answer::Done : Answer::Awaited, number};
 }
 
-bool PipelineStreams::lagBehind(std::int64_t position) const {
+bool PipelineStreams::areOff(std::int64_t position) const {
     const auto ns = static_cast<GstClockTime>(position * kNsPerUnit);
     return std::any_of(m_clippers.begin(), m_clippers.end(),
-                       [ns](FrameClipper* clipper) { return clipper->lagsBehind(ns); });
+                       [ns](FrameClipper* clipper) { return clipper->isOff(ns); });
 }
 
 bool PipelineStreams::areInStepAt(std::int64_t position) const {

@@ -23,7 +23,7 @@ public:
     Sent seek(std::int64_t target, double rate) override;
     Sent fetchLastPictures(std::int64_t target, double rate) override;
     Sent move(std::int64_t target) override;
-    bool lagBehind(std::int64_t position) const override;
+    bool areOff(std::int64_t position) const override;
     bool areInStepAt(std::int64_t position) const override;
 
 private:

@@ -34,8 +34,8 @@ public:
     // While paused, a short distance from where the last seek led: only the pictures go there. Refused: too
     // far.
     virtual Sent move(std::int64_t target) = 0;
-    // After a pause: whether a picture is older than the one before that of `position`.
-    virtual bool lagBehind(std::int64_t position) const = 0;
+    // After a pause: whether a picture is further from that of `position` than the one before or after it.
+    virtual bool areOff(std::int64_t position) const = 0;
     // Whether all streams would play on from `position`.
     virtual bool areInStepAt(std::int64_t position) const = 0;
 };

@@ -111,8 +111,7 @@ bool Transport::isElsewhere() const {
         case Phase::Settled:
             return m_current && !m_streams.areInStepAt(*m_current);
         case Phase::Changing:
-            return m_state != GraphState::Running && !m_waiting && !m_current &&
-                   m_streams.lagBehind(position());
+            return m_state != GraphState::Running && !m_waiting && !m_current && m_streams.areOff(position());
         default:
             return false;
     }
