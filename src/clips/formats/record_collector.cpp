@@ -21,9 +21,14 @@ void sortByTime(Records& records) {
 
 // By most of its fixes: a clock may be set on the way. One outside the age of these cameras says nothing.
 std::optional<std::int64_t> startOf(const std::deque<RecordedFix>& fixes) {
+    constexpr std::ptrdiff_t kAsked = 1000; // evenly spread
+    const auto hasStart = [](const RecordedFix& fix) { return fix.isValid() && fix.hasClock(); };
+    const auto step = std::count_if(fixes.begin(), fixes.end(), hasStart) / kAsked + 1;
     std::vector<std::int64_t> starts;
+    starts.reserve(kAsked);
+    std::ptrdiff_t number = 0;
     for (const RecordedFix& fix : fixes) {
-        if (fix.isValid() && fix.hasClock())
+        if (hasStart(fix) && number++ % step == 0)
             starts.push_back(fix.clockMs - fix.timeUs / kUsPerMs);
     }
     if (starts.empty())
