@@ -59,9 +59,8 @@ private:
 double repaintMicroseconds(QWidget& widget) {
     QElapsedTimer timer;
     timer.start();
-    for (int i = 0; i < kRepaints; ++i) {
+    for (int i = 0; i < kRepaints; ++i)
         widget.repaint();
-    }
     return static_cast<double>(timer.nsecsElapsed()) / 1000 / kRepaints;
 }
 

@@ -31,9 +31,8 @@ madeclips::Mp4 motionClip(qint64 picture, int samples) {
 
 QString writeClip(const QString& path, const madeclips::Mp4& clip) {
     QFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
+    if (!file.open(QIODevice::WriteOnly))
         return {};
-    }
     file.write(clip.before);
     file.seek(clip.before.size() + clip.picture);
     file.write(clip.after);
@@ -45,9 +44,8 @@ qint64 processNumber(const char* table, QByteArrayView name) {
     QFile file(QStringLiteral("/proc/self/%1").arg(QLatin1StringView(table)));
     file.open(QIODevice::ReadOnly);
     for (const QByteArray& line : file.readAll().split('\n')) {
-        if (line.startsWith(name)) {
+        if (line.startsWith(name))
             return line.mid(name.size() + 1).replace("kB", "").trimmed().toLongLong();
-        }
     }
     return 0;
 }

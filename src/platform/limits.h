@@ -100,8 +100,8 @@ inline constexpr std::size_t kSensorRecords = 100'000;
 // Each is a system call; an hour in fragments of half a second takes 15,000.
 inline constexpr int kSensorReads = 20'000;
 
-// 100 h of a whole record: what lies behind has no sensible time.
-inline constexpr std::int64_t kRecordUs = std::int64_t(360'000) * 1'000'000;
+// 100 h, for a whole record: later times are nonsense.
+inline constexpr std::int64_t kRecordUs = 360'000'000'000;
 
 // 3 h of 900 a second. Memory is taken for those that the file has, not for what its tables count.
 inline constexpr std::size_t kRecordRecords = 10'000'000;
@@ -111,8 +111,8 @@ inline constexpr std::int64_t kRecordBytes = 256 * 1024 * 1024;
 // 3 h of 90 samples a second, each in a chunk of its own.
 inline constexpr std::int64_t kRecordReads = 1'000'000;
 
-// 16: what is wrong behind them is counted.
-inline constexpr int kToldStops = 16;
+// Further ones are only counted.
+inline constexpr int kReportedStops = 16;
 
 // Only the first 64 KiB of a sample are read: more than any recorder writes into one.
 inline constexpr std::int64_t kSensorSampleBytes = 64 * 1024;

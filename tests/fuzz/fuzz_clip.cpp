@@ -19,9 +19,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::int8_t north = 0;
     std::int8_t east = 0;
     for (qint64 t = 0; t <= 61000; t += 500) {
-        if (library.getLatLonSpeed(handle, t, &latitude, &longitude, &north, &east, &speed) == 0) {
+        if (library.getLatLonSpeed(handle, t, &latitude, &longitude, &north, &east, &speed) == 0)
             break;
-        }
         ql240::sensorfiles::demand(latitude >= 0 && latitude <= 90000000);
         ql240::sensorfiles::demand(longitude >= 0 && longitude <= 180000000);
     }

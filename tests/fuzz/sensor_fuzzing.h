@@ -12,9 +12,8 @@
 namespace ql240::sensorfiles {
 
 inline void demand(bool holds) {
-    if (!holds) {
+    if (!holds)
         std::abort();
-    }
 }
 
 // Whatever was found, the answers stay on earth.
@@ -29,16 +28,15 @@ inline void checkTrack(SensorRecords& records) {
 }
 
 inline void checkRecord(const ClipRecord& record) {
-    demand(record.stops.size() <= limits::kToldStops);
+    demand(record.stops.size() <= limits::kReportedStops);
     qint64 lastUs = std::numeric_limits<qint64>::min();
     for (const RecordedFix& fix : record.fixes) {
         demand(fix.timeUs >= lastUs);
         demand(fix.isValid() || (std::isnan(fix.latitude) && std::isnan(fix.speedKmh)));
         lastUs = fix.timeUs;
     }
-    for (const RecordedAcceleration& each : record.accelerations) {
+    for (const RecordedAcceleration& each : record.accelerations)
         demand(!std::isnan(each.x) && !std::isnan(each.y) && !std::isnan(each.z));
-    }
 }
 
 template <typename Read>

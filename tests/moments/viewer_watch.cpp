@@ -140,9 +140,8 @@ void ViewerWatch::check(int quietMs) {
     if ((m_world.window->cursor().shape() == Qt::BusyCursor) != now.reading)
         m_world.fail(now.reading ? QStringLiteral("a folder is read, and nothing shows it")
                                  : QStringLiteral("the pointer looks busy for nothing"));
-    if (now.clip != m_last.clip || now.row != m_last.row) {
+    if (now.clip != m_last.clip || now.row != m_last.row)
         m_wasFullScreen = m_stopped = false;
-    }
     m_wasFullScreen |= now.fullScreen || m_last.fullScreen;
     if (now.playing || now.positionMs != 0) // stop returns the clip to its start
         m_stopped = false;

@@ -6,8 +6,8 @@
 namespace ql240::sensorfiles {
 namespace {
 
-// Box headers are read twice at times, windows a little past what is needed.
-constexpr std::int64_t kSlack = std::int64_t(64) * 1024;
+// Some box headers are read twice, and windows extend past the last byte needed.
+constexpr std::int64_t kSlack = 64 * 1024;
 
 } // namespace
 
@@ -20,16 +20,14 @@ ByteSource::ByteSource(QIODevice& device, ReadBudget budget)
 qsizetype ByteSource::read(std::int64_t offset, std::span<char> to) {
     const auto wanted = static_cast<std::int64_t>(to.size());
     m_lastEnd = offset;
-    if (offset < 0 || offset >= m_size || wanted > m_bytesLeft || m_readsLeft <= 0) {
+    if (offset < 0 || offset >= m_size || wanted > m_bytesLeft || m_readsLeft <= 0)
         return 0;
-    }
     --m_readsLeft;
     const std::int64_t there = std::min(wanted, m_size - offset);
     const std::int64_t got =
         m_device.seek(offset) ? std::max<std::int64_t>(0, m_device.read(to.data(), there)) : 0;
-    if (got < there && !m_failedAt) {
+    if (got < there && !m_failedAt)
         m_failedAt = offset + got;
-    }
     m_bytesLeft -= got;
     m_lastEnd = offset + got;
     return got;
@@ -47,9 +45,8 @@ bool RangeReader::refill() {
 
 bool RangeReader::read(std::span<char> to) {
     while (!to.empty()) {
-        if (m_used == m_filled && !refill()) {
+        if (m_used == m_filled && !refill())
             return false;
-        }
         const std::size_t part = std::min<std::size_t>(to.size(), m_filled - m_used);
         std::copy_n(m_window.data() + m_used, part, to.data());
         m_used += static_cast<qsizetype>(part);

@@ -1,6 +1,6 @@
-// Bytes of a clip by their place in the file, with a budget: a clip's data are small beside its pictures, and
-// each of their bytes is read once, so a file that wants more is lying about its structure. Past the budget,
-// at the end of the file and after a read error there is nothing more to read. Not thread-safe.
+// Random access to a clip's bytes, within a budget: sensor data is small compared with the video, and each of
+// its bytes is read once, so a file that needs more has a false structure. Beyond the budget, at the end of
+// the file and after a read error, reads return nothing. Not thread-safe.
 #pragma once
 
 #include <QIODevice>
@@ -29,17 +29,18 @@ struct ReadBudget {
 
 class ByteSource {
 public:
-    // The device is open, seekable and outlives this. Of a small file no more is read than it has.
+    // The device is open, seekable and outlives this. A file smaller than the budget lowers it to its own
+    // size.
     explicit ByteSource(QIODevice& device, ReadBudget budget = {limits::kSensorBytes, limits::kSensorReads});
 
     std::int64_t size() const { return m_size; }
-    // Where the device first gave less than the file has.
+    // Offset of the first read error.
     std::optional<std::int64_t> failedAt() const { return m_failedAt; }
 
-    // Fills `to` from `offset` on and returns how many bytes there were.
+    // Fills `to` with the bytes from `offset` on; returns how many were read.
     qsizetype read(std::int64_t offset, std::span<char> to);
 
-    // Where the last read ended; nothing where none was asked for since this was called last.
+    // Offset at which the last read ended; nothing if there was no read since the previous call.
     std::optional<std::int64_t> takeLastEnd() { return std::exchange(m_lastEnd, std::nullopt); }
 
 private:
@@ -51,12 +52,12 @@ private:
     std::optional<std::int64_t> m_lastEnd;
 };
 
-// The bytes of one range in order, through a small window. Numbers are big-endian, as in boxes.
+// Reads one range in order through a small window. Numbers are big-endian, as in boxes.
 class RangeReader {
 public:
     RangeReader(ByteSource& source, ByteRange range);
 
-    // False when the range has less left than that; then the reader is at its end.
+    // False if the range has fewer bytes left; the reader is then at its end.
     bool read(std::span<char> to);
     std::optional<std::uint32_t> u32();
     std::optional<std::uint64_t> u64();

@@ -1,6 +1,6 @@
-// Where in a clip's container sensor data may lie: found by walking the boxes of an MP4 file (ISO/IEC
-// 14496-12) or the chunks of an AVI file, headers only. Sizes that run past what holds them are cut there;
-// what makes no sense ends the walk. Nothing here is read twice, and the picture data not at all.
+// The places in a clip's container that may hold sensor data: found by walking the boxes of an MP4 file
+// (ISO/IEC 14496-12) or the chunks of an AVI file, headers only. Sizes that exceed the parent's are clamped
+// to it; an invalid header ends the walk. Nothing is read twice, and the video data not at all.
 #pragma once
 
 #include <vector>
@@ -16,7 +16,7 @@ constexpr std::uint32_t fourCc(const char (&text)[5]) {
            static_cast<std::uint8_t>(text[3]);
 }
 
-// One track of an MP4 file. The ranges are the entries of its tables, without their headers.
+// One track of an MP4 file. The ranges hold the entries of its tables, without the tables' headers.
 struct TrackLayout {
     std::uint32_t handler = 0;
     std::uint32_t format = 0; // of the first sample description
@@ -31,13 +31,12 @@ struct TrackLayout {
     int sizeBits = 32;
     std::uint32_t constantSize = 0;
     std::uint32_t sampleCount = 0;
-    // The edit list's beginning: an empty edit shifts the track to later, in units of the whole file; a start
-    // inside the media shifts it to earlier, in the track's own.
-    std::uint64_t emptyEdit = 0;
-    std::int64_t mediaStart = 0;
+    // The first entries of the edit list.
+    std::uint64_t emptyEdit = 0; // delays the track, in ticks of the file's timescale
+    std::int64_t mediaStart = 0; // advances it, in ticks of its own
 };
 
-// A box or chunk of the outermost level that the file ends before, or bytes that are none.
+// A top-level box or chunk that extends past the end of the file, or trailing bytes that are not a box.
 struct CutBox {
     std::uint32_t type = 0; // 0: no box at all
     std::int64_t offset = 0;
@@ -61,20 +60,19 @@ struct ClipLayout {
     std::optional<std::int64_t> createdAt; // seconds since 1970
 };
 
-// One box, by its type and what is in it.
 struct Box {
     std::uint32_t type = 0;
     ByteRange body;
     std::int64_t offset = 0;
-    std::uint64_t missing = 0; // of its size, behind what holds it
+    std::uint64_t missing = 0; // how many of its bytes lie past the end of its parent
 };
 
-// The boxes of an area in order.
+// Iterates over the boxes of an area.
 class BoxCursor {
 public:
     BoxCursor(ByteSource& source, ByteRange area) : m_source(source), m_rest(area) {}
     std::optional<Box> next();
-    // What is left behind the last box.
+    // The bytes after the last box.
     ByteRange rest() const { return m_rest; }
 
 private:
@@ -90,7 +88,7 @@ struct RiffChunk {
     std::int64_t offset = 0;
     std::uint64_t missing = 0;
 };
-// The first chunk of `rest`, which begins behind it afterwards.
+// Takes the first chunk off `rest`.
 std::optional<RiffChunk> nextChunk(ByteSource& source, ByteRange& rest);
 
 ClipLayout readClipLayout(ByteSource& source);

@@ -1,5 +1,5 @@
-// A top-level "free" box with boxes in it: "gps " is an ASCII log of lines "[epoch ms]$GPRMC,…", "3gf " a
-// table of accelerations (u32 ms, three i16 of 128 a g, big-endian, ended by 0xFFFFFFFF), "sttm" the
+// A top-level "free" box that contains boxes: "gps " is an ASCII log of lines "[epoch ms]$GPRMC,…", "3gf " a
+// table of accelerations (u32 ms, three i16 in 1/128 g, big-endian, terminated by 0xFFFFFFFF), "sttm" the
 // recording's start as a u64 in epoch ms.
 #include <QByteArray>
 #include <QtEndian>
@@ -15,17 +15,17 @@ namespace ql240::sensorfiles {
 namespace {
 
 constexpr std::uint32_t kEndMark = 0xFFFFFFFF;
-constexpr std::int64_t kBelievedStartMs = 60000; // how far the log's first line may be from the start given
-// A clock that is set right jumps: what is longer than a tunnel, or back by more than lines out of order are,
-// counts as the second that lies between two lines.
-constexpr std::int64_t kBelievedStepMs = 60000;
-constexpr std::int64_t kBelievedBackMs = 1000;
+constexpr std::int64_t kMaxStartOffsetMs = 60000; // between the stated start and the log's first line
+// The clock jumps when the receiver corrects it. A step longer than a tunnel, or further back than lines out
+// of order explain, counts as the usual second between two lines.
+constexpr std::int64_t kMaxStepMs = 60000;
+constexpr std::int64_t kMaxStepBackMs = 1000;
 constexpr std::int64_t kUsualStepMs = 1000;
 constexpr std::int64_t kUsPerMs = 1000;
 
-// Behind what is asked for, with room for what comes out of order.
-bool isBehindEnd(std::int64_t timeMs, const RecordSink& sink) {
-    return timeMs - kBelievedBackMs > sink.endUs() / kUsPerMs;
+// Leaves room for records out of order.
+bool isPastEnd(std::int64_t timeMs, const RecordSink& sink) {
+    return timeMs - kMaxStepBackMs > sink.endUs() / kUsPerMs;
 }
 
 void readAccelerations(ByteSource& source, ByteRange table, RecordSink& sink) {
@@ -33,24 +33,23 @@ void readAccelerations(ByteSource& source, ByteRange table, RecordSink& sink) {
     std::array<char, 10> record{};
     while (!sink.isFull() && reader.read(record)) {
         const std::int64_t timeMs = qFromBigEndian<std::uint32_t>(record.data());
-        if (timeMs == kEndMark) {
+        if (timeMs == kEndMark)
             return;
-        }
         const auto g = [&](int at) { return qFromBigEndian<std::int16_t>(record.data() + at) / kCountsPerG; };
         sink.addAcceleration(timeMs * kUsPerMs, g(4), g(6), g(8));
-        if (isBehindEnd(timeMs, sink)) {
+        if (isPastEnd(timeMs, sink))
             return;
-        }
     }
 }
 
-// The log's lines against its clock; those before the first with a clock have no time and are left out.
+// Assigns times to the log's lines by their clocks. Lines before the first clock have no time and are
+// skipped.
 class LogReader {
 public:
     LogReader(std::optional<std::int64_t> startedAt, RecordSink& sink)
         : m_startedAt(startedAt), m_sink(sink) {}
 
-    bool isAtEnd() const { return m_sink.isFull() || isBehindEnd(m_timeMs.value_or(0), m_sink); }
+    bool isAtEnd() const { return m_sink.isFull() || isPastEnd(m_timeMs.value_or(0), m_sink); }
 
     void addLine(QByteArrayView line, std::int64_t offset) {
         ++m_number;
@@ -59,26 +58,24 @@ public:
             bool isNumber = false;
             const std::int64_t clock =
                 close < 0 ? 0 : line.sliced(1, close - 1).toByteArray().toLongLong(&isNumber);
-            if (!isNumber || clock < 0) {
+            if (!isNumber || clock < 0)
                 return;
-            }
             m_timeMs = timeOf(clock);
             line = line.sliced(close + 1);
         }
-        if (m_timeMs && line.startsWith('$')) {
+        if (m_timeMs && line.startsWith('$'))
             addNmeaSentence({*m_timeMs * kUsPerMs, "log line", m_number, offset}, line, m_sink);
-        }
     }
 
 private:
     std::int64_t timeOf(std::int64_t clock) {
         const std::int64_t last = std::exchange(m_clock, clock).value_or(clock);
         if (!m_timeMs) {
-            const bool believed = m_startedAt && std::llabs(clock - *m_startedAt) <= kBelievedStartMs;
-            return believed ? clock - *m_startedAt : 0;
+            const bool isPlausible = m_startedAt && std::llabs(clock - *m_startedAt) <= kMaxStartOffsetMs;
+            return isPlausible ? clock - *m_startedAt : 0;
         }
         const std::int64_t step = clock - last;
-        return *m_timeMs + (step >= -kBelievedBackMs && step <= kBelievedStepMs ? step : kUsualStepMs);
+        return *m_timeMs + (step >= -kMaxStepBackMs && step <= kMaxStepMs ? step : kUsualStepMs);
     }
 
     std::optional<std::int64_t> m_startedAt;
@@ -104,9 +101,8 @@ void readLog(ByteSource& source, ByteRange log, std::optional<std::int64_t> star
         } else if (!line.isEmpty()) {
             lines.addLine(line, offset - 1 - line.size());
             line.clear();
-            if (lines.isAtEnd()) {
+            if (lines.isAtEnd())
                 return;
-            }
         }
     }
     lines.addLine(line, offset - line.size());
@@ -124,9 +120,8 @@ void readFreeBox(ByteSource& source, ByteRange area, RecordSink& sink) {
             accelerations = box->body;
         } else if (box->type == fourCc("sttm")) {
             const std::uint64_t start = RangeReader(source, box->body).u64().value_or(0);
-            if (start <= std::uint64_t(std::numeric_limits<std::int64_t>::max())) {
+            if (start <= static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max()))
                 startedAt = static_cast<std::int64_t>(start);
-            }
         }
     }
     readLog(source, log, startedAt, sink);
@@ -136,9 +131,8 @@ void readFreeBox(ByteSource& source, ByteRange area, RecordSink& sink) {
 } // namespace
 
 void readFreeLog(ByteSource& source, const ClipLayout& clip, RecordSink& sink) {
-    for (const ByteRange& area : clip.freeBoxes) {
+    for (const ByteRange& area : clip.freeBoxes)
         readFreeBox(source, area, sink);
-    }
 }
 
 } // namespace ql240::sensorfiles

@@ -1,6 +1,7 @@
-// An index of blocks, as ExifTool documents it for several recorders: moov/"gps " is a version, a count and
-// so many pairs of offset and size, big-endian; each block is a "free" box whose body begins "GPS ". The
-// record in it is found by its letters: 'A' or 'V', 'N' or 'S', 'E' or 'W'.
+// An index of GPS blocks, as ExifTool documents it for several recorders: moov/"gps " holds a version, a
+// count and that many pairs of offset and size, big-endian; each block is a "free" box whose body begins with
+// "GPS ". The record's position in the block varies; its status letters mark it: 'A' or 'V', 'N' or 'S', 'E'
+// or 'W'.
 #include <QtEndian>
 #include <vector>
 
@@ -14,8 +15,8 @@ namespace {
 
 constexpr std::size_t kHeadSize = 12; // box size, "free", "GPS "
 constexpr std::size_t kClockSize = 24;
-constexpr std::size_t kPlaceSize =
-    16; // four bytes of letters, latitude, longitude, knots; a heading may follow
+// Four bytes of letters, then latitude, longitude and knots as floats; a heading may follow.
+constexpr std::size_t kPlaceSize = 16;
 
 template <typename T>
 T field(std::span<const char> bytes, std::size_t offset) {
@@ -32,12 +33,11 @@ bool areLetters(std::span<const char> bytes) {
            (bytes[2] == 'E' || bytes[2] == 'W');
 }
 
-// Where the letters stand: behind a clock that is one.
+// Offset of the status letters: the first match preceded by a valid clock.
 std::optional<std::size_t> findLetters(std::span<const char> block) {
     for (std::size_t i = kHeadSize + kClockSize; i + kPlaceSize <= block.size(); ++i) {
-        if (areLetters(block.subspan(i, 3)) && clockBefore(block, i) != RecordedFix::kNoClock) {
+        if (areLetters(block.subspan(i, 3)) && clockBefore(block, i) != RecordedFix::kNoClock)
             return i;
-        }
     }
     return std::nullopt;
 }
@@ -47,13 +47,13 @@ bool isGpsBlock(std::span<const char> block) {
            qFromBigEndian<std::uint32_t>(block.data() + 8) == fourCc("GPS ");
 }
 
-double headingBehind(std::span<const char> block, std::size_t letters) {
+double headingAfter(std::span<const char> block, std::size_t letters) {
     const std::size_t at = letters + kPlaceSize;
     const double degrees = at + 4 <= block.size() ? field<float>(block, at) : RecordedFix::kNothing;
     return degrees >= 0 && degrees <= 360 ? degrees : RecordedFix::kNothing;
 }
 
-// `reason` says what is wrong with it.
+// Sets `reason` if the block has no valid record.
 SecondRecord readBlock(std::span<const char> block, const char*& reason) {
     SecondRecord record;
     record.isRead = isGpsBlock(block);
@@ -69,7 +69,7 @@ SecondRecord readBlock(std::span<const char> block, const char*& reason) {
         const double longitude = fromDegreesAndMinutes(field<float>(block, *letters + 8));
         fix.latitude = block[*letters + 1] == 'N' ? latitude : -latitude;
         fix.longitude = block[*letters + 2] == 'E' ? longitude : -longitude;
-        fix.headingDeg = headingBehind(block, *letters);
+        fix.headingDeg = headingAfter(block, *letters);
         fix.speedKmh = static_cast<double>(field<float>(block, *letters + 12)) * kKmhPerKnot;
     }
     return record;
@@ -84,19 +84,19 @@ void readGpsIndex(ByteSource& source, const ClipLayout& clip, RecordSink& sink) 
     std::vector<SecondRecord> seconds;
     std::array<char, limits::kGpsBlockBytes> bytes{};
     for (std::uint32_t i = 0; i < count; ++i) {
+        const auto number = static_cast<std::int64_t>(i) + 1;
         const std::optional<std::uint32_t> offset = index.u32();
         const std::optional<std::uint32_t> size = index.u32();
         if (!offset || !size) {
-            sink.addStop({"GPS block", std::int64_t(i) + 1, clip.gpsIndex.end(), "the index ends before it"});
+            sink.addStop({"GPS block", number, clip.gpsIndex.end(), "the index ends before it"});
             break;
         }
         const std::span<char> wanted = std::span(bytes).first(std::min<std::size_t>(*size, bytes.size()));
         const std::span<const char> block = wanted.first(source.read(*offset, wanted));
         const char* reason = nullptr;
         seconds.push_back(readBlock(block, reason));
-        if (reason != nullptr) {
-            sink.addStop({"GPS block", std::int64_t(i) + 1, *offset, reason});
-        }
+        if (reason)
+            sink.addStop({"GPS block", number, *offset, reason});
     }
     addSecondRecords(seconds, clip.lengthMs, sink);
 }

@@ -1,11 +1,11 @@
-// Time of the satellites, which counts on without leap seconds, and UTC.
+// Conversion of GPS time, which has no leap seconds, to UTC.
 #pragma once
 
-#include <QtGlobal>
+#include <cstdint>
 
 namespace ql240 {
 
-// Milliseconds since 6 January 1980 as the satellites count them, in milliseconds since 1970, UTC.
+// GPS time in ms since 6 January 1980; returns UTC in ms since 1970.
 std::int64_t utcFromGpsMs(std::int64_t gpsMs);
 
 } // namespace ql240

@@ -1,5 +1,5 @@
 // Camera motion metadata, as published with the Street View camera formats: each record is a reserved u16,
-// its type as a u16 and its fields, little-endian.
+// its type as a u16, then its fields, little-endian.
 #include <QtEndian>
 #include <cmath>
 #include <numbers>
@@ -14,8 +14,8 @@ namespace {
 constexpr double kStandardGravity = 9.80665; // m/s²
 constexpr double kKmhPerMetreAS = 3.6;
 
-// Whole sizes by type, header included: angles, exposure, turning rates, acceleration, position of the
-// camera, place, place with fix and velocity, magnetic field.
+// Record sizes by type, header included: angle axis, exposure, gyroscope, acceleration, camera position,
+// minimal GPS, full GPS, magnetic field.
 constexpr std::array<std::size_t, 8> kRecordSizes{16, 12, 16, 16, 16, 28, 60, 16};
 enum RecordType { kAcceleration = 3, kPlace = 5, kFix = 6 };
 
@@ -24,14 +24,13 @@ T field(std::span<const char> record, std::size_t offset) {
     return qFromLittleEndian<T>(record.data() + offset);
 }
 
-// Seconds since 1980 as the satellites count them; but some recorders write them since 1970, in UTC, which
-// the clip's own date gives away.
+// The field is GPS time in seconds since 1980, but some recorders write UTC since 1970: the clip's creation
+// date distinguishes them.
 std::int64_t clockMsOf(double seconds, std::optional<std::int64_t> createdAt) {
     constexpr double kFiveYearsS = 5 * 365 * 86400.0;
     constexpr double kLastS = 1e11;
-    if (!(seconds > 0 && seconds < kLastS)) {
+    if (!(seconds > 0 && seconds < kLastS))
         return RecordedFix::kNoClock;
-    }
     const std::int64_t ms = std::llround(seconds * 1000);
     const bool isUtc = createdAt && std::abs(static_cast<double>(*createdAt) - seconds) < kFiveYearsS;
     return isUtc ? ms : utcFromGpsMs(ms);
@@ -51,16 +50,15 @@ RecordedFix readFix(std::int64_t timeUs, std::span<const char> record,
     RecordedFix fix;
     fix.timeUs = timeUs;
     fix.clockMs = clockMsOf(field<double>(record, 4), createdAt);
-    if (field<std::int32_t>(record, 12) == 0) {
+    if (field<std::int32_t>(record, 12) == 0)
         return fix;
-    }
     fix.latitude = field<double>(record, 16);
     fix.longitude = field<double>(record, 24);
     fix.altitudeM = field<float>(record, 32);
     const double east = field<float>(record, 44);
     const double north = field<float>(record, 48);
     fix.speedKmh = std::hypot(east, north) * kKmhPerMetreAS;
-    if (fix.speedKmh > 0) { // who stands has no heading
+    if (fix.speedKmh > 0) { // no heading while stationary
         const double degrees = std::atan2(east, north) * 180 / std::numbers::pi;
         fix.headingDeg = degrees < 0 ? degrees + 360 : degrees;
     }
@@ -87,15 +85,14 @@ void readMotionSample(const TrackSample& sample, RecordSink& sink, std::optional
         }
         const std::span<const char> record = bytes.first(kRecordSizes[type]);
         bytes = bytes.subspan(record.size());
-        if (type == kAcceleration) {
+        if (type == kAcceleration)
             addAccelerationRecord(sample.timeUs, record, sink);
-        } else if (type == kPlace) {
+        else if (type == kPlace)
             sink.addFix(readPlace(sample.timeUs, record));
-        } else if (type == kFix) {
+        else if (type == kFix)
             sink.addFix(readFix(sample.timeUs, record, createdAt));
-        } else {
+        else
             sink.addOther(sample.timeUs);
-        }
     }
 }
 

@@ -7,9 +7,9 @@
 namespace ql240::sensorfiles {
 namespace {
 
-constexpr std::int64_t kSecondsFrom1904To1970 = 2082844800;
+constexpr std::uint64_t kSecondsFrom1904To1970 = 2082844800;
 
-// A full box's version and flags, then the rest.
+// A full box; the reader is behind its version and flags.
 struct FullBox {
     int version;
     RangeReader reader;
@@ -18,9 +18,8 @@ struct FullBox {
 std::optional<FullBox> openFullBox(ByteSource& source, const Box& box) {
     FullBox full{0, RangeReader(source, box.body)};
     const std::optional<std::uint32_t> head = full.reader.u32();
-    if (!head) {
+    if (!head)
         return std::nullopt;
-    }
     full.version = static_cast<int>(*head >> 24);
     return full;
 }
@@ -29,29 +28,26 @@ std::uint64_t number(RangeReader& reader, bool wide) {
     return wide ? reader.u64().value_or(0) : reader.u32().value_or(0);
 }
 
-// The entries behind a table's 8 byte header, no more than the header counts and the box holds.
+// The entries after a table's 8-byte header: as many as its count says, or as the box holds if that is fewer.
 ByteRange tableEntries(ByteSource& source, const Box& box, std::int64_t entrySize) {
     std::array<char, 8> head{};
-    if (box.body.size < 8 || source.read(box.body.start, head) != 8) {
+    if (box.body.size < 8 || source.read(box.body.start, head) != 8)
         return {};
-    }
     const std::int64_t count = qFromBigEndian<std::uint32_t>(head.data() + 4);
     return {box.body.start + 8, std::min(count, (box.body.size - 8) / entrySize) * entrySize};
 }
 
 void readSizes(ByteSource& source, const Box& box, TrackLayout& track) {
     std::array<char, 12> head{};
-    if (box.body.size < 12 || source.read(box.body.start, head) != 12) {
+    if (box.body.size < 12 || source.read(box.body.start, head) != 12)
         return;
-    }
     const std::uint32_t field = qFromBigEndian<std::uint32_t>(head.data() + 4);
     track.sampleCount = qFromBigEndian<std::uint32_t>(head.data() + 8);
     track.sizes = {box.body.start + 12, box.body.size - 12};
-    if (box.type == fourCc("stsz")) {
+    if (box.type == fourCc("stsz"))
         track.constantSize = field;
-    } else {
+    else
         track.sizeBits = static_cast<int>(field & 0xFF);
-    }
 }
 
 void readSampleTables(ByteSource& source, ByteRange area, TrackLayout& track) {
@@ -61,9 +57,8 @@ void readSampleTables(ByteSource& source, ByteRange area, TrackLayout& track) {
             case fourCc("stsd"): {
                 track.description = box->body;
                 std::array<char, 16> head{};
-                if (box->body.size >= 16 && source.read(box->body.start, head) == 16) {
+                if (box->body.size >= 16 && source.read(box->body.start, head) == 16)
                     track.format = qFromBigEndian<std::uint32_t>(head.data() + 12);
-                }
                 break;
             }
             case fourCc("stts"):
@@ -92,7 +87,7 @@ void readMedia(ByteSource& source, ByteRange area, TrackLayout& track) {
     while (const std::optional<Box> box = boxes.next()) {
         if (box->type == fourCc("mdhd")) {
             if (auto full = openFullBox(source, *box)) {
-                number(full->reader, full->version == 1); // creation and change
+                number(full->reader, full->version == 1); // creation and modification time
                 number(full->reader, full->version == 1);
                 track.timescale = full->reader.u32().value_or(0);
                 track.length = number(full->reader, full->version == 1);
@@ -105,9 +100,8 @@ void readMedia(ByteSource& source, ByteRange area, TrackLayout& track) {
         } else if (box->type == fourCc("minf")) {
             BoxCursor information(source, box->body);
             while (const std::optional<Box> inner = information.next()) {
-                if (inner->type == fourCc("stbl")) {
+                if (inner->type == fourCc("stbl"))
                     readSampleTables(source, inner->body, track);
-                }
             }
         }
     }
@@ -115,9 +109,8 @@ void readMedia(ByteSource& source, ByteRange area, TrackLayout& track) {
 
 void readEdits(ByteSource& source, const Box& box, TrackLayout& track) {
     auto full = openFullBox(source, box);
-    if (!full) {
+    if (!full)
         return;
-    }
     const bool wide = full->version == 1;
     const std::uint32_t count = full->reader.u32().value_or(0);
     for (std::uint32_t i = 0; i < std::min(count, limits::kEdits); ++i) {
@@ -142,9 +135,8 @@ TrackLayout readTrack(ByteSource& source, ByteRange area) {
         } else if (box->type == fourCc("edts")) {
             BoxCursor edits(source, box->body);
             while (const std::optional<Box> edit = edits.next()) {
-                if (edit->type == fourCc("elst")) {
+                if (edit->type == fourCc("elst"))
                     readEdits(source, *edit, track);
-                }
             }
         }
     }
@@ -157,28 +149,24 @@ void readMovieHeader(ByteSource& source, const Box& box, ClipLayout& clip) {
         number(full->reader, full->version == 1);
         clip.timescale = full->reader.u32().value_or(0);
         const std::uint64_t length = number(full->reader, full->version == 1);
-        if (clip.timescale > 0 && length > 0 && length <= std::numeric_limits<std::uint32_t>::max()) {
+        if (clip.timescale > 0 && length > 0 && length <= std::numeric_limits<std::uint32_t>::max())
             clip.lengthMs = static_cast<std::int64_t>(length) * 1000 / clip.timescale;
-        }
-        if (created > std::uint64_t(kSecondsFrom1904To1970) &&
-            created <= std::numeric_limits<std::uint32_t>::max()) {
-            clip.createdAt = static_cast<std::int64_t>(created) - kSecondsFrom1904To1970;
-        }
+        if (created > kSecondsFrom1904To1970 && created <= std::numeric_limits<std::uint32_t>::max())
+            clip.createdAt = static_cast<std::int64_t>(created - kSecondsFrom1904To1970);
     }
 }
 
 void readMovie(ByteSource& source, ByteRange area, ClipLayout& clip) {
     BoxCursor boxes(source, area);
     while (const std::optional<Box> box = boxes.next()) {
-        if (box->type == fourCc("mvhd")) {
+        if (box->type == fourCc("mvhd"))
             readMovieHeader(source, *box, clip);
-        } else if (box->type == fourCc("trak") && clip.tracks.size() < limits::kTracks) {
+        else if (box->type == fourCc("trak") && clip.tracks.size() < limits::kTracks)
             clip.tracks.push_back(readTrack(source, box->body));
-        } else if (box->type == fourCc("gps ")) {
+        else if (box->type == fourCc("gps "))
             clip.gpsIndex = box->body;
-        } else if (box->type == fourCc("udta")) {
+        else if (box->type == fourCc("udta"))
             clip.userData = box->body;
-        }
     }
 }
 
@@ -187,20 +175,18 @@ void readMovie(ByteSource& source, ByteRange area, ClipLayout& clip) {
 std::optional<Box> BoxCursor::next() {
     std::array<char, 16> head{};
     const qsizetype wanted = std::min<std::int64_t>(m_rest.size, 16);
-    if (wanted < 8 || m_source.read(m_rest.start, std::span(head).first(wanted)) < 8) {
+    if (wanted < 8 || m_source.read(m_rest.start, std::span(head).first(wanted)) < 8)
         return std::nullopt;
-    }
     std::uint64_t size = qFromBigEndian<std::uint32_t>(head.data());
     std::int64_t headSize = 8;
     if (size == 0) {
-        size = static_cast<std::uint64_t>(m_rest.size); // the last one, up to the end
+        size = static_cast<std::uint64_t>(m_rest.size); // extends to the end
     } else if (size == 1) {
         headSize = 16;
         size = wanted == 16 ? qFromBigEndian<std::uint64_t>(head.data() + 8) : 0;
     }
-    if (size < static_cast<std::uint64_t>(headSize)) {
+    if (size < static_cast<std::uint64_t>(headSize))
         return std::nullopt;
-    }
     const auto whole = static_cast<std::int64_t>(std::min(size, static_cast<std::uint64_t>(m_rest.size)));
     const Box box{qFromBigEndian<std::uint32_t>(head.data() + 4),
                   {m_rest.start + headSize, whole - headSize},
@@ -213,9 +199,8 @@ std::optional<Box> BoxCursor::next() {
 void readMp4Layout(ByteSource& source, ClipLayout& clip) {
     BoxCursor boxes(source, {0, source.size()});
     while (const std::optional<Box> box = boxes.next()) {
-        if (box->missing > 0 && !clip.cut) {
+        if (box->missing > 0 && !clip.cut)
             clip.cut = CutBox{box->type, box->offset, box->missing};
-        }
         if (box->type == fourCc("moov")) {
             clip.hasIndex = true;
             readMovie(source, box->body, clip);
@@ -227,9 +212,8 @@ void readMp4Layout(ByteSource& source, ClipLayout& clip) {
             clip.gsen = box->body;
         }
     }
-    if (!boxes.rest().isEmpty() && !clip.cut) {
+    if (!boxes.rest().isEmpty() && !clip.cut)
         clip.cut = CutBox{0, boxes.rest().start, 0};
-    }
 }
 
 } // namespace ql240::sensorfiles

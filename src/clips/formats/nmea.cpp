@@ -13,36 +13,33 @@ namespace {
 constexpr std::size_t kFieldsNeeded = 8;
 constexpr double kNothing = RecordedFix::kNothing;
 
-// Up to RMC's date and GGA's altitude.
+// Enough for RMC's date and GGA's altitude.
 using Fields = std::array<QByteArrayView, 10>;
 
-// Cuts "*hh" off; false when it isn't the exclusive or of what stands before it.
+// Removes "*hh"; false if it isn't the exclusive or of the characters before it.
 bool takeChecksum(QByteArrayView& sentence) {
     const qsizetype star = sentence.indexOf('*');
-    if (star < 0) {
+    if (star < 0)
         return true;
-    }
     int sum = 0;
-    for (const char c : sentence.first(star)) {
+    for (const char c : sentence.first(star))
         sum ^= static_cast<std::uint8_t>(c);
-    }
     bool isNumber = false;
-    const int told = sentence.sliced(star + 1, std::min<qsizetype>(2, sentence.size() - star - 1))
-                         .toByteArray()
-                         .toInt(&isNumber, 16);
+    const int stated = sentence.sliced(star + 1, std::min<qsizetype>(2, sentence.size() - star - 1))
+                           .toByteArray()
+                           .toInt(&isNumber, 16);
     sentence = sentence.first(star);
-    return isNumber && told == sum;
+    return isNumber && stated == sum;
 }
 
-// As many as there are; false with fewer than are needed.
+// Fields past the last comma stay empty; false with fewer fields than both sentences need.
 bool split(QByteArrayView sentence, Fields& fields) {
     std::size_t count = 0;
     while (count < fields.size()) {
         const qsizetype comma = sentence.indexOf(',');
         fields[count++] = comma < 0 ? sentence : sentence.first(comma);
-        if (comma < 0) {
+        if (comma < 0)
             break;
-        }
         sentence = sentence.sliced(comma + 1);
     }
     return count >= kFieldsNeeded;
@@ -55,9 +52,8 @@ double number(QByteArrayView field) {
 }
 
 double signedDegrees(QByteArrayView value, QByteArrayView letter, char positive, char negative) {
-    if (letter.size() != 1 || (letter[0] != positive && letter[0] != negative)) {
+    if (letter.size() != 1 || (letter[0] != positive && letter[0] != negative))
         return kNothing;
-    }
     const double degrees = fromDegreesAndMinutes(number(value));
     return letter[0] == positive ? degrees : -degrees;
 }
@@ -72,15 +68,13 @@ std::int64_t clockOf(QByteArrayView time, QByteArrayView date) {
     const double seconds = number(time);
     bool isNumber = false;
     const int day = date.toByteArray().toInt(&isNumber);
-    if (!(seconds >= 0 && seconds < 240000) || !isNumber || date.size() != 6) {
+    if (!(seconds >= 0 && seconds < 240000) || !isNumber || date.size() != 6)
         return RecordedFix::kNoClock;
-    }
     const int whole = static_cast<int>(seconds);
     const QDate calendar((day % 100 < 80 ? 2000 : 1900) + day % 100, day / 100 % 100, day / 10000);
     const QTime clock(whole / 10000, whole / 100 % 100, whole % 100);
-    if (!calendar.isValid() || !clock.isValid()) {
+    if (!calendar.isValid() || !clock.isValid())
         return RecordedFix::kNoClock;
-    }
     return QDateTime(calendar, clock, QTimeZone::utc()).toMSecsSinceEpoch() +
            std::llround((seconds - whole) * 1000);
 }
@@ -114,14 +108,12 @@ double fromDegreesAndMinutes(double value) {
 }
 
 void addNmeaSentence(const SentencePlace& place, QByteArrayView sentence, RecordSink& sink) {
-    if (sentence.startsWith('$')) {
+    if (sentence.startsWith('$'))
         sentence = sentence.sliced(1);
-    }
     const QByteArrayView name = sentence.first(std::max<qsizetype>(0, sentence.indexOf(',')));
     const bool isRmc = name.endsWith("RMC");
-    if (name.size() != 5 || (!isRmc && !name.endsWith("GGA"))) {
+    if (name.size() != 5 || (!isRmc && !name.endsWith("GGA")))
         return;
-    }
     Fields fields;
     if (!takeChecksum(sentence)) {
         sink.addStop({place.unit, place.number, place.offset, "wrong checksum"});

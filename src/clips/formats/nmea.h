@@ -1,4 +1,4 @@
-// The two NMEA 0183 sentences that say where a receiver is.
+// The two NMEA 0183 sentences with a position, RMC and GGA.
 #pragma once
 
 #include <QByteArrayView>
@@ -11,17 +11,19 @@ namespace ql240::sensorfiles {
 
 inline constexpr double kKmhPerKnot = 1.852;
 
-// Degrees and minutes in one number, DDDMM.mmmm, as degrees. Not a number where the minutes are none.
+// Converts degrees and minutes in one number, DDDMM.mmmm, to degrees; NaN if the minutes are 60 or more.
 double fromDegreesAndMinutes(double value);
 
-// Adds what an RMC or GGA sentence says ("GPRMC,…", with or without "$" and checksum). Other sentences add
-// nothing, nor does one with a wrong checksum or too few fields, of which `place` says where it stands.
+// Where a sentence was read, for the fix's time and for the report of a malformed sentence.
 struct SentencePlace {
     std::int64_t timeUs;
     const char* unit;
     std::int64_t number;
     std::int64_t offset;
 };
+
+// Adds the fix of an RMC or GGA sentence ("GPRMC,…", with or without "$" and checksum), or a stop if its
+// checksum is wrong or fields are missing. Ignores other sentences.
 void addNmeaSentence(const SentencePlace& place, QByteArrayView sentence, RecordSink& sink);
 
 } // namespace ql240::sensorfiles

@@ -1,5 +1,6 @@
-// Boxes or RIFF chunks "gps0" (32 byte records, one a second, little-endian) and "gsen" (three i8 of 16 a g),
-// as ExifTool documents them. The accelerations carry no times; five a second is the rate found in clips.
+// Boxes or RIFF chunks "gps0" (32-byte records, one per second, little-endian) and "gsen" (three i8 in 1/16
+// g), as ExifTool documents them. The accelerations have no times; five per second is the rate found in
+// clips.
 #include <QtEndian>
 #include <vector>
 
@@ -35,21 +36,19 @@ void readPositions(ByteSource& source, const ClipLayout& clip, RecordSink& sink)
     RangeReader reader(source, clip.gps0);
     std::vector<SecondRecord> seconds;
     std::array<char, 32> record{};
-    while (seconds.size() < limits::kSensorRecords && reader.read(record)) {
+    while (seconds.size() < limits::kSensorRecords && reader.read(record))
         seconds.push_back(readPosition(record));
-    }
     addSecondRecords(seconds, clip.lengthMs, sink);
 }
 
 void readAccelerations(ByteSource& source, ByteRange table, RecordSink& sink) {
     RangeReader reader(source, table);
     std::array<char, 3> record{};
-    // Up to the first behind what is asked for.
+    // Includes the first record after the sink's end.
     for (std::int64_t timeUs = 0; timeUs - kAccelerationStepUs <= sink.endUs() && !sink.isFull();
          timeUs += kAccelerationStepUs) {
-        if (!reader.read(record)) {
+        if (!reader.read(record))
             break;
-        }
         const auto g = [&](int axis) { return static_cast<std::int8_t>(record[axis]) / kUnitsPerG; };
         sink.addAcceleration(timeUs, g(0), g(1), g(2));
     }

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::int64_t kUsPerMs = 1000;
 constexpr double kMostG = 1e6;
-// Sentences of one fix may have times of their own.
+// The two sentences of one fix may have different times.
 constexpr std::int64_t kSameFixUs = 500'000;
 
 template <typename Records>
@@ -19,7 +19,8 @@ void sortByTime(Records& records) {
         std::stable_sort(records.begin(), records.end(), earlier);
 }
 
-// By most of its fixes: a clock may be set on the way. One outside the age of these cameras says nothing.
+// The median over the fixes, because the clock may be corrected during the clip. Dates before 2000 or after
+// 2200 are discarded.
 std::optional<std::int64_t> startOf(const std::deque<RecordedFix>& fixes) {
     constexpr std::ptrdiff_t kAsked = 1000; // evenly spread
     const auto hasStart = [](const RecordedFix& fix) { return fix.isValid() && fix.hasClock(); };
@@ -44,8 +45,8 @@ bool isSamePlace(const RecordedFix& a, const RecordedFix& b) {
     return a.isValid() ? a.latitude == b.latitude && a.longitude == b.longitude : !b.isValid();
 }
 
-// Takes over what only `from` says; false, with nothing changed, where both say the same thing or `from` says
-// nothing.
+// Adds the fields that only `from` has; false, with nothing changed, if both have the same field or `from`
+// has none.
 bool complete(RecordedFix& fix, const RecordedFix& from) {
     constexpr std::array kFields{&RecordedFix::speedKmh, &RecordedFix::headingDeg, &RecordedFix::altitudeM};
     const auto isGiven = [](double value) { return !std::isnan(value); };
@@ -69,7 +70,7 @@ double finite(double value) {
 
 } // namespace
 
-// A receiver's RMC and GGA sentences are two halves of one fix.
+// RMC and GGA each have one part of a fix.
 bool RecordCollector::completesLast(const RecordedFix& fix) {
     if (m_record.fixes.empty())
         return false;
@@ -120,7 +121,7 @@ void RecordCollector::addOther(std::int64_t timeUs) {
 }
 
 void RecordCollector::addStop(const ReaderStop& stop) {
-    if (m_record.stops.size() >= limits::kToldStops - 1) {
+    if (m_record.stops.size() >= limits::kReportedStops - 1) {
         ++m_record.furtherStops;
         return;
     }

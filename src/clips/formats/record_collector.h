@@ -1,5 +1,5 @@
-// Keeps all that the readers of the formats find, as a ClipRecord. Memory grows with the records that a clip
-// really has, by small blocks. One thread at a time.
+// Collects all the records of a clip as a ClipRecord. Memory grows in small blocks with the records really
+// found, not with the counts that the file states. One thread at a time.
 #pragma once
 
 #include "clips/formats/record_sink.h"
@@ -9,7 +9,7 @@ namespace ql240::sensorfiles {
 
 class RecordCollector final : public RecordSink {
 public:
-    // Without them, accelerations are read but not kept.
+    // If false, accelerations are read and counted but not stored.
     explicit RecordCollector(bool keepsAccelerations = true) : m_keepsAccelerations(keepsAccelerations) {}
 
     std::int64_t endUs() const override { return limits::kRecordUs; }
@@ -21,10 +21,11 @@ public:
     void addOther(std::int64_t timeUs) override;
     void addStop(const ReaderStop& stop) override;
 
-    // Whether nothing was found but stops.
+    // Whether there are no records; there may be stops.
     bool isEmpty() const { return m_count == 0; }
-    // Once, after the last record: puts late ones in order and works out when the clip began.
-    ClipRecord take(ClipRecord::Clock clock);
+    // Call once, after the last record: sorts the records by time and derives the clip's start from the
+    // clocks.
+    [[nodiscard]] ClipRecord take(ClipRecord::Clock clock);
 
 private:
     void count(std::int64_t timeUs);

@@ -1,4 +1,4 @@
-// Who takes what the readers of the formats find: the dashboard's track, which ends at 61 s, or the whole
+// Receives the records that the format readers find: the dashboard's track, which ends at 61 s, or the whole
 // record. Times in microseconds from the clip's start, accelerations in g.
 #pragma once
 
@@ -7,10 +7,10 @@
 
 namespace ql240::sensorfiles {
 
-// Of recorders that write raw counts.
+// The unit of recorders that write raw counts.
 inline constexpr double kCountsPerG = SensorLibrary::kCountsPerG;
 
-// Something in the file that makes no sense: "GPS block", 17, the byte where it begins, "no status letter".
+// Invalid data in the file: "GPS block", 17, the offset of its first byte, "no status letter".
 struct ReaderStop {
     const char* unit;
     std::int64_t number; // from 1
@@ -22,16 +22,16 @@ class RecordSink {
 public:
     virtual ~RecordSink() = default;
 
-    // Nothing that begins later is asked for.
+    // Readers may stop after this time.
     virtual std::int64_t endUs() const = 0;
-    // No reader looks at more records than that.
+    // Readers look at no more records than this.
     virtual std::size_t mostRecords() const = 0;
-    // Nothing more is taken.
+    // Further records are ignored.
     virtual bool isFull() const = 0;
 
     virtual void addFix(const RecordedFix& fix) = 0;
     virtual void addAcceleration(std::int64_t timeUs, double x, double y, double z) = 0;
-    // Something else that was recorded at this time.
+    // A record at this time with other content.
     virtual void addOther(std::int64_t timeUs) = 0;
     virtual void addStop(const ReaderStop& stop) = 0;
 };

@@ -30,9 +30,8 @@ void readChunks(ByteSource& source, ByteRange area, ClipLayout& clip) {
 std::optional<RiffChunk> nextChunk(ByteSource& source, ByteRange& rest) {
     std::array<char, 12> head{};
     const qsizetype wanted = std::min<std::int64_t>(rest.size, 12);
-    if (wanted < 8 || source.read(rest.start, std::span(head).first(wanted)) < 8) {
+    if (wanted < 8 || source.read(rest.start, std::span(head).first(wanted)) < 8)
         return std::nullopt;
-    }
     RiffChunk chunk{qFromBigEndian<std::uint32_t>(head.data()), 0, {rest.start + 8, 0}};
     std::int64_t size = qFromLittleEndian<std::uint32_t>(head.data() + 4);
     if (isList(chunk.name) && wanted == 12) {
@@ -44,7 +43,7 @@ std::optional<RiffChunk> nextChunk(ByteSource& source, ByteRange& rest) {
     chunk.offset = rest.start;
     chunk.missing = static_cast<std::uint64_t>(rest.start + 8 + size - end);
     chunk.body.size = std::max<std::int64_t>(0, end - chunk.body.start);
-    const std::int64_t next = std::min(end + (size & 1), rest.end()); // chunks begin at even places
+    const std::int64_t next = std::min(end + (size & 1), rest.end()); // chunks start at even offsets
     rest = {next, rest.end() - next};
     return chunk;
 }
@@ -53,12 +52,10 @@ void readRiffLayout(ByteSource& source, ClipLayout& clip) {
     clip.isRiff = true;
     ByteRange rest{0, source.size()};
     while (const std::optional<RiffChunk> chunk = nextChunk(source, rest)) {
-        if (chunk->missing > 0 && chunk->name == fourCc("RIFF") && !clip.cut) {
+        if (chunk->missing > 0 && chunk->name == fourCc("RIFF") && !clip.cut)
             clip.cut = CutBox{chunk->name, chunk->offset, chunk->missing};
-        }
-        if (chunk->name == fourCc("RIFF")) {
+        if (chunk->name == fourCc("RIFF"))
             readChunks(source, chunk->body, clip);
-        }
     }
 }
 
@@ -66,11 +63,10 @@ ClipLayout readClipLayout(ByteSource& source) {
     ClipLayout clip;
     std::array<char, 12> head{};
     source.read(0, head);
-    if (qFromBigEndian<std::uint32_t>(head.data()) == fourCc("RIFF")) {
+    if (qFromBigEndian<std::uint32_t>(head.data()) == fourCc("RIFF"))
         readRiffLayout(source, clip);
-    } else {
+    else
         readMp4Layout(source, clip);
-    }
     return clip;
 }
 

@@ -10,12 +10,12 @@ namespace {
 constexpr std::int64_t kMsPerSecond = 1000;
 constexpr std::int64_t kMsPerDay = 86'400'000;
 constexpr std::int64_t kJulianDayOf1970 = 2'440'588;
-constexpr int kLastYear = 100'000'000; // later ones are past 64 bits
+constexpr int kLastYear = 100'000'000; // later years in ms exceed 64 bits
 constexpr std::int64_t kUsPerMs = 1000;
-constexpr std::int64_t kMostASecond = 10;
-constexpr std::int64_t kSlackMs = 1000; // by which honest clocks may run past the clip's end
+constexpr std::int64_t kMaxRecordsPerSecond = 10;
+constexpr std::int64_t kSlackMs = 1000; // a correct clock may run past the clip's end by this
 
-// Behind a record, those whose clock stands still or says nothing.
+// End of the run of records whose clock doesn't advance or is missing.
 std::size_t endOfRun(std::span<const SecondRecord> seconds, std::size_t first) {
     const auto moved = [&](const SecondRecord& later) {
         return later.fix.hasClock() && later.fix.clockMs != seconds[first].fix.clockMs;
@@ -23,10 +23,10 @@ std::size_t endOfRun(std::span<const SecondRecord> seconds, std::size_t first) {
     return std::find_if(seconds.begin() + first + 1, seconds.end(), moved) - seconds.begin();
 }
 
-// A receiver without a fix lets its clock stand, or says none, or no record is written; then the next clock
-// that moves on says how long that was. One that is set right jumps as well: steps of more than `believedS`
-// forward and all backward count as a second a record.
-std::vector<std::int64_t> timesOf(std::span<const SecondRecord> seconds, std::int64_t believedS) {
+// Without a fix, a receiver's clock stops or is missing, or the recorder writes no records; the next clock
+// that advances gives the length of that gap. A corrected clock jumps, too: for steps of more than `maxStepS`
+// seconds forward, and for all steps backward, each record counts as one second.
+std::vector<std::int64_t> timesOf(std::span<const SecondRecord> seconds, std::int64_t maxStepS) {
     std::vector<std::int64_t> times;
     times.reserve(seconds.size());
     std::int64_t startMs = 0;
@@ -36,18 +36,17 @@ std::vector<std::int64_t> timesOf(std::span<const SecondRecord> seconds, std::in
         const bool moves = next < seconds.size() && seconds[first].fix.hasClock();
         const std::int64_t step =
             moves ? (seconds[next].fix.clockMs - seconds[first].fix.clockMs) / kMsPerSecond : 0;
-        const bool believed = step > 0 && step <= believedS && count <= step * kMostASecond;
-        const std::int64_t lengthMs = (believed ? step : count) * kMsPerSecond;
-        for (std::int64_t i = 0; i < count; ++i) {
+        const bool isPlausible = step > 0 && step <= maxStepS && count <= step * kMaxRecordsPerSecond;
+        const std::int64_t lengthMs = (isPlausible ? step : count) * kMsPerSecond;
+        for (std::int64_t i = 0; i < count; ++i)
             times.push_back(startMs + i * std::min(kMsPerSecond, lengthMs / count));
-        }
         startMs += lengthMs;
         first = next;
     }
     return times;
 }
 
-// Nobody drives through a tunnel that is longer than the clip: then a clock has been set.
+// If the gaps make the records longer than the clip, they were corrections of the clock, not tunnels.
 std::vector<std::int64_t> likelyTimes(std::span<const SecondRecord> seconds,
                                       std::optional<std::int64_t> clipLengthMs) {
     constexpr std::int64_t kLongestTunnelS = 60;
@@ -61,9 +60,8 @@ std::vector<std::int64_t> likelyTimes(std::span<const SecondRecord> seconds,
 std::int64_t clockOf(int year, int month, int day, int hour, int minute, int second) {
     const QDate date(year < 2000 ? year + 2000 : year, month, day);
     const QTime time(hour, minute, second);
-    if (!date.isValid() || !time.isValid() || std::abs(date.year()) > kLastYear) {
+    if (!date.isValid() || !time.isValid() || std::abs(date.year()) > kLastYear)
         return RecordedFix::kNoClock;
-    }
     return (date.toJulianDay() - kJulianDayOf1970) * kMsPerDay + time.msecsSinceStartOfDay();
 }
 

@@ -1,4 +1,4 @@
-// Records that come about once a second and carry a calendar clock of whole seconds.
+// Records written about once per second, with a calendar clock in whole seconds.
 #pragma once
 
 #include <optional>
@@ -9,15 +9,15 @@
 namespace ql240::sensorfiles {
 
 struct SecondRecord {
-    RecordedFix fix;    // its time in the clip is not known yet
-    bool isRead = true; // false stands for a second of which nothing is known
+    RecordedFix fix;    // its timeUs isn't known yet
+    bool isRead = true; // false: an unreadable record, which takes up its second
 };
 
-// A date and time as such a clock; RecordedFix::kNoClock where there is no such time. Years may lack their
-// century.
+// A date and time in ms since 1970; RecordedFix::kNoClock if it is invalid. Years before 2000 count from
+// 2000.
 std::int64_t clockOf(int year, int month, int day, int hour, int minute, int second);
 
-// Adds the records of a whole clip, each at the time that the clocks make likely.
+// Adds all the records of a clip, with the most likely times by their clocks.
 void addSecondRecords(std::span<const SecondRecord> seconds, std::optional<std::int64_t> clipLengthMs,
                       RecordSink& sink);
 

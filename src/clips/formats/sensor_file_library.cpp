@@ -65,9 +65,8 @@ SensorLibrary::Handle SensorFileLibrary::readClip(QIODevice& device) {
 
 int SensorFileLibrary::getCreateTime(Handle handle, char* buffer) {
     buffer[0] = 0;
-    if (handle != m_last || !m_createdAt.isValid()) {
+    if (handle != m_last || !m_createdAt.isValid())
         return 0;
-    }
     const QByteArray text = m_createdAt.toString(QStringLiteral("yyyy-MM-dd-hh-mm-ss")).toLatin1();
     qstrncpy(buffer, text.constData(), kCreateTimeSize);
     return 1;
@@ -80,9 +79,8 @@ bool SensorFileLibrary::answers(Handle handle, std::int64_t timeMs) const {
 int SensorFileLibrary::getLatLonSpeed(Handle handle, std::int64_t timeMs, std::int32_t* latitude,
                                       std::int32_t* longitude, std::int8_t* latitudeLetter,
                                       std::int8_t* longitudeLetter, std::int32_t* speed) {
-    if (!answers(handle, timeMs)) {
+    if (!answers(handle, timeMs))
         return 0;
-    }
     const Position position = m_records.positionAt(timeMs);
     *latitude = std::abs(position.latitude);
     *longitude = std::abs(position.longitude);
@@ -94,9 +92,8 @@ int SensorFileLibrary::getLatLonSpeed(Handle handle, std::int64_t timeMs, std::i
 
 int SensorFileLibrary::getAccXYZ(Handle handle, std::int64_t timeMs, std::int16_t* x, std::int16_t* y,
                                  std::int16_t* z) {
-    if (!answers(handle, timeMs)) {
+    if (!answers(handle, timeMs))
         return 0;
-    }
     const Acceleration acceleration = m_records.accelerationAt(timeMs);
     *x = acceleration.x;
     *y = acceleration.y;

@@ -1,5 +1,5 @@
-// The sensor library's place, taken by our own readers of what cameras store in their clips. Holds the
-// records of the clip asked for last. Interface thread only.
+// The sensor library's interface, implemented by this program's own format readers. Holds the records of the
+// clip opened last. Interface thread only.
 #pragma once
 
 #include <QDateTime>
@@ -14,10 +14,10 @@ namespace ql240 {
 class SensorFileLibrary : public SensorLibrary {
 public:
     Handle getInformationData(const char* path) override;
-    // The same for a clip that is open already, whatever holds its bytes.
+    // The same for a clip that is already open, from any kind of device.
     Handle readClip(QIODevice& clip);
 
-    // "yyyy-MM-dd-hh-mm-ss" as the container says it, usually UTC.
+    // "yyyy-MM-dd-hh-mm-ss" from the container, usually UTC.
     int getCreateTime(Handle handle, char* buffer) override;
     int getLatLonSpeed(Handle handle, std::int64_t timeMs, std::int32_t* latitude, std::int32_t* longitude,
                        std::int8_t* latitudeLetter, std::int8_t* longitudeLetter,
@@ -28,7 +28,7 @@ public:
 private:
     bool answers(Handle handle, std::int64_t timeMs) const;
 
-    Handle m_last = 0; // the newest handle given out; older ones aren't answered any more
+    Handle m_last = 0; // the newest handle returned; older ones are no longer valid
     sensorfiles::SensorRecords m_records;
     QDateTime m_createdAt;
 };

@@ -1,5 +1,5 @@
-// The ways cameras store sensor data in their clips, one reader each, in the order in which they are tried:
-// the first that finds anything counts.
+// The formats in which cameras store sensor data, one reader each, in the order in which they are tried: the
+// first that finds records is used.
 #pragma once
 
 #include <array>
@@ -13,13 +13,13 @@ namespace ql240::sensorfiles {
 
 struct SensorFormat {
     const char* name;
-    // Adds what the clip has in this format, up to where it stops making sense.
+    // Adds the clip's records in this format, up to the first invalid one.
     void (*read)(ByteSource& source, const ClipLayout& clip, RecordSink& sink);
 };
 
-// Camera motion metadata: a track of records that say their type.
+// Camera motion metadata: a track of typed records.
 void readMotionTrack(ByteSource& source, const ClipLayout& clip, RecordSink& sink);
-// `createdAt`: the clip's date, in seconds since 1970.
+// `createdAt`: the clip's creation time in seconds since 1970.
 void readMotionSample(const TrackSample& sample, RecordSink& sink,
                       std::optional<std::int64_t> createdAt = {});
 
@@ -33,7 +33,7 @@ void readTextSample(const TrackSample& sample, RecordSink& sink);
 // A free box with an NMEA log and a table of accelerations.
 void readFreeLog(ByteSource& source, const ClipLayout& clip, RecordSink& sink);
 
-// Tables of positions and accelerations without times of their own.
+// Tables of positions and accelerations without times.
 void readPlainTables(ByteSource& source, const ClipLayout& clip, RecordSink& sink);
 
 inline constexpr std::array kSensorFormats{

@@ -11,8 +11,7 @@ namespace ql240::sensorfiles {
 namespace {
 
 constexpr std::int64_t kHoldMs = 1000;
-// Receivers repeat a position between two of their own fixes: over a second a speed is true, over less it may
-// not be.
+// Receivers repeat a position between two fixes, so speeds derived over less than a second may be wrong.
 constexpr std::int64_t kSpeedWindowMs = 1000;
 constexpr std::int64_t kUsPerMs = 1000;
 constexpr double kRadiansPerMillionth = std::numbers::pi / 180.0 / 1e6;
@@ -46,7 +45,7 @@ const Record* latest(const std::vector<Record>& records, std::int64_t timeMs) {
 
 } // namespace
 
-// The time as it is kept.
+// Converts a time to ms, rounding up, and extends the covered time to it.
 std::int32_t SensorRecords::note(std::int64_t timeUs) {
     const std::int64_t timeMs = timeUs / kUsPerMs + (timeUs % kUsPerMs > 0 ? 1 : 0);
     const auto kept = static_cast<std::int32_t>(std::clamp<std::int64_t>(
@@ -56,16 +55,14 @@ std::int32_t SensorRecords::note(std::int64_t timeUs) {
 }
 
 void SensorRecords::addFix(const RecordedFix& fix) {
-    if (isFull()) {
+    if (isFull())
         return;
-    }
     const Position position = fix.isValid() ? Position{rounded<std::int32_t>(fix.latitude * 1e6),
                                                        rounded<std::int32_t>(fix.longitude * 1e6)}
                                             : Position();
     m_fixes.push_back({note(fix.timeUs), position});
-    if (!isFull() && std::isfinite(fix.speedKmh)) {
+    if (!isFull() && std::isfinite(fix.speedKmh))
         m_speeds.push_back({note(fix.timeUs), rounded<std::int32_t>(fix.speedKmh)});
-    }
 }
 
 void SensorRecords::addAcceleration(std::int64_t timeUs, double x, double y, double z) {
@@ -83,38 +80,34 @@ void SensorRecords::finish() {
     sortByTime(m_fixes);
     sortByTime(m_speeds);
     sortByTime(m_shocks);
-    if (m_speeds.empty()) {
+    if (m_speeds.empty())
         deriveSpeeds();
-    }
 }
 
-// Across a gap without a fix there is no distance: each unbroken run of fixes stands for itself.
+// Derives speeds only within an unbroken run of fixes.
 void SensorRecords::deriveSpeeds() {
     std::size_t first = 0;
     for (std::size_t i = 0; i <= m_fixes.size(); ++i) {
         if (i == m_fixes.size() || !m_fixes[i].position.isFix()) {
-            if (i > first) {
+            if (i > first)
                 deriveSpeedsOfRun(first, i);
-            }
             first = i + 1;
         }
     }
 }
 
-// Over the last second up to each fix of [first, last); over the run's first second where that isn't over
-// yet.
+// Derives a speed for each fix of [first, last) from the distance over the second before it, or over the
+// run's first second for the fixes in that second.
 void SensorRecords::deriveSpeedsOfRun(std::size_t first, std::size_t last) {
-    const auto timeOf = [this](std::size_t i) { return std::int64_t(m_fixes[i].timeMs); };
+    const auto timeOf = [this](std::size_t i) { return static_cast<std::int64_t>(m_fixes[i].timeMs); };
     std::size_t opening = first;
-    while (opening + 1 < last && timeOf(opening) - timeOf(first) < kSpeedWindowMs) {
+    while (opening + 1 < last && timeOf(opening) - timeOf(first) < kSpeedWindowMs)
         ++opening;
-    }
     std::size_t from = first;
     for (std::size_t i = first; i < last; ++i) {
         const std::size_t to = std::max(i, opening);
-        while (from + 1 < to && timeOf(to) - timeOf(from + 1) >= kSpeedWindowMs) {
+        while (from + 1 < to && timeOf(to) - timeOf(from + 1) >= kSpeedWindowMs)
             ++from;
-        }
         const std::int64_t elapsedMs = timeOf(to) - timeOf(from);
         const double metres = metresBetween(m_fixes[from].position, m_fixes[to].position);
         const double kmh = elapsedMs > 0 ? metres / static_cast<double>(elapsedMs) * kKmhPerMetreAMs : 0.0;
@@ -128,18 +121,18 @@ bool SensorRecords::covers(std::int64_t timeMs) const {
 
 Position SensorRecords::positionAt(std::int64_t timeMs) const {
     const Fix* fix = latest(m_fixes, timeMs);
-    return fix != nullptr ? fix->position : Position();
+    return fix ? fix->position : Position();
 }
 
 std::int32_t SensorRecords::speedAt(std::int64_t timeMs) const {
     const Fix* fix = latest(m_fixes, timeMs);
     const Speed* speed = latest(m_speeds, timeMs);
-    return fix != nullptr && fix->position.isFix() && speed != nullptr ? speed->kmh : 0;
+    return fix && fix->position.isFix() && speed ? speed->kmh : 0;
 }
 
 Acceleration SensorRecords::accelerationAt(std::int64_t timeMs) const {
     const Shock* shock = latest(m_shocks, timeMs);
-    return shock != nullptr ? shock->acceleration : Acceleration();
+    return shock ? shock->acceleration : Acceleration();
 }
 
 } // namespace ql240::sensorfiles

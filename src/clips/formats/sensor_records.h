@@ -1,9 +1,9 @@
-// What the dashboard takes of a clip's record: positions, speeds and accelerations, each by its own times in
-// ms from the clip's start (rounded up: a sample isn't there before its time), in the units of the sensor
-// library (millionths of a degree, km/h, counts of 128 a g; rounded half away from zero, saturated).
+// The dashboard's part of a clip's record: positions, speeds and accelerations with their times in ms from
+// the clip's start (rounded up, so that none shows early), in the units of the sensor library (millionths of
+// a degree, km/h, 1/128 g; rounded half away from zero, saturated).
 #pragma once
 
-#include <QtGlobal>
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -34,24 +34,24 @@ public:
     void addOther(std::int64_t timeUs) override;
     void addStop(const ReaderStop&) override {}
 
-    // Once after the last record: puts late ones in order and, where no record gave a speed, works it out
-    // from the distance between the fixes.
+    // Call once, after the last record: sorts the records by time and, if none has a speed, derives the
+    // speeds from the distances between fixes.
     void finish();
 
     bool isFull() const override {
         return m_fixes.size() + m_speeds.size() + m_shocks.size() >= limits::kSensorRecords;
     }
     bool isEmpty() const { return m_fixes.empty() && m_speeds.empty() && m_shocks.empty(); }
-    // A clip is answered for up to a second behind its last record.
+    // Whether the time is in the clip, up to one second after its last record.
     bool covers(std::int64_t timeMs) const;
 
-    // The latest record at or before the time, zeros where there is none. Speeds are 0 without a fix.
+    // The latest record at or before the time; zeros if there is none. Speeds are 0 without a fix.
     Position positionAt(std::int64_t timeMs) const;
     std::int32_t speedAt(std::int64_t timeMs) const;
     Acceleration accelerationAt(std::int64_t timeMs) const;
 
 private:
-    // Times in ms as 32 bits: a clip's records take no more memory than they take in the clip.
+    // 32-bit times keep these records as small as they are in the file.
     struct Fix {
         std::int32_t timeMs;
         Position position;

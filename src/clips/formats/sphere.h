@@ -1,4 +1,4 @@
-// Distances on the earth's mean sphere (radius by IUGG).
+// Distances on a sphere with the earth's mean radius (IUGG).
 #pragma once
 
 #include <algorithm>
@@ -6,7 +6,7 @@
 
 namespace ql240 {
 
-// The haversine formula, exact enough at any distance. Radians.
+// The haversine formula, which is numerically stable at small distances. Angles in radians.
 inline double metresOnSphere(double latitudeA, double latitudeB, double longitudeDifference) {
     constexpr double kEarthRadiusM = 6371008.8;
     const double sinLatitude = std::sin((latitudeB - latitudeA) / 2);

@@ -24,7 +24,7 @@ constexpr CodecName kFourCcs[] = {
     {fourCc("jpeg"), "Motion-JPEG"}, {fourCc("camm"), "motion data"}, {fourCc("text"), "text"},
     {fourCc("tx3g"), "text"},
 };
-// Of WAVEFORMATEX.
+// wFormatTag of WAVEFORMATEX.
 constexpr CodecName kWaveFormats[] = {{1, "PCM"},    {6, "A-law"},  {7, "µ-law"},    {0x11, "ADPCM"},
                                       {0x55, "MP3"}, {0xFF, "AAC"}, {0x2000, "AC-3"}};
 
@@ -55,7 +55,7 @@ std::int64_t scaled(std::uint64_t count, std::uint64_t unit, std::uint64_t perSe
     return static_cast<std::int64_t>(std::min(ms, kMost));
 }
 
-// The first sample description stands behind eight bytes of the box and has a head of 16.
+// The first sample description follows 8 bytes of stsd and has a 16-byte header.
 ClipStream streamOf(ByteSource& source, const TrackLayout& track) {
     const auto stsd = bytesAt<48>(source, track.description);
     const auto u16 = [&](std::size_t at) { return qFromBigEndian<std::uint16_t>(stsd.data() + 8 + at); };
@@ -66,9 +66,10 @@ ClipStream streamOf(ByteSource& source, const TrackLayout& track) {
         stream.kind = ClipStream::Kind::Video;
         stream.width = u16(32);
         stream.height = u16(34);
-        if (track.length > 0)
+        if (track.length > 0) {
             stream.framesASecond =
                 static_cast<double>(track.sampleCount) * track.timescale / static_cast<double>(track.length);
+        }
     } else if (track.handler == fourCc("soun")) {
         stream.kind = ClipStream::Kind::Sound;
         stream.channels = u16(24);
@@ -97,7 +98,8 @@ void readStreamFormat(ByteSource& source, ByteRange body, ClipStream& stream) {
     const auto i32 = [&](std::size_t at) { return qFromLittleEndian<std::int32_t>(strf.data() + at); };
     if (stream.kind == ClipStream::Kind::Video) {
         stream.width = i32(4);
-        stream.height = static_cast<int>(std::min<std::int64_t>(std::abs(std::int64_t(i32(8))), 1 << 30));
+        const std::int64_t height = i32(8); // negative: top line first
+        stream.height = static_cast<int>(std::min<std::int64_t>(std::abs(height), 1 << 30));
         stream.codec = fourCcName(qFromBigEndian<std::uint32_t>(strf.data() + 16));
     } else if (stream.kind == ClipStream::Kind::Sound) {
         const QString name = codecName(kWaveFormats, u16(0));
@@ -125,18 +127,20 @@ std::vector<ClipStream> readAviStreams(ByteSource& source, ByteRange headers) {
     return streams;
 }
 
-// Text behind its length and language, or text alone.
+// Text alone, or preceded by its length and language.
 QString textIn(ByteSource& source, ByteRange body, bool hasLanguage) {
     QByteArray bytes(std::clamp<std::int64_t>(body.size, 0, limits::kShownNameLetters), '\0');
     bytes.truncate(source.read(body.start, bytes));
-    if (hasLanguage && bytes.size() >= 4 &&
-        qFromBigEndian<std::uint16_t>(bytes.constData()) <= bytes.size() - 4)
-        bytes = bytes.mid(4, qFromBigEndian<std::uint16_t>(bytes.constData()));
+    if (hasLanguage && bytes.size() >= 4) {
+        const auto length = qFromBigEndian<std::uint16_t>(bytes.constData());
+        if (length <= bytes.size() - 4)
+            bytes = bytes.mid(4, length);
+    }
     return QString::fromUtf8(bytes.constData(), qstrnlen(bytes.constData(), bytes.size())).trimmed();
 }
 
 CameraText readUserData(ByteSource& source, ByteRange area) {
-    // The first letter of these names is the copyright sign of Latin-1.
+    // These types begin with the copyright sign in Latin-1.
     constexpr std::uint32_t kSign = 0xA9000000;
     constexpr std::uint32_t kLetters = 0x00FFFFFF;
     CameraText text;

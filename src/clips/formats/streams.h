@@ -12,7 +12,7 @@ struct ClipStream {
     enum class Kind { Video, Sound, Data };
 
     Kind kind = Kind::Data;
-    QString codec; // "H.264", or the container's own four letters
+    QString codec; // "H.264", or the container's four-character code
     int width = 0;
     int height = 0;
     double framesASecond = 0;
@@ -30,7 +30,7 @@ namespace sensorfiles {
 
 std::vector<ClipStream> readStreams(ByteSource& source, const ClipLayout& clip);
 CameraText readCameraText(ByteSource& source, const ClipLayout& clip);
-// "moov"; what isn't a letter is shown as "?".
+// "moov"; "?" replaces unprintable characters.
 QString typeText(std::uint32_t type);
 
 } // namespace sensorfiles

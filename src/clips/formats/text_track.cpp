@@ -1,6 +1,5 @@
-// A text or tx3g track (handler "text" or "sbtl"): each sample is its length as a big-endian u16 and then
-// text, here NMEA sentences and lines "gsensori,…,scale,x,y,z", whose numbers are counts with `scale` of them
-// a g.
+// A text or tx3g track (handler "text" or "sbtl"): each sample is a length as a big-endian u16, then text:
+// NMEA sentences and lines "gsensori,…,scale,x,y,z", whose last three numbers are in 1/scale g.
 #include <QtEndian>
 #include <vector>
 
@@ -17,30 +16,27 @@ bool endsLine(char c) {
     return static_cast<std::uint8_t>(c) < 0x20 || c == ';' || c == '$';
 }
 
-// The last four numbers count: the scale, then x, y and z.
+// Only the last four numbers matter: the scale, then x, y and z.
 void addSensorLine(std::int64_t timeUs, QByteArrayView line, RecordSink& sink) {
     std::vector<double> numbers;
     for (const QByteArray& part : line.sliced(kSensorWord.size()).toByteArray().split(',')) {
         bool isNumber = false;
         numbers.push_back(part.toDouble(&isNumber));
-        if (!isNumber) {
+        if (!isNumber)
             return;
-        }
     }
-    if (numbers.size() < 4) {
+    if (numbers.size() < 4)
         return;
-    }
     const std::span<const double> last = std::span<const double>(numbers).last(4);
     const double factor = 1.0 / last[0];
     sink.addAcceleration(timeUs, last[1] * factor, last[2] * factor, last[3] * factor);
 }
 
 void addLine(const TrackSample& sample, QByteArrayView line, RecordSink& sink) {
-    if (line.startsWith(kSensorWord)) {
+    if (line.startsWith(kSensorWord))
         addSensorLine(sample.timeUs, line, sink);
-    } else {
+    else
         addNmeaSentence({sample.timeUs, "text sample", sample.number, sample.offset}, line, sink);
-    }
 }
 
 } // namespace
@@ -49,9 +45,8 @@ void readTextSample(const TrackSample& sample, RecordSink& sink) {
     std::span<const char> bytes = sample.bytes;
     if (bytes.size() >= 2) {
         const std::size_t length = qFromBigEndian<std::uint16_t>(bytes.data());
-        if (length <= bytes.size() - 2) {
+        if (length <= bytes.size() - 2)
             bytes = bytes.subspan(2, length);
-        }
     }
     std::size_t start = 0;
     for (std::size_t i = 0; i <= bytes.size(); ++i) {

@@ -7,10 +7,10 @@
 namespace ql240::sensorfiles {
 namespace {
 
-constexpr qsizetype kBatchBytes = qsizetype(16) * 1024;
+constexpr qsizetype kBatchBytes = 16 * 1024;
 constexpr std::size_t kBatchSamples = 256;
-constexpr std::int64_t kMaxTicks = std::int64_t(1) << 52;
-constexpr std::int64_t kMaxSeconds = std::int64_t(1) << 40; // twice as many still are microseconds of 64 bits
+constexpr std::int64_t kMaxTicks = INT64_C(1) << 52;
+constexpr std::int64_t kMaxSeconds = INT64_C(1) << 40; // the sum of two still fits 64 bits in microseconds
 constexpr std::int64_t kUsPerSecond = 1'000'000;
 
 std::int64_t ticksToUsUp(std::int64_t ticks, std::uint32_t timescale) {
@@ -25,7 +25,7 @@ std::int64_t ticksToUsUp(std::int64_t ticks, std::uint32_t timescale) {
            (rest * kUsPerSecond + scale - 1) / scale;
 }
 
-// When each sample begins, in ticks of the track.
+// The samples' start times, in ticks of the track.
 class SampleTimes {
 public:
     SampleTimes(ByteSource& source, const TrackLayout& track) : m_entries(source, track.times) {}
@@ -35,9 +35,8 @@ public:
             m_left = m_entries.u32().value_or(0);
             m_delta = m_entries.u32().value_or(0);
         }
-        if (m_left == 0 || m_time > kMaxTicks) {
+        if (m_left == 0 || m_time > kMaxTicks)
             return std::nullopt;
-        }
         --m_left;
         const std::int64_t time = m_time;
         m_time += m_delta;
@@ -60,23 +59,20 @@ public:
           m_left(track.sampleCount) {}
 
     std::optional<std::uint32_t> next() {
-        if (m_left == 0) {
+        if (m_left == 0)
             return std::nullopt;
-        }
         --m_left;
         return m_constant > 0 ? std::optional(m_constant) : nextEntry();
     }
 
 private:
-    // Four bits would say 15 bytes at most, which no sensor record is.
+    // Sizes of four bits end the track: samples of at most 15 bytes hold no sensor record.
     std::optional<std::uint32_t> nextEntry() {
-        if (m_bits == 32) {
+        if (m_bits == 32)
             return m_entries.u32();
-        }
         const std::optional<std::uint8_t> high = m_entries.byte();
-        if (!high || m_bits == 8) {
+        if (!high || m_bits == 8)
             return high;
-        }
         const std::optional<std::uint8_t> low = m_bits == 16 ? m_entries.byte() : std::nullopt;
         return low ? std::optional<std::uint32_t>(*high << 8 | *low) : std::nullopt;
     }
@@ -87,7 +83,7 @@ private:
     std::uint32_t m_left;
 };
 
-// How many samples each chunk holds, from the runs of like chunks.
+// The number of samples in each chunk, from the runs of equal chunks.
 class ChunkRuns {
 public:
     ChunkRuns(ByteSource& source, const TrackLayout& track) : m_entries(source, track.chunkRuns) {
@@ -108,9 +104,8 @@ private:
         m_next = m_entries.u32().value_or(0);
         m_nextSamples = m_entries.u32().value_or(0);
         m_entries.u32(); // sample description
-        if (m_next <= before) {
+        if (m_next <= before)
             m_next = 0;
-        }
     }
 
     RangeReader m_entries;
@@ -126,7 +121,7 @@ struct Sample {
     qsizetype size;
 };
 
-// Reads neighbouring samples of a chunk together.
+// Reads adjacent samples at once.
 class SampleBatch {
 public:
     SampleBatch(ByteSource& source, RecordSink& sink, const SampleVisitor& visit)
@@ -135,9 +130,8 @@ public:
     void add(std::int64_t offset, std::uint32_t size, std::int64_t number, std::int64_t timeUs) {
         const auto bytes = static_cast<qsizetype>(std::min<std::int64_t>(size, limits::kSensorSampleBytes));
         const bool follows = offset == m_offset + m_size;
-        if (!follows || m_size + bytes > kBatchBytes || m_samples.size() == kBatchSamples) {
+        if (!follows || m_size + bytes > kBatchBytes || m_samples.size() == kBatchSamples)
             flush();
-        }
         if (m_samples.empty()) {
             m_offset = offset;
             m_size = 0;
@@ -147,17 +141,15 @@ public:
     }
 
     void flush() {
-        if (m_samples.empty()) {
+        if (m_samples.empty())
             return;
-        }
         m_bytes.resize(m_size);
         const qsizetype got = m_source.read(m_offset, m_bytes);
         for (const Sample& sample : m_samples) {
             const qsizetype there = std::min(sample.size, got - sample.start);
             const std::int64_t offset = m_offset + sample.start;
-            if (there < sample.size) {
+            if (there < sample.size)
                 m_sink.addStop({"sample", sample.number, offset, "it isn't whole in the file"});
-            }
             if (there > 0) {
                 const auto bytes = std::span<const char>(m_bytes).subspan(sample.start, there);
                 m_visit({sample.timeUs, sample.number, offset, bytes});
@@ -177,14 +169,13 @@ private:
     qsizetype m_size = 0;
 };
 
-// A track's ticks as microseconds from the clip's start, by the beginning of its edit list.
+// Converts a track's ticks to microseconds from the clip's start, which the edit list shifts.
 class ClipClock {
 public:
     ClipClock(const TrackLayout& track, std::uint32_t fileTimescale)
         : m_timescale(track.timescale), m_mediaStart(std::min(track.mediaStart, kMaxTicks)) {
-        if (fileTimescale > 0 && track.emptyEdit < std::uint64_t(kMaxTicks)) {
+        if (fileTimescale > 0 && track.emptyEdit < static_cast<std::uint64_t>(kMaxTicks))
             m_delayUs = ticksToUsUp(static_cast<std::int64_t>(track.emptyEdit), fileTimescale);
-        }
     }
 
     std::int64_t usOf(std::int64_t ticks) const {
@@ -200,16 +191,16 @@ private:
 std::optional<std::int64_t> nextChunk(RangeReader& offsets, const TrackLayout& track, std::int64_t fileSize) {
     const std::optional<std::uint64_t> offset =
         track.wideOffsets ? offsets.u64() : std::optional<std::uint64_t>(offsets.u32());
-    return offset && *offset < std::uint64_t(fileSize) ? std::optional<std::int64_t>(*offset) : std::nullopt;
+    const bool isInFile = offset && *offset < static_cast<std::uint64_t>(fileSize);
+    return isInFile ? std::optional<std::int64_t>(*offset) : std::nullopt;
 }
 
 } // namespace
 
 void forEachSample(ByteSource& source, const TrackLayout& track, std::uint32_t fileTimescale,
                    RecordSink& sink, const SampleVisitor& visit) {
-    if (track.timescale == 0) {
+    if (track.timescale == 0)
         return;
-    }
     const ClipClock clock(track, fileTimescale);
     SampleTimes times(source, track);
     SampleSizes sizes(source, track);
@@ -220,9 +211,8 @@ void forEachSample(ByteSource& source, const TrackLayout& track, std::uint32_t f
     std::uint32_t leftInChunk = 0;
     std::int64_t offset = 0;
     for (std::int64_t number = 1; number <= track.sampleCount; ++number) {
-        if (static_cast<std::size_t>(number) > sink.mostRecords()) {
+        if (static_cast<std::size_t>(number) > sink.mostRecords())
             break;
-        }
         if (leftInChunk == 0) {
             const std::optional<std::int64_t> start = nextChunk(offsets, track, source.size());
             leftInChunk = runs.samplesOf(++chunk);
@@ -242,12 +232,10 @@ void forEachSample(ByteSource& source, const TrackLayout& track, std::uint32_t f
             break;
         }
         const std::int64_t timeUs = clock.usOf(*time);
-        if (*size > 0) {
+        if (*size > 0)
             batch.add(offset, *size, number, timeUs);
-        }
-        if (timeUs > sink.endUs()) {
+        if (timeUs > sink.endUs())
             break;
-        }
         offset += *size;
         --leftInChunk;
     }

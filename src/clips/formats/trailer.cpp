@@ -12,8 +12,8 @@ namespace {
 constexpr QByteArrayView kMarker("ETKLP1");
 constexpr int kFieldsPerLine = 7;
 
-// A decimal number, 0 for anything else, "nan" and "inf" too. Qt's own conversion: its result for ties and
-// limits is the product's.
+// A decimal number; 0 for anything else, including "nan" and "inf". Must be Qt's conversion, whose results
+// for ties and limits are the product's.
 double toNumber(QByteArrayView field) {
     const double value = field.toByteArray().toDouble();
     return std::isfinite(value) ? value : 0.0;
@@ -22,14 +22,13 @@ std::int32_t toInteger(QByteArrayView field) {
     return field.toByteArray().toInt();
 }
 
-// One line "clock,latitude,longitude,speed,x,y,z"; false with fewer fields than that.
+// Parses "clock,latitude,longitude,speed,x,y,z"; false with fewer fields.
 bool parseLine(QByteArrayView text, TrailerLine& line) {
     std::array<QByteArrayView, kFieldsPerLine> fields;
     qsizetype start = 0;
     for (std::size_t i = 0; i < fields.size(); ++i) {
-        if (start > text.size()) {
+        if (start > text.size())
             return false;
-        }
         const qsizetype comma = text.indexOf(',', start);
         const qsizetype end = comma < 0 ? text.size() : comma;
         fields[i] = text.sliced(start, end - start);
@@ -49,21 +48,18 @@ bool parseLine(QByteArrayView text, TrailerLine& line) {
 
 bool forEachTrailerLine(QByteArrayView tail, const std::function<void(const TrailerLine&)>& visit) {
     const qsizetype marker = tail.indexOf(kMarker);
-    if (marker <= 0) {
+    if (marker <= 0)
         return false;
-    }
     QByteArrayView text = tail.sliced(std::min(marker + kMarker.size() + 1, tail.size()));
     while (!text.isEmpty()) {
         const qsizetype feed = text.indexOf('\n');
         QByteArrayView bytes = feed < 0 ? text : text.first(feed);
         text = feed < 0 ? QByteArrayView() : text.sliced(feed + 1);
-        if (bytes.endsWith('\r')) {
+        if (bytes.endsWith('\r'))
             bytes.chop(1);
-        }
         TrailerLine line;
-        if (!bytes.isEmpty() && parseLine(bytes, line)) {
+        if (!bytes.isEmpty() && parseLine(bytes, line))
             visit(line);
-        }
     }
     return true;
 }

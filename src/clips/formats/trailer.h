@@ -1,5 +1,5 @@
-// The text behind an AVI clip's pictures: the marker "ETKLP1" and a line for each sample. The lines say no
-// times within the clip; they are spread over it evenly.
+// The text at the end of an AVI clip: the marker "ETKLP1" and one line per sample. The lines have no times
+// within the clip; they are spread evenly over it.
 #pragma once
 
 #include <QByteArrayView>
@@ -7,27 +7,27 @@
 
 namespace ql240::sensorfiles {
 
-// So many bytes at the end of the file may hold the marker.
+// The marker is within this many bytes of the end of the file.
 inline constexpr std::int64_t kTrailerBytes = 33006;
 
 struct TrailerLine {
     QByteArrayView clock; // ends in "$hhmmss", the camera's time
-    double latitude = 0;  // 0 is no position, also where the line has no number
+    double latitude = 0;  // 0: no position, or not a number in the line
     double longitude = 0;
     std::int32_t speedKmh = 0;
-    std::int16_t x = 0; // counts of 128 a g
+    std::int16_t x = 0; // in 1/128 g
     std::int16_t y = 0;
     std::int16_t z = 0;
 };
 
-// False where there is no marker. Lines with fewer fields than they need are skipped.
+// False without a marker. Skips lines with too few fields.
 bool forEachTrailerLine(QByteArrayView tail, const std::function<void(const TrailerLine&)>& visit);
 
-// The camera starts to write samples late in clips of events and motion: a third more of the first one goes
-// in front of so many lines.
+// In event and motion clips the camera starts writing samples late: the number of copies of the first sample,
+// about a third of the lines, to insert before them.
 std::size_t trailerPadding(std::size_t lines);
 
-// The distance of two samples in a clip of that length; the padding counts as samples.
+// The interval between two samples, padding included, in a clip of that duration.
 std::uint64_t trailerStepMs(std::int64_t durationMs, std::size_t samples);
 
 } // namespace ql240::sensorfiles

@@ -246,13 +246,12 @@ void FolderTreeDialog::takeTypedPath() {
 
 // Selects a folder; for anything else the caller decides.
 void FolderTreeDialog::takeTypedPath(const QString& typed, bool isFolder) {
-    if (isFolder) {
+    if (isFolder)
         setSelection(typed);
-    } else if (m_callback(*this, FolderMessage::ValidateFailed, typed) != 1) {
+    else if (m_callback(*this, FolderMessage::ValidateFailed, typed) != 1)
         reject();
-    } else {
+    else
         m_path->selectAll();
-    }
 }
 
 void FolderTreeDialog::accept() {

@@ -123,7 +123,7 @@ private:
         QVERIFY(device.bytesRead <= device.size() + kSlack);
         QVERIFY(device.largestRead <= kSlack);
         QVERIFY(record.fixes.size() + record.accelerations.size() <= limits::kRecordRecords);
-        QVERIFY(record.stops.size() <= limits::kToldStops);
+        QVERIFY(record.stops.size() <= limits::kReportedStops);
     }
 
     void checkAnswers(SensorFileLibrary& library, SensorLibrary::Handle handle) {
