@@ -1,4 +1,4 @@
-// The filters of the sound: decoder and output. Interface thread, but for what is said otherwise.
+// The audio filters: decoder and output. Interface thread unless noted.
 #pragma once
 
 #include <deque>
@@ -10,22 +10,22 @@
 
 namespace ql240::gstreamer {
 
-// Decodes whatever sound the splitter gives; raw sound passes.
+// Decodes the splitter's audio stream; raw audio passes through.
 class AudioDecoder final : public Filter {
 public:
     AudioDecoder();
     Status prepareInput(Pin& input, const Pin& upstream) override;
 };
 
-// Keeps time in silence in the clip's pipeline, and hands the sound on to the output a little ahead of the
-// time at which it is to be heard.
+// Silent in the clip's pipeline, where it only keeps time; passes the samples on to the sound output shortly
+// before they are due.
 class AudioRenderer final : public Filter {
 public:
     AudioRenderer();
     ~AudioRenderer() override;
 
     bool isSink() const override { return true; }
-    // What the pipeline's bus says of a change of state. Any thread.
+    // Call with the pipeline's state changes. Any thread.
     void stateChanged(GstMessage* message);
 
 private:
@@ -45,11 +45,11 @@ private:
     ElementHandle m_sink;
     SoundOutput m_output;
 
-    // Streaming threads, and whichever changes the state; guarded by m_mutex.
+    // Streaming threads, and the thread that changes the state; guarded by m_mutex.
     std::mutex m_mutex;
     CapsHandle m_caps;
     GstSegment m_segment{};
-    std::deque<Piece> m_ahead;              // from the one that is heard now
+    std::deque<Piece> m_ahead;              // from the one that plays now
     std::optional<GstClockTime> m_baseTime; // while the clip plays
 };
 

@@ -32,7 +32,7 @@ GstPadProbeReturn Backlog::goesIn(GstPad*, GstPadProbeInfo* info, gpointer self)
     return GST_PAD_PROBE_HANDLED;
 }
 
-// A single piece that is larger counts too.
+// The buffer that exceeds the limit isn't accepted any more.
 bool Backlog::takes(std::size_t bytes) {
     m_bytes += bytes;
     m_pieces += bytes > 0 ? 1 : 0;

@@ -1,6 +1,6 @@
-// Counts what goes into an element while nothing comes out, and ends the stream past a limit: a parser that
-// finds no end of a picture keeps all it gets, and looks through it again with each piece. Attached on the
-// interface thread, works on the streaming thread.
+// Limits the input that an element accepts without any output, and ends the stream past that: a parser that
+// finds no end of a frame keeps all its input and scans it again for each buffer. Attached on the interface
+// thread, works on the streaming thread.
 #pragma once
 
 #include <cstddef>
@@ -18,7 +18,7 @@ public:
 
     explicit Backlog(Limit limit) : m_limit(limit) {}
     ~Backlog();
-    // Of the elements from `first` to `last`. Before any probe there that lets nothing pass.
+    // Watches the elements from `first` to `last`. Call before adding probes there that drop buffers.
     void attach(GstElement* first, GstElement* last);
 
 private:

@@ -1,10 +1,9 @@
-// What GStreamer and GLib call of ours: their frames are C, and nothing thrown may pass through them. Any
-// thread.
+// For callbacks from GStreamer and GLib: exceptions must not pass through their C code. Any thread.
 #pragma once
 
 namespace ql240::gstreamer {
 
-// The callback's answer, or `otherwise` if there is no memory for it.
+// The callback's result, or `otherwise` if it runs out of memory.
 template <typename Answer, typename Body>
 Answer answerToC(Answer otherwise, Body&& body) noexcept {
     try {

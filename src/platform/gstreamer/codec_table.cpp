@@ -20,7 +20,8 @@ struct Codec {
     std::array<const char*, 2> factories; // null: none
 };
 
-// Software decoders by name: a hardware one may outrank them without being faster on clips of this size.
+// Software decoders by name: a hardware decoder may have a higher rank without being faster on clips of this
+// size.
 constexpr Codec kPictureCodecs[] = {
     {"video/x-h264", kAnyVersion, {"h264parse", "avdec_h264"}},
     {"video/x-h265", kAnyVersion, {"h265parse", "avdec_h265"}},
@@ -47,7 +48,6 @@ bool matches(const Codec& codec, const GstStructure* stream) {
            (gst_structure_get_int(stream, "mpegversion", &version) && version == codec.mpegVersion);
 }
 
-// In GStreamer's notation.
 QString textOf(const GstCaps* caps) {
     const std::unique_ptr<gchar, decltype(&g_free)> text(gst_caps_to_string(caps), g_free);
     return QString::fromUtf8(text.get());

@@ -10,8 +10,8 @@ namespace ql240::gstreamer {
 
 enum class StreamKind { Pictures, Sound };
 
-// The factories of parser and decoder, in order, for a stream of `caps`; raw sound needs none. Nothing if
-// what flows there is of another kind, or if nothing here decodes it.
+// The factories of parser and decoder, in order, for a stream of `caps`; raw audio needs none. Nothing if the
+// stream is of another kind or no decoder is known.
 std::optional<std::vector<const char*>> decoderChain(StreamKind kind, const GstCaps* caps);
 
 } // namespace ql240::gstreamer

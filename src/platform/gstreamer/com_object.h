@@ -1,5 +1,5 @@
-// The counting and interface look-up that every object of the pipeline shares. Counts may change on any
-// thread; the last Release deletes.
+// Reference counting and interface look-up for every object of the pipeline. AddRef and Release are
+// thread-safe; the last Release deletes.
 #pragma once
 
 #include <atomic>

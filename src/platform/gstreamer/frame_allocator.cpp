@@ -21,7 +21,7 @@ constexpr std::size_t kMostFree = 8;
 
 using Bytes = std::shared_ptr<std::uint8_t>;
 
-// Of the bytes in all blocks of a clip, free or not. Any thread.
+// Limits the bytes in all blocks of a clip, in use or free. Any thread.
 class Grant {
 public:
     bool take(gsize size) {
@@ -41,7 +41,7 @@ private:
     gsize m_taken = 0;
 };
 
-// Made when a clip's first allocator is, gone when the clip and all its frames are.
+// Created with a clip's first allocator; lives until the clip and all its frames are gone.
 std::shared_ptr<Grant> grantOf(GstObject* clip) {
     static const GQuark key = g_quark_from_static_string("ql240-frame-grant");
     static std::mutex mutex;
@@ -128,7 +128,7 @@ private:
 
 struct FrameMemory {
     GstMemory memory;
-    Bytes bytes; // `maxsize` of them, shared with the copies that nobody has written into
+    Bytes bytes; // `maxsize` of them, shared with copies until one of them is written to
     bool isCopy;
 };
 
@@ -168,8 +168,8 @@ void release(GstAllocator*, GstMemory* memory) {
     delete frameMemory(memory);
 }
 
-// Whoever maps its memory for writing holds it alone, so that no copy can begin meanwhile. An original that
-// still has copies is mapped by the decoder for its next frame, which doesn't need the old one's bytes.
+// GStreamer maps memory for writing only while it has one holder, so no copy can be made meanwhile. If an
+// original still has copies, the decoder maps it for its next frame and doesn't need the old bytes.
 gpointer map(GstMemory* memory, gsize size, GstMapFlags flags) {
     FrameMemory* frame = frameMemory(memory);
     return answerToC<gpointer>(nullptr, [=]() -> gpointer {

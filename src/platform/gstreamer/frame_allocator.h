@@ -1,6 +1,5 @@
-// Memory of decoded frames that is copied when somebody writes into it, not before. A decoder keeps its
-// frames as references while it hands them on, and the library copies such a frame whole, though most are
-// only read.
+// Copy-on-write memory for decoded frames. A decoder passes on frames that it also keeps as references;
+// GStreamer would copy each of these whole, although most are only read.
 #pragma once
 
 #include <gst/gst.h>

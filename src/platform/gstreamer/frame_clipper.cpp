@@ -9,14 +9,14 @@ namespace ql240::gstreamer {
 
 namespace {
 
-// Decoding on that far is quicker than a seek.
-constexpr GstClockTime kShortWay = 500 * GST_MSECOND;
-// What the pictures have moved on since the last seek waits as sound in a queue, which holds 8 MiB and then
-// stops the splitter; what the decoder keeps back has to fit in, too.
+// Decoding this far is faster than a seek.
+constexpr GstClockTime kShortMove = 500 * GST_MSECOND;
+// While the video moves on, the audio waits in a queue, which holds 8 MiB and then blocks the splitter; the
+// frames that the decoder delays need room there, too.
 constexpr GstClockTime kFarthest = 2 * GST_SECOND;
-// How long the last frame is shown.
+// Display duration of the last frame.
 constexpr GstClockTime kLastFrame = GST_SECOND;
-// Of a frame that doesn't say.
+// Duration of a frame without one.
 constexpr GstClockTime kUsualFrame = GST_SECOND / 15;
 // Of a position.
 constexpr GstClockTime kRounding = GST_USECOND;
@@ -52,7 +52,7 @@ void FrameClipper::attach(GstElement* decoder) {
         static_cast<GstPadProbeType>(GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM | GST_PAD_PROBE_TYPE_EVENT_FLUSH);
     const auto all = static_cast<GstPadProbeType>(events | GST_PAD_PROBE_TYPE_BUFFER);
     m_sinkProbe = gst_pad_add_probe(m_sink.get(), events, beforeDecoder, this, nullptr);
-    m_sourceProbe = gst_pad_add_probe(m_source.get(), all, behindDecoder, this, nullptr);
+    m_sourceProbe = gst_pad_add_probe(m_source.get(), all, afterDecoder, this, nullptr);
 }
 
 GstPadProbeReturn FrameClipper::beforeDecoder(GstPad*, GstPadProbeInfo* info, gpointer self) {
@@ -72,7 +72,7 @@ GstPadProbeReturn FrameClipper::beforeDecoder(GstPad*, GstPadProbeInfo* info, gp
     return GST_PAD_PROBE_OK;
 }
 
-GstPadProbeReturn FrameClipper::behindDecoder(GstPad*, GstPadProbeInfo* info, gpointer self) {
+GstPadProbeReturn FrameClipper::afterDecoder(GstPad*, GstPadProbeInfo* info, gpointer self) {
     auto* clipper = static_cast<FrameClipper*>(self);
     const bool isFrame = GST_PAD_PROBE_INFO_TYPE(info) & GST_PAD_PROBE_TYPE_BUFFER;
     return answerToC(isFrame ? GST_PAD_PROBE_DROP : GST_PAD_PROBE_OK,
@@ -105,12 +105,12 @@ void FrameClipper::restore(GstPadProbeInfo* info) {
     m_hasSegment = isTimeSegment(original.get(), &segment);
     m_segment = *segment;
     m_sought = m_segment.start;
-    if (m_segment.start < m_segment.stop) // behind the end of a stream the start stays there
+    if (m_segment.start < m_segment.stop) // past the end of a stream the demuxer clamps the start
         m_shift = static_cast<std::int64_t>(m_segment.start) - static_cast<std::int64_t>(m_segment.time);
     m_cut = m_sought;
     if (const std::int64_t cutAt = m_cutAt.exchange(0); cutAt > 0)
         m_cut = std::max(m_cut, stampOf(static_cast<GstClockTime>(cutAt)));
-    // The container's idea of the stream's end leaves out what B-frames delay.
+    // The container's end of the stream doesn't include the delay of B-frames.
     GstSegment open = *segment;
     open.stop = GST_CLOCK_TIME_NONE;
     GstEvent* event = gst_event_new_segment(&open);
@@ -179,13 +179,13 @@ GstPadProbeReturn FrameClipper::handleFrame(GstPadProbeInfo* info) {
     if (!flow)
         return GST_PAD_PROBE_DROP;
     if (*flow == GST_FLOW_OK && m_shown && m_shown->frame != frame)
-        return GST_PAD_PROBE_OK; // a gap was filled by the frame before, now it is this one's turn
+        return GST_PAD_PROBE_OK; // the frame before it filled a gap; this one comes next
     gst_buffer_unref(frame);
     GST_PAD_PROBE_INFO_FLOW_RETURN(info) = *flow;
     return GST_PAD_PROBE_HANDLED;
 }
 
-// None if the wanted frame is still to come.
+// Nothing if the wanted frame hasn't been decoded yet.
 std::optional<GstFlowReturn> FrameClipper::pushWanted(std::unique_lock<std::mutex>& lock) {
     for (;;) {
         const auto wanted = m_row.at(m_cut);
@@ -197,8 +197,8 @@ std::optional<GstFlowReturn> FrameClipper::pushWanted(std::unique_lock<std::mute
     }
 }
 
-// Returns when time goes on, or when the frame is taken off the screen again. Past the decoder's own pad,
-// which at the end of the stream takes no more.
+// Blocks until playing resumes or a move flushes the frame. Bypasses the decoder's source pad, which accepts
+// no buffers after the end of the stream.
 GstFlowReturn FrameClipper::push(const FrameRow::Shown& shown, std::unique_lock<std::mutex>& lock) {
     m_framePassed = true;
     const bool first = !m_shown;
@@ -223,7 +223,7 @@ BufferHandle FrameClipper::cut(const FrameRow::Shown& shown) const {
     return frame;
 }
 
-// A point of the clip as the frames' time stamps count it, which an edit list can shift.
+// Converts a time in the clip to the frames' time stamps, which an edit list can shift.
 GstClockTime FrameClipper::stampOf(GstClockTime ns) const {
     return ns + m_segment.start - m_segment.time;
 }
@@ -243,7 +243,7 @@ bool FrameClipper::canMoveTo(GstClockTime ns) {
     if (!m_framePassed || m_ended || !m_shown)
         return false;
     const GstClockTime stamp = stampOf(ns);
-    return m_row.reachesBackTo(stamp) && stamp < m_shown->end + kShortWay && stamp < m_sought + kFarthest;
+    return m_row.reachesBackTo(stamp) && stamp < m_shown->end + kShortMove && stamp < m_sought + kFarthest;
 }
 
 std::unique_lock<std::mutex> FrameClipper::beginMove(GstClockTime ns) {
@@ -255,7 +255,7 @@ std::unique_lock<std::mutex> FrameClipper::beginMove(GstClockTime ns) {
     m_framePassed = false;
     m_moved = true;
     m_hasMoved = true;
-    // The thread that waits at the sink comes back and waits for the lock.
+    // The thread that waits in the sink returns and then waits for the lock.
     gst_pad_send_event(m_next.get(), gst_event_new_flush_start());
     return lock;
 }

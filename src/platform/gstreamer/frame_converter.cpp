@@ -13,9 +13,9 @@ namespace {
 
 constexpr int kRowsAtATime = 16;
 constexpr int kPadding = 64; // the vector code reads past the end of a row
-constexpr int kHalf = 128;   // of 256, as libyuv weighs
+constexpr int kHalf = 128;   // libyuv's weights are out of 256
 
-// Where a stream leaves its matrix open, the video info takes the default for the range too.
+// If the caps don't state the matrix, GstVideoInfo has default values for the range, too.
 GstVideoColorimetry colorimetryOf(const GstCaps* caps, const GstVideoInfo& info) {
     GstVideoColorimetry result = GST_VIDEO_INFO_COLORIMETRY(&info);
     GstVideoColorimetry stated;
@@ -81,7 +81,7 @@ bool FrameConverter::convert(GstSample* sample, const QSize& size, const QRect& 
     return true;
 }
 
-// Two pixels share their chroma: the part begins and ends at even columns.
+// Two pixels share their chroma, so the part begins and ends at even columns.
 FrameConverter::Columns FrameConverter::columnsFor(int sourceWidth, int scaledWidth, int left, int width) {
     const auto sourceColumn = [&](int column) {
         return static_cast<int>(static_cast<std::int64_t>(column) * sourceWidth / scaledWidth) & ~1;
@@ -92,8 +92,8 @@ FrameConverter::Columns FrameConverter::columnsFor(int sourceWidth, int scaledWi
     return {first, last - first, scaledFirst, scaledEdge(last, sourceWidth, scaledWidth) - scaledFirst};
 }
 
-// One row of the picture, blended of the two source rows around its middle; scaling down by two or more, of
-// two whole rows, which smooths what would flicker.
+// Interpolates one output row from the two source rows around its centre; when scaling down by two or more,
+// averages them instead, which reduces flicker.
 void FrameConverter::blendRow(const Yuy2Frame& frame, const Columns& columns, int scaledHeight, int row,
                               std::uint8_t* to) const {
     const int height = frame.size.height();
@@ -110,7 +110,7 @@ void FrameConverter::blendRow(const Yuy2Frame& frame, const Columns& columns, in
                              weight);
 }
 
-// The rows in m_source, scaled in width.
+// The rows in m_source, scaled horizontally.
 const FrameConverter::Rows& FrameConverter::scaledColumns(const Columns& columns, int rows) {
     if (columns.sourceWidth == columns.scaledWidth)
         return m_source;
@@ -150,7 +150,7 @@ void FrameConverter::convert(const Yuy2Frame& frame, const QSize& size, const QR
         scale(frame, size, seen, picture);
 }
 
-// Each pixel's pair and rows are those around its middle.
+// Each pixel averages the pixel pair and the rows around its centre.
 void FrameConverter::shrink(const Yuy2Frame& frame, const QSize& size, const QRect& seen, QImage* picture) {
     const auto middle = [](int place, int from, int to) { return (place + 0.5) * from / to; };
     m_pairs.resize(bytes(seen.width(), 1));

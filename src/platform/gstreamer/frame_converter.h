@@ -1,6 +1,6 @@
-// Converts YUY2 frames to what a window shows: scaled, in RGB, by the stream's own colour matrix and range. A
-// few rows of the picture are made at a time, so that everything in between stays in the cache and source
-// rows that don't count are never read. One thread at a time.
+// Converts YUY2 frames for display: scaled, in RGB, with the stream's colour matrix and range. Converts a few
+// rows at a time, so that intermediate data stays in the processor's cache and unused source rows are never
+// read. One thread at a time.
 #pragma once
 
 #include <QImage>
@@ -34,8 +34,8 @@ public:
     // The frame's size in pixels; empty if the sample isn't video.
     static QSize frameSize(GstSample* sample);
 
-    // Scales the whole frame to `size` and puts the part `visible` of that into *picture (RGB32,
-    // visible.size()). False if the sample is no YUY2 frame.
+    // Scales the whole frame to `size` and writes its part `visible` to *picture (RGB32, visible.size()).
+    // False if the sample isn't a YUY2 frame.
     bool convert(GstSample* sample, const QSize& size, const QRect& visible, QImage* picture);
     void convert(const Yuy2Frame& frame, const QSize& size, const QRect& visible, QImage* picture);
 
@@ -51,7 +51,7 @@ private:
         void resize(int width, int count);
     };
 
-    // The columns of the source that the visible part needs, and where they lie in the scaled picture.
+    // The source columns that the visible part needs, and their position in the scaled picture.
     struct Columns {
         int sourceLeft = 0;
         int sourceWidth = 0;
@@ -68,7 +68,7 @@ private:
     const Rows& scaledColumns(const Columns& columns, int rows);
 
     std::vector<std::int32_t> m_pairs;
-    std::vector<std::uint8_t> m_packed; // YUY2 rows, already at their place in the picture
+    std::vector<std::uint8_t> m_packed; // YUY2 rows, scaled vertically
     Rows m_source;
     Rows m_smooth;
     Rows m_scaled;

@@ -8,10 +8,10 @@ namespace ql240::gstreamer {
 
 namespace {
 
-// 25 MB of 1080p; of larger pictures fewer, but always the one before the last too, which fills a gap.
+// 25 MB at 1080p; fewer of larger frames, but always the last but one, too, which fills a gap.
 constexpr std::size_t kMost = 8;
 constexpr std::size_t kFewest = 2;
-// Time stamps are rounded to the container's clock; a smaller gap between frames is none.
+// Time stamps are rounded to the container's timescale; smaller gaps between frames are ignored.
 constexpr GstClockTime kGapTolerance = GST_MSECOND;
 
 GstClockTime beginOf(const BufferHandle& frame) {

@@ -1,5 +1,5 @@
-// Decoded frames that follow each other without a gap in decoding, and which of them a point in time shows.
-// It holds the last few; the oldest go first. One thread at a time.
+// The last few consecutively decoded frames, and which of them is shown at a given time. Drops the oldest
+// first. One thread at a time.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +12,7 @@ namespace ql240::gstreamer {
 
 class FrameRow {
 public:
-    // A frame and the interval, in ns, in which it is to be seen.
+    // A frame and its display interval in ns.
     struct Shown {
         GstBuffer* frame;
         GstClockTime begin;
@@ -20,14 +20,14 @@ public:
         bool holds(GstClockTime ns) const { return begin <= ns && ns < end; }
     };
 
-    // Of frames far before `wanted` only the newest stays.
+    // Keeps only the newest of the frames far before `wanted`.
     void add(BufferHandle frame, GstClockTime wanted);
     void clear() { m_frames.clear(); }
     bool isEmpty() const { return m_frames.empty(); }
     bool reachesBackTo(GstClockTime ns) const;
-    // None if the frame that `ns` shows is still to come.
+    // Nothing if the frame at `ns` hasn't been added yet.
     std::optional<Shown> at(GstClockTime ns) const;
-    // The last one, lasting until `end`.
+    // The last frame, with `end` as its end.
     Shown last(GstClockTime end) const;
 
 private:

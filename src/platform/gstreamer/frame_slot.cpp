@@ -42,8 +42,8 @@ QSize FrameSlot::frameSize() const {
     return m_frameSize;
 }
 
-// Streaming thread. The first frame of a run comes twice, as preroll and as sample; its second coming
-// converts nothing.
+// Streaming thread. The first frame after a preroll arrives twice, as preroll and as sample; the second time
+// it isn't converted again.
 void FrameSlot::deliver(SampleHandle sample) {
     const std::scoped_lock converting(m_convertMutex);
     PictureTarget target;
@@ -62,19 +62,19 @@ void FrameSlot::deliver(SampleHandle sample) {
         return;
     const std::scoped_lock lock(m_mutex);
     if (target == m_target && m_window)
-        tellWindow();
+        publish();
 }
 
 // With m_mutex and m_convertMutex held.
-void FrameSlot::tellWindow() {
+void FrameSlot::publish() {
     std::swap(m_ready, m_back);
     m_readyIsFresh = true;
-    if (!std::exchange(m_told, true))
+    if (!std::exchange(m_isEventPosted, true))
         QCoreApplication::postEvent(m_window, new QEvent(static_cast<QEvent::Type>(kFrameReady)));
 }
 
 void FrameSlot::setTarget(QObject* window, const PictureTarget& target) {
-    // What is converted here is the newest until it is shown.
+    // The lock keeps an older frame from replacing this one.
     const std::scoped_lock converting(m_convertMutex);
     SampleHandle last;
     {
@@ -82,7 +82,7 @@ void FrameSlot::setTarget(QObject* window, const PictureTarget& target) {
         if (m_window == window && m_target == target)
             return;
         if (m_window != window)
-            m_told = false;
+            m_isEventPosted = false;
         m_window = window;
         m_target = target;
         if (!m_last || !window || target.visible.isEmpty())
@@ -92,12 +92,12 @@ void FrameSlot::setTarget(QObject* window, const PictureTarget& target) {
     if (!m_converter.convert(last.get(), target.size, target.visible, &m_back))
         return;
     const std::scoped_lock lock(m_mutex);
-    tellWindow();
+    publish();
 }
 
 const QImage& FrameSlot::takePicture() {
     const std::scoped_lock lock(m_mutex);
-    m_told = false;
+    m_isEventPosted = false;
     if (std::exchange(m_readyIsFresh, false))
         std::swap(m_front, m_ready);
     return m_front;

@@ -1,6 +1,6 @@
-// Takes decoded frames from the sink to the window: the streaming thread converts each one to the size at
-// which it is shown and leaves it here, the newest wins, and one event wakes the window. Nothing is
-// converted while no window shows. Members are grouped by the thread that uses them.
+// Passes decoded frames from the sink to the window: the streaming thread converts each frame to the
+// displayed size and stores it here, replacing an older one, and posts one event to the window. Converts
+// nothing while no window shows. Members are grouped by the thread that uses them.
 #pragma once
 
 #include <QImage>
@@ -19,8 +19,7 @@ class QObject;
 
 namespace ql240::gstreamer {
 
-// How a window shows the picture, in device pixels: the whole picture is scaled to `size`, and `visible` of
-// it is seen.
+// How a window shows the frame, in device pixels: scaled to `size`, of which the part `visible` is on screen.
 struct PictureTarget {
     QSize size;
     QRect visible;
@@ -29,15 +28,15 @@ struct PictureTarget {
 
 class FrameSlot {
 public:
-    static const int kFrameReady; // the type of the event that wakes the window
+    static const int kFrameReady; // type of the event posted to the window
 
-    // Makes the sink deliver into the slot, which lives as long as the sink may call.
+    // Connects the sink to the slot, which the sink keeps alive.
     static void connectTo(const std::shared_ptr<FrameSlot>& slot, GstAppSink* sink);
 
     // Interface thread. A null `window` or an empty visible part stops the conversion; a changed target
-    // converts the last frame again, here and now.
+    // converts the last frame again before this returns.
     void setTarget(QObject* window, const PictureTarget& target);
-    // The newest picture, as large as the target's visible part; null before the first.
+    // The newest picture, with the size of the target's visible part; null before the first.
     const QImage& takePicture();
 
     // Native size of the frames; empty before the first. Any thread.
@@ -45,7 +44,7 @@ public:
 
 private:
     void deliver(SampleHandle sample);
-    void tellWindow();
+    void publish();
 
     mutable std::mutex m_mutex;
     QObject* m_window = nullptr;
@@ -54,7 +53,7 @@ private:
     QSize m_frameSize;
     QImage m_ready;
     bool m_readyIsFresh = false;
-    bool m_told = false;
+    bool m_isEventPosted = false;
 
     // Streaming thread, and the interface thread while it converts again; guarded by m_convertMutex.
     std::mutex m_convertMutex;

@@ -51,7 +51,7 @@ private:
     static GstBusSyncReply messagePosted(GstBus* bus, GstMessage* message, gpointer self);
     Status joinPins(Pin& output, Pin& input);
     Status setState(GraphState state);
-    // The transport, once something can play; null before and if nothing can.
+    // The transport, once there are streams to play; otherwise null.
     Transport* transport();
     bool start();
     std::vector<Filter*> chainOf(Filter& sink) const;

@@ -8,7 +8,7 @@ namespace {
 
 constexpr Status kStatusNoMorePins{1};
 
-// A list of pins as it was when asked for.
+// A snapshot of a filter's pins.
 class PinList final : public ComObject<IEnumPins> {
 public:
     explicit PinList(const std::vector<std::unique_ptr<Pin>>& pins) {
@@ -114,8 +114,8 @@ bool Filter::linkChain(const std::vector<GstElement*>& chain) {
     return true;
 }
 
-// From the last element to the first: a streaming thread may wait in a later one and hold the locks of the
-// earlier ones.
+// From the last element to the first: a streaming thread may wait in a later one while it holds the locks of
+// the earlier ones.
 void Filter::stopElements() {
     for (auto element = m_elements.rbegin(); element != m_elements.rend(); ++element) {
         gst_element_set_locked_state(element->get(), TRUE);

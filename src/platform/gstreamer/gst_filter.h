@@ -31,7 +31,7 @@ public:
     Pin* peer() const { return m_peer; }
     GstPad* pad() const { return m_pad.get(); }
     void setPad(PadHandle pad) { m_pad = std::move(pad); }
-    // What flows, or will flow, through an output pin; empty if that isn't known yet.
+    // An output pin's current or future caps; empty while they aren't known.
     CapsHandle caps() const;
 
     static void join(Pin& output, Pin& input);
@@ -50,20 +50,21 @@ public:
 
     Status EnumPins(IEnumPins** pins) override;
 
-    // Puts the filter's elements into the pipeline; false if they don't fit together.
+    // Adds the filter's elements to the pipeline; false if they can't be linked.
     bool enterPipeline(GstElement* pipeline);
-    // Ends what they do; what still flows into them is turned back.
+    // Stops the elements, which then refuse further data.
     void stopElements();
-    // Takes them out again and lets them go.
+    // Stops the elements, removes them from the pipeline and releases them.
     void leavePipeline();
 
-    // Before the join of `input` with `upstream`: makes what the stream needs, so that input.pad() is there.
+    // Called before `input` is joined to `upstream`: makes the elements that the stream needs, and
+    // input.pad().
     virtual Status prepareInput(Pin& input, const Pin& upstream);
-    // After the join.
+    // Called after joining.
     virtual Status inputJoined(Pin& input);
     virtual bool isSource() const { return false; }
     virtual bool isSink() const { return false; }
-    // Called once before the pipeline first runs; `videoStreams` are decoded at the same time.
+    // Called once before the pipeline first runs; `videoStreams` streams are decoded at the same time.
     virtual void beforeFirstRun(int videoStreams);
 
     const std::vector<std::unique_ptr<Pin>>& pins() const { return m_pins; }
@@ -72,10 +73,10 @@ public:
 
 protected:
     Pin& addPin(std::u16string name, PinDirection direction);
-    // Makes an element and puts it into the pipeline if the filter is in one; null if its plugin is missing.
+    // Makes an element and adds it to the pipeline if the filter is in one; null if its plugin is missing.
     GstElement* addElement(const char* factory);
-    // Makes the elements, linked in order once they are in the pipeline.
-    // Empty if a plugin is missing, or if one doesn't take what another gives.
+    // Makes the elements, linked in order once they are in the pipeline. Empty if a plugin is missing or two
+    // elements have incompatible formats.
     std::vector<GstElement*> addChain(const std::vector<const char*>& factories);
     const std::vector<ElementHandle>& elements() const { return m_elements; }
     GstElement* pipeline() const { return m_pipeline; }
@@ -86,7 +87,7 @@ private:
 
     std::vector<std::unique_ptr<Pin>> m_pins;
     std::vector<ElementHandle> m_elements;
-    std::vector<std::vector<GstElement*>> m_unlinked; // a pipeline unlinks what enters it
+    std::vector<std::vector<GstElement*>> m_unlinked; // adding to a pipeline unlinks an element
     GstElement* m_pipeline = nullptr;
 };
 

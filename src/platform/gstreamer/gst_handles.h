@@ -1,4 +1,4 @@
-// Typed handles of GStreamer's counted objects: each holds one reference and gives it back itself. Any
+// Typed handles for GStreamer's reference-counted objects: each owns one reference and releases it. Any
 // thread.
 #pragma once
 
@@ -31,7 +31,7 @@ using CapsHandle = Handle<GstCaps>;
 using SampleHandle = Handle<GstSample>;
 using MessageHandle = Handle<GstMessage>;
 
-// A handle with a reference of its own to an object that somebody else holds.
+// A new handle, with its own reference, to a borrowed object.
 [[nodiscard]] inline ElementHandle share(GstElement* element) {
     return ElementHandle(GST_ELEMENT(gst_object_ref(element)));
 }

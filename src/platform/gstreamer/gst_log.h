@@ -5,7 +5,7 @@
 
 namespace ql240::gstreamer {
 
-// Logs an error's text and debug string; ignores other messages. `whose` says what the pipeline is for.
+// Logs an error's text and debug string; ignores other messages. `whose` names the pipeline.
 void logError(const char* whose, GstMessage* message);
 
 } // namespace ql240::gstreamer

@@ -32,7 +32,7 @@ IUnknown* makeMp4Splitter() {
 struct Class {
     Guid id;
     IUnknown* (*make)();
-    const char* element; // whose plugin the class needs; null: none
+    const char* element; // an element of the plugin that the class needs; null: none
 };
 
 constexpr Class kClasses[] = {
@@ -48,7 +48,7 @@ constexpr Class kClasses[] = {
     {class_id::kAudioRenderer, make<AudioRenderer>, "autoaudiosink"},
 };
 
-// The elements of a usual clip, whose plugins take longest to load.
+// The elements for a usual clip: loading their plugins takes longest.
 constexpr const char* kUsualElements[] = {"filesrc",      "qtdemux",       "queue",     "h264parse",
                                           "avdec_h264",   "aacparse",      "avdec_aac", "videoconvert",
                                           "audioconvert", "capsfilter",    "appsink",   "audioresample",

@@ -1,4 +1,4 @@
-// The media pipeline over GStreamer. GStreamer itself is started with the first object, or by warmUp.
+// The media pipeline over GStreamer, which the first object or warmUp initialises.
 // Interface thread.
 #pragma once
 

@@ -1,4 +1,4 @@
-// The sizes that JPEG pictures say of themselves. Any thread.
+// The sizes stated in the headers of JPEG pictures. Any thread.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +7,8 @@
 
 namespace ql240::gstreamer {
 
-// Whether a picture in the buffer is too large, or has too many scans for its size. The two fields of one are
-// two pictures.
+// Whether a picture in the buffer is too large, or has too many scans for its size. The two fields of a frame
+// are two pictures.
 bool isJpegTooLarge(GstBuffer* buffer);
 
 } // namespace ql240::gstreamer

@@ -7,7 +7,7 @@ namespace ql240::gstreamer {
 
 namespace {
 
-// None if they can't be had.
+// Empty if mapping fails.
 class MappedBytes {
 public:
     explicit MappedBytes(GstBuffer* buffer) : m_buffer(buffer) {

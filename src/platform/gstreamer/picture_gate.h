@@ -1,7 +1,7 @@
-// Stands before a decoder and ends the stream at pictures that say they are too large: by the size that the
-// parser read in them, by the one in a JPEG picture, and by the largest of those in parameter sets, of which
-// the parser says the last alone. What the container says is dropped, for a parser believes it more than the
-// pictures. Attached on the interface thread, works on the streaming thread.
+// Ends the stream before the decoder if a frame is too large, by the size that the parser found, the size in
+// a JPEG header, and the largest size in the parameter sets, of which the parser reports only the last.
+// Removes the container's size from the caps, since a parser prefers it to the stream's own. Attached on the
+// interface thread, works on the streaming thread.
 #pragma once
 
 #include <optional>
@@ -14,7 +14,7 @@ namespace ql240::gstreamer {
 class PictureGate {
 public:
     ~PictureGate();
-    // `parser` is the decoder itself where there is none.
+    // Without a parser, `parser` is the decoder.
     void attach(GstElement* parser, GstElement* decoder);
 
 private:

@@ -15,7 +15,7 @@ namespace {
 constexpr std::int64_t kNsPerUnit = 100;
 constexpr GstClockTime kMoment = 90 * GST_MSECOND;
 
-// A hostile file may claim the longest time there is.
+// A hostile file may claim the maximum duration.
 std::int64_t toUnits(std::int64_t ns) {
     return ns / kNsPerUnit + (ns % kNsPerUnit + kNsPerUnit / 2) / kNsPerUnit;
 }
@@ -42,15 +42,16 @@ std::int64_t PipelineStreams::stoppedAt() const {
     return m_sought + toUnits(static_cast<std::int64_t>(running * m_rate));
 }
 
-// The change to playing goes on for a moment after the preroll; a state asked for within it can leave the
-// pipeline between the two for ever, and a seek sent within it may never be said to have arrived.
+// The change to playing continues for a moment after the preroll. A state change requested during it can
+// leave the pipeline between the two states for ever, and a seek sent during it may never be reported as
+// done.
 void PipelineStreams::awaitChange() const {
     gst_element_get_state(m_pipeline, nullptr, nullptr, kMoment);
 }
 
-// A sink whose thread has been let go, but hasn't woken up yet, counts as stopped when a pause follows, and
-// plays on in the paused pipeline when it does wake up. Before the pause that keeps the frame that is due,
-// behind it what a change to playing, still going on, has let go.
+// When a pause follows at once, a sink whose thread has been signalled but hasn't woken up counts as paused,
+// and then plays on in the paused pipeline. Called before the pause, this holds the frame that is due; called
+// after it, the frame that a still unfinished change to playing has released.
 void PipelineStreams::holdSinks() const {
     const GstIteratorForeachFunction hold = [](const GValue* item, gpointer) {
         auto* sink = static_cast<GstElement*>(g_value_get_object(item));
@@ -83,7 +84,7 @@ Streams::Answer PipelineStreams::setRunning(bool running, bool settled) {
     }
 }
 
-// The end of the stream carries the seek's number; the message of a preroll gets one when it is made.
+// The end of the stream has the seek's sequence number; a preroll's message has a newer one.
 Streams::Sent PipelineStreams::seek(std::int64_t target, double rate) {
     awaitChange();
     const auto flags = static_cast<GstSeekFlags>(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_ACCURATE);
@@ -114,7 +115,7 @@ Streams::Sent PipelineStreams::fetchLastPictures(std::int64_t target, double rat
     return sent;
 }
 
-// All pictures go before the first can arrive, so that one message stands for all of them.
+// Flushes all frames before the first new one can arrive, so that one message reports all of them.
 Streams::Sent PipelineStreams::move(std::int64_t target) {
     const auto ns = static_cast<GstClockTime>(target * kNsPerUnit);
     const auto canMove = [ns](FrameClipper* clipper) { return clipper->canMoveTo(ns); };

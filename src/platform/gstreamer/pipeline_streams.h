@@ -33,8 +33,8 @@ private:
     GstElement* m_pipeline;
     const Splitter& m_splitter;
     std::vector<FrameClipper*> m_clippers;
-    std::int64_t m_sought = 0; // where the last seek led
-    double m_rate = 1.0;       // playback rate from there on
+    std::int64_t m_sought = 0; // target of the last seek
+    double m_rate = 1.0;       // playback rate since then
 };
 
 } // namespace ql240::gstreamer

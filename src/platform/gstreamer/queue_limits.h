@@ -1,4 +1,4 @@
-// How much a queue of the pipeline holds. Any thread.
+// The limits of the pipeline's queues. Any thread.
 #pragma once
 
 #include "platform/limits.h"
@@ -7,7 +7,7 @@
 
 namespace ql240::gstreamer {
 
-// By time as long as time goes on in the stream, else by bytes or by their number.
+// By time; bytes and the number of buffers limit streams whose time stamps don't advance.
 inline void limitQueue(GstElement* queue, GstClockTime time, guint bytes) {
     g_object_set(queue, "max-size-time", time, "max-size-bytes", bytes, "max-size-buffers",
                  guint{limits::kQueuedBuffers}, nullptr);

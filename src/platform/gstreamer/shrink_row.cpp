@@ -10,7 +10,7 @@ std::int32_t mean(std::int32_t a, std::int32_t b) {
     return (a + b + 1) >> 1;
 }
 
-// In sixteenths, rounded.
+// Multiplies by the gain; the result is rounded and in 1/16.
 std::int32_t gained(std::int32_t sample, std::int16_t gain) {
     return (sample * 64 * gain + 0x4000) >> 15;
 }

@@ -1,6 +1,6 @@
-// One row of a picture shrunk to half the frame's size or less, from YUY2 to RGB in one pass: every pixel is
-// the mean of a pair in two source rows. For processors with AVX2; elsewhere, and for other scales,
-// FrameConverter takes several passes.
+// Shrinks one row to half the frame's width or less and converts it from YUY2 to RGB in one pass: each output
+// pixel is the mean of one pixel pair in two source rows. FrameConverter uses this when scaling down by two
+// or more.
 #pragma once
 
 #include <cstdint>
@@ -31,15 +31,14 @@ constexpr RgbMatrix kFull601{
 constexpr RgbMatrix kFull709{
     0, rgbGain(1), rgbGain(1.5748), rgbGain(-0.187324), rgbGain(-0.468124), rgbGain(1.8556)};
 
-// `pairs` has for each of `width` pixels the number of its pixel pair in the rows `upper` and `lower`; `rgb`
-// gets 0xFFRRGGBB. Uses the processor's vector instructions where it has them; every result is that of
-// shrinkRowScalar.
+// `pairs` has, for each of `width` pixels, the index of its pixel pair in the rows `upper` and `lower`; `rgb`
+// receives 0xFFRRGGBB. Uses AVX2 if the processor has it; the results equal those of shrinkRowScalar.
 void shrinkRow(const std::uint8_t* upper, const std::uint8_t* lower, const std::int32_t* pairs, int width,
                const RgbMatrix& matrix, std::uint32_t* rgb);
 void shrinkRowScalar(const std::uint8_t* upper, const std::uint8_t* lower, const std::int32_t* pairs,
                      int width, const RgbMatrix& matrix, std::uint32_t* rgb);
 
-constexpr int kShrinkBlock = 16; // pixels; the least width for shrinkRowAvx2
+constexpr int kShrinkBlock = 16; // pixels; the minimum width for shrinkRowAvx2
 void shrinkRowAvx2(const std::uint8_t* upper, const std::uint8_t* lower, const std::int32_t* pairs, int width,
                    const RgbMatrix& matrix, std::uint32_t* rgb);
 

@@ -6,7 +6,7 @@ namespace ql240::gstreamer {
 
 namespace {
 
-// The means of eight pairs of both rows, each as the bytes Y U Y V.
+// The means of the two rows for eight pairs, each as the bytes Y U Y V.
 inline __m256i eightPairs(const std::uint8_t* upper, const std::uint8_t* lower, const std::int32_t* pairs) {
     const __m256i index = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(pairs));
     const __m256i above = _mm256_i32gather_epi32(reinterpret_cast<const int*>(upper), index, 4);
@@ -14,13 +14,13 @@ inline __m256i eightPairs(const std::uint8_t* upper, const std::uint8_t* lower, 
     return _mm256_avg_epu8(above, below);
 }
 
-// A channel to 0..255; the sums carry four more bits.
+// Clamps a channel to 0..255; the sums have four fractional bits.
 inline __m256i channel(__m256i sum) {
     const __m256i rounded = _mm256_srai_epi16(_mm256_add_epi16(sum, _mm256_set1_epi16(8)), 4);
     return _mm256_min_epi16(_mm256_max_epi16(rounded, _mm256_setzero_si256()), _mm256_set1_epi16(255));
 }
 
-// Gains have 13 bits behind the point and samples are shifted by 6: the high half of the product keeps 4.
+// Gains have 13 fractional bits and samples are shifted by 6, so the high half of the product has 4.
 inline __m256i gained(__m256i sample, std::int16_t gain) {
     return _mm256_mulhrs_epi16(_mm256_slli_epi16(sample, 6), _mm256_set1_epi16(gain));
 }
@@ -52,7 +52,7 @@ void shrinkBlock(const std::uint8_t* upper, const std::uint8_t* lower, const std
 
 } // namespace
 
-// The last block overlaps the one before where the width is no multiple of it.
+// If the width isn't a multiple of the block, the last block overlaps the previous one.
 void shrinkRowAvx2(const std::uint8_t* upper, const std::uint8_t* lower, const std::int32_t* pairs, int width,
                    const RgbMatrix& matrix, std::uint32_t* rgb) {
     for (int x = 0; x + kShrinkBlock <= width; x += kShrinkBlock)

@@ -18,16 +18,16 @@ namespace ql240::gstreamer {
 
 namespace {
 
-constexpr std::size_t kMostPieces = 100; // while the server doesn't answer
-constexpr std::chrono::milliseconds kLongAnswer(500);
+constexpr std::size_t kMaxPieces = 100; // queued while the server doesn't answer
+constexpr std::chrono::milliseconds kSlowAnswer(500);
 constexpr GstClockTime kMostAhead = GST_SECOND;
 
 std::atomic<double> outputVolume{1.0};
 
 } // namespace
 
-// One output: what is asked of it, by any thread, and the pipeline that does it, which only the sound thread
-// touches.
+// One output: the requests, from any thread, and the pipeline that serves them, used by the sound thread
+// only.
 class SoundOutput::Line : public std::enable_shared_from_this<Line> {
 public:
     template <typename Change>
@@ -43,7 +43,7 @@ public:
         void dropPieces();
 
         std::deque<SampleHandle> pieces;
-        std::size_t bytes = 0; // in the pieces
+        std::size_t bytes = 0; // of all pieces
         bool flush = false;
         bool close = false;
     };
@@ -78,11 +78,11 @@ std::size_t bytesOf(const SampleHandle& piece) {
 
 } // namespace
 
-// The oldest go first.
+// Drops the oldest pieces if there are too many.
 void SoundOutput::Line::Asked::add(SampleHandle piece) {
     bytes += bytesOf(piece);
     pieces.push_back(std::move(piece));
-    while (pieces.size() > kMostPieces || (pieces.size() > 1 && bytes > limits::kQueuedSoundBytes)) {
+    while (pieces.size() > kMaxPieces || (pieces.size() > 1 && bytes > limits::kQueuedSoundBytes)) {
         bytes -= bytesOf(pieces.front());
         pieces.pop_front();
     }
@@ -145,7 +145,7 @@ void SoundOutput::Line::serve() {
         gst_app_src_push_sample(GST_APP_SRC(m_source.get()), piece.get());
 }
 
-// Time there is the system clock's itself.
+// With base time 0 and the system clock, running time equals the system clock's time.
 void SoundOutput::Line::open() {
     ElementHandle source = makeElement("appsrc");
     ElementHandle volume = makeElement("volume");
@@ -183,20 +183,20 @@ void SoundOutput::Line::close() {
     m_pipeline.reset();
 }
 
-// False if the server kept it waiting: what it says of its time is worth nothing then.
+// False if the server blocked the flush for long: the times that it reports are unreliable then.
 bool SoundOutput::Line::flush() const {
     const auto begin = std::chrono::steady_clock::now();
     gst_element_send_event(m_source.get(), gst_event_new_flush_start());
     gst_element_send_event(m_source.get(), gst_event_new_flush_stop(FALSE));
-    return std::chrono::steady_clock::now() - begin < kLongAnswer;
+    return std::chrono::steady_clock::now() - begin < kSlowAnswer;
 }
 
-// The sound waits far longer than from when it is handed over until it is to be heard.
+// Whether far more is queued than is ever sent ahead of its time.
 bool SoundOutput::Line::isBehind() const {
     return gst_app_src_get_current_level_time(GST_APP_SRC(m_source.get())) > kMostAhead;
 }
 
-// Streaming thread of the output. A server that dies takes only the sound with it.
+// The output's streaming thread. When the server dies, only the sound ends.
 GstBusSyncReply SoundOutput::Line::messagePosted(GstBus*, GstMessage* message, gpointer self) {
     auto* line = static_cast<Line*>(self);
     if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR && !line->m_hasFailed.exchange(true)) {

@@ -1,6 +1,6 @@
-// A clip's sound beside the clip's pipeline: an output of its own, driven by a thread that may wait for the
-// sound server as long as that likes. Nothing here ever waits for it; while it doesn't answer, the clip plays
-// in silence. Without a server or device nothing is heard. Any thread.
+// Plays a clip's sound in a separate pipeline, on a thread that may block on the sound server. These
+// functions never block; while the server doesn't answer, or without a server or device, the clip plays
+// silently. Any thread.
 #pragma once
 
 #include <memory>
@@ -11,18 +11,18 @@ namespace ql240::gstreamer {
 
 class SoundOutput {
 public:
-    // Begins to open it.
+    // Starts opening the device.
     SoundOutput();
     ~SoundOutput();
     SoundOutput(const SoundOutput&) = delete;
     SoundOutput& operator=(const SoundOutput&) = delete;
 
-    // Raw sound with its caps, whose time stamp says when it is to be heard, as the system clock counts.
+    // Raw audio with its caps; the time stamp is when it is due, in system clock time.
     void play(SampleHandle piece);
-    // Silence at once: what is still to be heard is forgotten.
+    // Silences the output at once and drops all queued samples.
     void flush();
 
-    // The volume of every output of the process, 0 to 1.
+    // The volume of all outputs of the process, 0 to 1.
     static void setVolume(double volume);
 
 private:

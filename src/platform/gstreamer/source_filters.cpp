@@ -19,13 +19,14 @@ namespace {
 
 constexpr auto kPadsMessage = "ql240-pads";
 
-// A directory opens but can't be read.
+// open() alone isn't enough: it succeeds on directories, which can't be read.
 bool isReadableFile(const QByteArray& path) {
     struct stat status {};
-    // To open a device can set it going.
+    // Check first: opening a device can have side effects.
     if (::stat(path.constData(), &status) != 0 || !S_ISREG(status.st_mode))
         return false;
-    // Something else may stand there by now; to open a pipe would wait for a writer.
+    // Check again, since the entry may have been replaced; O_NONBLOCK because opening a FIFO waits for a
+    // writer.
     const int file = ::open(path.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (file < 0)
         return false;
@@ -61,22 +62,22 @@ FileSource::FileSource() {
     addPin(u"Output", PinDirection::Output).setPad(std::move(pad));
 }
 
-// The reader's thread must have ended before this goes.
+// Stops the thread that calls read() before the members are destroyed.
 FileSource::~FileSource() {
     leavePipeline();
 }
 
-// The splitter allocates whatever the file says of the length of its parts.
+// The splitter allocates buffers of the sizes that the file states, however large.
 GstFlowReturn FileSource::read(GstPad* pad, GstObject* parent, guint64 offset, guint length, GstBuffer** to) {
     auto* source = static_cast<FileSource*>(pad->getrangedata);
     if (length > limits::kPieceBytes ||
         (source->m_opens && (source->m_opening += length) > limits::kOpeningBytes))
         return GST_FLOW_EOS;
-    const bool isTheirs = *to;
+    const bool isCallers = *to;
     const GstFlowReturn flow = source->m_readFile(pad, parent, offset, length, to);
     if (flow != GST_FLOW_OK || source->mayGoOn(offset, *to))
         return flow;
-    if (!isTheirs)
+    if (!isCallers)
         gst_buffer_unref(std::exchange(*to, nullptr));
     return GST_FLOW_EOS;
 }
@@ -108,13 +109,13 @@ Splitter::Splitter(Container container) : m_container(container) {
     g_signal_connect(demuxer, "no-more-pads", G_CALLBACK(noMorePads), this);
 }
 
-// The demuxer's thread must have ended before its streams go.
+// Stops the demuxer's thread before m_streams is destroyed.
 Splitter::~Splitter() {
     letGo();
     leavePipeline();
 }
 
-// Both on the demuxer's thread.
+// padAdded and noMorePads run on the demuxer's thread.
 void Splitter::padAdded(GstElement*, GstPad* pad, gpointer self) {
     answerToC(true, [pad, splitter = static_cast<Splitter*>(self)] {
         splitter->addStream(pad);

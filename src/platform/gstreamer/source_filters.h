@@ -1,4 +1,4 @@
-// The filters at the head of a graph: the file and the splitter of its container.
+// The first filters of a graph: the file source and the splitter for its container.
 #pragma once
 
 #include <atomic>
@@ -10,17 +10,17 @@
 
 namespace ql240::gstreamer {
 
-// Where a read exceeds its limit the file ends, as far as the splitter can see.
+// For a read that exceeds its limit, reports the end of the file to the splitter.
 class FileSource final : public FilterWith<IFileSourceFilter> {
 public:
     FileSource();
     ~FileSource() override;
 
-    // Only regular files are opened.
+    // Opens regular files only.
     Status Load(const char16_t* path, const MediaType* type) override;
     bool isSource() const override { return true; }
     GstElement* element() const { return elements().empty() ? nullptr : elements().front().get(); }
-    // What is read from now on is no index any more, but played.
+    // Call when the index has been read: further reads are for playing and don't count towards its limit.
     void setOpen() { m_opens = false; }
 
 private:
@@ -29,28 +29,28 @@ private:
 
     GstPadGetRangeFunction m_readFile = nullptr;
     std::atomic<bool> m_opens{true};
-    // Reader's thread.
-    std::int64_t m_opening = 0; // bytes asked for so far
+    // The splitter's thread.
+    std::int64_t m_opening = 0; // bytes requested while opening
     IndexGuard m_index;
 };
 
 enum class Container { Avi, Mp4 };
 
-// Shows its output pins as soon as its input is joined: until the graph first runs, every stream is held back
-// at its pad.
+// Has its output pins as soon as its input is joined: each stream is blocked at its pad until the graph first
+// runs.
 class Splitter final : public Filter {
 public:
     explicit Splitter(Container container);
     ~Splitter() override;
 
     Status inputJoined(Pin& input) override;
-    // Holds no stream back any more, nor one that is still to come. Before the pipeline ends, too: whoever
-    // stops the demuxer's thread waits for it, and it would wait at a pad that it adds meanwhile.
+    // Unblocks all streams, including those that the demuxer adds later. Also required before stopping the
+    // pipeline: that waits for the demuxer's thread, which must not block at a pad that it adds meanwhile.
     void letGo();
 
-    // Clip duration in ns as the container has it; 0 if it hasn't.
+    // The clip's duration in ns from the container; 0 if unknown.
     std::int64_t durationNs() const;
-    // Sends a seek to the demuxer; takes the event over.
+    // Sends a seek to the demuxer; takes ownership of the event.
     bool sendSeek(GstEvent* event) const;
 
 private:

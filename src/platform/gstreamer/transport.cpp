@@ -24,8 +24,8 @@ bool isOlder(std::uint32_t number, std::uint32_t than) {
 } // namespace
 
 Transport::Transport(Streams& streams) : m_streams(streams), m_duration(streams.duration()) {
-    m_patience.setSingleShot(true);
-    QObject::connect(&m_patience, &QTimer::timeout, &m_patience, [this] { giveUp(); });
+    m_timeout.setSingleShot(true);
+    QObject::connect(&m_timeout, &QTimer::timeout, &m_timeout, [this] { giveUp(); });
 }
 
 std::int64_t Transport::clamped(std::int64_t target) const {
@@ -33,7 +33,7 @@ std::int64_t Transport::clamped(std::int64_t target) const {
 }
 
 bool Transport::start(const std::function<void()>& release) {
-    // A target set before the first run is sought while the streams are held back.
+    // Seek to a target set before the first run while the streams are still blocked.
     std::optional<Streams::Sent> sought;
     m_current = std::exchange(m_waiting, std::nullopt);
     if (m_current && (*m_current > 0 || m_rate != 1.0))
@@ -57,7 +57,7 @@ bool Transport::applyState() {
                 m_sent.start();
             }
             if (isInFlight())
-                m_patience.start(waits::kSeek);
+                m_timeout.start(waits::kSeek);
             return true;
         case Answer::Refused:
             end();
@@ -72,7 +72,7 @@ bool Transport::setState(GraphState state) {
         return true;
     const std::int64_t here = position();
     const bool wasRunning = m_state == GraphState::Running;
-    if (wasRunning && !isInFlight()) { // time has gone on since the last seek
+    if (wasRunning && !isInFlight()) { // the clip has played on since the last seek
         m_last = here;
         m_current.reset();
     }
@@ -87,12 +87,12 @@ bool Transport::setState(GraphState state) {
     }
     const bool accepted = applyState();
     if (accepted && wasRunning && m_phase != Phase::Ended)
-        stand();
+        holdPosition();
     return accepted;
 }
 
-// Time may have gone on since a seek whose arrival isn't known yet.
-void Transport::stand() {
+// The clip may have played on since a seek whose answer hasn't arrived yet.
+void Transport::holdPosition() {
     const std::int64_t stopped = std::min(m_streams.stoppedAt(), m_duration);
     if (m_current && stopped <= *m_current)
         return;
@@ -164,7 +164,7 @@ void Transport::await(Phase phase, std::int64_t target, std::uint32_t number) {
     m_current = target;
     m_number = number;
     m_sent.start();
-    m_patience.start(phase == Phase::Moving ? waits::kMove : waits::kSeek);
+    m_timeout.start(phase == Phase::Moving ? waits::kMove : waits::kSeek);
 }
 
 void Transport::arrived(std::uint32_t number) {
@@ -187,8 +187,8 @@ void Transport::report(const char* outcome) const {
                      << m_sent.elapsed() << "ms";
 }
 
-// A picture stream that ends before the clip does keeps its last picture on screen: that comes from there,
-// the position stays the target.
+// A video stream that ends before the clip keeps showing its last frame. Fetching that frame needs a seek to
+// it; the position remains the target.
 bool Transport::fetchLastPictures() {
     if (m_state == GraphState::Running || !m_current)
         return false;
@@ -199,12 +199,12 @@ bool Transport::fetchLastPictures() {
 }
 
 void Transport::settle(Phase phase) {
-    m_patience.stop();
+    m_timeout.stop();
     m_phase = phase;
     sendWaiting();
 }
 
-// What a move doesn't bring, a seek does.
+// Repeats a move that hangs as a seek.
 void Transport::giveUp() {
     report("given up after");
     if (m_phase == Phase::Moving && !m_waiting)
@@ -221,11 +221,11 @@ bool Transport::setRate(double rate) {
         return true;
     const std::int64_t here = position();
     const double before = std::exchange(m_rate, rate);
-    const auto stood = std::exchange(m_current, std::nullopt);
+    const auto target = std::exchange(m_current, std::nullopt);
     const bool accepted = seek(here);
     if (!accepted) {
         m_rate = before;
-        m_current = stood;
+        m_current = target;
     }
     return accepted;
 }
@@ -239,9 +239,9 @@ std::int64_t Transport::position() const {
         return 0;
     if (m_current && (m_state != GraphState::Running || isUnderWay()))
         return *m_current;
-    const bool goesOn = m_state == GraphState::Running && !isInFlight();
-    if (const auto told = goesOn ? m_streams.position() : std::nullopt)
-        m_last = std::clamp(*told, m_current.value_or(0), m_duration);
+    const bool isPlaying = m_state == GraphState::Running && !isInFlight();
+    if (const auto reported = isPlaying ? m_streams.position() : std::nullopt)
+        m_last = std::clamp(*reported, m_current.value_or(0), m_duration);
     else if (m_current)
         m_last = *m_current;
     return m_last;
@@ -252,10 +252,10 @@ void Transport::ended(std::uint32_t number) {
         end();
 }
 
-// The end of the streams, or an error after a good open: the clip is over.
+// At the end of the streams, or at an error after opening succeeded, the clip is over.
 void Transport::end() {
     qCDebug(lcMedia) << "the clip is over";
-    m_patience.stop();
+    m_timeout.stop();
     m_current.reset();
     m_last = m_duration;
     m_phase = m_waiting ? Phase::Settled : Phase::Ended;

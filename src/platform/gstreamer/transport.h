@@ -1,6 +1,6 @@
-// The state machine of a running clip: state changes, seeks and what the streams answer, boiled down to a
-// position that can be asked for at any time. One seek is in flight at most; a newer target replaces the one
-// that waits. Interface thread; times in units of 100 ns.
+// The state machine of a running clip: derives a position, available at any time, from state changes, seeks
+// and the streams' answers. At most one seek is in flight; a newer target replaces the waiting one. Interface
+// thread; times in units of 100 ns.
 #pragma once
 
 #include <QElapsedTimer>
@@ -19,7 +19,7 @@ class Transport {
 public:
     explicit Transport(Streams& streams);
 
-    // Starts the streams, which so far are only held back: `release` lets them go.
+    // Starts the streams, which are blocked until `release` is called.
     bool start(const std::function<void()>& release);
     bool isStarted() const { return m_phase != Phase::Unstarted; }
 
@@ -27,30 +27,30 @@ public:
     GraphState state() const { return m_state; }
     bool isSettled() const { return !isInFlight(); }
 
-    // False if the streams refuse; what has to wait is accepted.
+    // False if the streams refuse; a target that has to wait is accepted.
     bool seek(std::int64_t target);
     bool setRate(double rate);
     std::int64_t position() const;
     std::int64_t duration() const { return m_duration; }
 
-    // What was awaited has come; the clip has ended, or an error ended it. What was said before the last
-    // question was asked (`number` is older) counts for nothing.
+    // Answers of the streams: the request in flight is done; the clip has ended, also by an error. Ignored if
+    // they are older than the last request, by `number`.
     void arrived(std::uint32_t number);
     void ended(std::uint32_t number);
 
-    // Sends what waits, if nothing is in flight; false if it was refused.
+    // Sends the waiting target if nothing is in flight; false if it was refused.
     bool sendWaiting();
 
 private:
     enum class Phase {
         Unstarted,
-        Settled,  // nothing is awaited
-        Stuck,    // nothing any more: what was awaited hasn't come
-        Changing, // from here on what is in flight: a change of state,
-        Seeking,  // a seek to m_current,
-        Fetching, // a seek to the pictures that are to be seen there,
-        Moving,   // a move of the pictures to there
-        Ended,    // the clip is over
+        Settled,  // no request in flight
+        Stuck,    // no longer: a seek wasn't answered in time
+        Changing, // in flight: a state change
+        Seeking,  // in flight: a seek to m_current
+        Fetching, // in flight: a seek to the frames that m_current shows
+        Moving,   // in flight: a move of the video to m_current
+        Ended,    // at the end of the clip
     };
 
     bool isAtRest() const { return m_phase == Phase::Settled || m_phase == Phase::Stuck; }
@@ -58,7 +58,7 @@ private:
     bool isUnderWay() const { return m_phase >= Phase::Seeking && m_phase <= Phase::Moving; }
     bool isElsewhere() const;
     bool applyState();
-    void stand();
+    void holdPosition();
     bool sendSeek(std::int64_t target);
     bool move(std::int64_t target);
     void await(Phase phase, std::int64_t target, std::uint32_t number);
@@ -72,13 +72,13 @@ private:
     Streams& m_streams;
     const std::int64_t m_duration;
     Phase m_phase = Phase::Unstarted;
-    GraphState m_state = GraphState::Stopped; // as it was last asked for
+    GraphState m_state = GraphState::Stopped; // as last requested
     double m_rate = 1.0;
-    std::optional<std::int64_t> m_current; // where the clip goes, or stands until time goes on
+    std::optional<std::int64_t> m_current; // the target, kept while the clip doesn't play on from it
     std::uint32_t m_number = 0;            // of the last seek or move
-    std::optional<std::int64_t> m_waiting; // for what is in flight
-    mutable std::int64_t m_last = 0;       // for when the streams don't know
-    QTimer m_patience;                     // for what is in flight
+    std::optional<std::int64_t> m_waiting; // the next target, sent when nothing is in flight
+    mutable std::int64_t m_last = 0;       // last known position, while the streams report none
+    QTimer m_timeout;                      // of the request in flight
     QElapsedTimer m_sent;                  // since it was sent
 };
 

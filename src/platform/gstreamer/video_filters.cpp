@@ -35,7 +35,7 @@ VideoDecoder::VideoDecoder() {
     addPin(u"Out", PinDirection::Output);
 }
 
-// The streaming thread must have ended before its clipper goes.
+// Stops the streaming thread before the clipper is destroyed.
 VideoDecoder::~VideoDecoder() {
     leavePipeline();
 }
@@ -58,7 +58,7 @@ Status VideoDecoder::prepareInput(Pin& input, const Pin& upstream) {
     GstElement* decoder = chain[chain.size() - 3];
     GstElement* converter = chain.back();
     limitQueue(queue, kQueueTime, limits::kQueuedPictureBytes);
-    // Every decoded frame goes on to the grabber, late or not; what is late isn't drawn.
+    // The grabber needs every decoded frame, even a late one, which isn't drawn.
     for (GstElement* element : {decoder, converter}) {
         if (hasProperty(element, "qos"))
             g_object_set(element, "qos", FALSE, nullptr);
@@ -73,7 +73,7 @@ Status VideoDecoder::prepareInput(Pin& input, const Pin& upstream) {
     return kStatusOk;
 }
 
-// One stream alone decodes on both of two cores, two streams on one each.
+// On two cores, a single stream decodes on both, and two streams on one each.
 void VideoDecoder::beforeFirstRun(int videoStreams) {
     for (const auto& element : elements()) {
         if (hasProperty(element.get(), "max-threads"))

@@ -17,18 +17,18 @@ namespace ql240::gstreamer {
 class FrameSlot;
 class VideoWindow;
 
-// Decodes to YUY2. Behind every joined splitter pin stands a queue: streams of one file wait for each other
-// otherwise.
+// Decodes to YUY2. A queue follows each joined splitter pin, since the streams of one file would otherwise
+// wait for each other.
 class VideoDecoder final : public Filter {
 public:
     VideoDecoder();
     ~VideoDecoder() override;
 
-    // Refuses what the container says is too large.
+    // Refuses a stream that is too large by the container's size.
     Status prepareInput(Pin& input, const Pin& upstream) override;
     void beforeFirstRun(int videoStreams) override;
 
-    // Size as the container has it; false if it hasn't.
+    // The size from the container; false if it has none.
     bool containerSize(std::int32_t* width, std::int32_t* height) const;
 
     FrameClipper& clipper() { return m_clipper; }
@@ -58,7 +58,7 @@ private:
     gulong m_probe = 0;
     MediaType m_type;
 
-    // Held while the callback runs, so that removing it waits for the one under way.
+    // Held while the callback runs, so that removing it waits for a running call.
     std::mutex m_callbackMutex;
     ISampleGrabberCB* m_callback = nullptr;
 
@@ -68,7 +68,7 @@ private:
     BufferHandle m_kept;
 };
 
-// The renderer takes YUY2 itself and converts it in one go with the scaling; this hands the frames on.
+// Passes frames through: the renderer accepts YUY2 and converts and scales in one step.
 class ColourConverter final : public Filter {
 public:
     ColourConverter();

@@ -36,7 +36,7 @@ bool VideoWindow::event(QEvent* event) {
     return QWidget::event(event);
 }
 
-// Of a zoomed picture only what the host lets through is converted.
+// When zoomed in, only the part inside the host is converted.
 void VideoWindow::retarget() {
     const qreal ratio = devicePixelRatioF();
     const QSize device = (QSizeF(size()) * ratio).toSize();

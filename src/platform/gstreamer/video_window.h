@@ -1,4 +1,4 @@
-// The renderer's window: a child of the host that draws the newest picture one to one and leaves mouse and
+// The renderer's window: a child of the host that draws the newest frame unscaled and leaves mouse and
 // keyboard to the host. Interface thread.
 #pragma once
 
@@ -23,7 +23,7 @@ private:
     void retarget();
 
     std::shared_ptr<FrameSlot> m_slot;
-    QRect m_visible; // of the window, in its own pixels
+    QRect m_visible; // the visible part, in window coordinates
 };
 
 } // namespace ql240::gstreamer

@@ -29,8 +29,8 @@ bool isPlanar(const char* format) {
     return std::strcmp(format, kPlanar[0]) == 0 || std::strcmp(format, kPlanar[1]) == 0;
 }
 
-// What one format becomes: downwards planar ones are packed, upwards the packed one may have been any of
-// them.
+// Transforms one format. Sink to source: planar formats become YUY2; source to sink: YUY2 may come from any
+// of these.
 void appendTransformed(const GstStructure* structure, const char* format, GstPadDirection direction,
                        GstCaps* result) {
     const auto append = [&](const char* other) {
@@ -72,8 +72,8 @@ GstCaps* transformCaps(GstBaseTransform*, GstPadDirection direction, GstCaps* ca
     return common;
 }
 
-// The decoder's word on its pictures. One that keeps them in memory of its own may have allocated some by
-// now.
+// Checks the size that the decoder reports. A decoder with its own frame buffers may have allocated some
+// before this.
 gboolean takeSize(GstVideoFilter*, GstCaps*, GstVideoInfo* in, GstCaps*, GstVideoInfo*) {
     return !ql240::limits::isPictureTooLarge(GST_VIDEO_INFO_WIDTH(in), GST_VIDEO_INFO_HEIGHT(in));
 }
