@@ -15,8 +15,7 @@ namespace {
 
 const QString kStandardInput = QStringLiteral("-");
 
-// Copies what can only be read once to where it can be read in any order; false, with the reason, where that
-// fails.
+// Copies a stream into a seekable temporary file; false, with the reason, if that fails.
 bool spool(QFile& from, QTemporaryFile& to, QString& reason) {
     constexpr std::int64_t kPiece = 65536;
     if (!to.open()) {
@@ -55,7 +54,7 @@ std::unique_ptr<QIODevice> openStandardInput(QString& reason) {
 
 std::unique_ptr<QIODevice> openFile(const QString& name, QString& reason) {
     const QFileInfo file(name);
-    // Anything else may block or never end.
+    // Reading anything else may block or never end.
     if (file.exists() && !file.isFile()) {
         reason = QStringLiteral("no regular file");
         return nullptr;

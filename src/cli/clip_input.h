@@ -1,4 +1,4 @@
-// The clips that a command is to read, from names of files and folders and from standard input.
+// The clips that a command reads, from files, folders and standard input.
 #pragma once
 
 #include <QStringList>
@@ -10,20 +10,20 @@
 namespace ql240::cli {
 
 struct ClipInput {
-    QString name; // as it was named, in a folder with the folder's path
+    QString name; // as given; with the folder's path for a clip in a folder
     QString fileName;
     ClipContents contents;
     std::int64_t bytes = 0;
 };
 
-// Folders become the clips in them, in the viewer's order; one without any is reported as a failure.
+// Replaces folders by their clips, in the viewer's order; reports a folder without clips as a failure.
 QStringList clipNames(const QStringList& names, Reports& reports);
 
-// Reads one clip; nothing, with a failure reported, where it is none or can't be opened. What can be read up
-// to a failing byte counts, but is reported too.
+// Reads one clip; nothing, with a reported failure, if it can't be opened or isn't a clip. After a read
+// error, reports that and returns everything before it.
 std::optional<ClipInput> readClip(const QString& name, RecordPart part, Reports& reports);
 
-// Calls `visit` with each in turn that can be read, and reports how far it is; ends where `visit` says false.
+// Calls `visit` with each readable clip in turn and reports progress; stops when `visit` returns false.
 void forEachClip(const QStringList& names, RecordPart part, Reports& reports,
                  const std::function<bool(const ClipInput&)>& visit);
 

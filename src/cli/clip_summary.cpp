@@ -77,7 +77,7 @@ QStringList wrongOf(const ClipContents& contents) {
     return all;
 }
 
-// Lines "  label  value"; what a clip doesn't say has none.
+// Lines "  label  value", only for what the clip has.
 class Lines {
 public:
     void add(const char* label, const QString& value) {

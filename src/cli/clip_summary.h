@@ -1,4 +1,4 @@
-// What there is to say of a clip in short, as text for people and as an object for programs.
+// A clip's summary, as text for people and as a JSON object for programs.
 #pragma once
 
 #include <QJsonObject>
@@ -25,7 +25,7 @@ QJsonObject summaryObject(const ClipInput& input);
 // "x", "y" or "z".
 QString axisName(Shock::Axis axis);
 
-// Thousandths at most: what is behind them nobody has measured.
+// Rounds to three decimals; further ones exceed the sensors' precision.
 double thousandths(double value);
 
 } // namespace ql240::cli

@@ -1,5 +1,5 @@
-// The commands of ql240-clip. Each writes its result and reports what failed; the result says whether it
-// could be written.
+// The commands of ql240-clip. Each writes its output and reports failures; returns whether the output could
+// be written.
 #pragma once
 
 #include "cli/options.h"
@@ -11,7 +11,7 @@ bool runInfo(const Options& options, Reports& reports);
 bool runTrack(const Options& options, Reports& reports);
 bool runEvents(const Options& options, Reports& reports);
 
-// Writes to standard output; false, with a report, where it takes no more.
-bool writeResult(const QByteArray& bytes, Reports& reports);
+// Writes to standard output; reports a failure and returns false if that fails.
+[[nodiscard]] bool writeResult(const QByteArray& bytes, Reports& reports);
 
 } // namespace ql240::cli

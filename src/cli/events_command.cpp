@@ -21,7 +21,7 @@ struct Event {
 
 class EventList {
 public:
-    // False where the clip has nothing that could be one.
+    // False if the clip has neither accelerations nor a classification by the camera.
     bool add(const ClipInput& input, double thresholdG) {
         const ClipRecord& record = input.contents.record;
         if (!m_cameraOffsetMs)
@@ -38,7 +38,7 @@ public:
         return decision != CameraDecision::None || !record.accelerations.empty();
     }
 
-    // In order of time; those whose time nobody knows come last.
+    // Sorted by time; events without a known time come last.
     const std::vector<Event>& sorted() {
         const auto key = [this](const Event& event) {
             return timeOrder(event.utcMs, event.cameraMs, m_cameraOffsetMs);

@@ -1,4 +1,4 @@
-// ql240-clip: what dash camera clips hold beside picture and sound, on the command line.
+// ql240-clip: on the command line, everything in dash camera clips besides video and audio.
 #include <QCoreApplication>
 #include <cerrno>
 #include <csignal>
@@ -22,7 +22,7 @@ bool writeResult(const QByteArray& bytes, Reports& reports) {
 int main(int argc, char** argv) {
     using namespace ql240::cli;
     using Command = Options::Command;
-    // A reader that has enough ends the program, also where who started it ignores the signal.
+    // End when the reader of a pipe closes it, even if the parent process ignored the signal.
     std::signal(SIGPIPE, SIG_DFL);
     const QCoreApplication application(argc, argv);
     QString problem;

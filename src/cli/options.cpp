@@ -49,7 +49,7 @@ void addRules(QCommandLineParser& parser) {
     }
 }
 
-// The first option that is given but not the command's.
+// The first option given that the command doesn't have.
 QString strangeOption(const QCommandLineParser& parser, int commandBit) {
     for (const OptionRule& rule : kRules) {
         if ((rule.commands & commandBit) == 0 && parser.isSet(text(rule.name)))
@@ -69,7 +69,7 @@ bool takeThreshold(const QCommandLineParser& parser, Options& options, QString& 
     return false;
 }
 
-// By its name, else by the output's ending.
+// By name, otherwise by the output's suffix.
 bool takeFormat(const QCommandLineParser& parser, Options& options, QString& problem) {
     const bool isNamed = parser.isSet(text("format"));
     const QString name =

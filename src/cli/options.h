@@ -23,7 +23,8 @@ struct Options {
     bool accelerations = false;
 };
 
-// Nothing where they make no sense; `problem` says why. Without the program's name.
+// Parses the arguments (without the program's name); nothing if they are invalid, with the reason in
+// `problem`.
 std::optional<Options> parseOptions(const QStringList& arguments, QString& problem);
 
 const char* helpText();

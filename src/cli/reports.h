@@ -1,15 +1,14 @@
-// What the program says beside its result: problems on standard error, and how far it is where that is a
-// terminal.
+// Messages besides the output: problems on standard error, and progress if that is a terminal.
 #pragma once
 
 #include <QString>
 
 namespace ql240::cli {
 
-// As it may be shown on a terminal: control characters, which could command it, become "?".
+// Makes a text safe for a terminal: control characters, which could be commands to it, become "?".
 QString shown(const QString& text);
 
-// A file's name as it may be written: in its own bytes, but for the same.
+// The same for a file name, in its original bytes.
 QByteArray forTerminal(const QString& text);
 
 class Reports {
@@ -19,11 +18,11 @@ public:
     explicit Reports(Kind kind = Kind::Spoken);
     ~Reports();
 
-    // The clip under way, from 1.
+    // The current clip, counted from 1.
     void progress(qsizetype number, qsizetype count, const QString& name);
     // "ql240-clip: NAME: TEXT".
     void say(const QString& name, const QString& text);
-    // The same, and the program's exit code tells of it.
+    // The same, and the program's exit code will report a failure.
     void fail(const QString& name, const QString& text);
 
     bool hasFailures() const { return m_hasFailures; }

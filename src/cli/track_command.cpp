@@ -12,12 +12,12 @@ namespace {
 struct Start {
     QString name;
     std::optional<std::int64_t> cameraMs; // by the clip's name
-    std::optional<std::int64_t> utcMs;    // by the satellites
+    std::optional<std::int64_t> utcMs;    // by the receiver's clock
 };
 
-// Asks the clips themselves; gives the camera's offset where one of them says it. What can't be read is
-// reported when the track is.
-std::optional<std::int64_t> askClips(std::vector<Start>& starts) {
+// Reads the starts from the clips; returns the camera's offset if one of them has both. Unreadable clips are
+// reported later, when their track is read.
+std::optional<std::int64_t> readStarts(std::vector<Start>& starts) {
     std::optional<std::int64_t> offsetMs;
     for (Start& start : starts) {
         Reports silent(Reports::Kind::Silent);
@@ -31,20 +31,20 @@ std::optional<std::int64_t> askClips(std::vector<Start>& starts) {
     return offsetMs;
 }
 
-// By their names, as the camera's clock had it, where all of them say it; else by the satellites, for which
-// the clips are read once more.
+// Sorts by the camera's clock if all names have a time stamp; otherwise by the receiver's, which requires
+// reading the clips twice.
 QStringList inOrderOfTime(const QStringList& names) {
     std::vector<Start> starts;
-    bool allSayIt = true;
+    bool allHaveStart = true;
     for (const QString& name : names) {
         const QDateTime byName = clipStart(name.section(u'/', -1));
-        allSayIt = allSayIt && byName.isValid();
+        allHaveStart = allHaveStart && byName.isValid();
         starts.push_back({name, {}, {}});
         if (byName.isValid())
             starts.back().cameraMs = byName.toMSecsSinceEpoch();
     }
-    const bool canAsk = !allSayIt && !names.contains(QStringLiteral("-"));
-    const std::optional<std::int64_t> offsetMs = canAsk ? askClips(starts) : std::nullopt;
+    const bool readsTwice = !allHaveStart && !names.contains(QStringLiteral("-"));
+    const std::optional<std::int64_t> offsetMs = readsTwice ? readStarts(starts) : std::nullopt;
     const auto key = [offsetMs](const Start& start) {
         return timeOrder(start.utcMs, start.cameraMs, offsetMs);
     };

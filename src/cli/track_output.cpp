@@ -44,7 +44,7 @@ bool TrackOutput::finish(QString& reason) {
         return true;
     const bool isWritten = m_writer->finish() && m_device->flush();
     auto* const file = qobject_cast<QSaveFile*>(m_device.get());
-    // Without --force a file that has come meanwhile stays as well.
+    // Without --force, don't replace a file created in the meantime either.
     const QFileInfo info(m_options.output);
     const bool isFree = !info.isSymLink() && (m_options.force || !info.exists());
     if (isWritten && (!file || (isFree && file->commit())))

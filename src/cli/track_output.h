@@ -1,5 +1,5 @@
-// Where a track goes: standard output, piece by piece, or a file, which appears whole under its name or not
-// at all.
+// The destination of a track: standard output, written as the track is read, or a file, which appears under
+// its name only when complete.
 #pragma once
 
 #include <QFileDevice>
@@ -15,13 +15,13 @@ public:
     explicit TrackOutput(const Options& options);
     ~TrackOutput();
 
-    // False, with the reason, where nothing can be written there.
-    bool open(QString& reason);
-    // Made when first asked for: without a point nothing is written.
+    // False, with the reason, if the output isn't writable.
+    [[nodiscard]] bool open(QString& reason);
+    // Created on first use, so that a track without points writes nothing.
     TrackWriter& writer();
-    // False, with the reason, where not all could be written. Without a writer there is nothing to keep.
-    bool finish(QString& reason);
-    // How the output is called in reports.
+    // False, with the reason, if not everything could be written. Without a writer there is nothing to keep.
+    [[nodiscard]] bool finish(QString& reason);
+    // The output's name in reports.
     QString name() const;
 
 private:

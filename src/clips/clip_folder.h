@@ -22,7 +22,7 @@ class Clip;
 // Whether a file name (without folder) ends in ".mp4" or ".avi", case-insensitive.
 bool namedLikeRecording(const QString& fileName);
 
-// Whether the folder has an entry named like a recording, whatever its size.
+// Whether the folder has an entry named like a recording, even an empty one.
 bool holdsRecordings(const QString& path);
 
 // What a folder contained when it was read.

@@ -10,8 +10,8 @@ namespace ql240 {
 // removals and insertions produce, at most 10 characters.
 QString clipDateText(const QString& fileName);
 
-// When the recording of that name (without folder) starts: the time on the camera's clock, in whichever zone,
-// as if it were UTC; invalid unless a time stamp follows a four-character prefix.
+// When the recording with this name (without folder) starts: the camera's local time, as if it were UTC;
+// invalid unless a time stamp follows a four-character prefix.
 QDateTime clipStart(const QString& fileName);
 
 } // namespace ql240

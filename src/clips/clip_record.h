@@ -1,6 +1,6 @@
-// Everything that a clip recorded beside picture and sound, as it stands in the file: nothing interpolated,
-// nothing filled in. Times count from the clip's start, in microseconds; clocks are milliseconds since 1970;
-// positions are degrees, north and east positive; accelerations are in g, gravity included. Plain values.
+// Everything that a clip recorded besides video and audio, exactly as in the file, without interpolation or
+// defaults. Times are in microseconds from the clip's start; clocks in milliseconds since 1970; positions in
+// degrees, north and east positive; accelerations in g, gravity included. Plain values.
 #pragma once
 
 #include <QDateTime>
@@ -14,8 +14,7 @@
 
 namespace ql240 {
 
-// One record of the satellite receiver. What it doesn't say isn't a number; without a position there was no
-// fix.
+// One record of the GPS receiver. Missing values are NaN; without a position there was no fix.
 struct RecordedFix {
     static constexpr double kNothing = std::numeric_limits<double>::quiet_NaN();
     static constexpr std::int64_t kNoClock = std::numeric_limits<std::int64_t>::min();
@@ -26,7 +25,7 @@ struct RecordedFix {
     double speedKmh = kNothing;
     double headingDeg = kNothing; // clockwise from north
     double altitudeM = kNothing;
-    std::int64_t clockMs = kNoClock; // ClipRecord::clock says whose time it is
+    std::int64_t clockMs = kNoClock; // ClipRecord::clock says by which clock
 
     bool isValid() const { return std::abs(latitude) <= 90.0 && std::abs(longitude) <= 180.0; }
     bool hasClock() const { return clockMs != kNoClock; }
@@ -42,39 +41,41 @@ struct RecordedAcceleration {
 struct ClipRecord {
     enum class Clock { None, Camera, Utc };
 
-    QString format; // empty where the clip holds no sensor data
+    QString format; // empty if the clip has no sensor data
     Clock clock = Clock::None;
     std::deque<RecordedFix> fixes;
     std::deque<RecordedAcceleration> accelerations;
     QString camera;
     QString firmware;
-    QDateTime startByName; // the camera's local time, as if it were UTC; invalid where the name has none
+    QDateTime
+        startByName; // the camera's local time, as if it were UTC; invalid if the name has no time stamp
     std::optional<std::int64_t> startBySatellitesMs;
     std::int64_t lengthUs = 0; // up to the last record
-    // Where a reader found no sense or gave up, and why, the first of them: "GPS block 17 at byte 9,437,184:
-    // no status letter".
+    // Where and why a reader skipped invalid data or stopped: "GPS block 17 at byte 9,437,184: no status
+    // letter". Only the first few; furtherStops counts the others.
     QStringList stops;
     std::int64_t furtherStops = 0;
 
     bool hasFix() const;
 };
 
-// The camera's time less UTC; nothing unless the clip has both starts. Names say whole seconds.
+// The camera's time minus UTC; nothing unless the clip has both starts. File names have whole seconds.
 std::optional<std::int64_t> cameraOffsetMs(const ClipRecord& record);
 
-// The key that puts clips and their moments in order of time: by the satellites' clock, else by the camera's
-// less its offset. What has neither comes last.
+// The sort key for clips and their moments: UTC from the receiver, otherwise the camera's time minus its
+// offset. Without either they sort last.
 std::int64_t timeOrder(std::optional<std::int64_t> utcMs, std::optional<std::int64_t> cameraMs,
                        std::optional<std::int64_t> cameraOffsetMs);
 
-// Both valid; along the earth's mean sphere.
+// Great-circle distance on a sphere with the earth's mean radius. Both fixes must be valid.
 double metresBetween(const RecordedFix& a, const RecordedFix& b);
 
-// Whether the satellites were lost between two fixes in a row: a record without a fix lies between them, or
-// no record for so long that the receiver was off.
+// Whether the fix was lost between two consecutive valid fixes: a record without a fix lies between them, or
+// there is no record for so long that the receiver was off.
 class LostFixes {
 public:
-    // For each record in order: true with the first valid fix after a loss, and with the very first.
+    // Call for each record in order: true for the first valid fix of the clip and for the first after each
+    // loss.
     bool beginsRun(const RecordedFix& fix);
 
 private:

@@ -9,15 +9,15 @@ namespace {
 
 using Vector = std::array<double, 3>;
 
-// The blow of a wheel in a pothole lasts 20 ms at most, and stays below 1.75 g on the body.
-constexpr std::int64_t kLongestBlowUs = 20'000;
-constexpr double kStrongestBlowG = 1.75;
-// Samples farther apart than that can't tell a blow from an impact.
-constexpr std::int64_t kTellingUs = 45'000;
-// Impacts are over after that at half their size; braking goes on.
+// A pothole's jolt lasts at most 20 ms and stays below 1.75 g at the car's body.
+constexpr std::int64_t kLongestJoltUs = 20'000;
+constexpr double kStrongestJoltG = 1.75;
+// Samples farther apart than this can't distinguish a jolt from an impact.
+constexpr std::int64_t kLongestStepUs = 45'000;
+// The width of an impact's peak at half its height; braking lasts longer.
 constexpr std::int64_t kLongestImpactUs = 500'000;
-constexpr std::size_t kMostImpactSamples = 5000; // where the file's times stand still
-// Above the noise of a road, as a part of the threshold.
+constexpr std::size_t kMaxImpactSamples = 5000; // in case the file's times don't advance
+// Above the noise of a road, as a fraction of the threshold.
 constexpr double kFloor = 0.42;
 constexpr std::int64_t kFixHoldsUs = 2'000'000;
 
@@ -30,7 +30,7 @@ T medianOf(std::vector<T>& values) {
     return *middle;
 }
 
-// The samples less their medians, worked out when asked for: a clip's may be millions.
+// The samples minus their medians, computed on demand because a clip may have millions.
 class Deviations {
 public:
     explicit Deviations(const std::deque<RecordedAcceleration>& samples) : m_samples(samples) {
@@ -65,15 +65,15 @@ std::size_t strongestAxis(const Vector& g) {
     return static_cast<std::size_t>(std::max_element(g.begin(), g.end(), weaker) - g.begin());
 }
 
-// How long the deviation stays on the peak's side of `level`, from its first sample there to its last; what
-// is longer than an impact isn't measured to its end.
+// The time that the deviation stays at or above `level` around the peak, from the first such sample to the
+// last. Stops measuring once it is too long for an impact.
 std::int64_t spanUs(const Deviations& all, std::size_t peak, std::size_t axis, double level) {
     const double sign = all.at(peak)[axis] < 0 ? -1 : 1;
     const auto isAbove = [&](std::size_t i) { return all.at(i)[axis] * sign >= level; };
     std::size_t first = peak;
     std::size_t last = peak;
     const auto isLong = [&] {
-        return last - first > kMostImpactSamples || all.timeUs(last) - all.timeUs(first) > kLongestImpactUs;
+        return last - first > kMaxImpactSamples || all.timeUs(last) - all.timeUs(first) > kLongestImpactUs;
     };
     while (first > 0 && isAbove(first - 1) && !isLong())
         --first;
@@ -88,11 +88,11 @@ bool isImpact(const Deviations& all, std::size_t peak, std::int64_t stepUs, doub
     const double size = std::abs(g[axis]);
     if (spanUs(all, peak, axis, size / 2) > kLongestImpactUs)
         return false;
-    const bool canTell = stepUs <= kTellingUs && size < kStrongestBlowG;
-    return !canTell || spanUs(all, peak, axis, kFloor * thresholdG) > kLongestBlowUs;
+    const bool mayBeJolt = stepUs <= kLongestStepUs && size < kStrongestJoltG;
+    return !mayBeJolt || spanUs(all, peak, axis, kFloor * thresholdG) > kLongestJoltUs;
 }
 
-// The usual distance of two samples.
+// The median interval between two samples.
 std::int64_t usualStepUs(const Deviations& all) {
     std::vector<std::int64_t> steps;
     for (std::size_t i = 1; i < all.count(); ++i)

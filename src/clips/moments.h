@@ -1,5 +1,5 @@
-// The moments of a clip that matter: shocks that the accelerations show, and what the camera itself decided.
-// Accelerations in g less their median over the clip on each axis, which takes gravity away; times in
+// The moments of a clip that matter: shocks in its accelerations, and the camera's own classification.
+// Subtracts the clip's median from each axis, which removes gravity. Accelerations in g, times in
 // microseconds from the clip's start. Any thread.
 #pragma once
 
@@ -9,27 +9,27 @@ namespace ql240 {
 
 struct ShockOptions {
     double thresholdG = 0.5;
-    std::int64_t mergedUs = 3'000'000; // shocks closer than that are one
+    std::int64_t mergedUs = 3'000'000; // closer shocks count as one
 };
 
 struct Shock {
     enum class Axis { X, Y, Z };
 
     std::int64_t timeUs = 0; // of the peak
-    double sizeG = 0;        // of all axes together
+    double sizeG = 0;        // magnitude over all axes
     Axis axis = Axis::X;     // the strongest
 };
 
-// In order of time. A pothole, shorter than an impact can be, is none, nor is hard braking, longer than one
-// can be; where samples are too far apart to tell, whatever exceeds the threshold is one.
+// Sorted by time. Potholes are too short for an impact and hard braking is too long, so neither counts; if
+// samples are too far apart to distinguish a pothole, everything short above the threshold counts.
 std::vector<Shock> findShocks(const std::deque<RecordedAcceleration>& accelerations,
                               const ShockOptions& options = {});
 
-// What the camera says by the name that it gives a clip (without folder, case ignored).
+// The camera's classification by the file name that it chose (without folder, case-insensitive).
 enum class CameraDecision { None, Event, Motion };
 CameraDecision cameraDecision(const QString& fileName);
 
-// The receiver's last fix up to that time, if it isn't older than two seconds; null otherwise.
+// The latest fix at or before the time, if it is at most two seconds old; otherwise null.
 const RecordedFix* fixAt(const ClipRecord& record, std::int64_t timeUs);
 
 } // namespace ql240

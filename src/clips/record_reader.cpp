@@ -22,8 +22,8 @@ QString grouped(std::int64_t number) {
     return QLocale(QLocale::English).toString(number);
 }
 
-// The day that the line says before its "$", else that of the last line, else the clip's own; past midnight
-// the next one.
+// Takes the date from the line, before its "$"; otherwise the previous line's or the clip's, or the next day
+// after midnight.
 class TrailerClock {
 public:
     explicit TrailerClock(const QDateTime& start) : m_last(start) {}
@@ -110,7 +110,6 @@ ClipRecord readFormats(ByteSource& source, const ClipLayout& layout, bool keepsA
     return stopped;
 }
 
-// Keeps what the clip says of itself.
 void setRecord(ClipContents& contents, ClipRecord record) {
     record.camera = contents.record.camera;
     record.firmware = contents.record.firmware;

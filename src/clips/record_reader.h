@@ -1,6 +1,5 @@
-// Reads what a clip's file holds beside its pictures and sound: its streams, its record and what is wrong
-// with it. In one pass, with memory for the record alone; may take as long as the file system does. Any
-// thread.
+// Reads a clip's file except its video and audio data: the streams, the record and any faults. In one pass,
+// with memory for the record only; blocks as long as the file system does. Any thread.
 #pragma once
 
 #include <QIODevice>
@@ -13,16 +12,16 @@ namespace ql240 {
 struct ClipContents {
     const char* container = ""; // "MP4", "AVI", empty for neither
     std::vector<ClipStream> streams;
-    std::int64_t lengthMs = 0; // the longest stream's, or the container's own word
+    std::int64_t lengthMs = 0; // the longest stream's, or the container's own value
     ClipRecord record;
-    // What is wrong with the container, and where.
+    // Faults of the container, with offsets.
     QStringList faults;
-    QString readError; // where and why the device stopped to give bytes
+    QString readError; // where and why reading from the device failed
 };
 
 enum class RecordPart { Fixes, FixesAndAccelerations };
 
-// `device` is open and seekable. `fileName` (without folder) says when the clip began and what kind it is.
+// `device` is open and seekable. `fileName` (without folder) gives the clip's start and kind.
 ClipContents readClipContents(QIODevice& device, const QString& fileName,
                               RecordPart part = RecordPart::FixesAndAccelerations);
 

@@ -13,7 +13,7 @@ namespace {
 
 constexpr double kKmhPerMetreASecond = 3.6;
 
-// Seven places of a degree are a centimetre.
+// Seven decimals of a degree are about a centimetre.
 QString degrees(double value) {
     return QString::number(value, 'f', 7);
 }
@@ -26,7 +26,7 @@ QString number(double value, int places) {
     return isGiven(value) ? QString::number(value, 'f', places) : QString();
 }
 
-// What the formats that ask for UTC get; empty where the clip doesn't say it.
+// The time for formats that require UTC; empty if it is unknown.
 QString utcText(const RecordedFix& fix, ClipRecord::Clock clock) {
     return clock == ClipRecord::Clock::Utc && fix.hasClock() ? clockText(fix.clockMs, clock) : QString();
 }
@@ -56,7 +56,7 @@ public:
     void addPoint(const RecordedFix& fix) override {
         m_xml.writeStartElement(QStringLiteral("trkpt"));
         m_xml.writeAttribute(QStringLiteral("lat"), degrees(fix.latitude));
-        // Its schema knows 180 degrees west alone.
+        // The GPX schema excludes +180.
         const QString east = degrees(fix.longitude);
         m_xml.writeAttribute(QStringLiteral("lon"),
                              east.startsWith(QLatin1String("180")) ? u'-' + east : east);
@@ -96,7 +96,7 @@ private:
     ClipRecord::Clock m_clock = ClipRecord::Clock::None;
 };
 
-// Keeps a segment until it ends.
+// Buffers one segment at a time.
 class SegmentWriter : public TrackWriter {
 public:
     void beginSegment(const QString& clip, ClipRecord::Clock clock) override {
@@ -104,7 +104,7 @@ public:
         m_clip = clip;
         m_clock = clock;
     }
-    // Beyond the date line a line goes on as another, or it would run around the earth.
+    // Starts a new segment at the antimeridian, where a line would otherwise run around the earth.
     void addPoint(const RecordedFix& fix) override {
         if (!m_points.empty() && std::abs(fix.longitude - m_points.back().longitude) > 180)
             endSegment();
@@ -125,7 +125,7 @@ protected:
     std::deque<RecordedFix> m_points;
 };
 
-// A gx:Track, whose times stand before its places; a line or a point where not all points have a time.
+// Writes a gx:Track, which lists all times before all positions; a line or point if a point has no time.
 class KmlWriter final : public SegmentWriter {
 public:
     explicit KmlWriter(QIODevice& device) : m_xml(&device) {
@@ -176,7 +176,7 @@ private:
         m_xml.writeEndElement();
     }
 
-    // Heights are clamped to the ground, so 0 stands for none.
+    // The default altitude mode ignores altitudes, so 0 is safe where there is none.
     static QString place(const RecordedFix& fix, QChar separator) {
         return degrees(fix.longitude) + separator + degrees(fix.latitude) + separator +
                number(isGiven(fix.altitudeM) ? fix.altitudeM : 0, 2);
@@ -186,7 +186,7 @@ private:
     QXmlStreamWriter m_xml;
 };
 
-// A feature a segment: a line, or a point where there is only one; the times of its points stand in its
+// Writes one feature per segment: a line, or a point if there is only one. The points' times are in its
 // properties.
 class GeoJsonWriter final : public SegmentWriter {
 public:
@@ -244,7 +244,7 @@ private:
     bool m_hasFeature = false;
 };
 
-// A row holds a position or an acceleration, never both: each has its own time.
+// A row has a position or an acceleration, never both, because each has its own time.
 class CsvWriter final : public TrackWriter {
 public:
     CsvWriter(QIODevice& device, bool accelerations) : m_device(device), m_accelerations(accelerations) {

@@ -6,7 +6,7 @@ namespace ql240 {
 namespace {
 
 constexpr std::int64_t kUsPerMs = 1000;
-// Names say whole seconds, and a clip goes on a little into the next one.
+// File names have whole seconds, and a clip may extend slightly into the next.
 constexpr std::int64_t kNameSlackMs = 2000;
 
 std::optional<std::int64_t> nameStartMs(const ClipRecord& record) {
