@@ -22,14 +22,23 @@ QList<DriveInfo> listRemovableDrives(Drives* drives) {
     return drives ? drives->removableDrives() : QList<DriveInfo>();
 }
 
-QString findCardDrive(Drives* drives) {
-    QString card;
-    const QList<DriveInfo> list = listRemovableDrives(drives);
-    for (const DriveInfo& info : list) {
-        if (openDrive(info.drive).folder("update").openForReading("version.txt").isOpen())
-            card = info.drive;
+CardChoice chooseCard(const QList<std::optional<bool>>& haveVersionFile) {
+    bool isCertain = true;
+    for (qsizetype i = haveVersionFile.size() - 1; i >= 0; --i) {
+        if (haveVersionFile[i].value_or(false))
+            return {i, isCertain};
+        isCertain = isCertain && haveVersionFile[i].has_value();
     }
-    return card;
+    return {std::nullopt, isCertain};
+}
+
+QString findCardDrive(Drives* drives) {
+    const QList<DriveInfo> list = listRemovableDrives(drives);
+    QList<std::optional<bool>> haveVersionFile;
+    for (const DriveInfo& info : list)
+        haveVersionFile << openDrive(info.drive).folder("update").openForReading("version.txt").isOpen();
+    const CardChoice card = chooseCard(haveVersionFile);
+    return card.index ? list[*card.index].drive : QString();
 }
 
 QString settingFolder(const QString& drive) {

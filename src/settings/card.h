@@ -16,7 +16,15 @@ namespace ql240 {
 
 QList<DriveInfo> listRemovableDrives(Drives* drives);
 
-// The last removable drive with a readable version file; empty when there is none.
+// The card among drives: the last one with a version file. `haveVersionFile` has an entry for each drive,
+// without a value while the drive hasn't answered.
+struct CardChoice {
+    std::optional<qsizetype> index; // nothing if no drive is known to be the card
+    bool isCertain = true;          // no outstanding answer can change the choice
+};
+CardChoice chooseCard(const QList<std::optional<bool>>& haveVersionFile);
+
+// The camera's card among the removable drives; empty when there is none.
 QString findCardDrive(Drives* drives);
 
 // The drive's "setting" and "update" folder as spelled on the drive, or as it would be created if missing.

@@ -65,8 +65,8 @@ void finishSaves() {
 }
 
 DialogCard::DialogCard(Drives* drives, CardAccess access) : m_drives(drives), m_access(std::move(access)) {
-    m_patience.setSingleShot(true);
-    connect(&m_patience, &QTimer::timeout, this, &DialogCard::losePatience);
+    m_timeout.setSingleShot(true);
+    connect(&m_timeout, &QTimer::timeout, this, &DialogCard::giveUp);
 }
 
 const CardContents* DialogCard::contents() const {
@@ -126,11 +126,11 @@ void DialogCard::keepDrives(const QList<DriveInfo>& drives) {
     read(all);
 }
 
-// Each drive is read on a thread of its own, so that one that doesn't answer doesn't hold up the others.
+// Reads each drive on its own thread, so that one that doesn't answer doesn't delay the others.
 void DialogCard::read(const QList<int>& indices) {
     enter(Phase::Reading);
     m_answers.clear();
-    m_patience.start(waits::kSilentDrive);
+    m_timeout.start(waits::kSilentDrive);
     for (const int index : indices) {
         m_answers[index] = std::nullopt;
         const auto contents = std::make_shared<CardContents>();
@@ -168,29 +168,30 @@ void DialogCard::keepContents(int drive, const CardContents& contents) {
         return;
     m_current = index;
     if (isCertain) {
-        m_patience.stop();
+        m_timeout.stop();
         enter(Phase::Shown);
     }
     Q_EMIT loaded();
     Q_EMIT phaseChanged();
 }
 
-void DialogCard::losePatience() {
+void DialogCard::giveUp() {
     m_current = card().index;
     enter(Phase::NoAnswer);
     Q_EMIT loaded();
     Q_EMIT phaseChanged();
 }
 
-// The last drive with a version file; if none has one, the first drive.
+// If no drive has a version file, the first one takes the card's place.
 DialogCard::Choice DialogCard::card() const {
-    bool isCertain = true;
-    for (auto answer = m_answers.rbegin(); answer != m_answers.rend(); ++answer) {
-        if (answer->second && answer->second->versionText)
-            return {answer->first, isCertain};
-        isCertain = isCertain && answer->second;
+    QList<int> drives;
+    QList<std::optional<bool>> haveVersionFile;
+    for (const auto& [drive, answer] : m_answers) {
+        drives << drive;
+        haveVersionFile << (answer ? std::optional(answer->versionText.has_value()) : std::nullopt);
     }
-    return {m_answers.begin()->first, isCertain};
+    const CardChoice card = chooseCard(haveVersionFile);
+    return {drives[card.index.value_or(0)], card.isCertain};
 }
 
 bool DialogCard::settle() {

@@ -89,7 +89,7 @@ private:
     void keepDrives(const QList<DriveInfo>& drives);
     void read(const QList<int>& indices);
     void keepContents(int drive, const CardContents& contents);
-    void losePatience();
+    void giveUp();
     // The card as far as is known; `isCertain` if no outstanding answer can change that.
     struct Choice {
         int index;
@@ -106,7 +106,7 @@ private:
     int m_current = -1;
     std::map<int, std::optional<CardContents>> m_answers; // of the drives being read, or read last
     QEventLoop* m_loop = nullptr;                         // runs while `settle` or `save` waits
-    QTimer m_patience;
+    QTimer m_timeout;                                     // for the answers
     BackgroundJobs m_reading;
     BackgroundJobs m_writing;
 };
