@@ -26,12 +26,9 @@ bool isInStrip(QPoint place) {
 } // namespace
 
 WidgetProgressA::WidgetProgressA(QWidget* parent, CardLook cardLook)
-    : QWidget(parent),
-      m_timeText(progressText(0, 0)),
-      m_modelText(QStringLiteral("unknown")),
-      m_images(loadPanelImages()),
-      m_repaintTimer(this),
-      m_cardLook(std::move(cardLook)) {
+    : QWidget(parent), m_images(loadPanelImages()), m_repaintTimer(this), m_cardLook(std::move(cardLook)) {
+    m_state.timeText = progressText(0, 0);
+    m_state.modelText = QStringLiteral("unknown");
     resize(panel::kSize);
     setFont(uiFont(panel::kFontPoints));
     describeGauge(this, this);
@@ -41,24 +38,25 @@ WidgetProgressA::WidgetProgressA(QWidget* parent, CardLook cardLook)
 }
 
 void WidgetProgressA::setRange(std::int32_t minimum, std::int32_t maximum) {
-    if (minimum > maximum || (minimum == m_minimum && maximum == m_maximum))
+    if (minimum > maximum || (minimum == m_minimum && maximum == m_state.progressMaximum))
         return;
     m_minimum = minimum;
-    m_maximum = maximum;
+    m_state.progressMaximum = maximum;
     rebuildTimeText();
     m_textForced = true;
 }
 
 void WidgetProgressA::setValue(std::int32_t value) {
-    if (!m_textForced && (value == m_value || value < m_minimum || value > m_maximum))
+    if (!m_textForced &&
+        (value == m_state.progressValue || value < m_minimum || value > m_state.progressMaximum))
         return;
-    m_value = value;
+    m_state.progressValue = value;
     rebuildTimeText();
     update();
 }
 
 void WidgetProgressA::setDateText(const QString& text) {
-    m_dateText = text;
+    m_state.dateText = text;
 }
 
 void WidgetProgressA::setClipPath(const QString& path) {
@@ -83,22 +81,22 @@ void WidgetProgressA::setAnimating(bool on) {
 void WidgetProgressA::resetIndicators() {
     m_repaintTimer.stop();
     setSpeed(0);
-    if (m_hasFix) {
-        m_hasFix = false;
+    if (m_state.hasFix) {
+        m_state.hasFix = false;
         update();
     }
 }
 
 void WidgetProgressA::setSpeed(std::int32_t kmh) {
-    if (kmh != m_speed) {
-        m_speed = kmh;
+    if (kmh != m_state.speedKmh) {
+        m_state.speedKmh = kmh;
         update();
     }
 }
 
 void WidgetProgressA::setKilometres(bool on) {
-    if (on != m_kilometres) {
-        m_kilometres = on;
+    if (on != m_state.kilometres) {
+        m_state.kilometres = on;
         update();
     }
 }
@@ -123,8 +121,8 @@ void WidgetProgressA::appendTrack(std::int64_t durationMs) {
 void WidgetProgressA::clearSensorData() {
     m_track.clear();
     m_trace = QPixmap();
-    m_maximum = -1;
-    m_value = -1;
+    m_state.progressMaximum = -1;
+    m_state.progressValue = -1;
     update();
 }
 
@@ -132,35 +130,25 @@ SensorSample WidgetProgressA::sampleAt(std::int32_t timeMs) {
     if (!m_loaded)
         return {};
     const SensorSample sample = sampleForTime(m_track, timeMs);
-    m_latitude = sample.latitude;
-    m_longitude = sample.longitude;
-    m_accX = sample.accX;
-    m_accY = sample.accY;
-    m_accZ = sample.accZ;
-    if (sample.hasPosition() != m_hasFix) {
-        m_hasFix = sample.hasPosition();
+    m_state.latitude = sample.latitude;
+    m_state.longitude = sample.longitude;
+    m_state.accX = sample.accX;
+    m_state.accY = sample.accY;
+    m_state.accZ = sample.accZ;
+    if (sample.hasPosition() != m_state.hasFix) {
+        m_state.hasFix = sample.hasPosition();
         update();
     }
     return sample;
 }
 
 PanelState WidgetProgressA::state() const {
-    const QString today = QDate::currentDate().toString(QStringLiteral("yyyy.MM.dd"));
-    return {.size = size(),
-            .enabled = isEnabled(),
-            .hasFix = m_hasFix,
-            .kilometres = m_kilometres,
-            .speedKmh = m_speed,
-            .progressMaximum = m_maximum,
-            .progressValue = m_value,
-            .accX = m_accX,
-            .accY = m_accY,
-            .accZ = m_accZ,
-            .latitude = m_latitude,
-            .longitude = m_longitude,
-            .timeText = m_timeText,
-            .modelText = m_modelText,
-            .dateText = m_dateText.isEmpty() ? today : m_dateText};
+    PanelState shown = m_state;
+    shown.size = size();
+    shown.enabled = isEnabled();
+    if (shown.dateText.isEmpty())
+        shown.dateText = QDate::currentDate().toString(QStringLiteral("yyyy.MM.dd"));
+    return shown;
 }
 
 void WidgetProgressA::mousePressEvent(QMouseEvent* event) {
@@ -208,7 +196,7 @@ void WidgetProgressA::mouseReleaseEvent(QMouseEvent* event) {
         return;
     }
     event->accept();
-    Q_EMIT clicked(panel::seekTarget(placeOf(event).x(), m_minimum, m_maximum, width()));
+    Q_EMIT clicked(panel::seekTarget(placeOf(event).x(), m_minimum, m_state.progressMaximum, width()));
 }
 
 void WidgetProgressA::OnTimeoutAnimation() {
@@ -241,13 +229,14 @@ void WidgetProgressA::loadCardModel() {
 }
 
 void WidgetProgressA::setModelFromVersion(const QString& versionText) {
-    m_modelText = versionText.left(kModelLength);
+    m_state.modelText = versionText.left(kModelLength);
     update();
 }
 
 void WidgetProgressA::rebuildTimeText() {
-    const QString before = std::exchange(m_timeText, progressText(m_value, m_maximum));
-    if (m_timeText != before)
+    const QString before =
+        std::exchange(m_state.timeText, progressText(m_state.progressValue, m_state.progressMaximum));
+    if (m_state.timeText != before)
         tellGaugeChanged(this, *this);
 }
 
@@ -268,16 +257,16 @@ QString WidgetProgressA::gaugeDetails() const {
 
 // Has the effect of a click at that position on the strip.
 void WidgetProgressA::setGaugeValue(int value) {
-    if (value >= m_minimum && value <= m_maximum)
+    if (value >= m_minimum && value <= m_state.progressMaximum)
         Q_EMIT clicked(value);
 }
 
 void WidgetProgressA::zeroReadings() {
-    m_latitude = 0.0;
-    m_longitude = 0.0;
-    m_accX = 0;
-    m_accY = 0;
-    m_accZ = 0;
+    m_state.latitude = 0.0;
+    m_state.longitude = 0.0;
+    m_state.accX = 0;
+    m_state.accY = 0;
+    m_state.accZ = 0;
 }
 
 const QPixmap& WidgetProgressA::trace() {

@@ -19,8 +19,8 @@ class WidgetProgressA : public QWidget, private AccessibleGauge {
     Q_OBJECT
 
 public:
-    // Returns the text of the card's version file, or nothing if no card has one. Runs on a thread of its
-    // own, since a failing card reader may block it.
+    // Returns the text of the card's version file, or nothing if no card has one. Runs on its own thread,
+    // since a failing card reader may block it.
     using CardLook = std::function<std::optional<QString>()>;
 
     // Without a CardLook the model stays unknown.
@@ -37,9 +37,9 @@ public:
     void setAnimating(bool on);
     void resetIndicators();
 
-    std::int32_t speed() const { return m_speed; }
+    std::int32_t speed() const { return m_state.speedKmh; }
     void setSpeed(std::int32_t kmh);
-    bool kilometres() const { return m_kilometres; }
+    bool kilometres() const { return m_state.kilometres; }
     void setKilometres(bool on);
 
     // The track. Loading appends to it, from the clip's trailer or the sensor library.
@@ -70,9 +70,9 @@ private:
     // A drag on the strip. A release below the strip doesn't end it (LetGoBelow).
     enum class Drag { None, Held, LetGoBelow };
 
-    int gaugeMaximum() const override { return m_maximum; }
-    int gaugeValue() const override { return m_value; }
-    QString gaugeText() const override { return m_timeText; }
+    int gaugeMaximum() const override { return m_state.progressMaximum; }
+    int gaugeValue() const override { return m_state.progressValue; }
+    QString gaugeText() const override { return m_state.timeText; }
     QString gaugeDetails() const override;
     void setGaugeValue(int value) override;
     void loadCardModel();
@@ -83,26 +83,14 @@ private:
     const QPixmap& trace();
 
     bool m_loaded = false;
+    PanelState m_state; // without what state() takes from the widget and the calendar
     std::int32_t m_minimum = 0;
-    std::int32_t m_maximum = 0;
-    std::int32_t m_value = 0;
-    std::int16_t m_accX = 0;
-    std::int16_t m_accY = 0;
-    std::int16_t m_accZ = 0;
-    double m_latitude = 0.0;
-    double m_longitude = 0.0;
-    QString m_timeText;
-    QString m_modelText;
-    QString m_dateText;
     QString m_clipPath;
     bool m_textForced = false;
     Drag m_drag = Drag::None;
     SensorTrack m_track;
     PanelImages m_images;
     QTimer m_repaintTimer;
-    bool m_kilometres = true;
-    bool m_hasFix = false;
-    std::int32_t m_speed = 0;
 
     // One look at the card at a time; a request made during a look starts another one after it.
     CardLook m_cardLook;
