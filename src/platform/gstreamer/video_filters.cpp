@@ -163,10 +163,10 @@ GstBuffer* SampleGrabber::filtered(GstBuffer* frame) {
     GstMapInfo map;
     if (gst_buffer_map(frame, &map, GST_MAP_READWRITE)) {
         const GstClockTime time = GST_BUFFER_PTS_IS_VALID(frame) ? GST_BUFFER_PTS(frame) : 0;
-        answerToC(kStatusFail, [&] {
+        mayFail(answerToC(kStatusFail, [&] {
             return m_callback->BufferCB(static_cast<double>(time) / GST_SECOND, map.data,
                                         static_cast<std::int32_t>(map.size));
-        });
+        }));
         gst_buffer_unmap(frame, &map);
     }
     return frame;
