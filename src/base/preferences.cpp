@@ -9,10 +9,6 @@
 namespace ql240 {
 namespace {
 
-constexpr QLatin1StringView kLanguageKey("global/language");
-constexpr QLatin1StringView kSpeedUnitKey("global/speedkm");
-constexpr QLatin1StringView kLastFolderKey("storage/lastfolder");
-constexpr QLatin1StringView kTileUrlKey("map/tileurl");
 constexpr QLatin1StringView kKilometres("km");
 constexpr QLatin1StringView kMiles("mph");
 
@@ -20,27 +16,6 @@ constexpr QLatin1StringView kMiles("mph");
 QString asText(const QVariant& value) {
     return value.typeId() == QMetaType::QStringList ? value.toStringList().join(QStringLiteral(", "))
                                                     : value.toString();
-}
-
-bool readText(QLatin1StringView key, QString& value) {
-    const QString path = localIniPath();
-    if (path.isEmpty())
-        return false;
-    const QSettings settings(path, QSettings::IniFormat);
-    const QVariant stored = settings.value(key);
-    if (!stored.isValid())
-        return false;
-    value = asText(stored);
-    return true;
-}
-
-void writeText(QLatin1StringView key, const QString& value) {
-    const QString path = localIniPath();
-    if (path.isEmpty())
-        return;
-    QSettings settings(path, QSettings::IniFormat);
-    settings.setValue(key, value);
-    settings.sync();
 }
 
 } // namespace
@@ -55,17 +30,25 @@ QString localIniPath() {
     return QFileInfo(folder).isDir() ? folder + QStringLiteral("/local.ini") : QString();
 }
 
-bool readLanguage(QString& value) {
-    return readText(kLanguageKey, value);
+bool readPreference(const char* key, QString& value) {
+    const QString path = localIniPath();
+    if (path.isEmpty())
+        return false;
+    const QSettings settings(path, QSettings::IniFormat);
+    const QVariant stored = settings.value(QLatin1StringView(key));
+    if (!stored.isValid())
+        return false;
+    value = asText(stored);
+    return true;
 }
-bool readSpeedUnit(QString& value) {
-    return readText(kSpeedUnitKey, value);
-}
-bool readLastFolder(QString& value) {
-    return readText(kLastFolderKey, value);
-}
-bool readTileUrl(QString& value) {
-    return readText(kTileUrlKey, value);
+
+void writePreference(const char* key, const QString& value) {
+    const QString path = localIniPath();
+    if (path.isEmpty())
+        return;
+    QSettings settings(path, QSettings::IniFormat);
+    settings.setValue(QLatin1StringView(key), value);
+    settings.sync();
 }
 
 SpeedUnit storedSpeedUnit() {
@@ -74,16 +57,6 @@ SpeedUnit storedSpeedUnit() {
 }
 void storeSpeedUnit(SpeedUnit unit) {
     writeSpeedUnit(unit == SpeedUnit::Kmh ? kKilometres : kMiles);
-}
-
-void writeLanguage(const QString& value) {
-    writeText(kLanguageKey, value);
-}
-void writeSpeedUnit(const QString& value) {
-    writeText(kSpeedUnitKey, value);
-}
-void writeLastFolder(const QString& value) {
-    writeText(kLastFolderKey, value);
 }
 
 } // namespace ql240

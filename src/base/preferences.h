@@ -10,18 +10,39 @@ namespace ql240 {
 // <configuration folder>/QL240/local.ini. Creates the folder if it is missing; empty when that fails.
 QString localIniPath();
 
-// Each sets `value` and returns true when the key is stored; otherwise leaves `value` unchanged and returns
-// false. The stored string is returned unchecked, even if it is not a known value.
-bool readLanguage(QString& value);
-bool readSpeedUnit(QString& value);
-bool readLastFolder(QString& value);
-// The URL template of the map's street tiles. There is no writer: users edit the file.
-bool readTileUrl(QString& value);
+// Reading sets `value` and returns true when the key is stored; otherwise it leaves `value` unchanged and
+// returns false. The stored string is returned unchecked, even if it is not a known value. Writing stores
+// nothing, silently, when the file cannot be written.
+bool readPreference(const char* key, QString& value);
+void writePreference(const char* key, const QString& value);
 
-// Each stores nothing, silently, when the file cannot be written.
-void writeLanguage(const QString& value);
-void writeSpeedUnit(const QString& value);
-void writeLastFolder(const QString& value);
+// "kr", "en", "ru", "ch" or "es".
+inline bool readLanguage(QString& value) {
+    return readPreference("global/language", value);
+}
+inline void writeLanguage(const QString& value) {
+    writePreference("global/language", value);
+}
+
+// "km" or "mph".
+inline bool readSpeedUnit(QString& value) {
+    return readPreference("global/speedkm", value);
+}
+inline void writeSpeedUnit(const QString& value) {
+    writePreference("global/speedkm", value);
+}
+
+inline bool readLastFolder(QString& value) {
+    return readPreference("storage/lastfolder", value);
+}
+inline void writeLastFolder(const QString& value) {
+    writePreference("storage/lastfolder", value);
+}
+
+// The URL template of the map's street tiles. There is no writer: users edit the file.
+inline bool readTileUrl(QString& value) {
+    return readPreference("map/tileurl", value);
+}
 
 // The unit of the speeds shown: kilometres if the key is missing or "km", miles for any other value.
 enum class SpeedUnit : std::int32_t { Kmh = 1, Mph = 2 };

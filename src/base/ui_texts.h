@@ -13,7 +13,7 @@ struct UiTextRow {
 };
 
 // clang-format off
-inline constexpr std::array<UiTextRow, 64> kUiTexts{{
+inline constexpr auto kUiTexts = std::to_array<UiTextRow>({
     /*  0 */ {"설정", "SETTING", "Параметр"},
     /*  1 */ {"영상/음성", "Video & Sound", "Видео и звук"},
     /*  2 */ {"시간", "Time", "Время"},
@@ -78,7 +78,7 @@ inline constexpr std::array<UiTextRow, 64> kUiTexts{{
     /* 61 */ {"스크린샷", "Capture", "Capture"},
     /* 62 */ {"프린터", "Printer", "Printer"},
     /* 63 */ {"× 1.0", "× 1.0", "x 1.0"},
-}};
+});
 // clang-format on
 
 } // namespace ql240
