@@ -14,11 +14,11 @@ namespace {
 
 using namespace ql240;
 
-constexpr qint64 kGigabyte = 1 << 30;
+constexpr std::int64_t kGigabyte = 1 << 30;
 constexpr int kSamples = 6000;
 
 // `samples` records each of acceleration and position, a hundred per second.
-madeclips::Mp4 motionClip(qint64 picture, int samples) {
+madeclips::Mp4 motionClip(std::int64_t picture, int samples) {
     madeclips::Track track;
     track.durations = {10};
     track.samplesPerChunk = 100;
@@ -40,9 +40,10 @@ QString writeClip(const QString& path, const madeclips::Mp4& clip) {
 }
 
 // A number from one of this process's tables in /proc.
-qint64 processNumber(const char* table, QByteArrayView name) {
+std::int64_t processNumber(const char* table, QByteArrayView name) {
     QFile file(QStringLiteral("/proc/self/%1").arg(QLatin1StringView(table)));
-    file.open(QIODevice::ReadOnly);
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
     for (const QByteArray& line : file.readAll().split('\n')) {
         if (line.startsWith(name))
             return line.mid(name.size() + 1).replace("kB", "").trimmed().toLongLong();
@@ -50,10 +51,10 @@ qint64 processNumber(const char* table, QByteArrayView name) {
     return 0;
 }
 
-qint64 bytesRead() {
+std::int64_t bytesRead() {
     return processNumber("io", "rchar");
 }
-qint64 peakMemory() {
+std::int64_t peakMemory() {
     return processNumber("status", "VmHWM");
 }
 
@@ -73,10 +74,10 @@ bool readWhole(const char* clip) {
 }
 
 int measure(const char* title, bool (*read)(const char*), const char* shortClip, const char* clip,
-            qint64 trackAndIndex) {
+            std::int64_t trackAndIndex) {
     read(shortClip);
-    const qint64 memory = peakMemory();
-    const qint64 before = bytesRead();
+    const std::int64_t memory = peakMemory();
+    const std::int64_t before = bytesRead();
     QElapsedTimer timer;
     timer.start();
     const bool isRead = read(clip);

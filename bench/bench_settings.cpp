@@ -53,7 +53,7 @@ double openingMilliseconds(const std::function<std::unique_ptr<QDialog>()>& make
     dialog->show();
     while (!watch.painted)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    const double elapsed = double(timer.nsecsElapsed()) / 1e6;
+    const double elapsed = static_cast<double>(timer.nsecsElapsed()) / 1e6;
     dialog->hide();
     QCoreApplication::processEvents();
     return elapsed;

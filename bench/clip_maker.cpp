@@ -12,7 +12,7 @@ namespace {
 
 using namespace ql240;
 
-constexpr qint64 kPicture = 120 * 1000 * 1000;
+constexpr std::int64_t kPicture = 120 * 1000 * 1000;
 
 madeclips::Mp4 minuteFrom(double clock) {
     madeclips::Track track;

@@ -33,14 +33,14 @@ FontWarmUp::~FontWarmUp() {
 }
 
 void FontWarmUp::continueWithFonts() {
-    m_told = true;
+    m_isAnswered = true;
     m_application.set_value(true);
 }
 
 void FontWarmUp::finish() {
-    if (!m_told)
+    if (!m_isAnswered)
         m_application.set_value(false);
-    m_told = true;
+    m_isAnswered = true;
     if (m_thread.joinable())
         m_thread.join();
 }

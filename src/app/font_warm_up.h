@@ -22,7 +22,7 @@ public:
 
 private:
     std::promise<bool> m_application; // true: the application object exists
-    bool m_told = false;
+    bool m_isAnswered = false;
     std::thread m_thread;
 };
 

@@ -115,7 +115,7 @@ void WidgetProgressA::appendTrack(std::int64_t durationMs) {
     }
     zeroReadings();
     SensorLibrary* library = host().sensorLibrary;
-    m_loaded = library != nullptr && appendLibrarySamples(m_track, *library, m_clipPath);
+    m_loaded = library && appendLibrarySamples(m_track, *library, m_clipPath);
 }
 
 void WidgetProgressA::clearSensorData() {

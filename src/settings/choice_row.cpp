@@ -33,7 +33,7 @@ ChoiceRow::ChoiceRow(QWidget* window, RowOwner& owner, const OptionRow& row)
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setFocusPolicy(row.kind == RowKind::ShownOnly ? Qt::NoFocus : Qt::TabFocus);
     setGeometry(frameOf(row) & window->rect());
-    m_told = chosenIndex();
+    m_reported = chosenIndex();
 }
 
 int ChoiceRow::chosenIndex() const {
@@ -80,8 +80,8 @@ void ChoiceRow::keyPressEvent(QKeyEvent* event) {
 
 void ChoiceRow::refresh() {
     setEnabled(m_row.kind == RowKind::ShownOnly || isOperable());
-    if (const int chosen = chosenIndex(); chosen != m_told) {
-        m_told = chosen;
+    if (const int chosen = chosenIndex(); chosen != m_reported) {
+        m_reported = chosen;
         tell();
     }
 }
@@ -92,15 +92,15 @@ void ChoiceRow::tell() {
     changed.checked = true;
     QAccessibleStateChangeEvent state(this, changed);
     if (m_row.kind != RowKind::TickBox) {
-        if (m_told < 0)
+        if (m_reported < 0)
             return;
-        state.setChild(m_told);
+        state.setChild(m_reported);
     }
     QAccessible::updateAccessibility(&state);
     if (!hasFocus() || m_row.kind == RowKind::TickBox)
         return;
     QAccessibleEvent focus(this, QAccessible::Focus);
-    focus.setChild(m_told);
+    focus.setChild(m_reported);
     QAccessible::updateAccessibility(&focus);
 }
 

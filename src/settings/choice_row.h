@@ -45,7 +45,7 @@ private:
 
     RowOwner& m_owner;
     const OptionRow& m_row;
-    int m_told = -1; // the chosen index last reported to screen readers
+    int m_reported = -1; // the chosen index last reported to screen readers
 };
 
 // One for each row of the table, in its order.

@@ -61,13 +61,13 @@ QStringList foldersIn(const QString& path) {
     return names;
 }
 
-// The subfolders at every level from `path` down along `way`; empty if that doesn't lead to a folder.
-QList<QStringList> levelsOfWay(QString path, const QStringList& way) {
-    const QString end = QDir(path).filePath(way.join(QLatin1Char('/')));
+// The subfolders at every level from `path` down through `names`; empty if these don't lead to a folder.
+QList<QStringList> levelsBelow(QString path, const QStringList& names) {
+    const QString end = QDir(path).filePath(names.join(QLatin1Char('/')));
     QList<QStringList> levels;
     if (!QFileInfo(end).isDir())
         return levels;
-    for (const QString& name : way) {
+    for (const QString& name : names) {
         levels << foldersIn(path);
         path = QDir(path).filePath(name);
     }
@@ -192,21 +192,21 @@ void FolderTreeDialog::setSelection(const QString& path) {
     QTreeWidgetItem* item = placeAbove(folder);
     if (!item)
         return;
-    const QStringList way = folder.mid(pathOf(item).size()).split(QLatin1Char('/'), Qt::SkipEmptyParts);
+    const QStringList names = folder.mid(pathOf(item).size()).split(QLatin1Char('/'), Qt::SkipEmptyParts);
     const auto levels = std::make_shared<QList<QStringList>>();
     m_selection.forget();
-    m_selection.start([levels, way, path = pathOf(item)] { *levels = levelsOfWay(path, way); },
-                      [this, levels, item, way] { select(item, way, *levels); });
+    m_selection.start([levels, names, path = pathOf(item)] { *levels = levelsBelow(path, names); },
+                      [this, levels, item, names] { select(item, names, *levels); });
     m_selection.wait(waits::kTreeFolder);
 }
 
-void FolderTreeDialog::select(QTreeWidgetItem* item, const QStringList& way,
+void FolderTreeDialog::select(QTreeWidgetItem* item, const QStringList& names,
                               const QList<QStringList>& levels) {
     if (levels.isEmpty())
         return;
-    for (qsizetype i = 0; i < way.size(); ++i) {
+    for (qsizetype i = 0; i < names.size(); ++i) {
         fill(item, levels[i]);
-        item = childNamed(item, way[i]);
+        item = childNamed(item, names[i]);
     }
     m_tree->setCurrentItem(item);
     m_path->setText(shownText(selectedPath()));

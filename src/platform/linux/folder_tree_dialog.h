@@ -40,7 +40,7 @@ private:
     void placeWidgets();
     void readFolder(QTreeWidgetItem* item);
     void fill(QTreeWidgetItem* item, const QStringList& names);
-    void select(QTreeWidgetItem* place, const QStringList& way, const QList<QStringList>& levels);
+    void select(QTreeWidgetItem* place, const QStringList& names, const QList<QStringList>& levels);
     QTreeWidgetItem* placeAbove(const QString& path) const;
     QTreeWidgetItem* childNamed(QTreeWidgetItem* item, const QString& name);
     void currentChanged(QTreeWidgetItem* now, QTreeWidgetItem* before);
