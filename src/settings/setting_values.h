@@ -55,7 +55,7 @@ struct SettingKey {
 };
 
 // In the order in which the files are read and written.
-inline constexpr std::array<SettingKey, 28> kSettingKeys = {{
+inline constexpr std::array kSettingKeys = std::to_array<SettingKey>({
     {"resolutionvalue", &SettingValues::resolutionvalue, kEverywhere},
     {"qualityvalue", &SettingValues::qualityvalue, kEverywhere},
     {"encodingvalue", &SettingValues::encodingvalue, kInText | kByteRead},
@@ -84,6 +84,6 @@ inline constexpr std::array<SettingKey, 28> kSettingKeys = {{
     {"sensitivityvalue1", &SettingValues::sensitivityvalue1, kEverywhere},
     {"sensitivityvalue2", &SettingValues::sensitivityvalue2, kEverywhere},
     {"mutevalue", &SettingValues::mutevalue, kEverywhere},
-}};
+});
 
 } // namespace ql240
