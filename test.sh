@@ -6,6 +6,8 @@ cd "$(dirname "$0")"
 
 scripts/bootstrap.sh test
 scripts/check-format
+cmake --preset dev > /dev/null
+scripts/check-tidy build/dev
 for preset in dev asan; do
     cmake --preset "$preset" > /dev/null
     cmake --build --preset "$preset"
