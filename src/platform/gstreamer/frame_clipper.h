@@ -29,8 +29,8 @@ public:
     // Any thread.
     std::int64_t starvedAtEnd() const { return m_starvedAtEnd; }
 
-    // Whether both the last frame played and the one after it end before `ns`, or the frame before the last one
-    // begins after `ns`. Interface thread.
+    // Whether both the last frame played and the one after it end before `ns`, or the frame before the last
+    // one begins after `ns`. Interface thread.
     bool isOff(GstClockTime ns);
 
     // Interface thread, while the clip is paused after a seek has settled. Whether the frame at `ns` is
