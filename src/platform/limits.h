@@ -34,10 +34,10 @@ constexpr bool isPictureTooLarge(std::int64_t width, std::int64_t height) {
     return width < 0 || height < 0 || (height > 0 && width > kPicturePixels / height);
 }
 
-// 1.5 Gi pixels that a decoder goes over for one piece: each slice or scan can make it go over the whole
-// picture, which takes a second for one thousand million. 3,840 x 2,160 may have 190 slices, one for each row
-// of blocks is 135.
-inline constexpr std::int64_t kPassedPixels = std::int64_t(1536) * 1024 * 1024;
+// 1.5 Gi pixels processed for one piece: each slice or scan can make a decoder process the whole picture, at
+// about 1,000 million pixels per second. That allows 190 slices at 3,840 x 2,160; one for each row of blocks
+// is 135.
+inline constexpr std::int64_t kPassedPixels = INT64_C(1536) * 1024 * 1024;
 
 // 16 MiB for one sample or index read at once: an uncompressed picture of 3,840 x 2,160 has 12 MB, the index
 // of three hours 15 MB.
@@ -79,11 +79,11 @@ inline constexpr std::size_t kIndexBoxes = 200'000;
 // boxes.
 inline constexpr std::size_t kSampleEntryBytes = 16 * 1024;
 
-// Sound from telephones' 8 kHz to the 192 kHz of studios, with room to spare; an output for a device of
-// another rate takes memory by the ratio of the two.
+// Half the lowest and twice the highest usual rate, 8 and 192 kHz. Resampling for a device with another rate
+// takes memory in proportion to the ratio of the two.
 inline constexpr int kSlowestSound = 4000;
 inline constexpr int kFastestSound = 384'000;
-// 7.1 is the most that a recorder writes.
+// Recorders write 7.1 at most.
 inline constexpr int kSoundChannels = 8;
 
 // --- Sensor data ---

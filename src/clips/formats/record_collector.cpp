@@ -22,11 +22,11 @@ void sortByTime(Records& records) {
 // The median over the fixes, because the clock may be corrected during the clip. Dates before 2000 or after
 // 2200 are discarded.
 std::optional<std::int64_t> startOf(const std::deque<RecordedFix>& fixes) {
-    constexpr std::ptrdiff_t kAsked = 1000; // evenly spread
+    constexpr std::ptrdiff_t kSampled = 1000; // evenly spaced fixes
     const auto hasStart = [](const RecordedFix& fix) { return fix.isValid() && fix.hasClock(); };
-    const auto step = std::count_if(fixes.begin(), fixes.end(), hasStart) / kAsked + 1;
+    const auto step = std::count_if(fixes.begin(), fixes.end(), hasStart) / kSampled + 1;
     std::vector<std::int64_t> starts;
-    starts.reserve(kAsked);
+    starts.reserve(kSampled);
     std::ptrdiff_t number = 0;
     for (const RecordedFix& fix : fixes) {
         if (hasStart(fix) && number++ % step == 0)

@@ -11,21 +11,21 @@ namespace ql240::gstreamer {
 
 namespace {
 
-// The queues of the pictures limit how far the splitter goes ahead. Pictures that give nothing to show don't
-// fill theirs: the sound must let the splitter go on to the clip's end, or to where they are known to be
-// none.
+// No limit by time: the video queues limit how far the splitter reads ahead. If the video yields no frames,
+// its queues never fill, and the audio queue must let the splitter read on to the clip's end, or until
+// endUnlessPrerolled.
 constexpr GstClockTime kAnyTime = 0;
-// As far ahead of its time the sound is handed on: more than servers and devices keep in store.
+// How far ahead of its time the sound is passed on: more than servers and devices buffer.
 constexpr GstClockTime kLead = 300 * GST_MSECOND;
 
-// Streaming thread of the splitter, which can't go on to any picture now.
+// The splitter's streaming thread: the queue is full, so the splitter can't reach a video frame any more.
 void endUnlessPrerolled(GstElement* queue, gpointer) {
     GstObject* pipeline = GST_OBJECT_PARENT(queue);
     if (pipeline && GST_STATE_RETURN(pipeline) == GST_STATE_CHANGE_ASYNC)
         GST_ELEMENT_ERROR(queue, STREAM, FAILED, (nullptr), (nullptr));
 }
 
-// Everything else is played in silence.
+// Sound in other formats isn't played.
 bool canBeHeard(const GstCaps* caps) {
     const GstStructure* sound = gst_caps_get_structure(caps, 0);
     gint rate = 0;
@@ -73,12 +73,12 @@ AudioRenderer::AudioRenderer() {
     gst_pad_add_probe(input.pad(), all, arrived, this, nullptr);
 }
 
-// The streaming threads must have ended before what they call goes.
+// Stops the streaming threads before the members are destroyed.
 AudioRenderer::~AudioRenderer() {
     leavePipeline();
 }
 
-// Streaming thread of the decoder; a flush comes on the thread that seeks.
+// The decoder's streaming thread; a flush arrives on the thread that seeks.
 GstPadProbeReturn AudioRenderer::arrived(GstPad*, GstPadProbeInfo* info, gpointer self) {
     auto* renderer = static_cast<AudioRenderer*>(self);
     return answerToC(GST_PAD_PROBE_OK, [renderer, info] {
@@ -112,7 +112,7 @@ void AudioRenderer::eventArrived(GstEvent* event) {
     }
 }
 
-// At another speed than its own the sound isn't heard.
+// At other playback rates than 1, there is no sound.
 void AudioRenderer::soundArrived(GstBuffer* sound) {
     if (!m_caps || m_segment.format != GST_FORMAT_TIME || m_segment.rate != 1.0)
         return;
@@ -132,7 +132,7 @@ void AudioRenderer::play(const Piece& piece) {
         SampleHandle(gst_sample_new(sound.get(), gst_sample_get_caps(piece.sample.get()), nullptr, nullptr)));
 }
 
-// Streaming thread of the sink.
+// The sink's streaming thread.
 void AudioRenderer::isDue(GstElement* sink, GstBuffer* sound, GstPad*, gpointer self) {
     answerToC(true, [sink, sound, renderer = static_cast<AudioRenderer*>(self)] {
         const std::scoped_lock lock(renderer->m_mutex);
@@ -150,7 +150,7 @@ void AudioRenderer::dropBefore(GstBuffer* sound) {
         m_ahead.erase(m_ahead.begin(), due);
 }
 
-// What is ahead is handed on at once, everything after it as it arrives.
+// Passes on the pieces received so far; later ones follow as they arrive.
 void AudioRenderer::playFrom(GstClockTime baseTime) {
     if (m_baseTime == baseTime)
         return;

@@ -30,7 +30,7 @@ Graph::Graph() : m_pipeline(GST_ELEMENT(gst_object_ref_sink(gst_pipeline_new(nul
     gst_element_set_state(m_pipeline.get(), GST_STATE_READY);
 }
 
-// The threads end before anything that they call goes.
+// Stops the threads before destroying anything that they call.
 Graph::~Graph() {
     gst_bus_set_sync_handler(m_bus.get(), nullptr, nullptr, nullptr);
     while (takeMessage()) { // log the messages that a failed open has left
@@ -126,7 +126,7 @@ bool Graph::start() {
     const auto videoStreams = static_cast<int>(std::count_if(m_filters.begin(), m_filters.end(), isVideo));
     dropIdleFilters();
     {
-        // What the streaming threads find there was made before, by our own lock and not only by GStreamer's.
+        // Our own lock, not only GStreamer's, makes what was set up visible to the streaming threads.
         const std::scoped_lock lock(m_messagesMutex);
         m_messages.clear();
     }
@@ -236,8 +236,8 @@ Status Graph::GetVideoSize(std::int32_t* width, std::int32_t* height) {
     return kStatusNotConnected;
 }
 
-// Streaming thread. The interface thread reads the message when it next comes by, at the latest when the
-// event arrives. The bus itself would take the message only after this call, perhaps after the event.
+// Streaming thread. The interface thread takes the message at the event at the latest. The bus would queue
+// the message only after this call returns, perhaps after the event.
 GstBusSyncReply Graph::messagePosted(GstBus*, GstMessage* message, gpointer self) {
     constexpr auto kWanted = GST_MESSAGE_ASYNC_DONE | GST_MESSAGE_EOS | GST_MESSAGE_ERROR;
     MessageHandle taken(message); // a handler owns what it drops

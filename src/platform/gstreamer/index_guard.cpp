@@ -21,7 +21,7 @@ constexpr std::uint32_t tag(const char (&name)[5]) {
     return value;
 }
 
-// None leads back to one above it.
+// The boxes that are kept, by parent. There are no cycles, so nesting is bounded.
 struct Known {
     std::uint32_t parent;
     std::uint32_t child;
@@ -51,9 +51,9 @@ bool holdsBoxes(std::uint32_t name) {
                        [=](const Known& known) { return known.parent == name; });
 }
 
-// 0 where there is nothing.
+// 0 past the end.
 std::uint32_t numberAt(Bytes bytes, std::size_t at) {
-    return bytes.size() < at + 4 ? 0 : qFromBigEndian<quint32>(bytes.data() + at);
+    return bytes.size() < at + 4 ? 0 : qFromBigEndian<std::uint32_t>(bytes.data() + at);
 }
 
 } // namespace
@@ -63,12 +63,12 @@ bool IndexGuard::tidy(std::uint64_t place, Bytes box) {
     if (!holdsBoxes(name))
         return true;
     std::size_t& counted = m_counted[place];
-    const bool isNew = box.size() > counted; // a header may have been read alone before
+    const bool isNew = box.size() > counted; // the header may have been read separately before
     counted = std::max(counted, box.size());
     return m_counted.size() <= limits::kIndexBoxes && tidyWithin(name, box.subspan(kHeader), isNew);
 }
 
-// The splitter too ends at a length that doesn't fit.
+// Stops at a length that doesn't fit, as the splitter does.
 bool IndexGuard::tidyWithin(std::uint32_t parent, Bytes boxes, bool isNew) {
     std::size_t tracks = 0;
     while (boxes.size() >= kHeader) {
@@ -97,7 +97,7 @@ bool IndexGuard::fits(std::uint32_t name, Bytes box, bool isNew) {
         m_samples += numberAt(box, kSizesCount);
     if (isNew && name == tag("trun"))
         m_samples += numberAt(box, kRunCount);
-    // Of raw sound each chunk becomes a sample.
+    // With raw audio, the splitter makes a sample of each chunk.
     if (isNew && (name == tag("stco") || name == tag("co64")))
         m_chunks += numberAt(box, kChunksCount);
     return m_samples <= limits::kClipSamples && m_chunks <= limits::kClipSamples;

@@ -1,6 +1,6 @@
-// Goes through the index boxes of an MP4 file as the splitter reads them. It leaves what is needed to play:
-// the splitter follows boxes within boxes until its stack is full, unpacks compressed ones to any size, and
-// makes room for samples that no table is there for. On the splitter's thread.
+// Checks the index boxes of an MP4 file as the splitter reads them, and keeps only those needed for playing:
+// the splitter recurses into nested boxes until its stack overflows, decompresses boxes to any size, and
+// allocates memory for samples without data in the tables. On the splitter's thread.
 #pragma once
 
 #include <cstddef>
@@ -12,8 +12,8 @@ namespace ql240::gstreamer {
 
 class IndexGuard {
 public:
-    // Makes free space of the boxes in `box` that nobody needs; false if what is left is too much. Anything
-    // but an index box stays as it is.
+    // Turns the boxes in `box` that aren't needed into free space; false if the remaining ones exceed a
+    // limit. Leaves anything but index boxes unchanged.
     bool tidy(std::uint64_t place, std::span<std::uint8_t> box);
 
 private:
@@ -22,7 +22,7 @@ private:
     bool tidyWithin(std::uint32_t parent, Bytes boxes, bool isNew);
     bool fits(std::uint32_t name, Bytes box, bool isNew);
 
-    std::map<std::uint64_t, std::size_t> m_counted; // by a box's place: how much of it
+    std::map<std::uint64_t, std::size_t> m_counted; // by a box's offset: how many of its bytes
     std::uint64_t m_samples = 0;
     std::uint64_t m_chunks = 0;
 };

@@ -15,10 +15,10 @@ constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
 constexpr std::size_t kAvcLists = 5;
 constexpr std::size_t kHevcLists = 22;
 
-// Of one unit; past its end there are zeros.
+// Reads the bits of one unit; zeros past its end.
 class Bits {
 public:
-    // `escaped`: a 3 behind two zeros was put there so that no start code comes about.
+    // `escaped`: a 3 after two zeros is an emulation prevention byte, which is skipped.
     Bits(Bytes bytes, bool escaped) : m_bytes(bytes), m_escaped(escaped) {}
 
     std::uint32_t take(int count) {
@@ -28,7 +28,7 @@ public:
         return value;
     }
     void skip(int count) { take(count); }
-    std::uint32_t number() { // of Exp-Golomb code, as are the next
+    std::uint32_t number() { // unsigned Exp-Golomb code
         int zeros = 0;
         while (zeros < 31 && !bit())
             ++zeros;
@@ -37,7 +37,7 @@ public:
         m_isOver |= m_isPast;
         return take(32) - 1;
     }
-    // Whether a number was to begin past the end.
+    // Whether a number started past the end.
     bool isOver() const { return m_isOver; }
     int difference() {
         const std::uint32_t value = number();
@@ -53,7 +53,7 @@ private:
     void next() {
         const int byte = m_zeros >= 2 && m_at < m_bytes.size() ? m_bytes[m_at] : 0;
         if (byte == 1 || byte == 2)
-            m_at = m_bytes.size(); // where the next unit starts
+            m_at = m_bytes.size(); // the next unit starts here
         if (byte == 3 && m_escaped) {
             ++m_at;
             m_zeros = 0;
@@ -91,7 +91,7 @@ void skipScalingList(Bits& bits, int size) {
 void skipFormat(Bits& bits) {
     const std::uint32_t chroma = bits.number();
     bits.skip(chroma == 3 ? 1 : 0);
-    bits.number(); // depths
+    bits.number(); // bit depths
     bits.number();
     bits.skip(1);
     if (!bits.take(1))
@@ -115,7 +115,7 @@ void skipOrder(Bits& bits) {
         bits.difference();
 }
 
-// 0 if they can't be read; more than any picture may have counts as one more than that.
+// 0 if the size can't be read; limited to one more than the maximum, so that products don't overflow.
 std::int64_t pixelsOf(std::int64_t width, std::int64_t height, const Bits& bits) {
     if (bits.isOver())
         return 0;
@@ -131,10 +131,10 @@ std::int64_t h264Pixels(Bits bits) {
         skipFormat(bits);
     bits.number();
     skipOrder(bits);
-    bits.number(); // references
+    bits.number(); // reference frames
     bits.skip(1);
-    const std::int64_t width = kBlock * (std::int64_t(bits.number()) + 1);
-    const std::int64_t height = kBlock * (std::int64_t(bits.number()) + 1);
+    const std::int64_t width = kBlock * (static_cast<std::int64_t>(bits.number()) + 1);
+    const std::int64_t height = kBlock * (static_cast<std::int64_t>(bits.number()) + 1);
     const bool hasFields = !bits.take(1);
     return pixelsOf(width, hasFields ? 2 * height : height, bits);
 }
@@ -164,7 +164,7 @@ std::int64_t h265Pixels(Bits bits) {
     return pixelsOf(width, height, bits);
 }
 
-// False at the end, or where there is less than the length says.
+// False at the end, or if fewer bytes are left than the length states.
 bool takeSized(Bytes& bytes, int lengthBytes, Bytes& unit) {
     const auto head = static_cast<std::size_t>(lengthBytes);
     if (bytes.size() <= head)
@@ -181,7 +181,7 @@ bool takeSized(Bytes& bytes, int lengthBytes, Bytes& unit) {
 
 } // namespace
 
-// A decoder that can't make sense of an H.264 set reads it as if nothing in it were escaped.
+// If an H.264 set is invalid, the decoder parses it again without removing emulation prevention bytes.
 bool ParameterSets::isUnitTooLarge(Bytes unit) {
     const std::size_t head = m_codec == ParameterCodec::H264 ? 1 : 2;
     if (unit.size() <= head)
@@ -211,7 +211,7 @@ bool ParameterSets::areStartedTooLarge(Bytes bytes) {
     return false;
 }
 
-// Takes what it has read off `bytes`.
+// Removes the units read from `bytes`.
 bool ParameterSets::areSizedTooLarge(Bytes& bytes, int lengthBytes, std::size_t count) {
     m_slices = 0;
     Bytes unit;
@@ -222,7 +222,7 @@ bool ParameterSets::areSizedTooLarge(Bytes& bytes, int lengthBytes, std::size_t 
     return false;
 }
 
-// Each list has its number of units ahead.
+// Each list starts with its number of units.
 bool ParameterSets::areListsTooLarge(Bytes head) {
     const bool isAvc = m_codec == ParameterCodec::H264;
     Bytes rest = head.subspan(isAvc ? kAvcLists : kHevcLists + 1);
@@ -250,7 +250,7 @@ bool ParameterSets::isHeadTooLarge(Bytes head) {
     return areListsTooLarge(head);
 }
 
-// A decoder takes a piece that looks like a head for another one.
+// A decoder accepts a piece that looks like a head as a new head.
 bool ParameterSets::isPieceTooLarge(Bytes piece) {
     if (areStartedTooLarge(piece))
         return true;

@@ -1,6 +1,6 @@
-// The sizes that the parameter sets of H.264 and H.265 say, and how many slices of such a size a piece of the
-// stream has. A stream may hold several sets, and a decoder makes room for each that a picture refers to. Any
-// thread, but one at a time.
+// The picture sizes in the parameter sets of H.264 and H.265, and the number of slices in a piece of the
+// stream. A stream may have several sets, and a decoder allocates memory for each that a picture refers to.
+// One thread at a time.
 #pragma once
 
 #include <cstddef>
@@ -15,9 +15,9 @@ class ParameterSets {
 public:
     explicit ParameterSets(ParameterCodec codec) : m_codec(codec) {}
 
-    // Whether one of them says too large a picture: in the stream's head, as the container keeps it, which
-    // says too how the pieces of the stream are laid out, or in one piece. A piece is too large as well if a
-    // decoder might go over too many pixels for its slices.
+    // Whether a size is too large in the stream's head (codec_data), which also states the layout of the
+    // pieces, or in one piece. A piece is also too large if a decoder might process too many pixels for its
+    // slices.
     bool isHeadTooLarge(std::span<const std::uint8_t> head);
     bool isPieceTooLarge(std::span<const std::uint8_t> piece);
 
@@ -33,7 +33,7 @@ private:
     ParameterCodec m_codec;
     std::int64_t m_pixels = 0; // of the largest set so far
     std::int64_t m_slices = 0; // in the piece so far
-    int m_lengthBytes = 0;     // ahead of each unit; 0: start codes stand there
+    int m_lengthBytes = 0;     // of the length before each unit; 0: start codes instead
 };
 
 } // namespace ql240::gstreamer
