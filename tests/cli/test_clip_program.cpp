@@ -34,8 +34,8 @@ Ended run(const QString& program, const QStringList& arguments, const QString& i
             process.readAllStandardOutput(), QString::fromUtf8(process.readAllStandardError())};
 }
 
-// Two fixes a second on a straight way over the date line, an impact of 2 g at 3 s; the fixes of the fourth
-// second are lost.
+// Two fixes a second on a straight line across the antimeridian, an impact of 2 g at 3 s; the fixes of the
+// fourth second are lost.
 QByteArray driveClip(double clock, double longitude) {
     Track track;
     track.durations = {20};

@@ -24,7 +24,7 @@ struct Stored {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const ScratchFolder folder;
     static quint64 run = 0;
-    // A new place every time: the toolkit keeps what it read of a file that seems unchanged.
+    // A new place every time: Qt caches a file that seems unchanged.
     const QString config = folder.path(QString::number(++run));
     qputenv("XDG_CONFIG_HOME", QFile::encodeName(config));
     const QString file = localIniPath();

@@ -1,4 +1,4 @@
-// A media module for tests: it makes nothing, and every attempt is answered by what it was told so far.
+// A media module for tests: creates nothing; each attempt returns a record of the calls so far.
 #include <QtGlobal>
 
 #include "platform/media_platform.h"

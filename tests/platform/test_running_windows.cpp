@@ -100,7 +100,7 @@ private Q_SLOTS:
         QCOMPARE(second.count, 1);
     }
 
-    // Who hangs up, says what is no message or never ends, and who says nothing at all, keeps nobody out.
+    // A peer that hangs up, sends garbage, never ends its line or stays silent doesn't block others.
     void strangeClients() {
         LocalRunningWindows windows(m_folder->path());
         Received received;
@@ -128,7 +128,7 @@ private Q_SLOTS:
 private:
     QByteArray socketPath() const { return QFile::encodeName(m_folder->filePath("ql240-viewer.sock")); }
 
-    // Bound to the socket path, or connected to whoever is.
+    // Bound to the socket path, or connected to the process that is.
     UniqueFd rawSocket(bool connected) const {
         UniqueFd fd(socket(AF_UNIX, SOCK_STREAM, 0));
         sockaddr_un address{};

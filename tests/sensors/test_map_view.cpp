@@ -91,7 +91,7 @@ private Q_SLOTS:
                  "{bytes:1048576,sides:[256,512]})");
     }
 
-    // The C library's locale decides over printf's decimal point, the toolkit's over its own texts.
+    // The C library's locale determines printf's decimal point, Qt's that of its own texts.
     void numbersAreFreeOfTheLocale() {
         const QLocale before;
         QLocale::setDefault(QLocale(QLocale::German));

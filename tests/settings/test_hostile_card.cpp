@@ -1,4 +1,4 @@
-// A card from a stranger's hands, through everything in the program that reads or writes a card: nothing
+// A hostile card, through everything in the program that reads or writes a card: nothing
 // beyond the card is read or changed, and neither the memory nor the window's time is taken.
 #include <sys/resource.h>
 

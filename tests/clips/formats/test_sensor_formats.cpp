@@ -194,7 +194,7 @@ private Q_SLOTS:
         QCOMPARE(ask(library, handle + 1, 0), QByteArray("0: none"));
     }
 
-    // Times and places of samples, whatever way the tables say them.
+    // Times and offsets of samples, in all forms of the tables.
     void tables_data() {
         QTest::addColumn<Track>("track");
         QTest::addColumn<qint64>("shiftMs");
@@ -312,7 +312,8 @@ private Q_SLOTS:
         QTEST(QString::fromLatin1(ask(library, handle, 0)), "expected");
     }
 
-    // The way of repeated positions and of gaps: a receiver of one fix a second in a track of ten records.
+    // Speeds from repeated positions and across gaps: a receiver with one fix a second in a track of ten
+    // records.
     void speedFromTheWay() {
         Track track;
         track.durations = {100};
