@@ -6,6 +6,7 @@
 #include "mainwindow/frame_output.h"
 #include "mainwindow/main_window.h"
 #include "platform/host.h"
+#include "platform/logging.h"
 #include "platform/url_opener.h"
 #include "playback/video_view.h"
 
@@ -24,6 +25,12 @@ void printFrames(QPrinter& printer, const FramePair& frames, int streams) {
         if (!places[i].isEmpty())
             painter.drawImage(places[i], frames[i]);
     }
+}
+
+// A failure has no message on screen.
+void saveOrLog(const QImage& frame, const QString& path) {
+    if (!saveFrame(frame, path))
+        qCWarning(lcMedia) << "no snapshot written to" << path;
 }
 
 } // namespace
@@ -55,9 +62,9 @@ void MainWindow::OnSlotssnapshot() {
         m_questions.warn(tr("QL240"), tr("Save File Cancelled"));
         return;
     }
-    saveFrame(frames[0], path);
+    saveOrLog(frames[0], path);
     if (!frames[1].isNull())
-        saveFrame(frames[1], secondSnapshotPath(path));
+        saveOrLog(frames[1], secondSnapshotPath(path));
 }
 
 void MainWindow::OnSlotsprint() {
