@@ -74,11 +74,12 @@ double median(std::vector<double> values) {
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
     installFontSubstitutes();
-    FullLibrary library;
-    host().sensorLibrary = &library;
+    host().makeSensorLibrary = [] { return std::make_shared<FullLibrary>(); };
     WidgetProgressA panelWidget;
     panelWidget.setClipPath(QStringLiteral("a.mp4"));
     panelWidget.loadSensorData(61000);
+    while (panelWidget.sensorTrack().empty()) // on a busy machine it is read later
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents);
     panelWidget.setActive(true);
     panelWidget.setRange(0, 61000);
     panelWidget.setValue(30000);

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 
+#include "clips/formats/sensor_file_library.h"
 #include "platform/host.h"
 #include "platform/web_engine_setup.h"
 
@@ -12,7 +13,7 @@ LinuxHost::LinuxHost() : m_runningWindows(LocalRunningWindows::userFolder()) {
     table.drives = &m_drives;
     table.folderDialogs = &m_folderDialogs;
     table.inhibitor = &m_inhibitor;
-    table.sensorLibrary = &m_sensorLibrary;
+    table.makeSensorLibrary = [] { return std::make_shared<SensorFileLibrary>(); };
     table.urlOpener = &m_urlOpener;
 }
 

@@ -4,7 +4,6 @@
 
 #include <memory>
 
-#include "clips/formats/sensor_file_library.h"
 #include "platform/linux/desktop_inhibitor.h"
 #include "platform/linux/desktop_url_opener.h"
 #include "platform/linux/local_running_windows.h"
@@ -35,7 +34,6 @@ private:
     SystemFolderDialogs m_folderDialogs;
     DesktopInhibitor m_inhibitor;
     LocalRunningWindows m_runningWindows;
-    SensorFileLibrary m_sensorLibrary;
     DesktopUrlOpener m_urlOpener;
     std::unique_ptr<MediaModule> m_media;
     std::unique_ptr<MapModule> m_webPages;

@@ -33,6 +33,11 @@ void ClipSession::find(const Clip* clip, bool playing, std::int64_t positionMs) 
         Q_EMIT moved(positionMs);
 }
 
+void ClipSession::findTrack(const Clip* clip) {
+    if (clip && clip == m_clip)
+        Q_EMIT trackFound();
+}
+
 void ClipSession::enter(Phase phase) {
     if (std::exchange(m_phase, phase) != phase)
         Q_EMIT phaseChanged(phase);

@@ -28,15 +28,20 @@ public:
     bool isPlaying() const { return m_phase == Phase::Playing; }
     std::int64_t positionMs() const { return m_positionMs; }
 
-    // Call once everything about the clip has been read. Closes the clip that was open.
+    // Call once everything about the clip has been read, except perhaps its track. Closes the clip that was
+    // open.
     void open(const Clip& clip);
     void close();
     // Updates phase and position. Ignored unless `clip` is the open clip.
     void find(const Clip* clip, bool playing, std::int64_t positionMs);
+    // Call when a track has been read. Ignored unless `clip` is the open clip.
+    void findTrack(const Clip* clip);
 
 Q_SIGNALS:
     void opened();
     void closed();
+    // The track has been read after opened().
+    void trackFound();
     // Also emitted to and from Closed.
     void phaseChanged(ql240::ClipSession::Phase phase);
     void moved(std::int64_t positionMs);

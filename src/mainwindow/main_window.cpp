@@ -97,7 +97,9 @@ void MainWindow::makeWidgets() {
     m_updateTimer->setObjectName(QStringLiteral("updateTimer"));
     connect(m_updateTimer, &QTimer::timeout, this, &MainWindow::OnTimeoutUpdate);
 
-    m_progressPanel = new WidgetProgressA(this, [drives = host().drives] { return cardVersionText(drives); });
+    m_progressPanel = new WidgetProgressA(
+        this, [drives = host().drives] { return cardVersionText(drives); },
+        [this] { m_session.findTrack(m_mainView->player()->clip()); });
     m_progressPanel->setGeometry(layout::kProgressPanel);
     m_progressPanel->setActive(false);
     m_progressPanel->setKilometres(storedSpeedUnit() == SpeedUnit::Kmh);
@@ -110,9 +112,7 @@ void MainWindow::makeWidgets() {
     m_clipList = new MyListWidget(this);
     m_clipList->setGeometry(layout::kClipList);
     connect(m_clipList, &QListWidget::currentItemChanged, this, &MainWindow::OnSlotsselectFile);
-    connect(&m_session, &ClipSession::opened, m_mapView,
-            [this] { m_mapView->setTrack(m_progressPanel->sensorTrack()); });
-    connect(&m_session, &ClipSession::closed, m_mapView, [this] { m_mapView->setTrack({}); });
+    followTrack();
 
     m_folderReader.showWaitIn(this, layout::kWaitNote);
 
@@ -121,6 +121,15 @@ void MainWindow::makeWidgets() {
     m_folderLabel->setStyleSheet(QString::fromLatin1(kLabelStyle));
     m_folderLabel->setGeometry(layout::kFolderLabel);
     showFolderPath({});
+}
+
+void MainWindow::followTrack() {
+    const auto showOnMap = [this] { m_mapView->setTrack(m_progressPanel->sensorTrack()); };
+    connect(&m_session, &ClipSession::opened, m_mapView, showOnMap);
+    connect(&m_session, &ClipSession::trackFound, m_mapView, showOnMap);
+    connect(&m_session, &ClipSession::trackFound, this, &MainWindow::OnTimeoutRefreshMapB);
+    connect(&m_session, &ClipSession::closed, m_progressPanel, &WidgetProgressA::stopLoading);
+    connect(&m_session, &ClipSession::closed, m_mapView, [this] { m_mapView->setTrack({}); });
 }
 
 void MainWindow::connectButtons() {

@@ -101,6 +101,7 @@ protected:
 private:
     void makeWidgets();
     void makeViews();
+    void followTrack();
     void connectButtons();
 
     void setNormalLayout();

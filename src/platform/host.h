@@ -3,6 +3,9 @@
 // change until the last one has closed. Interface thread only. Pointers are not owned.
 #pragma once
 
+#include <functional>
+#include <memory>
+
 namespace ql240 {
 
 class Drives;
@@ -19,7 +22,9 @@ struct Host {
     FolderDialogs* folderDialogs = nullptr;
     Inhibitor* inhibitor = nullptr;
     MediaPlatform* media = nullptr;
-    SensorLibrary* sensorLibrary = nullptr;
+    // Makes a library for one clip. It shares nothing, since the thread that reads the clip may outlive all
+    // else.
+    std::function<std::shared_ptr<SensorLibrary>()> makeSensorLibrary;
     UrlOpener* urlOpener = nullptr;
     WaveOut* waveOut = nullptr;
     WebPages* webPages = nullptr;

@@ -1,6 +1,6 @@
 // The sensor data in a clip, through the four calls of the camera maker's library, for which this interface
-// was made. Interface thread only; every call is synchronous. Positions are magnitudes with a letter, in
-// millionths of a degree; speeds are km/h; accelerations are raw counts (kCountsPerG).
+// was made. One thread at a time; a call may block on the file system. Positions are magnitudes with a
+// letter, in millionths of a degree; speeds are km/h; accelerations are raw counts (kCountsPerG).
 #pragma once
 
 #include <cstdint>

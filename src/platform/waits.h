@@ -24,6 +24,8 @@ inline constexpr milliseconds kDroppedPaths{50};
 inline constexpr milliseconds kCardModel{50};
 // The settings dialog's drives and their contents before it is first painted, and the end of a save.
 inline constexpr milliseconds kCardAnswer{80};
+// All that is left of the 100 ms: usually the dashboard's track is there with the clip's first picture.
+inline constexpr milliseconds kSensorTrack{100};
 // All that is left of the 100 ms: after that, the user sees the first picture change when it is adjusted.
 inline constexpr milliseconds kPictureSettings{100};
 

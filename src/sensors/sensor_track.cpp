@@ -57,6 +57,13 @@ bool readLibrarySample(SensorLibrary& library, SensorLibrary::Handle handle, std
 
 } // namespace
 
+TrackSource appendTrack(SensorTrack& track, SensorLibrary* library, const QString& path,
+                        std::int64_t durationMs) {
+    if (appendTrailer(track, path, durationMs))
+        return TrackSource::Trailer;
+    return library && appendLibrarySamples(track, *library, path) ? TrackSource::Library : TrackSource::None;
+}
+
 bool appendTrailerBytes(SensorTrack& track, QByteArrayView tail, bool startsLate, std::int64_t durationMs) {
     const std::size_t before = track.size();
     const bool isFound = forEachTrailerLine(tail, [&track](const TrailerLine& line) {

@@ -1,7 +1,7 @@
 // The sensor samples of one clip, evenly spaced in time, and the two sources they are loaded from: the text
 // trailer after the marker "ETKLP1" in an AVI clip, and the sensor library. The dashboard panel owns the
-// track of the open clip. Interface thread only. Times in ms from the clip's start, positions in degrees,
-// speeds in km/h, accelerations in raw counts (128 per g).
+// track of the open clip. Any thread; loading may block on the file system. Times in ms from the clip's
+// start, positions in degrees, speeds in km/h, accelerations in raw counts (128 per g).
 #pragma once
 
 #include <QByteArrayView>
@@ -27,6 +27,12 @@ struct SensorSample {
 };
 
 using SensorTrack = std::vector<SensorSample>;
+
+enum class TrackSource { None, Trailer, Library };
+
+// Appends the clip's samples from its trailer, or without one from `library`, which may be null.
+TrackSource appendTrack(SensorTrack& track, SensorLibrary* library, const QString& path,
+                        std::int64_t durationMs);
 
 // Both loaders append to `track` and return whether the clip has that source at all, with samples or without.
 //

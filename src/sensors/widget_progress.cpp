@@ -5,7 +5,6 @@
 #include <QPainter>
 #include <utility>
 
-#include "platform/host.h"
 #include "platform/waits.h"
 #include "widgets/fonts.h"
 #include "widgets/plain_text.h"
@@ -25,8 +24,13 @@ bool isInStrip(QPoint place) {
 
 } // namespace
 
-WidgetProgressA::WidgetProgressA(QWidget* parent, CardLook cardLook)
-    : QWidget(parent), m_images(loadPanelImages()), m_repaintTimer(this), m_cardLook(std::move(cardLook)) {
+WidgetProgressA::WidgetProgressA(QWidget* parent, CardLook cardLook, std::function<void()> trackArrived)
+    : QWidget(parent),
+      m_trackReader([this](const ClipTrack& read) { showTrack(read); }),
+      m_trackArrived(std::move(trackArrived)),
+      m_images(loadPanelImages()),
+      m_repaintTimer(this),
+      m_cardLook(std::move(cardLook)) {
     m_state.timeText = progressText(0, 0);
     m_state.modelText = QStringLiteral("unknown");
     resize(panel::kSize);
@@ -102,23 +106,24 @@ void WidgetProgressA::setKilometres(bool on) {
 }
 
 void WidgetProgressA::loadSensorData(std::int64_t durationMs) {
-    if (!m_clipPath.isEmpty()) {
-        appendTrack(durationMs);
-        m_trace = QPixmap();
-    }
+    if (m_clipPath.isEmpty() || m_trackReader.read(m_clipPath, durationMs, m_track))
+        return;
+    m_loaded = false;
+    zeroReadings();
 }
 
-void WidgetProgressA::appendTrack(std::int64_t durationMs) {
-    if (appendTrailer(m_track, m_clipPath, durationMs)) {
-        m_loaded = true;
-        return;
-    }
-    zeroReadings();
-    SensorLibrary* library = host().sensorLibrary;
-    m_loaded = library && appendLibrarySamples(m_track, *library, m_clipPath);
+void WidgetProgressA::showTrack(const ClipTrack& read) {
+    m_track = read.samples;
+    m_trace = QPixmap();
+    m_loaded = read.source != TrackSource::None;
+    if (read.source != TrackSource::Trailer)
+        zeroReadings();
+    update();
+    m_trackArrived();
 }
 
 void WidgetProgressA::clearSensorData() {
+    stopLoading();
     m_track.clear();
     m_trace = QPixmap();
     m_state.progressMaximum = -1;

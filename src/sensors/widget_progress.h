@@ -11,6 +11,7 @@
 
 #include "base/background_jobs.h"
 #include "sensors/panel_painting.h"
+#include "sensors/track_reader.h"
 #include "widgets/accessible_parts.h"
 
 namespace ql240 {
@@ -23,8 +24,9 @@ public:
     // since a failing card reader may block it.
     using CardLook = std::function<std::optional<QString>()>;
 
-    // Without a CardLook the model stays unknown.
-    explicit WidgetProgressA(QWidget* parent = nullptr, CardLook cardLook = {});
+    // Without a CardLook the model stays unknown. `trackArrived` is called by loadSensorData or later.
+    explicit WidgetProgressA(
+        QWidget* parent = nullptr, CardLook cardLook = {}, std::function<void()> trackArrived = [] {});
 
     // Ignored when minimum > maximum. After a change, the next setValue always takes effect.
     void setRange(std::int32_t minimum, std::int32_t maximum);
@@ -42,8 +44,10 @@ public:
     bool kilometres() const { return m_state.kilometres; }
     void setKilometres(bool on);
 
-    // The track. Loading appends to it, from the clip's trailer or the sensor library.
+    // The track. Loading appends to it from the clip: before it returns, or later if the clip is slow to
+    // answer. Until then there are no samples.
     void loadSensorData(std::int64_t durationMs);
+    void stopLoading() { m_trackReader.stop(); }
     void clearSensorData();
     // The sample at a playback position. Its values are shown from now on, except for the speed.
     SensorSample sampleAt(std::int32_t timeMs);
@@ -79,7 +83,7 @@ private:
     void setModelFromVersion(const QString& versionText);
     void rebuildTimeText();
     void zeroReadings();
-    void appendTrack(std::int64_t durationMs);
+    void showTrack(const ClipTrack& read);
     const QPixmap& trace();
 
     bool m_loaded = false;
@@ -89,6 +93,8 @@ private:
     bool m_textForced = false;
     Drag m_drag = Drag::None;
     SensorTrack m_track;
+    TrackReader m_trackReader;
+    std::function<void()> m_trackArrived;
     PanelImages m_images;
     QTimer m_repaintTimer;
 
@@ -97,8 +103,7 @@ private:
     BackgroundJobs m_cardJobs;
     bool m_modelWanted = false;
 
-    // The trace of the whole track, painted once for each track, size and device pixel ratio.
-    QPixmap m_trace;
+    QPixmap m_trace; // of the whole track, painted once for each track, size and device pixel ratio
 };
 
 } // namespace ql240

@@ -144,7 +144,7 @@ private Q_SLOTS:
         platform.enterApplication();
         const Host& table = host();
         QVERIFY(table.drives && table.folderDialogs && table.inhibitor);
-        QVERIFY(table.sensorLibrary && table.urlOpener && table.waveOut && table.media && table.webPages);
+        QVERIFY(table.makeSensorLibrary && table.urlOpener && table.waveOut && table.media && table.webPages);
     }
 
     // None at all, and one that doesn't answer.

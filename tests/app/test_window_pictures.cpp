@@ -168,7 +168,8 @@ private:
         viewer.updateTimer()->stop();
         viewer.player()->pause();
         viewer.player()->seek(kShownMs);
-        const bool stands = QTest::qWaitFor([&] { return shownFrame(viewer) == kShownFrame; }, kWaitMs);
+        const bool stands =
+            QTest::qWaitFor([&] { return viewer.hasTrack() && shownFrame(viewer) == kShownFrame; }, kWaitMs);
         viewer.window->OnTimeoutUpdate();
         return stands && viewer.window->isPlaying();
     }

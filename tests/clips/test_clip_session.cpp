@@ -22,9 +22,11 @@ private Q_SLOTS:
         });
         const QSignalSpy opened(&session, &ClipSession::opened);
         const QSignalSpy closed(&session, &ClipSession::closed);
+        const QSignalSpy tracks(&session, &ClipSession::trackFound);
         const QSignalSpy moved(&session, &ClipSession::moved);
 
         session.find(&clip, true, 5); // not open yet: the player is ahead
+        session.findTrack(&clip);
         session.close();
         QVERIFY(phases.isEmpty());
         session.open(clip);
@@ -33,6 +35,8 @@ private Q_SLOTS:
             session.find(&clip, true, position);
         session.find(&other, false, 7);
         session.find(nullptr, false, 7);
+        session.findTrack(&other);
+        session.findTrack(&clip);
         QCOMPARE(session.positionMs(), 100);
         session.find(&clip, false, 90);
         QCOMPARE(moved, (QList<QVariantList>{{100}, {90}}));
@@ -45,6 +49,7 @@ private Q_SLOTS:
         session.find(&other, true, 50);
         QCOMPARE(phases, (QList{Phase::Paused, Phase::Playing, Phase::Paused, Phase::Closed, Phase::Paused,
                                 Phase::Closed}));
+        QCOMPARE(tracks.count(), 1);
         QCOMPARE(opened.count(), 2);
         QCOMPARE(closed.count(), 2);
     }

@@ -45,7 +45,7 @@ private Q_SLOTS:
         m_viewer.clickEntry(kEvent);
         QCOMPARE(m_viewer.player()->clip()->file().fileName(), kEvent);
         QTRY_VERIFY_WITH_TIMEOUT(m_viewer.panel()->state().progressValue > 0, kBoundMs);
-        QCOMPARE(m_viewer.panel()->speed(), 60);
+        QTRY_COMPARE_WITH_TIMEOUT(m_viewer.panel()->speed(), 60, kBoundMs);
         m_viewer.key(Qt::Key_Space);
         QVERIFY(!m_viewer.window->isPlaying());
     }

@@ -117,6 +117,7 @@ private Q_SLOTS:
         };
         viewer().playCard(kThree, Viewer::shortClip(300));
         viewer().loadMap();
+        QTRY_VERIFY_WITH_TIMEOUT(viewer().hasTrack(), kWaitMs);
         viewer().click(ButtonId::Pause);
         QTRY_VERIFY(!viewer().updateTimer()->isActive());
         for (std::size_t i = 1; i < std::size(kSeconds); ++i) {

@@ -37,6 +37,7 @@ private Q_SLOTS:
         m_media.clip = FakeClip::twoStreams();
         viewer().show();
         viewer().openFolder(m_clips.drive());
+        QTRY_VERIFY_WITH_TIMEOUT(viewer().hasTrack(), kWaitMs);
     }
     void cleanup() {
         m_viewer.reset();
@@ -159,6 +160,44 @@ private Q_SLOTS:
         answer.release(100);
         QTRY_COMPARE_WITH_TIMEOUT(shown.brightness(), 60, kWaitMs);
         QCOMPARE(shown.contrast(), 160);
+    }
+
+    // A clip plays without its track; once that comes, panel, strip and map show it where the clip then is.
+    void lateTrack() {
+        viewer().loadMap();
+        viewer().sensors.answer = [](std::int64_t ms) {
+            return FakeSensorLibrary::Answer{.latitude = 1000000, .speed = std::int32_t(ms / 100)};
+        };
+        for (const bool paused : {false, true}) {
+            HeldJobs late;
+            viewer().click(ButtonId::NextFile);
+            m_media.setPositionMs(paused ? 3000 : 2000);
+            if (paused)
+                viewer().click(ButtonId::Pause);
+            viewer().window->OnTimeoutUpdate();
+            viewer().updateTimer()->stop();
+            QCOMPARE(viewer().window->session().isPlaying(), !paused);
+            QVERIFY(!viewer().hasTrack() && viewer().panel()->speed() == 0);
+            viewer().pages.takeScripts();
+            late.answer();
+            QVERIFY(viewer().hasTrack() && viewer().panel()->state().hasFix);
+            QCOMPARE(viewer().panel()->speed(), paused ? 30 : 20);
+            QVERIFY(viewer().pages.takeScripts().first().startsWith("setTrack([["));
+        }
+    }
+
+    // The track of a clip that isn't open any more shows nowhere; nor does it keep the window from closing.
+    void trackOfAClosedClip() {
+        HeldJobs late;
+        viewer().click(ButtonId::NextFile);
+        viewer().list()->setCurrentItem(nullptr);
+        late.answer();
+        QVERIFY(!viewer().hasTrack());
+        viewer().list()->setCurrentRow(0);
+        viewer().sensors.path.clear();
+        viewer().window.reset();
+        late.answer();
+        QVERIFY(viewer().sensors.path.endsWith("REC_1.mp4"));
     }
 
     // The clip has just come to its end, which the tick finds only after the snapshot has paused it.

@@ -50,7 +50,7 @@ struct Viewer {
         table.drives = &drives;
         table.folderDialogs = &folderDialogs;
         table.media = &media;
-        table.sensorLibrary = &sensors;
+        table.makeSensorLibrary = [this] { return sensors.lend(); };
         table.urlOpener = &urls;
         table.webPages = &pages;
         table.waveOut = &volume;
@@ -117,6 +117,7 @@ struct Viewer {
     VideoView* mainView() const { return window->findChildren<VideoView*>().first(); }
     VideoView* subView() const { return window->findChildren<VideoView*>().last(); }
     Player* player() const { return mainView()->player(); }
+    bool hasTrack() const { return !panel()->sensorTrack().empty(); }
     bool isAtStart() const { return player()->clip() && player()->positionMs() == 0; }
 
     // A click by the mouse where the button stands; false when it can't be hit.

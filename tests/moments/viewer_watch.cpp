@@ -56,13 +56,15 @@ ViewerWatch::Sight ViewerWatch::look() const {
             .value = shown.progressValue,
             .maximum = shown.progressMaximum,
             .speed = shown.speedKmh,
-            .mapPlace = lastPlace(),
+            .mapPlace = lastScript(QLatin1StringView("go(")),
+            .mapTrack = lastScript(QLatin1StringView("setTrack(")),
+            .samples = m_panel->sensorTrack().size(),
             .ticks = m_ticks->isActive()};
 }
 
-QString ViewerWatch::lastPlace() const {
+QString ViewerWatch::lastScript(QLatin1StringView call) const {
     for (auto script = m_world.pages.scripts.crbegin(); script != m_world.pages.scripts.crend(); ++script) {
-        if (script->startsWith(QLatin1String("go(")))
+        if (script->startsWith(call))
             return *script;
     }
     return {};
@@ -150,6 +152,7 @@ void ViewerWatch::check(int quietMs) {
     if (settled && !m_wasFullScreen) {
         checkOneClip(now);
         checkOneTime(now);
+        checkTrack(now);
         checkAwake(now);
     }
     if (settled && m_isQuiet && !now.playing)
@@ -211,6 +214,11 @@ void ViewerWatch::checkOneTime(const Sight& now) {
         return;
     // The speed must be that of a time shortly before, and from this clip's data.
     const QString path = pathOf(now.clip);
+    if (now.samples == 0) {
+        if (now.speed != 0)
+            m_world.fail(QStringLiteral("a speed of %1 without a track").arg(now.speed));
+        return;
+    }
     bool fits = false;
     for (qint64 ms = now.positionMs; !fits && ms >= now.positionMs - kSampleMs; ms -= 50)
         fits = now.speed == m_world.speedAt(path, std::max<qint64>(0, ms));
@@ -225,10 +233,29 @@ void ViewerWatch::checkOneTime(const Sight& now) {
             QStringLiteral("the map is at %1 in clip %2").arg(now.mapPlace).arg(m_world.indexOfClip(path)));
 }
 
+// Panel and map have the open clip's track as soon as it has been read, and no other's before.
+void ViewerWatch::checkTrack(const Sight& now) {
+    if (!now.clip)
+        return;
+    const std::optional<qint64> due = m_world.trackDueMs();
+    if (due && std::abs(nowMs() - *due) < kMomentMs)
+        return;
+    if ((now.samples != 0) != (due && *due < nowMs()))
+        m_world.fail(now.samples != 0 ? QStringLiteral("a track that hasn't been read")
+                                      : QStringLiteral("a track was read and isn't shown"));
+    const int degrees = 10 + m_world.indexOfClip(pathOf(now.clip));
+    if (now.samples != 0 && static_cast<int>(m_panel->sensorTrack().front().latitude) != degrees)
+        m_world.fail(QStringLiteral("another clip's track in the panel"));
+    const QString onMap = now.samples == 0 ? QStringLiteral("setTrack([])") : QStringLiteral("setTrack([[");
+    if (m_world.mapIsLoaded() && !now.mapTrack.startsWith(onMap))
+        m_world.fail(QStringLiteral("the map shows %1").arg(now.mapTrack.left(40)));
+}
+
 // Paused, and the last step changed nothing in the viewer.
 void ViewerWatch::checkStillness(const Sight& now) {
     const bool alone = m_action == QLatin1String("wait") || m_action == QLatin1String("card in or out");
-    if (!alone || m_last.playing || m_last.clip != now.clip)
+    const bool trackCame = m_last.samples != now.samples;
+    if (!alone || m_last.playing || m_last.clip != now.clip || trackCame)
         return;
     if (now.positionMs != m_last.positionMs || now.value != m_last.value || now.speed != m_last.speed)
         m_world.fail(

@@ -52,6 +52,8 @@ private:
         int maximum = 0;
         int speed = 0;
         QString mapPlace;
+        QString mapTrack;
+        std::size_t samples = 0;
         bool ticks = false;
 
         // Whether the same things are visible, at whatever position in the clip.
@@ -66,9 +68,10 @@ private:
     void checkWaits();
     void checkOneClip(const Sight& now);
     void checkOneTime(const Sight& now);
+    void checkTrack(const Sight& now);
     void checkStillness(const Sight& now);
     void checkAwake(const Sight& now);
-    QString lastPlace() const;
+    QString lastScript(QLatin1StringView call) const;
     bool listsClips() const;
 
     World& m_world;

@@ -93,7 +93,10 @@ void World::fillHost() {
     table.folderDialogs = this;
     table.inhibitor = &inhibitor;
     table.media = &media;
-    table.sensorLibrary = &sensors;
+    table.makeSensorLibrary = [this] {
+        m_asksForTrack = true;
+        return sensors.lend();
+    };
     table.urlOpener = &urls;
     table.waveOut = &volume;
     table.webPages = &pages;
@@ -231,6 +234,13 @@ std::optional<QString> World::browseForFolder(QWidget* owner, const FolderCallba
 }
 
 int World::latencyMs() {
+    const int latency = drawLatencyMs();
+    if (std::exchange(m_asksForTrack, false))
+        m_trackDueMs = latency < 0 ? std::nullopt : std::optional(nowMs() + latency);
+    return latency;
+}
+
+int World::drawLatencyMs() {
     constexpr int kSlow[] = {60, 90, 130, 420, 700, 2500, 9000};
     switch (reader) {
         case Reader::Healthy:

@@ -66,6 +66,8 @@ public:
     const Player* player() const { return m_mainView->player(); }
     // Whether the map shows its page.
     bool mapIsLoaded() const { return pages.view && pages.view->isVisible(); }
+    // When the reading of the last track ends, however late; nothing if it never does.
+    std::optional<qint64> trackDueMs() const { return m_trackDueMs; }
     // The longest wait for a job since the last call.
     qint64 longestWaitMs() { return jobs.takeLongestWaitMs(); }
     QRect pictureRect() const { return media.windows[0].rect; }
@@ -92,6 +94,7 @@ public:
 
 private:
     int latencyMs();
+    int drawLatencyMs();
     void makeFolders();
     static void makeCamera(const QString& drive, const QByteArray& version,
                            const std::function<int(const SettingKey&)>& valueOf);
@@ -101,6 +104,8 @@ private:
     void fillHost();
 
     QString m_failure;
+    bool m_asksForTrack = false; // the next job is that
+    std::optional<qint64> m_trackDueMs;
     VideoView* m_mainView = nullptr;
 };
 

@@ -2,6 +2,7 @@
 #include <QElapsedTimer>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QScopeGuard>
 #include <QSemaphore>
 #include <QSignalSpy>
 #include <QTest>
@@ -11,6 +12,7 @@
 #include "platform/host.h"
 #include "sensors/widget_progress.h"
 #include "support/fake_sensor_library.h"
+#include "support/held_jobs.h"
 #include "support/made_card.h"
 
 namespace ql240 {
@@ -48,16 +50,19 @@ class TestWidgetProgress : public QObject {
     Q_OBJECT
 
 private:
-    FakeSensorLibrary m_library;
+    std::optional<FakeSensorLibrary> m_library;
     MadeCard m_card;
 
 private Q_SLOTS:
     void init() {
-        m_library = {};
-        host().sensorLibrary = &m_library;
+        m_library.emplace();
+        host().makeSensorLibrary = [this] { return m_library->lend(); };
     }
 
-    void cleanup() { host() = {}; }
+    void cleanup() {
+        m_library.reset();
+        host() = {};
+    }
 
     void rangeAndValue() {
         WidgetProgressA panel;
@@ -116,13 +121,14 @@ private Q_SLOTS:
     }
 
     void track() {
-        m_library.lastMs = 400;
-        m_library.answer = [](qint64 t) {
+        PromptJobs prompt;
+        m_library->lastMs = 400;
+        m_library->answer = [](qint64 t) {
             return FakeSensorLibrary::Answer{t < 200 ? 0 : 1500000, 2500000, 'S', 'E', 60, short(t), -5, 7};
         };
         WidgetProgressA panel;
         panel.loadSensorData(500); // no clip, nothing to ask for
-        QVERIFY(m_library.path.isEmpty());
+        QVERIFY(m_library->path.isEmpty());
         panel.setClipPath("/card/a.mp4");
         panel.loadSensorData(500);
         QCOMPARE(panel.sensorTrack().size(), size_t(5));
@@ -141,8 +147,54 @@ private Q_SLOTS:
         QCOMPARE(panel.sampleAt(0).timeMs, -1);
     }
 
+    // A slow track comes later, unless the panel was cleared, told to stop or given another clip meanwhile.
+    void lateTrack() {
+        const std::pair<std::function<void(WidgetProgressA&)>, int> rows[] = {
+            {[](WidgetProgressA&) {}, 1},
+            {&WidgetProgressA::clearSensorData, 0},
+            {&WidgetProgressA::stopLoading, 0},
+            {[](WidgetProgressA& panel) { panel.loadSensorData(500); }, 1}};
+        for (const auto& [meanwhile, arrivals] : rows) {
+            HeldJobs late;
+            int arrived = 0;
+            WidgetProgressA panel(nullptr, {}, [&arrived] { ++arrived; });
+            panel.setClipPath("/card/a.mp4");
+            panel.loadSensorData(500);
+            meanwhile(panel);
+            QCOMPARE(panel.sampleAt(0), SensorSample());
+            late.answer();
+            QCOMPARE(arrived, arrivals);
+            QCOMPARE(panel.sensorTrack().size(), size_t(611 * arrivals));
+        }
+    }
+
+    // A clip that doesn't answer keeps neither the next one waiting nor the panel from its end; its thread
+    // goes on with what it has.
+    void hangingClip() {
+        QSemaphore gate;
+        std::atomic<int> asked = 0;
+        m_library->answer = [&gate, &asked](qint64) {
+            if (asked++ == 0)
+                gate.acquire();
+            return FakeSensorLibrary::Answer();
+        };
+        {
+            const auto open = qScopeGuard([&gate] { gate.release(); }); // once the panel is gone
+            WidgetProgressA panel;
+            panel.setClipPath("/card/a.mp4");
+            panel.loadSensorData(500);
+            QTRY_COMPARE(asked.load(), 1);
+            panel.clearSensorData();
+            panel.loadSensorData(500);
+            QTRY_COMPARE(panel.sensorTrack().size(), size_t(611));
+        }
+        m_library.reset(); // waits for the one that hung
+        QCOMPARE(asked.load(), 2 * 2 * 611);
+    }
+
     // A clip without data clears the readings; one whose trailer is found keeps them until the next look-up.
     void readingsAcrossClips() {
+        PromptJobs prompt;
         WidgetProgressA panel;
         panel.setClipPath("/card/a.mp4");
         panel.loadSensorData(500);
@@ -150,20 +202,21 @@ private Q_SLOTS:
         QVERIFY(panel.state().latitude != 0.0);
         m_card.put("REC_a.avi", "vETKLP1\n");
         panel.setClipPath(m_card.path("REC_a.avi"));
-        m_library.path.clear();
+        m_library->path.clear();
         panel.loadSensorData(500);
         QVERIFY(panel.state().latitude != 0.0);
-        QVERIFY(m_library.path.isEmpty());
-        m_library.hasData = false;
+        QVERIFY(m_library->path.isEmpty());
+        m_library->hasData = false;
         panel.setClipPath("/card/REC_b.avi");
         panel.loadSensorData(500);
-        QCOMPARE(m_library.path, QByteArray("/card/REC_b.avi"));
+        QCOMPARE(m_library->path, QByteArray("/card/REC_b.avi"));
         QCOMPARE(panel.state().latitude, 0.0);
         QVERIFY(panel.state().hasFix); // no look-up has said otherwise
         QCOMPARE(panel.sampleAt(0).timeMs, -1);
     }
 
     void activity() {
+        PromptJobs prompt;
         WidgetProgressA panel;
         const auto* timer = panel.findChild<QTimer*>();
         QVERIFY(timer != nullptr);
@@ -245,7 +298,8 @@ private Q_SLOTS:
 
     // The cached trace follows the track, the panel's width and its state.
     void traceIsKeptInStep() {
-        m_library.answer = [](qint64) { return FakeSensorLibrary::Answer{0, 0, 'N', 'E', 0, 64, 128, 200}; };
+        PromptJobs prompt;
+        m_library->answer = [](qint64) { return FakeSensorLibrary::Answer{0, 0, 'N', 'E', 0, 64, 128, 200}; };
         WidgetProgressA panel;
         panel.setClipPath("/card/a.mp4");
         const auto yellow = [&panel] { return coloured(panel.grab().toImage(), QColor(255, 255, 0)); };

@@ -1,8 +1,12 @@
-// A sensor library that answers from a function of time, up to `lastMs`, and logs its calls.
+// A sensor library that answers from a function of time, up to `lastMs`, and logs its calls. It is lent to
+// the threads that read clips; its end waits for them.
 #pragma once
 
 #include <QByteArray>
+#include <condition_variable>
 #include <functional>
+#include <memory>
+#include <mutex>
 #include <vector>
 
 #include "platform/sensor_library.h"
@@ -28,6 +32,21 @@ struct FakeSensorLibrary : SensorLibrary {
     QByteArray path;
     std::vector<std::int64_t> askedTimes;
     int accelerationCalls = 0;
+
+    ~FakeSensorLibrary() override {
+        std::unique_lock lock(m_mutex);
+        m_returned.wait(lock, [this] { return m_lent == 0; });
+    }
+    // For Host::makeSensorLibrary.
+    std::shared_ptr<SensorLibrary> lend() {
+        const std::lock_guard lock(m_mutex);
+        ++m_lent;
+        return {this, [](FakeSensorLibrary* self) {
+                    const std::lock_guard returning(self->m_mutex);
+                    --self->m_lent;
+                    self->m_returned.notify_one();
+                }};
+    }
 
     Handle getInformationData(const char* clip) override {
         path = clip;
@@ -57,6 +76,11 @@ struct FakeSensorLibrary : SensorLibrary {
         *z = a.z;
         return timeMs <= lastAccelerationMs;
     }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_returned;
+    int m_lent = 0;
 };
 
 } // namespace ql240

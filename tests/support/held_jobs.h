@@ -1,4 +1,4 @@
-// Background jobs that end when the test says so; waiting for them returns at once. Main thread.
+// Background jobs that end when the test says so, or at once; waiting for them takes no time. Main thread.
 #pragma once
 
 #include <QCoreApplication>
@@ -24,6 +24,10 @@ struct HeldJobs : JobRunner {
             job();
         QCoreApplication::processEvents();
     }
+};
+
+struct PromptJobs : HeldJobs {
+    void run(std::function<void()> job) override { job(); }
 };
 
 } // namespace ql240

@@ -1,5 +1,5 @@
 // The sensor library's interface, implemented by this program's own format readers. Holds the records of the
-// clip opened last. Interface thread only.
+// clip opened last. One thread at a time.
 #pragma once
 
 #include <QDateTime>
