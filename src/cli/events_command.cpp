@@ -132,7 +132,7 @@ bool runEvents(const Options& options, Reports& reports) {
     EventList events;
     forEachClip(clipNames(options.names, reports), RecordPart::FixesAndAccelerations, reports,
                 [&](const ClipInput& input) {
-                    if (!events.add(input, options.thresholdG))
+                    if (!events.add(input, options.thresholdG) && input.contents.readError.isEmpty())
                         reports.fail(input.name, QStringLiteral("no accelerations in it"));
                     return true;
                 });

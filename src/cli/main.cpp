@@ -10,6 +10,7 @@
 namespace ql240::cli {
 
 bool writeResult(const QByteArray& bytes, Reports& reports) {
+    reports.clearLine();
     const auto size = static_cast<std::size_t>(bytes.size());
     if (std::fwrite(bytes.constData(), 1, size, stdout) == size && std::fflush(stdout) == 0)
         return true;

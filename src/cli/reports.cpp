@@ -53,6 +53,7 @@ void Reports::fail(const QString& name, const QString& text) {
 void Reports::clearLine() {
     if (m_hasLine)
         std::fputs("\r\033[K", stderr);
+    std::fflush(stderr);
     m_hasLine = false;
 }
 

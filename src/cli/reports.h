@@ -27,9 +27,12 @@ public:
 
     bool hasFailures() const { return m_hasFailures; }
 
-private:
+    // Before standard output is written, which may be the same terminal.
     void clearLine();
+    // For a command that writes there all the time.
+    void hideProgress() { m_isTerminal = false; }
 
+private:
     bool m_isSilent;
     bool m_isTerminal;
     bool m_hasLine = false;

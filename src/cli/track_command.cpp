@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <algorithm>
 
 #include "cli/clip_input.h"
@@ -59,6 +61,8 @@ QStringList inOrderOfTime(const QStringList& names) {
 void addClip(const ClipInput& input, TrackOutput& output, TrackJoiner& joiner, Reports& reports) {
     const ClipRecord& record = input.contents.record;
     if (!record.hasFix()) {
+        if (!input.contents.readError.isEmpty())
+            return; // and has been reported
         reports.fail(input.name, record.stops.isEmpty()
                                      ? QStringLiteral("no position in it")
                                      : QStringLiteral("no position in it: ") + record.stops.first());
@@ -75,6 +79,8 @@ void addClip(const ClipInput& input, TrackOutput& output, TrackJoiner& joiner, R
 } // namespace
 
 bool runTrack(const Options& options, Reports& reports) {
+    if (options.output.isEmpty() && ::isatty(STDOUT_FILENO) == 1)
+        reports.hideProgress();
     TrackOutput output(options);
     QString reason;
     if (!output.open(reason)) {

@@ -7,6 +7,7 @@
 #include <QTimeZone>
 #include <QXmlStreamWriter>
 #include <algorithm>
+#include <cmath>
 
 namespace ql240 {
 namespace {
@@ -85,7 +86,8 @@ private:
             m_xml.writeTextElement(kExtension, QStringLiteral("speed"),
                                    number(fix.speedKmh / kKmhPerMetreASecond, 3));
         if (isGiven(fix.headingDeg))
-            m_xml.writeTextElement(kExtension, QStringLiteral("course"), number(fix.headingDeg, 2));
+            m_xml.writeTextElement(kExtension, QStringLiteral("course"),
+                                   number(std::fmod(std::round(fix.headingDeg * 100) / 100, 360), 2));
         m_xml.writeEndElement();
         m_xml.writeEndElement();
     }

@@ -7,7 +7,7 @@ namespace {
 
 constexpr std::int64_t kUsPerMs = 1000;
 // File names have whole seconds, and a clip may extend slightly into the next.
-constexpr std::int64_t kNameSlackMs = 2000;
+constexpr std::int64_t kStartSlackMs = 2000;
 
 std::optional<std::int64_t> nameStartMs(const ClipRecord& record) {
     return record.startByName.isValid() ? std::optional(record.startByName.toMSecsSinceEpoch())
@@ -24,11 +24,16 @@ std::int64_t lastFixUs(const ClipRecord& record) {
 
 void TrackJoiner::Reach::extend(std::optional<std::int64_t> startMs, std::int64_t lengthUs,
                                 const QString& name) {
-    if (startMs &&
-        *startMs + lengthUs / kUsPerMs > endMs.value_or(std::numeric_limits<std::int64_t>::min())) {
-        endMs = *startMs + lengthUs / kUsPerMs;
-        clip = name;
-    }
+    if (!startMs)
+        return;
+    const std::int64_t lastMs = *startMs + lengthUs / kUsPerMs;
+    const bool continues = endMs && *startMs + kStartSlackMs >= beginMs && *startMs <= *endMs;
+    if (continues && lastMs <= *endMs)
+        return;
+    if (!continues)
+        beginMs = *startMs;
+    endMs = lastMs;
+    clip = name;
 }
 
 std::int64_t TrackJoiner::coveredUs(const ClipRecord& record, QString& earlier) const {
@@ -37,7 +42,10 @@ std::int64_t TrackJoiner::coveredUs(const ClipRecord& record, QString& earlier) 
     const std::optional<std::int64_t> startMs =
         isBySatellites ? record.startBySatellitesMs : nameStartMs(record);
     earlier = reach.clip;
-    if (!startMs || !reach.endMs || *startMs + (isBySatellites ? 0 : kNameSlackMs) > *reach.endMs)
+    // A clock that was set back isn't an overlap.
+    const bool isBefore = startMs && *startMs + kStartSlackMs < reach.beginMs;
+    if (!startMs || !reach.endMs || isBefore ||
+        *startMs + (isBySatellites ? 0 : kStartSlackMs) > *reach.endMs)
         return std::numeric_limits<std::int64_t>::min();
     return (*reach.endMs - *startMs) * kUsPerMs;
 }

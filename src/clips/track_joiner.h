@@ -17,8 +17,9 @@ public:
     Result add(const ClipRecord& record, const QString& name, TrackWriter& writer);
 
 private:
-    // The end of the clips so far, by one of the two clocks.
+    // The unbroken run of clips that ends with the last one, by one of the two clocks.
     struct Reach {
+        std::int64_t beginMs = 0;
         std::optional<std::int64_t> endMs;
         QString clip;
 

@@ -127,7 +127,10 @@ void MainWindow::followTrack() {
     const auto showOnMap = [this] { m_mapView->setTrack(m_progressPanel->sensorTrack()); };
     connect(&m_session, &ClipSession::opened, m_mapView, showOnMap);
     connect(&m_session, &ClipSession::trackFound, m_mapView, showOnMap);
-    connect(&m_session, &ClipSession::trackFound, this, &MainWindow::OnTimeoutRefreshMapB);
+    connect(&m_session, &ClipSession::trackFound, this, [this] {
+        if (m_progressPanel->isEnabled()) // after Stop the readings stay at zero
+            OnTimeoutRefreshMapB();
+    });
     connect(&m_session, &ClipSession::closed, m_progressPanel, &WidgetProgressA::stopLoading);
     connect(&m_session, &ClipSession::closed, m_mapView, [this] { m_mapView->setTrack({}); });
 }

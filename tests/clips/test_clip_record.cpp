@@ -210,6 +210,8 @@ private Q_SLOTS:
             "/0:0,1,2,3,4,5,", 3);
         row("names are a second rough", {drive(first, {}, six), drive(second, {}, three)},
             "/0:0,1,2,3,4,5,/1:10,11,12,", 0);
+        row("the clock was set back", {drive(first, 50'000, six), drive(second, 100, three)},
+            "/0:0,1,2,3,4,5,/1:10,11,12,", 0);
         row("a lost fix", {drive(first, 100, {0, 1, -1, 3})}, "/0:0,1,/0:3,", 0);
         ClipRecord tunnel = drive(first, 100, {0, 1, 2, 3});
         tunnel.fixes[2].timeUs = 32'000'000;

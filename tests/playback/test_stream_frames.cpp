@@ -210,6 +210,8 @@ private Q_SLOTS:
         row("avc, small and large", avc + "ffe000", sized(small, 8) + sized(large, 8), false);
         row("avc, lengths of two bytes", avc + "fde000", sized(small, 4) + sized(large, 4), false);
         row("avc, a start within a length", avc + "ffe000", sized(slice + start + large, 8), false);
+        row("avc, a length like a start code", avc + "ffe000",
+            "00000127419a24f8000312345600049abc" + QByteArray("55").repeated(282), true);
         row("avc, two in the head", avc + "ffe2" + sized(small, 4) + sized(large, 4) + "00", sized(slice, 8),
             false);
         row("avc, among the head's others", avc + "ffe1" + sized(small, 4) + "01" + sized(large, 4),
@@ -218,6 +220,10 @@ private Q_SLOTS:
         row("hvc1, small in the head", hvc + sized(narrow, 4), sized("2601af", 8), true);
         const QByteArray picture = "ffd8ffc0000b0810e01c2001011100"; // 7,200 x 4,320
         const QByteArray scan = "ffda0008010100003f00";
+        row("JPEG, and padding behind it", "image/jpeg",
+            picture + scan + "ffd911ffc1303132f000e00000ffda0008", true);
+        row("JPEG, the second field too large", "image/jpeg",
+            picture + scan + "ffd911ffd8ffc0000b08ffffffff01011100ffda0008010100003f00", false);
         row("JPEG of 51 scans", "image/jpeg", picture + scan.repeated(51), true);
         row("JPEG of 52 scans", "image/jpeg", picture + scan.repeated(52), false);
         row("H.264 of 500 slices", h264, start + small + (start + slice).repeated(500), true);
@@ -285,13 +291,29 @@ private Q_SLOTS:
         QVERIFY(tidy(100, fragment, fragment.size()));
         QVERIFY(!tidy(500, fragment, fragment.size()));
 
-        // Raw sound has no table of sizes.
-        QByteArray chunks(8, '\0');
-        qToBigEndian(quint32(ql240::limits::kClipSamples + 1), chunks.data() + 4);
-        const QByteArray sound =
-            box("moov", box("trak", box("mdia", box("minf", box("stbl", box("stco", chunks))))));
-        guard = IndexGuard();
-        QVERIFY(!tidy(100, sound, sound.size()));
+        // An hour of raw sound, whose table of sizes counts single values; of other sound each is a sample.
+        const auto sound = [&box](const char* format, quint32 chunkCount) {
+            const auto number = [](quint32 value) {
+                QByteArray bytes(4, '\0');
+                qToBigEndian(value, bytes.data());
+                return bytes;
+            };
+            const QByteArray handler = box("hdlr", number(0) + number(0) + "soun" + number(0));
+            const QByteArray formats = box("stsd", number(0) + number(1) + box(format, QByteArray(28, '\0')));
+            const QByteArray sizes = box("stsz", number(0) + number(2) + number(3600 * 48000));
+            const QByteArray chunks = box("stco", number(0) + number(chunkCount));
+            return box(
+                "moov",
+                box("trak", box("mdia", handler + box("minf", box("stbl", formats + sizes + chunks)))));
+        };
+        for (const auto& [format, chunks, fits] :
+             {std::tuple("sowt", 3600U, true),
+              {"mp4a", 3600U, false},
+              {"sowt", quint32(ql240::limits::kClipSamples + 1), false}}) {
+            guard = IndexGuard();
+            const QByteArray clip = sound(format, chunks);
+            QCOMPARE(tidy(100, clip, clip.size()), fits);
+        }
     }
 
     void newerPictureStays() {

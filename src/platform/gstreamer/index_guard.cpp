@@ -77,27 +77,47 @@ bool IndexGuard::tidyWithin(std::uint32_t parent, Bytes boxes, bool isNew) {
             return true;
         const Bytes box = boxes.first(size);
         const std::uint32_t name = numberAt(box, 4);
+        if (name == tag("trak"))
+            m_isSound = m_isRaw = std::nullopt;
         const bool isSpare = name == tag("trak") && ++tracks > limits::kTracks;
         if (!isKnown(parent, name) || isSpare)
             qToBigEndian(tag("free"), box.data() + 4);
-        else if (holdsBoxes(name) ? !tidyWithin(name, box.subspan(kHeader), isNew) : !fits(name, box, isNew))
+        else if (holdsBoxes(name) ? !tidyWithin(name, box.subspan(kHeader), isNew)
+                                  : !fits(parent, box, isNew))
             return false;
         boxes = boxes.subspan(size);
     }
     return true;
 }
 
-bool IndexGuard::fits(std::uint32_t name, Bytes box, bool isNew) {
+// Raw sound as the splitter knows it: one description, of a format without compression, not of variable rate.
+void IndexGuard::noteRawSound(std::uint32_t parent, Bytes box) {
+    constexpr std::uint32_t kRaw[] = {tag("raw "), tag("NONE"), tag("sowt"), tag("twos"),
+                                      tag("in24"), tag("in32"), tag("fl32"), tag("fl64")};
+    const std::uint32_t name = numberAt(box, 4);
+    if (parent == tag("mdia") && name == tag("hdlr") && !m_isSound)
+        m_isSound = numberAt(box, 16) == tag("soun");
+    if (name == tag("stsd") && !m_isRaw)
+        m_isRaw = numberAt(box, 12) == 1 && numberAt(box, 44) >> 16 != 0xFFFE &&
+                  std::find(std::begin(kRaw), std::end(kRaw), numberAt(box, 20)) != std::end(kRaw);
+}
+
+bool IndexGuard::fits(std::uint32_t parent, Bytes box, bool isNew) {
+    constexpr std::size_t kFixedSize = 12;
     constexpr std::size_t kSizesCount = 16;
     constexpr std::size_t kRunCount = 12;
     constexpr std::size_t kChunksCount = 12;
+    const std::uint32_t name = numberAt(box, 4);
+    noteRawSound(parent, box);
     if (name == tag("stsd"))
         return box.size() <= limits::kSampleEntryBytes;
-    if (isNew && (name == tag("stsz") || name == tag("stz2")))
+    // With raw audio, the table counts single values, and the splitter makes a sample of each chunk.
+    const bool isChunked =
+        m_isSound.value_or(false) && m_isRaw.value_or(false) && numberAt(box, kFixedSize) != 0;
+    if (isNew && ((name == tag("stsz") && !isChunked) || name == tag("stz2")))
         m_samples += numberAt(box, kSizesCount);
     if (isNew && name == tag("trun"))
         m_samples += numberAt(box, kRunCount);
-    // With raw audio, the splitter makes a sample of each chunk.
     if (isNew && (name == tag("stco") || name == tag("co64")))
         m_chunks += numberAt(box, kChunksCount);
     return m_samples <= limits::kClipSamples && m_chunks <= limits::kClipSamples;

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <span>
 
 namespace ql240::gstreamer {
@@ -20,11 +21,14 @@ private:
     using Bytes = std::span<std::uint8_t>;
 
     bool tidyWithin(std::uint32_t parent, Bytes boxes, bool isNew);
-    bool fits(std::uint32_t name, Bytes box, bool isNew);
+    bool fits(std::uint32_t parent, Bytes box, bool isNew);
+    void noteRawSound(std::uint32_t parent, Bytes box);
 
     std::map<std::uint64_t, std::size_t> m_counted; // by a box's offset: how many of its bytes
     std::uint64_t m_samples = 0;
     std::uint64_t m_chunks = 0;
+    std::optional<bool> m_isSound; // of the current track: its first handler
+    std::optional<bool> m_isRaw;   // its first sample description
 };
 
 } // namespace ql240::gstreamer

@@ -13,6 +13,8 @@ namespace {
 
 constexpr std::ptrdiff_t kFrameHeader = 9; // marker, length, precision, height, width
 constexpr guint8 kScan = 0xDA;
+constexpr guint8 kEnd = 0xD9;
+constexpr guint8 kStart[] = {0xFF, 0xD8};
 
 bool beginsFrame(guint8 marker) {
     return marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
@@ -34,6 +36,10 @@ bool isTooLarge(const guint8* at, const guint8* end) {
                                           qFromBigEndian<std::uint16_t>(at + 7));
         if (at[1] == kScan)
             ++scans;
+        if (at[1] == kEnd) { // padding, or the second field
+            at = std::search(at, end, std::begin(kStart), std::end(kStart));
+            continue;
+        }
         const std::ptrdiff_t size = hasLength(at[1]) ? 2 + qFromBigEndian<std::uint16_t>(at + 2) : 1;
         at += std::min(size, end - at);
     }

@@ -202,7 +202,6 @@ bool ParameterSets::isSlice(Bytes unit) const {
 }
 
 bool ParameterSets::areStartedTooLarge(Bytes bytes) {
-    m_slices = 0;
     for (auto at = bytes.begin(); (at = std::find(at, bytes.end(), 1)) != bytes.end(); ++at) {
         const std::ptrdiff_t before = at - bytes.begin();
         if (before >= 2 && at[-1] == 0 && at[-2] == 0 && isUnitTooLarge({at + 1, bytes.end()}))
@@ -211,12 +210,12 @@ bool ParameterSets::areStartedTooLarge(Bytes bytes) {
     return false;
 }
 
-// Removes the units read from `bytes`.
+// Removes the units read from `bytes`. A decoder also finds start codes within a unit.
 bool ParameterSets::areSizedTooLarge(Bytes& bytes, int lengthBytes, std::size_t count) {
     m_slices = 0;
     Bytes unit;
     for (std::size_t i = 0; i < count && takeSized(bytes, lengthBytes, unit); ++i) {
-        if (isUnitTooLarge(unit))
+        if (isUnitTooLarge(unit) || areStartedTooLarge(unit))
             return true;
     }
     return false;
@@ -242,6 +241,7 @@ bool ParameterSets::areListsTooLarge(Bytes head) {
 bool ParameterSets::isHeadTooLarge(Bytes head) {
     const std::size_t fixed = m_codec == ParameterCodec::H264 ? kAvcLists : kHevcLists;
     m_lengthBytes = 0;
+    m_slices = 0;
     if (areStartedTooLarge(head))
         return true;
     if (head.size() <= fixed || (head[0] == 0 && head[1] == 0))
@@ -252,13 +252,13 @@ bool ParameterSets::isHeadTooLarge(Bytes head) {
 
 // A decoder accepts a piece that looks like a head as a new head.
 bool ParameterSets::isPieceTooLarge(Bytes piece) {
-    if (areStartedTooLarge(piece))
-        return true;
-    if (m_lengthBytes == 0)
-        return false;
     const bool isHead = m_codec == ParameterCodec::H264 && piece.size() > kAvcLists && piece[0] == 1;
     Bytes rest = piece;
-    return areSizedTooLarge(rest, m_lengthBytes, kAll) || (isHead && areListsTooLarge(piece));
+    if (m_lengthBytes > 0 &&
+        (areSizedTooLarge(rest, m_lengthBytes, kAll) || (isHead && areListsTooLarge(piece))))
+        return true;
+    m_slices = 0;
+    return !rest.empty() && areStartedTooLarge(piece); // the lengths don't cover the piece
 }
 
 } // namespace ql240::gstreamer
