@@ -4,7 +4,9 @@
 #include <chrono>
 #include <condition_variable>
 #include <deque>
+#include <functional>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <utility>
 
@@ -20,6 +22,8 @@ namespace {
 
 constexpr std::size_t kMaxPieces = 100; // queued while the server doesn't answer
 constexpr std::chrono::milliseconds kSlowAnswer(500);
+constexpr std::chrono::seconds kHanging(5); // no answer takes that long
+constexpr int kMaxThreads = 8;
 constexpr GstClockTime kMostAhead = GST_SECOND;
 
 std::atomic<double> outputVolume{1.0};
@@ -51,6 +55,7 @@ public:
 private:
     static void queue(std::shared_ptr<Line> line);
     void serve();
+    void serve(const Asked& asked);
     void open();
     void close();
     bool flush() const;
@@ -60,6 +65,7 @@ private:
     std::mutex m_mutex;
     Asked m_asked;
     bool m_isQueued = false;
+    bool m_isServed = false;
 
     std::atomic<bool> m_hasFailed{false};
 
@@ -93,39 +99,79 @@ void SoundOutput::Line::Asked::dropPieces() {
     bytes = 0;
 }
 
-// The sound thread runs until the process ends.
+namespace {
+
+// The thread that serves the lines, until the process ends. One that hangs in GStreamer or in the server's
+// library is replaced, so that later clips are heard.
+class SoundThread {
+public:
+    using Job = std::function<void()>;
+
+    static SoundThread& instance() {
+        static auto* const only = new SoundThread;
+        return *only;
+    }
+
+    void add(Job job) {
+        const std::scoped_lock lock(m_mutex);
+        m_jobs.push_back(std::move(job));
+        const bool hangs = m_since && std::chrono::steady_clock::now() - *m_since > kHanging;
+        if (m_thread == 0 || (hangs && m_thread < kMaxThreads)) {
+            m_since.reset();
+            std::thread([this, number = ++m_thread] { run(number); }).detach();
+        }
+        m_changed.notify_all();
+    }
+
+private:
+    void run(int number) {
+        std::unique_lock lock(m_mutex);
+        for (;;) {
+            m_changed.wait(lock, [&] { return number != m_thread || !m_jobs.empty(); });
+            if (number != m_thread)
+                return;
+            const Job job = std::move(m_jobs.front());
+            m_jobs.pop_front();
+            m_since = std::chrono::steady_clock::now();
+            lock.unlock();
+            job();
+            lock.lock();
+            if (number == m_thread)
+                m_since.reset();
+        }
+    }
+
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::deque<Job> m_jobs;
+    int m_thread = 0; // the number of the current one; 0: none yet
+    std::optional<std::chrono::steady_clock::time_point> m_since; // of the job that it does
+};
+
+} // namespace
+
 void SoundOutput::Line::queue(std::shared_ptr<Line> line) {
-    struct Queue {
-        std::mutex mutex;
-        std::condition_variable changed;
-        std::deque<std::shared_ptr<Line>> lines;
-    };
-    static Queue* const waiting = [] {
-        auto* made = new Queue;
-        std::thread([made] {
-            for (;;) {
-                std::unique_lock lock(made->mutex);
-                made->changed.wait(lock, [made] { return !made->lines.empty(); });
-                const auto next = std::move(made->lines.front());
-                made->lines.pop_front();
-                lock.unlock();
-                next->serve();
-            }
-        }).detach();
-        return made;
-    }();
-    const std::scoped_lock lock(waiting->mutex);
-    waiting->lines.push_back(std::move(line));
-    waiting->changed.notify_one();
+    SoundThread::instance().add([line = std::move(line)] { line->serve(); });
 }
 
+// A thread that hangs here keeps the line to itself.
 void SoundOutput::Line::serve() {
     Asked asked;
     {
         const std::scoped_lock lock(m_mutex);
+        if (std::exchange(m_isServed, true))
+            return;
         asked = std::exchange(m_asked, {});
         m_isQueued = false;
     }
+    serve(asked);
+    const std::scoped_lock lock(m_mutex);
+    m_isServed = false;
+    if (m_isQueued)
+        queue(shared_from_this());
+}
+
+void SoundOutput::Line::serve(const Asked& asked) {
     if (asked.close || m_hasFailed) {
         close();
         return;
