@@ -130,11 +130,12 @@ private:
             m_changed.wait(lock, [&] { return number != m_thread || !m_jobs.empty(); });
             if (number != m_thread)
                 return;
-            const Job job = std::move(m_jobs.front());
+            Job job = std::move(m_jobs.front());
             m_jobs.pop_front();
             m_since = std::chrono::steady_clock::now();
             lock.unlock();
             job();
+            job = nullptr; // a line's last owner frees it, which add() mustn't wait for
             lock.lock();
             if (number == m_thread)
                 m_since.reset();
