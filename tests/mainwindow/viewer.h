@@ -146,7 +146,8 @@ struct Viewer {
     // Where the dashboard's strip stands for a position of a clip.
     static QPoint onStrip(int ms, int durationMs) {
         const QRect panel = layout::kProgressPanel;
-        return panel.topLeft() + QPoint(2 + ms * (panel.width() - 14) / durationMs, 15);
+        const int last = panel.width() - 13; // the clip's very end lies one column outside the strip
+        return panel.topLeft() + QPoint(std::min(2 + ms * (panel.width() - 14) / durationMs, last), 15);
     }
     void key(int key, Qt::KeyboardModifiers modifiers = {}) const {
         QTest::keyClick(window->windowHandle(), static_cast<Qt::Key>(key), modifiers);
