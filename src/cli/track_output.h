@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "cli/options.h"
+#include "clips/containers/new_file.h"
 #include "clips/track_export.h"
 
 namespace ql240::cli {
@@ -25,8 +26,11 @@ public:
     QString name() const;
 
 private:
+    QFileDevice& device() const;
+
     const Options& m_options;
-    std::unique_ptr<QFileDevice> m_device;
+    std::unique_ptr<QFileDevice> m_standardOutput;
+    std::unique_ptr<containers::NewFile> m_file;
     std::unique_ptr<TrackWriter> m_writer;
 };
 

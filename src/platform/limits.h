@@ -75,6 +75,9 @@ inline constexpr std::uint64_t kClipSamples = 2'000'000;
 // An index has one, and one more for each fragment: 27 hours of half a second each.
 inline constexpr std::size_t kIndexBoxes = 200'000;
 
+// 4 MiB of headers besides the sample tables: some cameras put a preview picture there.
+inline constexpr std::int64_t kHeaderBytes = 4 * 1024 * 1024;
+
 // 16 KiB for a track's sample description, which has a few hundred bytes. The demuxer recurses into its
 // boxes.
 inline constexpr std::size_t kSampleEntryBytes = 16 * 1024;

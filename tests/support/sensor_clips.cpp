@@ -146,6 +146,27 @@ QByteArray mp4(const QList<Track>& tracks, const QByteArray& movieExtras, const 
     return mp4Around(64, tracks, movieExtras, fileExtras).whole();
 }
 
+QByteArray withSensorData(const QByteArray& clip, const QList<Track>& tracks,
+                          const QList<QByteArray>& gpsBlocks) {
+    const qsizetype indexAt = clip.lastIndexOf("moov") - 4;
+    QByteArray media;
+    QByteArray index = clip.mid(indexAt + 8);
+    QByteArray entries;
+    for (const QByteArray& block : gpsBlocks) {
+        entries += bigEndian(indexAt + 8 + media.size(), 4) + bigEndian(block.size(), 4);
+        media += block;
+    }
+    // First: after boxes that ffmpeg writes, ExifTool doesn't recognize it.
+    if (!gpsBlocks.isEmpty())
+        index.prepend(box("gps ", bigEndian(0x101, 4) + bigEndian(gpsBlocks.size(), 4) + entries));
+    for (const Track& track : tracks) {
+        const Chunks chunks = chunksOf(track, indexAt + 8 + media.size());
+        media += chunks.bytes;
+        index += trackBox(track, chunks);
+    }
+    return clip.first(indexAt) + box("mdat", media) + box("moov", index);
+}
+
 QByteArray motionAcceleration(float x, float y, float z) {
     return motionRecord(3, float32(x) + float32(y) + float32(z));
 }

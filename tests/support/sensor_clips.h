@@ -43,6 +43,10 @@ Mp4 mp4Around(qint64 picture, const QList<Track>& tracks, const QByteArray& movi
 QByteArray mp4(const QList<Track>& tracks, const QByteArray& movieExtras = {},
                const QByteArray& fileExtras = {});
 
+// Adds tracks, and blocks of a "gps " index, to a complete file whose index comes last.
+QByteArray withSensorData(const QByteArray& clip, const QList<Track>& tracks,
+                          const QList<QByteArray>& gpsBlocks = {});
+
 // Camera motion records.
 QByteArray motionAcceleration(float x, float y, float z);
 QByteArray motionPlace(double latitude, double longitude);

@@ -31,9 +31,15 @@ struct TrackLayout {
     int sizeBits = 32;
     std::uint32_t constantSize = 0;
     std::uint32_t sampleCount = 0;
-    // The first entries of the edit list.
-    std::uint64_t emptyEdit = 0; // delays the track, in ticks of the file's timescale
-    std::int64_t mediaStart = 0; // advances it, in ticks of its own
+    // The edit list: empty edits before its first media edit, then that edit.
+    std::uint64_t emptyEdit = 0;  // delays the track, in ticks of the file's timescale
+    std::int64_t mediaStart = 0;  // advances it, in ticks of its own
+    std::uint64_t editLength = 0; // of the first media edit, in ticks of the file's timescale; 0: to the end
+    std::uint32_t mediaEdits = 0; // 0 also without an edit list
+    ByteRange compositions;       // ctts
+    ByteRange syncSamples;        // stss
+    bool hasSyncTable = false;    // without one, every sample is a key frame
+    ByteRange dependencies;       // sdtp, a byte for each sample
 };
 
 // A top-level box or chunk that extends past the end of the file, or trailing bytes that are not a box.
@@ -65,6 +71,7 @@ struct Box {
     ByteRange body;
     std::int64_t offset = 0;
     std::uint64_t missing = 0; // how many of its bytes lie past the end of its parent
+    bool hasNoSize = false;    // its size field is 0: it extends to the end of its parent
 };
 
 // Iterates over the boxes of an area.
@@ -92,6 +99,8 @@ struct RiffChunk {
 std::optional<RiffChunk> nextChunk(ByteSource& source, ByteRange& rest);
 
 ClipLayout readClipLayout(ByteSource& source);
+// `area`: the body of the "trak" box.
+TrackLayout readTrackLayout(ByteSource& source, ByteRange area);
 void readMp4Layout(ByteSource& source, ClipLayout& clip);
 void readRiffLayout(ByteSource& source, ClipLayout& clip);
 

@@ -9,12 +9,12 @@
 
 #include "clips/formats/nmea.h"
 #include "clips/formats/sensor_formats.h"
+#include "clips/formats/sensor_parts.h"
 #include "platform/limits.h"
 
 namespace ql240::sensorfiles {
 namespace {
 
-constexpr std::uint32_t kEndMark = 0xFFFFFFFF;
 constexpr std::int64_t kMaxStartOffsetMs = 60000; // between the stated start and the log's first line
 // The clock jumps when the receiver corrects it. A step longer than a tunnel, or further back than lines out
 // of order explain, counts as the usual second between two lines.
@@ -30,10 +30,10 @@ bool isPastEnd(std::int64_t timeMs, const RecordSink& sink) {
 
 void readAccelerations(ByteSource& source, ByteRange table, RecordSink& sink) {
     RangeReader reader(source, table);
-    std::array<char, 10> record{};
+    std::array<char, kLogAccelerationBytes> record{};
     while (!sink.isFull() && reader.read(record)) {
         const std::int64_t timeMs = qFromBigEndian<std::uint32_t>(record.data());
-        if (timeMs == kEndMark)
+        if (timeMs == kLogEndMark)
             return;
         const auto g = [&](int at) { return qFromBigEndian<std::int16_t>(record.data() + at) / kCountsPerG; };
         sink.addAcceleration(timeMs * kUsPerMs, g(4), g(6), g(8));
@@ -42,34 +42,31 @@ void readAccelerations(ByteSource& source, ByteRange table, RecordSink& sink) {
     }
 }
 
-// Assigns times to the log's lines by their clocks. Lines before the first clock have no time and are
-// skipped.
-class LogReader {
+// Assigns times to the log's lines by their clocks. Lines before the first clock have no time.
+class LogClock {
 public:
-    LogReader(std::optional<std::int64_t> startedAt, RecordSink& sink)
-        : m_startedAt(startedAt), m_sink(sink) {}
+    explicit LogClock(std::optional<std::int64_t> startedAt) : m_startedAt(startedAt) {}
 
-    bool isAtEnd() const { return m_sink.isFull() || isPastEnd(m_timeMs.value_or(0), m_sink); }
-
-    void addLine(QByteArrayView line, std::int64_t offset) {
-        ++m_number;
-        if (line.startsWith('[')) {
-            const qsizetype close = line.indexOf(']');
+    // Removes the clock from a line that has one, and sets the line's time; false if the clock is invalid.
+    bool takeClock(LogLine& line) {
+        if (line.text.startsWith('[')) {
+            const qsizetype close = line.text.indexOf(']');
             bool isNumber = false;
             const std::int64_t clock =
-                close < 0 ? 0 : line.sliced(1, close - 1).toByteArray().toLongLong(&isNumber);
+                close < 0 ? 0 : line.text.sliced(1, close - 1).toByteArray().toLongLong(&isNumber);
             if (!isNumber || clock < 0)
-                return;
+                return false;
             m_timeMs = timeOf(clock);
-            line = line.sliced(close + 1);
+            line.clock = clock;
+            line.text = line.text.sliced(close + 1);
         }
-        if (m_timeMs && line.startsWith('$'))
-            addNmeaSentence({*m_timeMs * kUsPerMs, "log line", m_number, offset}, line, m_sink);
+        line.timeMs = m_timeMs;
+        return true;
     }
 
 private:
     std::int64_t timeOf(std::int64_t clock) {
-        const std::int64_t last = std::exchange(m_clock, clock).value_or(clock);
+        const std::int64_t last = std::exchange(m_clock, clock);
         if (!m_timeMs) {
             const bool isPlausible = m_startedAt && std::llabs(clock - *m_startedAt) <= kMaxStartOffsetMs;
             return isPlausible ? clock - *m_startedAt : 0;
@@ -79,60 +76,75 @@ private:
     }
 
     std::optional<std::int64_t> m_startedAt;
-    RecordSink& m_sink;
-    std::int64_t m_number = 0;
-    std::optional<std::int64_t> m_clock; // of the last line that has one
+    std::int64_t m_clock = 0; // of the last line that has one
     std::optional<std::int64_t> m_timeMs;
 };
 
-void readLog(ByteSource& source, ByteRange log, std::optional<std::int64_t> startedAt, RecordSink& sink) {
-    RangeReader reader(source, log);
-    LogReader lines(startedAt, sink);
-    QByteArray line;
-    std::int64_t offset = log.start;
-    while (const std::optional<std::uint8_t> byte = reader.byte()) {
-        ++offset;
-        if (*byte >= 0x20) {
-            line.append(static_cast<char>(*byte));
-            if (line.size() > limits::kSensorLine) {
-                sink.addStop({"log", 1, offset - line.size(), "a line without end"});
-                return;
-            }
-        } else if (!line.isEmpty()) {
-            lines.addLine(line, offset - 1 - line.size());
-            line.clear();
-            if (lines.isAtEnd())
-                return;
+void readLog(ByteSource& source, const FreeLog& log, RecordSink& sink) {
+    forEachLogLine(source, log, [&sink](const LogLine& line) {
+        if (line.isEndless) {
+            sink.addStop({"log", 1, line.offset, "a line without end"});
+        } else if (line.timeMs && line.text.startsWith('$')) {
+            const SentencePlace place{*line.timeMs * kUsPerMs, "log line", line.number, line.offset};
+            addNmeaSentence(place, line.text, sink);
         }
-    }
-    lines.addLine(line, offset - line.size());
-}
-
-void readFreeBox(ByteSource& source, ByteRange area, RecordSink& sink) {
-    std::optional<std::int64_t> startedAt;
-    ByteRange log;
-    ByteRange accelerations;
-    BoxCursor boxes(source, area);
-    while (const std::optional<Box> box = boxes.next()) {
-        if (box->type == fourCc("gps ")) {
-            log = box->body;
-        } else if (box->type == fourCc("3gf ")) {
-            accelerations = box->body;
-        } else if (box->type == fourCc("sttm")) {
-            const std::uint64_t start = RangeReader(source, box->body).u64().value_or(0);
-            if (start <= static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max()))
-                startedAt = static_cast<std::int64_t>(start);
-        }
-    }
-    readLog(source, log, startedAt, sink);
-    readAccelerations(source, accelerations, sink);
+        return !sink.isFull() && !isPastEnd(line.timeMs.value_or(0), sink);
+    });
 }
 
 } // namespace
 
+FreeLog findFreeLog(ByteSource& source, ByteRange area) {
+    FreeLog found;
+    BoxCursor boxes(source, area);
+    while (const std::optional<Box> box = boxes.next()) {
+        if (box->type == fourCc("gps ")) {
+            found.log = box->body;
+        } else if (box->type == fourCc("3gf ")) {
+            found.accelerations = box->body;
+        } else if (box->type == fourCc("sttm")) {
+            const std::uint64_t start = RangeReader(source, box->body).u64().value_or(0);
+            if (start <= static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max()))
+                found.startedAt = static_cast<std::int64_t>(start);
+        }
+    }
+    return found;
+}
+
+void forEachLogLine(ByteSource& source, const FreeLog& log, const LogVisitor& visit) {
+    RangeReader reader(source, log.log);
+    LogClock clock(log.startedAt);
+    QByteArray text;
+    std::int64_t offset = log.log.start;
+    for (LogLine line;;) {
+        const std::optional<std::uint8_t> byte = reader.byte();
+        offset += byte ? 1 : 0;
+        if (byte && *byte >= 0x20) {
+            text.append(static_cast<char>(*byte));
+            if (text.size() <= limits::kSensorLine)
+                continue;
+            line.isEndless = true;
+        }
+        if (!text.isEmpty()) {
+            line.text = text;
+            line.clock.reset();
+            line.offset = offset - text.size() - (byte && *byte < 0x20 ? 1 : 0);
+            line.number += line.isEndless ? 0 : 1;
+            if ((line.isEndless || clock.takeClock(line)) && !visit(line))
+                return;
+        }
+        if (!byte || line.isEndless)
+            return;
+        text.clear();
+    }
+}
+
 void readFreeLog(ByteSource& source, const ClipLayout& clip, RecordSink& sink) {
-    for (const ByteRange& area : clip.freeBoxes)
-        readFreeBox(source, area, sink);
+    for (const ByteRange& area : clip.freeBoxes) {
+        const FreeLog log = findFreeLog(source, area);
+        readLog(source, log, sink);
+        readAccelerations(source, log.accelerations, sink);
+    }
 }
 
 } // namespace ql240::sensorfiles

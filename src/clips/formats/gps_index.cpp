@@ -8,6 +8,7 @@
 #include "clips/formats/nmea.h"
 #include "clips/formats/second_records.h"
 #include "clips/formats/sensor_formats.h"
+#include "clips/formats/sensor_parts.h"
 #include "platform/limits.h"
 
 namespace ql240::sensorfiles {
@@ -77,26 +78,36 @@ SecondRecord readBlock(std::span<const char> block, const char*& reason) {
 
 } // namespace
 
-void readGpsIndex(ByteSource& source, const ClipLayout& clip, RecordSink& sink) {
+std::vector<GpsBlock> readGpsBlocks(ByteSource& source, const ClipLayout& clip) {
     RangeReader index(source, clip.gpsIndex);
     index.u32(); // version
     const std::uint32_t count = std::min<std::uint32_t>(index.u32().value_or(0), limits::kSensorRecords);
-    std::vector<SecondRecord> seconds;
+    std::vector<GpsBlock> blocks;
     std::array<char, limits::kGpsBlockBytes> bytes{};
     for (std::uint32_t i = 0; i < count; ++i) {
-        const auto number = static_cast<std::int64_t>(i) + 1;
         const std::optional<std::uint32_t> offset = index.u32();
         const std::optional<std::uint32_t> size = index.u32();
         if (!offset || !size) {
-            sink.addStop({"GPS block", number, clip.gpsIndex.end(), "the index ends before it"});
+            blocks.push_back({{clip.gpsIndex.end(), 0}, {}, "the index ends before it", false});
             break;
         }
         const std::span<char> wanted = std::span(bytes).first(std::min<std::size_t>(*size, bytes.size()));
         const std::span<const char> block = wanted.first(source.read(*offset, wanted));
-        const char* reason = nullptr;
-        seconds.push_back(readBlock(block, reason));
-        if (reason)
-            sink.addStop({"GPS block", number, *offset, reason});
+        GpsBlock& added = blocks.emplace_back(GpsBlock{{*offset, *size}, {}, nullptr});
+        added.record = readBlock(block, added.problem);
+    }
+    return blocks;
+}
+
+void readGpsIndex(ByteSource& source, const ClipLayout& clip, RecordSink& sink) {
+    std::vector<SecondRecord> seconds;
+    std::int64_t number = 0;
+    for (const GpsBlock& block : readGpsBlocks(source, clip)) {
+        ++number;
+        if (block.problem)
+            sink.addStop({"GPS block", number, block.range.start, block.problem});
+        if (block.isListed)
+            seconds.push_back(block.record);
     }
     addSecondRecords(seconds, clip.lengthMs, sink);
 }

@@ -1,7 +1,9 @@
 // Camera motion metadata, as published with the Street View camera formats: each record is a reserved u16,
 // its type as a u16, then its fields, little-endian.
 #include <QtEndian>
+#include <algorithm>
 #include <cmath>
+#include <initializer_list>
 #include <numbers>
 
 #include "clips/formats/leap_seconds.h"
@@ -72,7 +74,32 @@ void addAccelerationRecord(std::int64_t timeUs, std::span<const char> record, Re
     sink.addAcceleration(timeUs, g(4), g(8), g(12));
 }
 
+bool areBelow(std::initializer_list<double> values, double most) {
+    return std::all_of(values.begin(), values.end(),
+                       [most](double value) { return std::abs(value) <= most; });
+}
+
 } // namespace
+
+std::size_t motionRecordSize(std::size_t type) {
+    return type < kRecordSizes.size() ? kRecordSizes[type] : 0;
+}
+
+bool isPlausibleMotionRecord(std::span<const char> record) {
+    constexpr double kMost = 1e6; // for angles, rates, accelerations, magnetic fields
+    constexpr double kHighestM = 1e6;
+    const std::size_t type = field<std::uint16_t>(record, 2);
+    const bool hasFix = type == kFix;
+    if (hasFix || type == kPlace) {
+        const std::size_t at = hasFix ? 16 : 4;
+        const double height =
+            hasFix ? static_cast<double>(field<float>(record, 32)) : field<double>(record, 20);
+        return areBelow({field<double>(record, at)}, 90) && areBelow({field<double>(record, at + 8)}, 180) &&
+               areBelow({height}, kHighestM);
+    }
+    return record.size() != 16 ||
+           areBelow({field<float>(record, 4), field<float>(record, 8), field<float>(record, 12)}, kMost);
+}
 
 void readMotionSample(const TrackSample& sample, RecordSink& sink, std::optional<std::int64_t> createdAt) {
     std::span<const char> bytes = sample.bytes;

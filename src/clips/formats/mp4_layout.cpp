@@ -76,6 +76,16 @@ void readSampleTables(ByteSource& source, ByteRange area, TrackLayout& track) {
                 track.wideOffsets = box->type == fourCc("co64");
                 track.chunkOffsets = tableEntries(source, *box, track.wideOffsets ? 8 : 4);
                 break;
+            case fourCc("ctts"):
+                track.compositions = tableEntries(source, *box, 8);
+                break;
+            case fourCc("stss"):
+                track.hasSyncTable = true;
+                track.syncSamples = tableEntries(source, *box, 4);
+                break;
+            case fourCc("sdtp"):
+                track.dependencies = {box->body.start + 4, box->body.size - 4};
+                break;
             default:
                 break;
         }
@@ -118,29 +128,13 @@ void readEdits(ByteSource& source, const Box& box, TrackLayout& track) {
         const std::uint64_t raw = number(full->reader, wide);
         const std::int64_t mediaTime = wide ? static_cast<std::int64_t>(raw) : static_cast<std::int32_t>(raw);
         full->reader.u32(); // rate
-        if (mediaTime >= 0) {
+        if (mediaTime >= 0 && ++track.mediaEdits == 1) {
             track.mediaStart = mediaTime;
-            return;
-        }
-        track.emptyEdit += duration;
-    }
-}
-
-TrackLayout readTrack(ByteSource& source, ByteRange area) {
-    TrackLayout track;
-    BoxCursor boxes(source, area);
-    while (const std::optional<Box> box = boxes.next()) {
-        if (box->type == fourCc("mdia")) {
-            readMedia(source, box->body, track);
-        } else if (box->type == fourCc("edts")) {
-            BoxCursor edits(source, box->body);
-            while (const std::optional<Box> edit = edits.next()) {
-                if (edit->type == fourCc("elst"))
-                    readEdits(source, *edit, track);
-            }
+            track.editLength = duration;
+        } else if (track.mediaEdits == 0) {
+            track.emptyEdit += duration;
         }
     }
-    return track;
 }
 
 void readMovieHeader(ByteSource& source, const Box& box, ClipLayout& clip) {
@@ -162,7 +156,7 @@ void readMovie(ByteSource& source, ByteRange area, ClipLayout& clip) {
         if (box->type == fourCc("mvhd"))
             readMovieHeader(source, *box, clip);
         else if (box->type == fourCc("trak") && clip.tracks.size() < limits::kTracks)
-            clip.tracks.push_back(readTrack(source, box->body));
+            clip.tracks.push_back(readTrackLayout(source, box->body));
         else if (box->type == fourCc("gps "))
             clip.gpsIndex = box->body;
         else if (box->type == fourCc("udta"))
@@ -179,7 +173,8 @@ std::optional<Box> BoxCursor::next() {
         return std::nullopt;
     std::uint64_t size = qFromBigEndian<std::uint32_t>(head.data());
     std::int64_t headSize = 8;
-    if (size == 0) {
+    const bool hasNoSize = size == 0;
+    if (hasNoSize) {
         size = static_cast<std::uint64_t>(m_rest.size); // extends to the end
     } else if (size == 1) {
         headSize = 16;
@@ -191,9 +186,27 @@ std::optional<Box> BoxCursor::next() {
     const Box box{qFromBigEndian<std::uint32_t>(head.data() + 4),
                   {m_rest.start + headSize, whole - headSize},
                   m_rest.start,
-                  size - static_cast<std::uint64_t>(whole)};
+                  size - static_cast<std::uint64_t>(whole),
+                  hasNoSize};
     m_rest = {m_rest.start + whole, m_rest.size - whole};
     return box;
+}
+
+TrackLayout readTrackLayout(ByteSource& source, ByteRange area) {
+    TrackLayout track;
+    BoxCursor boxes(source, area);
+    while (const std::optional<Box> box = boxes.next()) {
+        if (box->type == fourCc("mdia")) {
+            readMedia(source, box->body, track);
+        } else if (box->type == fourCc("edts")) {
+            BoxCursor edits(source, box->body);
+            while (const std::optional<Box> edit = edits.next()) {
+                if (edit->type == fourCc("elst"))
+                    readEdits(source, *edit, track);
+            }
+        }
+    }
+    return track;
 }
 
 void readMp4Layout(ByteSource& source, ClipLayout& clip) {

@@ -7,12 +7,12 @@
 #include "clips/formats/nmea.h"
 #include "clips/formats/second_records.h"
 #include "clips/formats/sensor_formats.h"
+#include "clips/formats/sensor_parts.h"
 #include "platform/limits.h"
 
 namespace ql240::sensorfiles {
 namespace {
 
-constexpr std::int64_t kAccelerationStepUs = 200'000;
 constexpr double kUnitsPerG = 16;
 
 SecondRecord readPosition(std::span<const char> bytes) {
@@ -32,21 +32,12 @@ SecondRecord readPosition(std::span<const char> bytes) {
     return record;
 }
 
-void readPositions(ByteSource& source, const ClipLayout& clip, RecordSink& sink) {
-    RangeReader reader(source, clip.gps0);
-    std::vector<SecondRecord> seconds;
-    std::array<char, 32> record{};
-    while (seconds.size() < limits::kSensorRecords && reader.read(record))
-        seconds.push_back(readPosition(record));
-    addSecondRecords(seconds, clip.lengthMs, sink);
-}
-
 void readAccelerations(ByteSource& source, ByteRange table, RecordSink& sink) {
     RangeReader reader(source, table);
-    std::array<char, 3> record{};
+    std::array<char, kPlainAccelerationBytes> record{};
     // Includes the first record after the sink's end.
-    for (std::int64_t timeUs = 0; timeUs - kAccelerationStepUs <= sink.endUs() && !sink.isFull();
-         timeUs += kAccelerationStepUs) {
+    for (std::int64_t timeUs = 0; timeUs - kPlainAccelerationStepUs <= sink.endUs() && !sink.isFull();
+         timeUs += kPlainAccelerationStepUs) {
         if (!reader.read(record))
             break;
         const auto g = [&](int axis) { return static_cast<std::int8_t>(record[axis]) / kUnitsPerG; };
@@ -56,8 +47,17 @@ void readAccelerations(ByteSource& source, ByteRange table, RecordSink& sink) {
 
 } // namespace
 
+std::vector<SecondRecord> readPlainPositions(ByteSource& source, const ClipLayout& clip) {
+    RangeReader reader(source, clip.gps0);
+    std::vector<SecondRecord> seconds;
+    std::array<char, kPlainPositionBytes> record{};
+    while (seconds.size() < limits::kSensorRecords && reader.read(record))
+        seconds.push_back(readPosition(record));
+    return seconds;
+}
+
 void readPlainTables(ByteSource& source, const ClipLayout& clip, RecordSink& sink) {
-    readPositions(source, clip, sink);
+    addSecondRecords(readPlainPositions(source, clip), clip.lengthMs, sink);
     readAccelerations(source, clip.gsen, sink);
 }
 

@@ -46,15 +46,6 @@ std::vector<std::int64_t> timesOf(std::span<const SecondRecord> seconds, std::in
     return times;
 }
 
-// If the gaps make the records longer than the clip, they were corrections of the clock, not tunnels.
-std::vector<std::int64_t> likelyTimes(std::span<const SecondRecord> seconds,
-                                      std::optional<std::int64_t> clipLengthMs) {
-    constexpr std::int64_t kLongestTunnelS = 60;
-    std::vector<std::int64_t> times = timesOf(seconds, kLongestTunnelS);
-    const bool fits = times.empty() || !clipLengthMs || times.back() <= *clipLengthMs + kSlackMs;
-    return fits ? times : timesOf(seconds, 1);
-}
-
 } // namespace
 
 std::int64_t clockOf(int year, int month, int day, int hour, int minute, int second) {
@@ -63,6 +54,15 @@ std::int64_t clockOf(int year, int month, int day, int hour, int minute, int sec
     if (!date.isValid() || !time.isValid() || std::abs(date.year()) > kLastYear)
         return RecordedFix::kNoClock;
     return (date.toJulianDay() - kJulianDayOf1970) * kMsPerDay + time.msecsSinceStartOfDay();
+}
+
+// If the gaps make the records longer than the clip, they were corrections of the clock, not tunnels.
+std::vector<std::int64_t> likelyTimes(std::span<const SecondRecord> seconds,
+                                      std::optional<std::int64_t> clipLengthMs) {
+    constexpr std::int64_t kLongestTunnelS = 60;
+    std::vector<std::int64_t> times = timesOf(seconds, kLongestTunnelS);
+    const bool fits = times.empty() || !clipLengthMs || times.back() <= *clipLengthMs + kSlackMs;
+    return fits ? times : timesOf(seconds, 1);
 }
 
 void addSecondRecords(std::span<const SecondRecord> seconds, std::optional<std::int64_t> clipLengthMs,

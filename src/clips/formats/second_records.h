@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <span>
+#include <vector>
 
 #include "clips/formats/record_sink.h"
 
@@ -16,6 +17,10 @@ struct SecondRecord {
 // A date and time in ms since 1970; RecordedFix::kNoClock if it is invalid. Years before 2000 count from
 // 2000.
 std::int64_t clockOf(int year, int month, int day, int hour, int minute, int second);
+
+// The most likely times of all the records of a clip by their clocks, in milliseconds from the clip's start.
+std::vector<std::int64_t> likelyTimes(std::span<const SecondRecord> seconds,
+                                      std::optional<std::int64_t> clipLengthMs);
 
 // Adds all the records of a clip, with the most likely times by their clocks.
 void addSecondRecords(std::span<const SecondRecord> seconds, std::optional<std::int64_t> clipLengthMs,

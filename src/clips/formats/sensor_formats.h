@@ -22,6 +22,10 @@ void readMotionTrack(ByteSource& source, const ClipLayout& clip, RecordSink& sin
 // `createdAt`: the clip's creation time in seconds since 1970.
 void readMotionSample(const TrackSample& sample, RecordSink& sink,
                       std::optional<std::int64_t> createdAt = {});
+// The bytes of a record of that type, with its header of four; 0 for an unknown type.
+std::size_t motionRecordSize(std::size_t type);
+// Whether the measurements in a complete record are in a plausible range.
+bool isPlausibleMotionRecord(std::span<const char> record);
 
 // An index of "GPS " blocks, one record each.
 void readGpsIndex(ByteSource& source, const ClipLayout& clip, RecordSink& sink);

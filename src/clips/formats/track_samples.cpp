@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "clips/formats/sample_tables.h"
 #include "platform/limits.h"
 
 namespace ql240::sensorfiles {
@@ -9,7 +10,6 @@ namespace {
 
 constexpr qsizetype kBatchBytes = 16 * 1024;
 constexpr std::size_t kBatchSamples = 256;
-constexpr std::int64_t kMaxTicks = INT64_C(1) << 52;
 constexpr std::int64_t kMaxSeconds = INT64_C(1) << 40; // the sum of two still fits 64 bits in microseconds
 constexpr std::int64_t kUsPerSecond = 1'000'000;
 
@@ -24,95 +24,6 @@ std::int64_t ticksToUsUp(std::int64_t ticks, std::uint32_t timescale) {
     return std::clamp(seconds, -kMaxSeconds, kMaxSeconds) * kUsPerSecond +
            (rest * kUsPerSecond + scale - 1) / scale;
 }
-
-// The samples' start times, in ticks of the track.
-class SampleTimes {
-public:
-    SampleTimes(ByteSource& source, const TrackLayout& track) : m_entries(source, track.times) {}
-
-    std::optional<std::int64_t> next() {
-        if (m_left == 0) {
-            m_left = m_entries.u32().value_or(0);
-            m_delta = m_entries.u32().value_or(0);
-        }
-        if (m_left == 0 || m_time > kMaxTicks)
-            return std::nullopt;
-        --m_left;
-        const std::int64_t time = m_time;
-        m_time += m_delta;
-        return time;
-    }
-
-private:
-    RangeReader m_entries;
-    std::uint32_t m_left = 0;
-    std::uint32_t m_delta = 0;
-    std::int64_t m_time = 0;
-};
-
-class SampleSizes {
-public:
-    SampleSizes(ByteSource& source, const TrackLayout& track)
-        : m_entries(source, track.sizes),
-          m_constant(track.constantSize),
-          m_bits(track.sizeBits),
-          m_left(track.sampleCount) {}
-
-    std::optional<std::uint32_t> next() {
-        if (m_left == 0)
-            return std::nullopt;
-        --m_left;
-        return m_constant > 0 ? std::optional(m_constant) : nextEntry();
-    }
-
-private:
-    // Sizes of four bits end the track: samples of at most 15 bytes hold no sensor record.
-    std::optional<std::uint32_t> nextEntry() {
-        if (m_bits == 32)
-            return m_entries.u32();
-        const std::optional<std::uint8_t> high = m_entries.byte();
-        if (!high || m_bits == 8)
-            return high;
-        const std::optional<std::uint8_t> low = m_bits == 16 ? m_entries.byte() : std::nullopt;
-        return low ? std::optional<std::uint32_t>(*high << 8 | *low) : std::nullopt;
-    }
-
-    RangeReader m_entries;
-    std::uint32_t m_constant;
-    int m_bits;
-    std::uint32_t m_left;
-};
-
-// The number of samples in each chunk, from the runs of equal chunks.
-class ChunkRuns {
-public:
-    ChunkRuns(ByteSource& source, const TrackLayout& track) : m_entries(source, track.chunkRuns) {
-        readRun();
-    }
-
-    std::uint32_t samplesOf(std::uint32_t chunk) {
-        while (m_next != 0 && chunk >= m_next) {
-            m_samples = m_nextSamples;
-            readRun();
-        }
-        return m_samples;
-    }
-
-private:
-    void readRun() {
-        const std::uint32_t before = m_next;
-        m_next = m_entries.u32().value_or(0);
-        m_nextSamples = m_entries.u32().value_or(0);
-        m_entries.u32(); // sample description
-        if (m_next <= before)
-            m_next = 0;
-    }
-
-    RangeReader m_entries;
-    std::uint32_t m_samples = 0;
-    std::uint32_t m_next = 0;
-    std::uint32_t m_nextSamples = 0;
-};
 
 struct Sample {
     std::int64_t timeUs;
@@ -188,13 +99,6 @@ private:
     std::int64_t m_delayUs = 0;
 };
 
-std::optional<std::int64_t> nextChunk(RangeReader& offsets, const TrackLayout& track, std::int64_t fileSize) {
-    const std::optional<std::uint64_t> offset =
-        track.wideOffsets ? offsets.u64() : std::optional<std::uint64_t>(offsets.u32());
-    const bool isInFile = offset && *offset < static_cast<std::uint64_t>(fileSize);
-    return isInFile ? std::optional<std::int64_t>(*offset) : std::nullopt;
-}
-
 } // namespace
 
 void forEachSample(ByteSource& source, const TrackLayout& track, std::uint32_t fileTimescale,
@@ -214,8 +118,8 @@ void forEachSample(ByteSource& source, const TrackLayout& track, std::uint32_t f
         if (static_cast<std::size_t>(number) > sink.mostRecords())
             break;
         if (leftInChunk == 0) {
-            const std::optional<std::int64_t> start = nextChunk(offsets, track, source.size());
-            leftInChunk = runs.samplesOf(++chunk);
+            const std::optional<std::int64_t> start = nextChunkOffset(offsets, track, source.size());
+            leftInChunk = runs.at(++chunk).samples;
             offset = start.value_or(0);
             if (!start || leftInChunk == 0) {
                 const std::int64_t entry = (chunk - 1) * (track.wideOffsets ? 8LL : 4LL);
@@ -225,13 +129,13 @@ void forEachSample(ByteSource& source, const TrackLayout& track, std::uint32_t f
             }
         }
         const std::optional<std::uint32_t> size = sizes.next();
-        const std::optional<std::int64_t> time = times.next();
+        const std::optional<SampleTimes::Time> time = times.next();
         if (!size || !time) {
             sink.addStop(
                 {"sample", number, (size ? track.times : track.sizes).end(), "the tables end before it"});
             break;
         }
-        const std::int64_t timeUs = clock.usOf(*time);
+        const std::int64_t timeUs = clock.usOf(time->start);
         if (*size > 0)
             batch.add(offset, *size, number, timeUs);
         if (timeUs > sink.endUs())

@@ -34,7 +34,8 @@ bool parseLine(QByteArrayView text, TrailerLine& line) {
         fields[i] = text.sliced(start, end - start);
         start = end + 1;
     }
-    line = {fields[0],
+    line = {{},
+            fields[0],
             toNumber(fields[1]),
             toNumber(fields[2]),
             toInteger(fields[3]),
@@ -46,20 +47,30 @@ bool parseLine(QByteArrayView text, TrailerLine& line) {
 
 } // namespace
 
-bool forEachTrailerLine(QByteArrayView tail, const std::function<void(const TrailerLine&)>& visit) {
+std::optional<qsizetype> findTrailer(QByteArrayView tail) {
     const qsizetype marker = tail.indexOf(kMarker);
     if (marker <= 0)
+        return std::nullopt;
+    return std::min(marker + kMarker.size() + 1, tail.size());
+}
+
+bool forEachTrailerLine(QByteArrayView tail, const std::function<void(const TrailerLine&)>& visit) {
+    const std::optional<qsizetype> start = findTrailer(tail);
+    if (!start)
         return false;
-    QByteArrayView text = tail.sliced(std::min(marker + kMarker.size() + 1, tail.size()));
+    QByteArrayView text = tail.sliced(*start);
     while (!text.isEmpty()) {
         const qsizetype feed = text.indexOf('\n');
         QByteArrayView bytes = feed < 0 ? text : text.first(feed);
-        text = feed < 0 ? QByteArrayView() : text.sliced(feed + 1);
+        const QByteArrayView whole = feed < 0 ? text : text.first(feed + 1);
+        text = text.sliced(whole.size());
         if (bytes.endsWith('\r'))
             bytes.chop(1);
         TrailerLine line;
-        if (!bytes.isEmpty() && parseLine(bytes, line))
+        if (!bytes.isEmpty() && parseLine(bytes, line)) {
+            line.text = whole;
             visit(line);
+        }
     }
     return true;
 }

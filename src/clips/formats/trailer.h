@@ -4,6 +4,7 @@
 
 #include <QByteArrayView>
 #include <functional>
+#include <optional>
 
 namespace ql240::sensorfiles {
 
@@ -11,6 +12,7 @@ namespace ql240::sensorfiles {
 inline constexpr std::int64_t kTrailerBytes = 33006;
 
 struct TrailerLine {
+    QByteArrayView text;  // the whole line, with its line break
     QByteArrayView clock; // ends in "$hhmmss", the camera's time
     double latitude = 0;  // 0: no position, or not a number in the line
     double longitude = 0;
@@ -19,6 +21,9 @@ struct TrailerLine {
     std::int16_t y = 0;
     std::int16_t z = 0;
 };
+
+// The offset of the first line, after the marker; nothing without a marker.
+std::optional<qsizetype> findTrailer(QByteArrayView tail);
 
 // False without a marker. Skips lines with too few fields.
 bool forEachTrailerLine(QByteArrayView tail, const std::function<void(const TrailerLine&)>& visit);

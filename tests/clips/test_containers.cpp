@@ -1,0 +1,194 @@
+// MP4 and AVI files are read and written back byte for byte, also damaged ones if they are accepted; and an
+// AVI file with several lists, for which no other test clip is long enough.
+#include <QFile>
+#include <QMap>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include "clips/containers/avi_index.h"
+#include "clips/containers/avi_writer.h"
+#include "clips/containers/mp4_movie.h"
+#include "platform/limits.h"
+#include "support/clip_damage.h"
+#include "support/sensor_clips.h"
+#include "support/test_clips.h"
+
+namespace ql240 {
+namespace {
+
+using namespace containers;
+
+constexpr sensorfiles::ReadBudget kBudget{limits::kRecordBytes, limits::kRecordReads};
+
+QByteArray bytesOf(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// Reads everything and writes the file back; nothing if it isn't accepted.
+std::optional<QByteArray> rewritten(QFile& file, QFile& to) {
+    QString problem;
+    ByteSource source(file, kBudget);
+    Copier copier(file, to);
+    Mp4File boxes;
+    AviFile chunks;
+    if (file.seek(0) && file.peek(4) == "RIFF") {
+        const bool isRead = readAviChunks(source, chunks, problem);
+        const auto movie = isRead ? readAviMovie(source, chunks, problem) : std::nullopt;
+        for (std::size_t i = 0; movie && i < movie->streams.size(); ++i) {
+            AviIndexCursor cursor(source, *movie, i);
+            while (cursor.next()) {
+            }
+        }
+        if (!isRead || chunks.cut)
+            return std::nullopt;
+        writeAviChunks(chunks, copier);
+    } else {
+        if (!readMp4Boxes(source, boxes, problem))
+            return std::nullopt;
+        const auto movie = readMp4Movie(source, boxes, problem);
+        for (std::size_t i = 0; movie && i < movie->tracks.size(); ++i) {
+            Mp4SampleCursor cursor(source, movie->tracks[i]);
+            while (cursor.next()) {
+            }
+        }
+        writeMp4Boxes(boxes, copier);
+    }
+    return copier.finish() && to.seek(0) ? std::optional(to.readAll()) : QByteArray("unwritten");
+}
+
+std::optional<QByteArray> rewritten(const QByteArray& bytes) {
+    QTemporaryDir folder;
+    QFile file(folder.filePath("clip"));
+    QFile to(folder.filePath("copy"));
+    if (!file.open(QIODevice::ReadWrite) || file.write(bytes) != bytes.size() || !file.flush() ||
+        !to.open(QIODevice::ReadWrite))
+        return QByteArray("unwritten");
+    return rewritten(file, to);
+}
+
+QMap<QByteArray, QByteArray> clips() {
+    QMap<QByteArray, QByteArray> all;
+    for (const madeclips::NamedClip& clip : madeclips::clipsOfAllFormats())
+        all[clip.name] = clip.bytes;
+    all["plain"] = bytesOf(makeTestClip({}));
+    all["two videos, index last"] =
+        bytesOf(makeTestClip({.videoStreams = 2, .bFrames = 2, .faststart = false}));
+    all["avi"] = bytesOf(makeTestClip(aviTestClip()));
+    all["bytes after"] = all["plain"] + "ab";
+    all["text after"] = all["avi"] + "ETKLP1\nline\n";
+    return all;
+}
+
+} // namespace
+
+class TestContainers : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void identical() {
+        const QMap<QByteArray, QByteArray> all = clips();
+        for (auto it = all.begin(); it != all.end(); ++it)
+            QVERIFY2(rewritten(*it) == *it, it.key());
+    }
+
+    // Also files muxed differently by other programs.
+    void identicalOfOthers_data() {
+        QTest::addColumn<QStringList>("program");
+        const QString clip = makeTestClip({});
+        const auto ffmpeg = [&](const char* arguments) {
+            return QStringList{"ffmpeg", "-v", "error", "-i", clip, "-c", "copy"} +
+                   QString(arguments).split(u' ');
+        };
+        QTest::newRow("fragments") << ffmpeg("-movflags frag_keyframe+empty_moov -f mp4");
+        QTest::newRow("QuickTime, PCM") << ffmpeg("-c:a pcm_s16le -f mov");
+        QTest::newRow("H.264 in AVI") << ffmpeg("-bsf:v h264_mp4toannexb -f avi");
+        QTest::newRow("another muxer") << QStringList{
+            "gst-launch-1.0", "-q", "filesrc", "location=" + clip, "!", "qtdemux", "!", "h264parse", "!",
+            "qtmux",          "!",  "filesink"};
+        QTest::newRow("another muxer, avi") << QStringList{
+            "gst-launch-1.0", "-q", "filesrc", "location=" + clip, "!", "qtdemux", "!", "h264parse", "!",
+            "avimux",         "!",  "filesink"};
+    }
+    void identicalOfOthers() {
+        QFETCH(QStringList, program);
+        QTemporaryDir folder;
+        const QString made = folder.filePath("made");
+        const bool isFfmpeg = program.first() == QLatin1String("ffmpeg");
+        if (QStandardPaths::findExecutable(program.first()).isEmpty())
+            QSKIP("the program isn't installed");
+        program << (isFfmpeg ? made : "location=" + made);
+        QCOMPARE(QProcess::execute(program.first(), program.mid(1)), 0);
+        const QByteArray bytes = bytesOf(made);
+        QVERIFY(bytes.size() > 10000);
+        QVERIFY(rewritten(bytes) == bytes);
+    }
+
+    void damagedOnes() {
+        constexpr int kCount = 40;
+        int accepted = 0;
+        const QMap<QByteArray, QByteArray> all = clips();
+        for (const char* name : {"motion", "gps0-avi", "plain", "avi"}) {
+            for (std::size_t kind = 0; kind < kDamageNames.size(); ++kind) {
+                for (int i = 0; i < kCount; ++i) {
+                    const QByteArray clip = damaged(all[name], static_cast<Damage>(kind), i, kCount);
+                    const std::optional<QByteArray> copy = rewritten(clip);
+                    accepted += copy ? 1 : 0;
+                    QVERIFY2(!copy || *copy == clip, name);
+                }
+            }
+        }
+        QVERIFY(accepted > 0);
+    }
+
+    // Rewritten in lists of 200 KB, it has the same packets, by its index and to another program.
+    void longAvi() {
+        const QString clip = makeTestClip(aviTestClip());
+        QTemporaryDir folder;
+        QFile file(clip);
+        QFile to(folder.filePath("long.avi"));
+        QVERIFY(file.open(QIODevice::ReadOnly) && to.open(QIODevice::ReadWrite));
+        const auto movieOf = [](QFile& from, QString problem = {}) {
+            ByteSource source(from, kBudget);
+            AviFile chunks;
+            return readAviChunks(source, chunks, problem) ? readAviMovie(source, chunks, problem)
+                                                          : std::nullopt;
+        };
+        const auto movie = movieOf(file);
+        QVERIFY(movie);
+        Copier copier(file, to);
+        AviWriter writer(*movie, file.size(), copier, 200'000);
+        writer.begin();
+        ByteSource source(file, kBudget);
+        AviMediaCursor cursor(source, movie->media.front());
+        while (const auto piece = cursor.next())
+            writer.add(*piece->stream(), piece->body, true);
+        writer.finish();
+        QVERIFY(copier.finish());
+        const auto packets = [](const QString& path) {
+            QProcess ffmpeg;
+            ffmpeg.start("ffmpeg",
+                         {"-v", "error", "-i", path, "-map", "0", "-c", "copy", "-f", "framemd5", "-"});
+            return ffmpeg.waitForFinished(60000) ? ffmpeg.readAllStandardOutput() : QByteArray();
+        };
+        QVERIFY(!packets(clip).isEmpty());
+        QCOMPARE(packets(to.fileName()), packets(clip));
+        const auto again = movieOf(to);
+        QVERIFY(again && again->media.size() > 2);
+        ByteSource written(to, kBudget);
+        AviIndexCursor index(written, *again, 0);
+        std::uint32_t count = 0;
+        while (index.next())
+            ++count;
+        QCOMPARE(index.problem(), QString());
+        QCOMPARE(count, movie->streams[0].length);
+        QVERIFY(rewritten(bytesOf(to.fileName())) == bytesOf(to.fileName()));
+    }
+};
+
+} // namespace ql240
+
+QTEST_GUILESS_MAIN(ql240::TestContainers)
+#include "test_containers.moc"
