@@ -1,10 +1,12 @@
 // The player on the real pipeline, with clips whose frames carry their number.
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <QRandomGenerator>
 #include <QThread>
 
 #include "clips/clip.h"
+#include "clips/cut/clip_cutter.h"
 #include "platform/gstreamer/gst_media_platform.h"
 #include "platform/host.h"
 #include "playback/sample_handler.h"
@@ -110,6 +112,27 @@ private Q_SLOTS:
             QTRY_COMPARE_WITH_TIMEOUT(open.shown(), expected, kPatienceMs);
             QVERIFY(std::abs(open.player().positionMs() - ms) <= (ms == duration ? 1 : 0));
         }
+    }
+
+    // A piece of a clip begins with the requested frame, regardless of the frames needed to decode it.
+    void piecesBeginWithTheirFrame_data() { clips(); }
+    void piecesBeginWithTheirFrame() {
+        QFETCH(TestClipSpec, spec);
+        const QString clip = makeTestClip(spec);
+        const auto times = testClipFrameTimes(spec);
+        const auto isShownAt = [&](std::chrono::milliseconds time) { return frameAt(times, time); };
+        QTemporaryDir folder;
+        const QString path = folder.filePath("piece." + QFileInfo(clip).suffix());
+        const CutResult result = cutClip({clip, {750'000, 1'550'000}, true, path});
+        QCOMPARE(result.status, CutResult::Status::Done);
+        OpenClip open(path);
+        QVERIFY(open.opened);
+        QTRY_COMPARE_WITH_TIMEOUT(open.grabbed(), isShownAt(750ms), kPatienceMs);
+        const auto length = times[isShownAt(1550ms) + 1] - times[isShownAt(750ms)];
+        QVERIFY(std::abs(open.player().durationMs() - length / 1ms) <= 1000 / spec.rate);
+        QVERIFY(open.player().seek(400));
+        const auto later = times[isShownAt(750ms)] + 400ms;
+        QTRY_COMPARE_WITH_TIMEOUT(open.grabbed(), frameAt(times, later), kPatienceMs);
     }
 
     void tenQuickStepsLandExactly_data() { clips(); }

@@ -1,0 +1,107 @@
+#include "clips/cut/clip_cutter.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <algorithm>
+
+#include "clips/clip_name.h"
+#include "clips/containers/new_file.h"
+#include "clips/cut/avi_cut.h"
+#include "clips/cut/mp4_cut.h"
+
+namespace ql240 {
+namespace {
+
+constexpr std::int64_t kUsPerMs = 1000;
+constexpr qsizetype kPrefixLength = 4; // "REC_"
+constexpr qsizetype kStampLength = 19;
+// Anywhere in a path, they mark a clip whose trailer begins late.
+const QString kLateWords[] = {QStringLiteral("EVT_"), QStringLiteral("MOT_")};
+
+bool hasLateWord(const QString& text) {
+    return text.contains(kLateWords[0]) || text.contains(kLateWords[1]);
+}
+
+bool isRiff(QFile& file) {
+    return file.seek(0) && file.read(4) == "RIFF";
+}
+
+std::unique_ptr<ClipPiece> pieceOf(QFile& file, const CutRequest& request, QString& problem) {
+    if (!isRiff(file))
+        return cut::pieceOfMp4(file, request.range, request.keepsSound, problem);
+    const bool startsLate = hasLateWord(QFileInfo(request.clip).absoluteFilePath());
+    return cut::pieceOfAvi(file, request.range, request.keepsSound, startsLate, problem);
+}
+
+bool openClip(QFile& file, QString& problem) {
+    const QFileInfo info(file.fileName());
+    // Reading anything else might block or never end.
+    if (info.exists() && !info.isFile())
+        problem = QStringLiteral("no regular file");
+    else if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        problem = file.errorString();
+    return problem.isEmpty();
+}
+
+void writePiece(QFile& clip, ClipPiece& piece, containers::NewFile& output, const CutProgress& progress,
+                CutResult& result) {
+    const std::int64_t total = piece.bytes();
+    containers::Copier copier(clip, output.device(), [&](std::int64_t bytes) {
+        return !progress || progress(std::min(bytes, total), total);
+    });
+    piece.write(copier);
+    const bool isWritten = copier.finish();
+    if (copier.isCancelled())
+        result.status = CutResult::Status::Cancelled;
+    else if (!isWritten)
+        result.reason = copier.failure();
+    else if (output.commit(result.reason))
+        result.status = CutResult::Status::Done;
+}
+
+} // namespace
+
+QString cutName(const QString& fileName, std::int64_t fromUs) {
+    const qsizetype dot = fileName.lastIndexOf(u'.');
+    const QString ending = dot < 0 ? QString() : fileName.sliced(dot);
+    QString name = dot < 0 ? fileName : fileName.first(dot);
+    const QDateTime start = clipStart(fileName);
+    if (start.isValid()) {
+        const QString stamp =
+            start.addMSecs(fromUs / kUsPerMs).toString(QStringLiteral("yyyy_MM_dd_hh_mm_ss"));
+        name.replace(kPrefixLength, kStampLength, stamp);
+    }
+    for (const QString& word : kLateWords)
+        name.replace(word, QStringLiteral("REC_"), Qt::CaseInsensitive);
+    return name + QStringLiteral("_cut") + ending;
+}
+
+CutResult cutClip(const CutRequest& request, const CutProgress& progress) {
+    CutResult result;
+    result.output = request.output;
+    QFile clip(request.clip);
+    if (!openClip(clip, result.reason))
+        return result;
+    const std::unique_ptr<ClipPiece> piece = pieceOf(clip, request, result.reason);
+    if (!piece)
+        return result;
+    result.range = piece->range();
+    result.remarks = piece->remarks();
+    if (result.output.isEmpty())
+        result.output = cutName(QFileInfo(request.clip).fileName(), result.range.fromUs);
+    if (isRiff(clip) && hasLateWord(QFileInfo(result.output).absoluteFilePath()))
+        result.remarks << QStringLiteral(
+            "EVT_ or MOT_ in its path: the viewer will assume that its sensor data begin late");
+    if (containers::isSameFile(request.clip, result.output)) {
+        result.reason = QStringLiteral("%1 is the clip itself").arg(result.output);
+        return result;
+    }
+    containers::NewFile output(result.output, request.overwrites);
+    if (output.open(result.reason))
+        writePiece(clip, *piece, output, progress, result);
+    else
+        result.reason = QStringLiteral("%1: %2").arg(result.output, result.reason);
+    return result;
+}
+
+} // namespace ql240
