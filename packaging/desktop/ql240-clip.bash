@@ -4,7 +4,7 @@ _ql240_clip() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} command=${COMP_WORDS[1]} options
     COMPREPLY=()
     if [ "$COMP_CWORD" -eq 1 ]; then
-        mapfile -t COMPREPLY < <(compgen -W 'info track events --help --version' -- "$word")
+        mapfile -t COMPREPLY < <(compgen -W 'info track events cut repair --help --version' -- "$word")
         return
     fi
     case $before in
@@ -12,8 +12,8 @@ _ql240_clip() {
             mapfile -t COMPREPLY < <(compgen -W 'gpx kml geojson csv' -- "$word")
             return
             ;;
-        --threshold) return ;;
-        -o | --output)
+        --threshold | --from | --to) return ;;
+        -o | --output | --like)
             compopt -o filenames
             mapfile -t COMPREPLY < <(compgen -f -- "$word")
             return
@@ -23,6 +23,8 @@ _ql240_clip() {
         info) options='--json' ;;
         track) options='--format --output --force --accelerations' ;;
         events) options='--threshold --json' ;;
+        cut) options='--from --to --no-sound --output --force' ;;
+        repair) options='--like --output --force' ;;
         *) return ;;
     esac
     if [[ $word == -* ]]; then

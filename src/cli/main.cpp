@@ -51,6 +51,12 @@ int main(int argc, char** argv) {
         case Command::Events:
             isWritten = runEvents(*options, reports);
             break;
+        case Command::Cut:
+            isWritten = runCut(*options, reports);
+            break;
+        case Command::Repair:
+            isWritten = runRepair(*options, reports);
+            break;
     }
     return isWritten && !reports.hasFailures() ? kDone : kSomeFailed;
 }

@@ -84,6 +84,7 @@ private Q_SLOTS:
         put("text.mp4", "no clip at all");
         put("mute.mp4", mp4({}));
         put("quiet.mp4", textless());
+        put("cut.mp4", driveClip(start, 0).left(2000));
         put("old.gpx", "old");
         QVERIFY(QFile::link("outside.gpx", "link.gpx"));
     }
@@ -106,6 +107,14 @@ private Q_SLOTS:
         row("info - -", 2, "ql240-clip: standard input can be read once only\n");
         row("info --version", 0, "");
         row("info --help", 0, "");
+        row("cut --from 1 card", 2, "ql240-clip: --to is needed\n");
+        row("cut --from 1:x --to 2 card", 2, "ql240-clip: \"1:x\" is no time\n");
+        row("cut --from 0:01:02.5 --to 1:01 card", 2, "ql240-clip: the piece ends before it begins\n");
+        row("cut --from 1 --to 2 card mute.mp4", 2, "ql240-clip: only one clip can be cut at a time\n");
+        row("cut --from 1 --to 2 -o - mute.mp4", 2, "ql240-clip: a piece is cut from a file into a file\n");
+        row("cut --from 1 --to 2 -o none.gpx empty", 1, "ql240-clip: empty: no regular file\n");
+        row("cut --from 1 --to 2 -o old.gpx card/REC_2013_04_05_21_30_00.mp4", 1,
+            "ql240-clip: card/REC_2013_04_05_21_30_00.mp4: old.gpx: it exists; --force writes over it\n");
         row("info mute.mp4 card", 0, "");
         row("info no\x1b[2J.mp4", 1, "ql240-clip: no?[2J.mp4: No such file or directory\n");
         row("info nowhere.mp4", 1, "ql240-clip: nowhere.mp4: No such file or directory\n");
@@ -121,6 +130,15 @@ private Q_SLOTS:
         row("track -o none.gpx mute.mp4", 1, "ql240-clip: mute.mp4: no position in it\n");
         row("track -f csv -o /dev/null --force card", 1, "ql240-clip: /dev/null: no regular file\n");
         row("track -o link.gpx --force card", 1, "ql240-clip: link.gpx: no regular file\n");
+        row("repair cut.mp4 mute.mp4", 2, "ql240-clip: one clip or folder at a time\n");
+        row("repair -", 2, "ql240-clip: repair needs files\n");
+        row("repair mute.mp4", 1, "ql240-clip: mute.mp4: it has its index, or is no clip\n");
+        row("repair -o cut.mp4 --force cut.mp4", 1, "ql240-clip: cut.mp4: it is the clip itself\n");
+        row("repair -o link.gpx --force cut.mp4", 1, "ql240-clip: link.gpx: no regular file\n");
+        row("repair -o old.gpx cut.mp4", 1, "ql240-clip: old.gpx: it exists; --force writes over it\n");
+        row("repair -o none.gpx cut.mp4", 1,
+            "ql240-clip: cut.mp4: it needs a pattern: a whole MP4 clip of the same camera and settings, type "
+            "\"mp42\"\n");
     }
     void endings() {
         QFETCH(QString, arguments);
@@ -133,6 +151,13 @@ private Q_SLOTS:
         QCOMPARE(ended.output.isEmpty(), !writes || arguments.contains("-o"));
         QCOMPARE(bytesOf("old.gpx"), QByteArray("old"));
         QVERIFY(!QFile::exists("none.gpx"));
+    }
+
+    void cut() {
+        const Ended ended = clip("cut --from 2 --to 0:04 card/REC_2013_04_05_21_30_00.mp4");
+        QCOMPARE(ended.output, "REC_2013_04_05_21_30_02_cut.mp4\n");
+        const QByteArray info = clip("info --json REC_2013_04_05_21_30_02_cut.mp4").output;
+        QCOMPARE(QJsonDocument::fromJson(info).array().at(0).toObject()["fixes"].toInt(), 4);
     }
 
     void info() {

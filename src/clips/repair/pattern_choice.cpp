@@ -1,0 +1,207 @@
+#include "clips/repair/pattern_choice.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <algorithm>
+#include <limits>
+#include <tuple>
+
+#include "clips/clip_folder.h"
+#include "clips/clip_name.h"
+#include "clips/repair/mp4_repair.h"
+#include "platform/limits.h"
+
+namespace ql240::repair {
+
+using containers::Mp4Sample;
+using containers::Mp4SampleCursor;
+
+namespace {
+
+constexpr int kTried = 500;               // samples
+constexpr int kEnough = 10;               // pictures before something unrecognizable
+constexpr std::int64_t kMostSkipped = 64; // bytes of an invalid header
+constexpr double kMoreApart = 0.25;       // seconds
+constexpr qsizetype kMostPatterns = 32;
+
+QByteArray typeOf(FileWindow& window) {
+    OuterBoxes boxes(window);
+    const std::optional<OuterBoxes::Part> first = boxes.next();
+    if (!first || first->type != fourCc("ftyp") || first->body.size > 1024)
+        return {};
+    const Bytes bytes = window.at(first->body.start, static_cast<std::size_t>(first->body.size));
+    return {reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size())};
+}
+
+// Runs of uncompressed sound are longer than the cursor's.
+bool isNextInTables(Mp4SampleCursor& samples, const FoundMedia& found) {
+    std::int64_t at = found.offset;
+    while (at < found.offset + found.size) {
+        const std::optional<Mp4Sample> sample = samples.next();
+        if (!sample || sample->offset != at)
+            return false;
+        at += sample->size;
+    }
+    return at == found.offset + found.size;
+}
+
+// Counts the pictures that a walk finds in each track.
+class PictureCount {
+public:
+    explicit PictureCount(const Mp4Pattern& pattern) : m_pattern(pattern), m_counts(pattern.tracks.size()) {}
+
+    void take(const FoundMedia& found) {
+        if (found.track == FoundMedia::kGpsBlock || !m_pattern.tracks[found.track].isPicture())
+            return;
+        ++m_all;
+        ++m_counts[found.track];
+        m_unexpected += found.isExpected ? 0 : 1;
+        m_apart = std::max(m_apart, secondsApart());
+    }
+    int all() const { return m_all; }
+    int unexpected() const { return m_unexpected; }
+    double mostApart() const { return m_apart; }
+
+private:
+    double secondsApart() const {
+        double least = std::numeric_limits<double>::max();
+        double most = 0;
+        for (std::size_t i = 0; i < m_counts.size(); ++i) {
+            const TrackPattern& track = m_pattern.tracks[i];
+            if (!track.isPicture())
+                continue;
+            const auto ticks = static_cast<double>(track.durations.front().ticksOf(m_counts[i]));
+            least = std::min(least, ticks / track.track.layout.timescale);
+            most = std::max(most, ticks / track.track.layout.timescale);
+        }
+        return most - least;
+    }
+
+    const Mp4Pattern& m_pattern;
+    std::vector<int> m_counts;
+    int m_all = 0;
+    int m_unexpected = 0;
+    double m_apart = 0;
+};
+
+// Whether a walk finds the samples of the pattern's own clip where its index lists them. Otherwise it can't
+// be trusted with others.
+bool findsItself(QFileDevice& file, Mp4Pattern& pattern) {
+    ByteSource source(file, {std::numeric_limits<std::int64_t>::max(), limits::kRecordReads});
+    std::vector<std::unique_ptr<Mp4SampleCursor>> cursors;
+    for (const TrackPattern& track : pattern.tracks)
+        cursors.push_back(std::make_unique<Mp4SampleCursor>(source, track.track));
+    FileWindow window(file);
+    MediaWalk walk(window, pattern, pattern.media);
+    PictureCount pictures(pattern);
+    std::optional<FoundMedia> found = walk.next();
+    for (int i = 0; i < kTried && found; ++i, found = walk.next()) {
+        if (found->track != FoundMedia::kGpsBlock && !isNextInTables(*cursors[found->track], *found))
+            return false;
+        pictures.take(*found);
+    }
+    pattern.hasPadding = walk.skippedBytes() > 0;
+    pattern.secondsApart = pictures.mostApart();
+    return found || walk.end() == MediaWalk::End::Area || walk.end() == MediaWalk::End::Box;
+}
+
+// Missing or unrecognized samples show that the pattern is of another kind.
+bool isFoundIn(QFileDevice& damaged, const Mp4Pattern& pattern) {
+    FileWindow window(damaged);
+    OuterBoxes boxes(window);
+    std::optional<OuterBoxes::Part> part = boxes.next();
+    while (part && part->type != fourCc("mdat"))
+        part = boxes.next();
+    if (!part)
+        return false;
+    MediaWalk walk(window, pattern, part->body);
+    PictureCount pictures(pattern);
+    std::optional<FoundMedia> found = walk.next();
+    for (int i = 0; i < kTried && found; ++i, found = walk.next())
+        pictures.take(*found);
+    const bool skipsWhatIsThere = walk.skippedBytes() > kMostSkipped && !pattern.hasPadding;
+    const bool lacksVideo = pictures.mostApart() > pattern.secondsApart + kMoreApart;
+    const bool isOther = pictures.unexpected() * kEnough > pictures.all() || skipsWhatIsThere || lacksVideo;
+    const bool isFollowed = walk.end() != MediaWalk::End::Unknown || pictures.all() >= kEnough;
+    return pictures.all() > 0 && !isOther && isFollowed;
+}
+
+QString shapeOf(const QString& fileName) {
+    QString shape = fileName.toUpper();
+    shape.removeIf([](QChar c) { return c.isDigit(); });
+    return shape;
+}
+
+QDateTime startOf(const QFileInfo& file) {
+    const QDateTime byName = clipStart(file.fileName());
+    return byName.isValid() ? byName : file.lastModified();
+}
+
+} // namespace
+
+std::unique_ptr<Mp4Pattern> fittingPattern(const QString& healthy, QFileDevice& damaged, QString& problem) {
+    QFile file(healthy);
+    if (!QFileInfo(healthy).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+        problem = QFileInfo(healthy).isFile() ? file.errorString() : QStringLiteral("no regular file");
+        return nullptr;
+    }
+    std::optional<Mp4Pattern> pattern = readMp4Pattern(file, problem);
+    if (!pattern)
+        return nullptr;
+    FileWindow window(damaged);
+    const QByteArray type = typeOf(window);
+    const bool isSameType = type.isEmpty() || type == pattern->type;
+    if (!findsItself(file, *pattern))
+        problem = QStringLiteral("its samples can't be distinguished without an index");
+    else if (!isSameType || !isFoundIn(damaged, *pattern))
+        problem = QStringLiteral("it is of another kind");
+    const QDateTime start = clipStart(QFileInfo(healthy).fileName());
+    const QDateTime damagedStart = clipStart(QFileInfo(damaged.fileName()).fileName());
+    if (start.isValid() && damagedStart.isValid())
+        pattern->laterS = start.secsTo(damagedStart);
+    return problem.isEmpty() ? std::make_unique<Mp4Pattern>(std::move(*pattern)) : nullptr;
+}
+
+QStringList patternsFor(const QString& clip) {
+    const QFileInfo wanted(clip);
+    QList<QFileInfo> others = listFolder(wanted.path()).recordings;
+    others.removeIf([&](const QFileInfo& file) {
+        return file.fileName() == wanted.fileName() ||
+               !file.fileName().endsWith(QLatin1String(".mp4"), Qt::CaseInsensitive);
+    });
+    const QString shape = shapeOf(wanted.fileName());
+    const QDateTime start = startOf(wanted);
+    const auto key = [&](const QFileInfo& file) {
+        return std::tuple(shapeOf(file.fileName()) != shape, std::abs(startOf(file).msecsTo(start)),
+                          file.fileName());
+    };
+    std::sort(others.begin(), others.end(),
+              [&](const QFileInfo& a, const QFileInfo& b) { return key(a) < key(b); });
+    QStringList names;
+    for (const QFileInfo& file : others.first(std::min(others.size(), kMostPatterns)))
+        names << file.filePath();
+    return names;
+}
+
+QString wantedKind(QFileDevice& damaged) {
+    FileWindow window(damaged);
+    const QByteArray type = typeOf(window).left(4);
+    OuterBoxes boxes(window);
+    std::optional<OuterBoxes::Part> part = boxes.next();
+    while (part && part->type != fourCc("mdat"))
+        part = boxes.next();
+    const Bytes head = part ? window.at(part->body.start, 6) : Bytes();
+    QString kind = QStringLiteral("a whole MP4 clip of the same camera and settings");
+    if (head.size() == 6 && head[0] == 0) {
+        const bool isH264 = (head[4] & 0x80) == 0 &&
+                            ((head[4] & 0x1F) == 5 || ((head[4] & 0x1F) >= 6 && (head[4] & 0x1F) <= 9));
+        const int h265Type = head[4] >> 1;
+        const bool isH265 = (head[4] & 0x81) == 0 && head[5] == 1 && (h265Type >= 32 && h265Type <= 39);
+        kind += isH265 ? QStringLiteral(", H.265") : isH264 ? QStringLiteral(", H.264") : QString();
+    } else if (head.size() == 6 && head[0] == 0xFF && head[1] == 0xD8) {
+        kind += QStringLiteral(", Motion-JPEG");
+    }
+    return type.size() == 4 ? kind + QStringLiteral(", type \"%1\"").arg(QString::fromLatin1(type)) : kind;
+}
+
+} // namespace ql240::repair
