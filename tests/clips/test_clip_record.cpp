@@ -167,6 +167,21 @@ private Q_SLOTS:
         moved.replace(entry, 4, bigEndian(0x7FFFFFFF, 4));
         QTest::newRow("chunk")
             << moved << QStringLiteral("sample 2 at byte %1: no chunk in the file holds it").arg(entry);
+        const QByteArray badPlace = gpsBlock({12, 30, 59, 13, 4, 5}, "ANE", 3760.0F, 12707.75F, 10);
+        QTest::newRow("60 minutes in a block")
+            << gpsIndexClip({good, badPlace}) << "GPS block 2 at byte 540: no valid position";
+        const auto plain = [](const char* name, const QByteArray& table, const char* said) {
+            QTest::newRow(name) << mp4({}, {}, table) << said;
+        };
+        const QByteArray position = gps0Record(3724.5, 12707.5, 18, {13, 4, 5, 12, 30, 0, 0});
+        plain("60 minutes in a table", box("gps0", gps0Record(3760, 12707.5, 18, {13, 4, 5, 12, 30, 0, 0})),
+              "position 1 at byte 224: no valid position");
+        plain("cut table", box("gps0", position + "abc"),
+              "position 2 at byte 256: it isn't whole in the file");
+        plain("long table", box("gps0", position.repeated(100001)),
+              "position 100,001 at byte 3,200,224: it and later ones aren't read");
+        plain("cut accelerations", box("gsen", "abcd"),
+              "acceleration 2 at byte 227: it isn't whole in the file");
         QTest::newRow("cut file") << mp4({}, {}, box("free", QByteArray(2000, 'x'))).chopped(1234)
                                   << "\"free\" at byte 216: the file ends 1,234 bytes before it does";
         QTest::newRow("no index") << box("ftyp", "mp42") + box("mdat", QByteArray(9, 'x'))

@@ -54,9 +54,10 @@ double headingAfter(std::span<const char> block, std::size_t letters) {
     return degrees >= 0 && degrees <= 360 ? degrees : RecordedFix::kNothing;
 }
 
-// Sets `reason` if the block has no valid record.
+// Sets `reason` to what is wrong with the block's record, or to nullptr.
 SecondRecord readBlock(std::span<const char> block, const char*& reason) {
     SecondRecord record;
+    reason = nullptr;
     record.isRead = isGpsBlock(block);
     const std::optional<std::size_t> letters = record.isRead ? findLetters(block) : std::nullopt;
     if (!letters) {
@@ -72,29 +73,36 @@ SecondRecord readBlock(std::span<const char> block, const char*& reason) {
         fix.longitude = block[*letters + 2] == 'E' ? longitude : -longitude;
         fix.headingDeg = headingAfter(block, *letters);
         fix.speedKmh = static_cast<double>(field<float>(block, *letters + 12)) * kKmhPerKnot;
+        reason = fix.isValid() ? nullptr : "no valid position";
     }
     return record;
 }
 
 } // namespace
 
-std::vector<GpsBlock> readGpsBlocks(ByteSource& source, const ClipLayout& clip) {
+std::vector<GpsBlock> readGpsBlocks(ByteSource& source, const ClipLayout& clip, std::int64_t endUs) {
     RangeReader index(source, clip.gpsIndex);
     index.u32(); // version
-    const std::uint32_t count = std::min<std::uint32_t>(index.u32().value_or(0), limits::kSensorRecords);
+    const std::uint32_t count = index.u32().value_or(0);
     std::vector<GpsBlock> blocks;
+    TimesSoFar times(clip.lengthMs);
     std::array<char, limits::kGpsBlockBytes> bytes{};
-    for (std::uint32_t i = 0; i < count; ++i) {
+    while (blocks.size() < count && !times.reach(endUs)) {
         const std::optional<std::uint32_t> offset = index.u32();
         const std::optional<std::uint32_t> size = index.u32();
         if (!offset || !size) {
             blocks.push_back({{clip.gpsIndex.end(), 0}, {}, "the index ends before it", false});
             break;
         }
+        if (blocks.size() == limits::kSensorRecords) {
+            blocks.push_back({{*offset, 0}, {}, "it and later ones aren't read", false});
+            break;
+        }
         const std::span<char> wanted = std::span(bytes).first(std::min<std::size_t>(*size, bytes.size()));
         const std::span<const char> block = wanted.first(source.read(*offset, wanted));
         GpsBlock& added = blocks.emplace_back(GpsBlock{{*offset, *size}, {}, nullptr});
         added.record = readBlock(block, added.problem);
+        times.add(added.record);
     }
     return blocks;
 }
@@ -102,7 +110,7 @@ std::vector<GpsBlock> readGpsBlocks(ByteSource& source, const ClipLayout& clip) 
 void readGpsIndex(ByteSource& source, const ClipLayout& clip, RecordSink& sink) {
     std::vector<SecondRecord> seconds;
     std::int64_t number = 0;
-    for (const GpsBlock& block : readGpsBlocks(source, clip)) {
+    for (const GpsBlock& block : readGpsBlocks(source, clip, sink.endUs())) {
         ++number;
         if (block.problem)
             sink.addStop({"GPS block", number, block.range.start, block.problem});

@@ -22,6 +22,26 @@ std::int64_t clockOf(int year, int month, int day, int hour, int minute, int sec
 std::vector<std::int64_t> likelyTimes(std::span<const SecondRecord> seconds,
                                       std::optional<std::int64_t> clipLengthMs);
 
+// Whether the records added so far, in order, are enough for their times up to some end: later ones decide
+// whether a gap before it was a tunnel or a correction of the clock.
+class TimesSoFar {
+public:
+    explicit TimesSoFar(std::optional<std::int64_t> clipLengthMs) : m_clipLengthMs(clipLengthMs) {}
+
+    void add(const SecondRecord& record);
+    // True once the last record is later than `endUs`, whatever follows.
+    bool reach(std::int64_t endUs) const;
+
+private:
+    std::optional<std::int64_t> m_clipLengthMs;
+    SecondRecord m_first; // of the last run of records whose clock doesn't advance
+    std::int64_t m_count = 0;
+    std::int64_t m_withTunnelsMs = 0; // when that run begins, by both explanations of gaps
+    std::int64_t m_withoutMs = 0;
+    bool m_agree = true;
+    bool m_hasRecord = false;
+};
+
 // Adds all the records of a clip, with the most likely times by their clocks.
 void addSecondRecords(std::span<const SecondRecord> seconds, std::optional<std::int64_t> clipLengthMs,
                       RecordSink& sink);

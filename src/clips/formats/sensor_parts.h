@@ -6,6 +6,7 @@
 
 #include "clips/formats/clip_layout.h"
 #include "clips/formats/second_records.h"
+#include "platform/limits.h"
 
 namespace ql240::sensorfiles {
 
@@ -14,15 +15,18 @@ struct GpsBlock {
     ByteRange range;
     SecondRecord record;
     const char* problem;  // why the record is invalid, or nullptr
-    bool isListed = true; // false: the index ends before it
+    bool isListed = true; // false: not read, and the last one
 };
-std::vector<GpsBlock> readGpsBlocks(ByteSource& source, const ClipLayout& clip);
+// `endUs`: reads no further than the first block that is certainly later.
+std::vector<GpsBlock> readGpsBlocks(ByteSource& source, const ClipLayout& clip,
+                                    std::int64_t endUs = limits::kRecordUs);
 
-// The records of "gps0" and "gsen".
+// The records of "gps0" (up to the first one that is certainly later than `endUs`) and "gsen".
 inline constexpr std::int64_t kPlainPositionBytes = 32;
 inline constexpr std::int64_t kPlainAccelerationBytes = 3;
 inline constexpr std::int64_t kPlainAccelerationStepUs = 200'000;
-std::vector<SecondRecord> readPlainPositions(ByteSource& source, const ClipLayout& clip);
+std::vector<SecondRecord> readPlainPositions(ByteSource& source, const ClipLayout& clip,
+                                             std::int64_t endUs = limits::kRecordUs);
 
 // The parts of a log in a "free" box.
 struct FreeLog {

@@ -249,6 +249,17 @@ private Q_SLOTS:
         QTest::newRow("a clock that stands") << tableClip({7, 7, 7, 7, 7}) << everySecond;
         QTest::newRow("set by years, set back") << tableClip({0, 86400, 86401, 1, 2}) << everySecond;
         QTest::newRow("set by more than the clip has") << tableClip({0, 1, 40, 41, 75}) << everySecond;
+        // 36 s are a tunnel in a clip of 100 s, until its end shows that all is too long.
+        QList<int> late{0, 1, 38};
+        QList<int> seconds{0, 1000, 2000};
+        for (int i = 3; i < 60; ++i) {
+            late << 36 + i;
+            seconds << i * 1000;
+        }
+        const QByteArray minute = bigEndian(1000, 4) + bigEndian(60000, 4);
+        QTest::newRow("set by more than a longer clip has")
+            << tableClip(late << 150).replace(minute, bigEndian(1000, 4) + bigEndian(100000, 4))
+            << seconds + QList<int>{60000};
         QTest::newRow("two a second") << tableClip({0, 0, 1, 1, 2}) << QList<int>{0, 500, 1000, 1500, 2000};
         QTest::newRow("log: lines missing") << logClip({0, 1, 2, 38, 39}) << tunnel;
         QTest::newRow("log: set by years, set back") << logClip({0, 86400, 86401, 1, 2}) << everySecond;

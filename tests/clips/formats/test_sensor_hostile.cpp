@@ -243,6 +243,31 @@ private Q_SLOTS:
         QCOMPARE(z, qint16(128));
         QVERIFY(device.bytesRead <= clip.after.size() / 2);
     }
+
+    // An hour of records that have no times but their clocks: none is read past the dashboard's minute.
+    void longClips_data() {
+        QTest::addColumn<QByteArray>("clip");
+        QList<QByteArray> blocks;
+        QByteArray records;
+        for (int i = 0; i < 3600; ++i) {
+            const QList<int> clock{12, i / 60, i % 60, 13, 4, 5};
+            blocks << gpsBlock(clock, "ANE", 3724.5F, 12707.75F, 10);
+            records += gps0Record(3724.5, 12707.5, 18, {13, 4, 5, 12, i / 60, i % 60, 0});
+        }
+        QTest::newRow("index of blocks") << gpsIndexClip(blocks);
+        QTest::newRow("plain table") << mp4({}, {}, box("gps0", records));
+        QTest::newRow("plain table without clocks")
+            << mp4({}, {}, box("gps0", gps0Record(3724.5, 12707.5, 18, QList<int>(7)).repeated(3600)));
+    }
+    void longClips() {
+        QFETCH(QByteArray, clip);
+        HollowDevice device(clip);
+        SensorFileLibrary library;
+        const SensorLibrary::Handle handle = library.readClip(device);
+        qint16 x = 0, y = 0, z = 0;
+        QVERIFY(library.getAccXYZ(handle, 61000, &x, &y, &z) != 0);
+        QVERIFY2(device.bytesRead <= 100000, QByteArray::number(device.bytesRead).constData());
+    }
 };
 
 } // namespace ql240
