@@ -182,6 +182,21 @@ private Q_SLOTS:
               "position 100,001 at byte 3,200,224: it and later ones aren't read");
         plain("cut accelerations", box("gsen", "abcd"),
               "acceleration 2 at byte 227: it isn't whole in the file");
+        const auto text = [](const char* name, const QByteArray& line, const char* said) {
+            QTest::newRow(name) << textClip({line}) << said;
+        };
+        text("60 minutes in a sentence", rmc("120000", "3760.0,N,12707.5,E"),
+             "text sample 1 at byte 100: no valid position");
+        text("sensor line", "gsensori,0,1,2,3;gsensori,1,2,3",
+             "text sample 1 at byte 100: invalid accelerations|"
+             "text sample 1 at byte 100: invalid accelerations");
+        plain("log without a clock", box("free", box("gps ", rmc("120000") + "[0]" + rmc("120001"))),
+              "log line 1 at byte 232: no clock before it");
+        plain("log with a bad clock", box("free", box("gps ", "[0]" + rmc("120000") + "[x]" + rmc("120001"))),
+              "log line 2 at byte 294: its clock isn't a number");
+        plain("no end mark", box("free", box("3gf ", QByteArray(10, '\0'))),
+              "acceleration 2 at byte 242: the table has no end mark");
+        plain("end mark alone", box("free", box("3gf ", QByteArray(10, '\0') + QByteArray(4, '\xFF'))), "");
         QTest::newRow("cut file") << mp4({}, {}, box("free", QByteArray(2000, 'x'))).chopped(1234)
                                   << "\"free\" at byte 216: the file ends 1,234 bytes before it does";
         QTest::newRow("no index") << box("ftyp", "mp42") + box("mdat", QByteArray(9, 'x'))
@@ -191,6 +206,37 @@ private Q_SLOTS:
         QFETCH(QByteArray, clip);
         const ClipContents contents = read(clip);
         QTEST((contents.record.stops + contents.faults).join(u'|'), "said");
+    }
+
+    // What is cut off could be digits.
+    void cutWithinARecord_data() {
+        QTest::addColumn<QByteArray>("clip");
+        QTest::addColumn<QString>("said");
+        const QByteArray unchecked = rmc("120001").chopped(5);
+        const auto log = [](const QByteArray& line) {
+            return mp4({}, {}, box("free", box("gps ", "[0]" + rmc("120000") + "[1000]" + line)));
+        };
+        QTest::newRow("log") << log(unchecked) << "log line 2 at byte 294: no line end and no checksum";
+        // The second sample is the file's end, without its last bytes.
+        const auto text = [](const char* name, const QByteArray& line, const char* said) {
+            QByteArray clip = textClip({rmc("120000"), line});
+            const qsizetype end = clip.size();
+            clip.replace(clip.indexOf("stco") + 16, 4, bigEndian(end, 4));
+            QTest::newRow(name) << clip + textSample(line).chopped(1)
+                                << QStringLiteral(
+                                       "sample 2 at byte %1: it isn't whole in the file|"
+                                       "text sample 2 at byte %1: %2")
+                                       .arg(end)
+                                       .arg(QLatin1StringView(said));
+        };
+        text("sentence", unchecked, "no line end and no checksum");
+        text("accelerations", "gsensori,4,512,1,2,30", "invalid accelerations");
+    }
+    void cutWithinARecord() {
+        QFETCH(QByteArray, clip);
+        const ClipRecord record = read(clip).record;
+        QTEST(record.stops.join(u'|'), "said");
+        QCOMPARE(record.fixes.size() + record.accelerations.size(), size_t(1));
     }
 
     // All of three hours, where the dashboard stops at 61 s.

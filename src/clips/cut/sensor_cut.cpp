@@ -63,6 +63,8 @@ LogPiece logLines(ByteSource& source, const FreeLog& log, CutRange range) {
     if (log.startedAt)
         piece.startedAt = *log.startedAt + range.fromUs / kUsPerMs;
     forEachLogLine(source, log, [&](const LogLine& line) {
+        if (line.problem)
+            return true;
         clock = line.clock ? line.clock : clock;
         const std::int64_t us = line.timeMs.value_or(-1) * kUsPerMs;
         if (us < range.fromUs || us >= range.toUs)
@@ -72,7 +74,7 @@ LogPiece logLines(ByteSource& source, const FreeLog& log, CutRange range) {
             piece.startedAt = *clock - (us - range.fromUs) / kUsPerMs;
         if (isFirst || line.clock)
             piece.lines += '[' + QByteArray::number(static_cast<qlonglong>(*clock)) + ']';
-        piece.lines += line.text.toByteArray() + "\r\n";
+        piece.lines += line.text.toByteArray() + (line.isWhole ? "\r\n" : "");
         return true;
     });
     return piece;

@@ -30,15 +30,21 @@ bool isPastEnd(std::int64_t timeMs, const RecordSink& sink) {
 
 void readAccelerations(ByteSource& source, ByteRange table, RecordSink& sink) {
     RangeReader reader(source, table);
-    std::array<char, kLogAccelerationBytes> record{};
-    while (!sink.isFull() && reader.read(record)) {
-        const std::int64_t timeMs = qFromBigEndian<std::uint32_t>(record.data());
-        if (timeMs == kLogEndMark)
+    std::array<char, kLogAccelerationBytes - 4> axes{};
+    bool goesOn = !table.isEmpty();
+    for (std::int64_t i = 0; goesOn && !sink.isFull(); ++i) {
+        const std::optional<std::uint32_t> mark = reader.u32();
+        if (mark == kLogEndMark)
             return;
-        const auto g = [&](int at) { return qFromBigEndian<std::int16_t>(record.data() + at) / kCountsPerG; };
-        sink.addAcceleration(timeMs * kUsPerMs, g(4), g(6), g(8));
-        if (isPastEnd(timeMs, sink))
+        if (!mark || !reader.read(axes)) {
+            const std::int64_t offset = table.start + i * kLogAccelerationBytes;
+            sink.addStop({"acceleration", i + 1, offset, "the table has no end mark"});
             return;
+        }
+        const std::int64_t timeMs = *mark;
+        const auto g = [&](int at) { return qFromBigEndian<std::int16_t>(axes.data() + at) / kCountsPerG; };
+        sink.addAcceleration(timeMs * kUsPerMs, g(0), g(2), g(4));
+        goesOn = !isPastEnd(timeMs, sink);
     }
 }
 
@@ -80,14 +86,22 @@ private:
     std::optional<std::int64_t> m_timeMs;
 };
 
+// Takes the line's clock.
+const char* lineProblem(LogLine& line, LogClock& clock, bool isEndless) {
+    if (isEndless)
+        return "a line without end";
+    return clock.takeClock(line) ? nullptr : "its clock isn't a number";
+}
+
 void readLog(ByteSource& source, const FreeLog& log, RecordSink& sink) {
     forEachLogLine(source, log, [&sink](const LogLine& line) {
-        if (line.isEndless) {
-            sink.addStop({"log", 1, line.offset, "a line without end"});
-        } else if (line.timeMs && line.text.startsWith('$')) {
-            const SentencePlace place{*line.timeMs * kUsPerMs, "log line", line.number, line.offset};
+        SentencePlace place{{}, "log line", line.number, line.offset, line.isWhole};
+        if (line.timeMs)
+            place.timeUs = *line.timeMs * kUsPerMs;
+        if (line.problem)
+            sink.addStop({place.unit, place.number, place.offset, line.problem});
+        else if (line.text.startsWith('$'))
             addNmeaSentence(place, line.text, sink);
-        }
         return !sink.isFull() && !isPastEnd(line.timeMs.value_or(0), sink);
     });
 }
@@ -118,22 +132,25 @@ void forEachLogLine(ByteSource& source, const FreeLog& log, const LogVisitor& vi
     std::int64_t offset = log.log.start;
     for (LogLine line;;) {
         const std::optional<std::uint8_t> byte = reader.byte();
+        const bool isText = byte && *byte >= 0x20;
         offset += byte ? 1 : 0;
-        if (byte && *byte >= 0x20) {
+        if (isText) {
             text.append(static_cast<char>(*byte));
             if (text.size() <= limits::kSensorLine)
                 continue;
-            line.isEndless = true;
         }
+        const bool isEndless = isText;
         if (!text.isEmpty()) {
             line.text = text;
             line.clock.reset();
-            line.offset = offset - text.size() - (byte && *byte < 0x20 ? 1 : 0);
-            line.number += line.isEndless ? 0 : 1;
-            if ((line.isEndless || clock.takeClock(line)) && !visit(line))
+            line.isWhole = byte && !isEndless;
+            line.offset = offset - text.size() - (line.isWhole ? 1 : 0);
+            line.problem = lineProblem(line, clock, isEndless);
+            ++line.number;
+            if (!visit(line))
                 return;
         }
-        if (!byte || line.isEndless)
+        if (!byte || isEndless)
             return;
         text.clear();
     }

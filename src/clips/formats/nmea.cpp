@@ -16,11 +16,13 @@ constexpr double kNothing = RecordedFix::kNothing;
 // Enough for RMC's date and GGA's altitude.
 using Fields = std::array<QByteArrayView, 10>;
 
-// Removes "*hh"; false if it isn't the exclusive or of the characters before it.
-bool takeChecksum(QByteArrayView& sentence) {
+enum class Checksum { None, Right, Wrong };
+
+// Removes "*hh", which is the exclusive or of the characters before it.
+Checksum takeChecksum(QByteArrayView& sentence) {
     const qsizetype star = sentence.indexOf('*');
     if (star < 0)
-        return true;
+        return Checksum::None;
     int sum = 0;
     for (const char c : sentence.first(star))
         sum ^= static_cast<std::uint8_t>(c);
@@ -29,7 +31,7 @@ bool takeChecksum(QByteArrayView& sentence) {
                            .toByteArray()
                            .toInt(&isNumber, 16);
     sentence = sentence.first(star);
-    return isNumber && stated == sum;
+    return isNumber && stated == sum ? Checksum::Right : Checksum::Wrong;
 }
 
 // Fields past the last comma stay empty; false with fewer fields than both sentences need.
@@ -58,9 +60,12 @@ double signedDegrees(QByteArrayView value, QByteArrayView letter, char positive,
     return letter[0] == positive ? degrees : -degrees;
 }
 
-void setPlace(RecordedFix& fix, std::span<const QByteArrayView> place) {
+// False if there is a position that isn't valid.
+bool setPlace(RecordedFix& fix, std::span<const QByteArrayView> place) {
     fix.latitude = signedDegrees(place[0], place[1], 'N', 'S');
     fix.longitude = signedDegrees(place[2], place[3], 'E', 'W');
+    return fix.isValid() ||
+           std::all_of(place.begin(), place.end(), [](QByteArrayView field) { return field.isEmpty(); });
 }
 
 // "hhmmss.sss" and "ddmmyy".
@@ -79,24 +84,39 @@ std::int64_t clockOf(QByteArrayView time, QByteArrayView date) {
            std::llround((seconds - whole) * 1000);
 }
 
-RecordedFix readRmc(const Fields& fields) {
-    RecordedFix fix;
+bool readRmc(const Fields& fields, RecordedFix& fix) {
     fix.clockMs = clockOf(fields[1], fields[9]);
-    if (fields[2] == QByteArrayView("A") || fields[2].isEmpty()) {
-        setPlace(fix, std::span(fields).subspan(3, 4));
-        fix.speedKmh = number(fields[7]) * kKmhPerKnot;
-        fix.headingDeg = number(fields[8]);
-    }
-    return fix;
+    if (fields[2] != QByteArrayView("A") && !fields[2].isEmpty())
+        return true;
+    fix.speedKmh = number(fields[7]) * kKmhPerKnot;
+    fix.headingDeg = number(fields[8]);
+    return setPlace(fix, std::span(fields).subspan(3, 4));
 }
 
-RecordedFix readGga(const Fields& fields) {
+bool readGga(const Fields& fields, RecordedFix& fix) {
+    if (fields[6] == QByteArrayView("0"))
+        return true;
+    fix.altitudeM = number(fields[9]);
+    return setPlace(fix, std::span(fields).subspan(2, 4));
+}
+
+// Adds the sentence's fix; returns what is wrong with it, or nullptr.
+const char* addFixOf(const SentencePlace& place, QByteArrayView sentence, bool isRmc, RecordSink& sink) {
+    Fields fields;
+    const Checksum checksum = takeChecksum(sentence);
+    if (checksum == Checksum::Wrong)
+        return "wrong checksum";
+    if (checksum == Checksum::None && !place.isWhole)
+        return "no line end and no checksum";
+    if (!split(sentence, fields))
+        return "sentence too short";
+    if (!place.timeUs)
+        return "no clock before it";
     RecordedFix fix;
-    if (fields[6] != QByteArrayView("0")) {
-        setPlace(fix, std::span(fields).subspan(2, 4));
-        fix.altitudeM = number(fields[9]);
-    }
-    return fix;
+    fix.timeUs = *place.timeUs;
+    const bool isValid = isRmc ? readRmc(fields, fix) : readGga(fields, fix);
+    sink.addFix(fix);
+    return isValid ? nullptr : "no valid position";
 }
 
 } // namespace
@@ -114,16 +134,8 @@ void addNmeaSentence(const SentencePlace& place, QByteArrayView sentence, Record
     const bool isRmc = name.endsWith("RMC");
     if (name.size() != 5 || (!isRmc && !name.endsWith("GGA")))
         return;
-    Fields fields;
-    if (!takeChecksum(sentence)) {
-        sink.addStop({place.unit, place.number, place.offset, "wrong checksum"});
-    } else if (!split(sentence, fields)) {
-        sink.addStop({place.unit, place.number, place.offset, "sentence too short"});
-    } else {
-        RecordedFix fix = isRmc ? readRmc(fields) : readGga(fields);
-        fix.timeUs = place.timeUs;
-        sink.addFix(fix);
-    }
+    if (const char* problem = addFixOf(place, sentence, isRmc, sink))
+        sink.addStop({place.unit, place.number, place.offset, problem});
 }
 
 } // namespace ql240::sensorfiles

@@ -16,14 +16,16 @@ double fromDegreesAndMinutes(double value);
 
 // Where a sentence was read, for the fix's time and for the report of a malformed sentence.
 struct SentencePlace {
-    std::int64_t timeUs;
+    std::optional<std::int64_t> timeUs; // nothing: unknown, because no clock precedes it
     const char* unit;
     std::int64_t number;
     std::int64_t offset;
+    bool isWhole = true; // false: its end may be missing, unless a checksum says otherwise
 };
 
-// Adds the fix of an RMC or GGA sentence ("GPRMC,…", with or without "$" and checksum), or a stop if its
-// checksum is wrong or fields are missing. Ignores other sentences.
+// Adds the fix of an RMC or GGA sentence ("GPRMC,…", with or without "$" and checksum), or a stop if it
+// has no time, isn't whole or its checksum is wrong. An invalid position gives a fix without one, and a stop.
+// Ignores other sentences.
 void addNmeaSentence(const SentencePlace& place, QByteArrayView sentence, RecordSink& sink);
 
 } // namespace ql240::sensorfiles

@@ -48,9 +48,10 @@ struct LogLine {
     std::optional<std::int64_t> timeMs; // from the clip's start; nothing before the first clock
     std::int64_t number = 0;            // counted from 1
     std::int64_t offset = 0;            // in the file
-    bool isEndless = false;             // exceeds the maximum length, so the log ends here
+    bool isWhole = true;                // false: the log ends within it
+    const char* problem = nullptr;      // why it's invalid: its clock, or its length, which ends the log
 };
-// Stops when `visit` returns false. Lines with an invalid clock are skipped.
+// Stops when `visit` returns false.
 using LogVisitor = std::function<bool(const LogLine& line)>;
 void forEachLogLine(ByteSource& source, const FreeLog& log, const LogVisitor& visit);
 

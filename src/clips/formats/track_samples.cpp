@@ -30,6 +30,7 @@ struct Sample {
     std::int64_t number;
     qsizetype start;
     qsizetype size;
+    bool isTooLong;
 };
 
 // Reads adjacent samples at once.
@@ -47,7 +48,7 @@ public:
             m_offset = offset;
             m_size = 0;
         }
-        m_samples.push_back({timeUs, number, m_size, bytes});
+        m_samples.push_back({timeUs, number, m_size, bytes, bytes < static_cast<std::int64_t>(size)});
         m_size += bytes;
     }
 
@@ -61,9 +62,12 @@ public:
             const std::int64_t offset = m_offset + sample.start;
             if (there < sample.size)
                 m_sink.addStop({"sample", sample.number, offset, "it isn't whole in the file"});
+            else if (sample.isTooLong)
+                m_sink.addStop({"sample", sample.number, offset, "only its first 64 KiB are read"});
             if (there > 0) {
                 const auto bytes = std::span<const char>(m_bytes).subspan(sample.start, there);
-                m_visit({sample.timeUs, sample.number, offset, bytes});
+                const bool isWhole = there == sample.size && !sample.isTooLong;
+                m_visit({sample.timeUs, sample.number, offset, bytes, isWhole});
             }
         }
         m_samples.clear();
@@ -115,8 +119,12 @@ void forEachSample(ByteSource& source, const TrackLayout& track, std::uint32_t f
     std::uint32_t leftInChunk = 0;
     std::int64_t offset = 0;
     for (std::int64_t number = 1; number <= track.sampleCount; ++number) {
-        if (static_cast<std::size_t>(number) > sink.mostRecords())
+        if (sink.isFull())
             break;
+        if (static_cast<std::size_t>(number) > sink.mostRecords()) {
+            sink.addStop({"sample", number, offset, "it and later ones aren't read"});
+            break;
+        }
         if (leftInChunk == 0) {
             const std::optional<std::int64_t> start = nextChunkOffset(offsets, track, source.size());
             leftInChunk = runs.at(++chunk).samples;

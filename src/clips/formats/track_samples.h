@@ -14,6 +14,7 @@ struct TrackSample {
     std::int64_t number = 0; // from 1
     std::int64_t offset = 0; // in the file
     std::span<const char> bytes;
+    bool isWhole = true; // false: the sample's end is missing
 };
 
 // Calls `visit` for each sample that isn't empty, with the first bytes only of a long one. Ends where the

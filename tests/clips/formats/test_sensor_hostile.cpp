@@ -244,6 +244,31 @@ private Q_SLOTS:
         QVERIFY(device.bytesRead <= clip.after.size() / 2);
     }
 
+    // More records within the minute than are kept: those in a few samples, and samples without any.
+    void tooManyRecords() {
+        Track full;
+        full.durations = {1000};
+        for (int i = 0; i < 60; ++i) // 4096 records each
+            full.samples << motionAcceleration(float(i) * 9.80665F / 128, 0, 0).repeated(4096);
+        HollowDevice device(mp4({full}));
+        SensorFileLibrary library;
+        const SensorLibrary::Handle handle = library.readClip(device);
+        qint16 x = 0, y = 0, z = 0;
+        QVERIFY(library.getAccXYZ(handle, 25000, &x, &y, &z) != 0);
+        QCOMPARE(x, qint16(limits::kSensorRecords / 4096));
+        QCOMPARE(library.getAccXYZ(handle, 25001, &x, &y, &z), 0);
+        QVERIFY(device.bytesRead <= 30 * 65536);
+        Track empty;
+        empty.timescale = 10000;
+        empty.durations = {4};
+        empty.samplesPerChunk = 1000;
+        empty.samples = QList<QByteArray>(150'000, motionTurn());
+        HollowDevice other(mp4({empty}));
+        library.readClip(other);
+        // Sixteen bytes a sample, twelve in the tables.
+        QVERIFY(other.bytesRead <= qint64(limits::kSensorRecords) * 28 + kSlack);
+    }
+
     // An hour of records that have no times but their clocks: none is read past the dashboard's minute.
     void longClips_data() {
         QTest::addColumn<QByteArray>("clip");
