@@ -95,10 +95,11 @@ std::optional<ClipInput> readClip(const QString& name, RecordPart part, Reports&
         return std::nullopt;
     }
     ClipInput input;
+    const QString path = isStandardInput ? QString() : QFileInfo(name).absoluteFilePath();
     input.name = name;
-    input.fileName = isStandardInput ? QString() : QFileInfo(name).fileName();
+    input.fileName = path.section(u'/', -1);
     input.bytes = device->size();
-    input.contents = readClipContents(*device, input.fileName, part);
+    input.contents = readClipContents(*device, path, part);
     if (!input.contents.readError.isEmpty())
         reports.fail(name, input.contents.readError);
     else if (*input.contents.container == 0)

@@ -8,7 +8,6 @@
 #include "clips/formats/record_collector.h"
 #include "clips/formats/sensor_formats.h"
 #include "clips/formats/trailer.h"
-#include "clips/moments.h"
 
 namespace ql240 {
 
@@ -29,11 +28,9 @@ public:
     explicit TrailerClock(const QDateTime& start) : m_last(start) {}
 
     std::int64_t msOf(QByteArrayView text) {
-        const qsizetype sign = text.lastIndexOf('$');
-        const QTime time =
-            QTime::fromString(QString::fromLatin1(text.sliced(sign + 1)), QStringLiteral("hhmmss"));
-        const QDate day = dayOf(text.first(std::max<qsizetype>(0, sign)));
-        if (sign < 0 || !time.isValid() || (!day.isValid() && !m_last.isValid()))
+        const QTime time = timeOf(text);
+        const QDate day = dayOf(text.first(std::max<qsizetype>(0, text.lastIndexOf('$'))));
+        if (!time.isValid() || (!day.isValid() && !m_last.isValid()))
             return RecordedFix::kNoClock;
         QDateTime clock(day.isValid() ? day : m_last.date(), time, QTimeZone::utc());
         constexpr std::int64_t kHalfADayS = 43200;
@@ -41,6 +38,12 @@ public:
             clock = clock.addDays(1);
         m_last = clock;
         return clock.toMSecsSinceEpoch();
+    }
+
+    static QTime timeOf(QByteArrayView text) {
+        const qsizetype sign = text.lastIndexOf('$');
+        const QString digits = sign < 0 ? QString() : QString::fromLatin1(text.sliced(sign + 1));
+        return QTime::fromString(digits, QStringLiteral("hhmmss"));
     }
 
 private:
@@ -62,35 +65,75 @@ RecordedFix fixOf(const TrailerLine& line, TrailerClock& clock) {
     if (line.latitude != 0.0 && line.longitude != 0.0) {
         fix.latitude = line.latitude;
         fix.longitude = line.longitude;
-        fix.speedKmh = line.speedKmh;
+        fix.speedKmh = line.hasSpeed ? line.speedKmh : RecordedFix::kNothing;
     }
     return fix;
 }
 
-bool readTrailer(ByteSource& source, const ClipContents& contents, const QString& fileName,
+// What is wrong with a line, or nullptr.
+const char* lineProblem(const TrailerLine& line, const RecordedFix& fix) {
+    if (!line.isNumeric)
+        return "a field isn't a number";
+    if (line.latitude != 0.0 && line.longitude != 0.0 && !fix.isValid())
+        return "no valid position";
+    return TrailerClock::timeOf(line.clock).isValid() ? nullptr : "no valid clock";
+}
+
+// Adds the lines of a trailer to a record. `start`: the tail's offset in the file.
+class TrailerLines {
+public:
+    TrailerLines(QByteArrayView tail, std::int64_t start, const QDateTime& clipStart,
+                 RecordCollector& collector)
+        : m_tail(tail), m_start(start), m_clock(clipStart), m_collector(collector) {}
+
+    // False if there are none.
+    bool addAll(bool startsLate, std::int64_t clipMs) {
+        std::size_t lines = 0;
+        forEachTrailerLine(m_tail, [&lines](const TrailerLine&) { ++lines; });
+        const std::size_t padding = startsLate && lines > 0 ? trailerPadding(lines) : 0;
+        const std::uint64_t stepMs = lines > 0 ? trailerStepMs(clipMs, lines + padding) : 0;
+        m_stepUs = static_cast<std::int64_t>(stepMs) * kUsPerMs;
+        m_timeUs = static_cast<std::int64_t>(padding) * m_stepUs;
+        forEachTrailerLine(
+            m_tail, [this](const TrailerLine& line) { add(line); },
+            [this](QByteArrayView line) { stop(line, "fewer than seven fields"); });
+        return lines > 0;
+    }
+
+private:
+    void add(const TrailerLine& line) {
+        RecordedFix fix = fixOf(line, m_clock);
+        fix.timeUs = m_timeUs;
+        m_collector.addFix(fix);
+        const auto g = [](std::int16_t count) { return count / kCountsPerG; };
+        if (line.hasAcceleration)
+            m_collector.addAcceleration(m_timeUs, g(line.x), g(line.y), g(line.z));
+        m_timeUs += m_stepUs;
+        stop(line.text, lineProblem(line, fix));
+    }
+
+    void stop(QByteArrayView line, const char* reason) {
+        ++m_number;
+        if (reason)
+            m_collector.addStop({"trailer line", m_number, m_start + (line.data() - m_tail.data()), reason});
+    }
+
+    QByteArrayView m_tail;
+    std::int64_t m_start;
+    TrailerClock m_clock;
+    RecordCollector& m_collector;
+    std::int64_t m_stepUs = 0;
+    std::int64_t m_timeUs = 0;
+    std::int64_t m_number = 0;
+};
+
+bool readTrailer(ByteSource& source, const ClipContents& contents, const QString& path,
                  RecordCollector& collector) {
     const std::int64_t start = std::max<std::int64_t>(0, source.size() - kTrailerBytes);
     QByteArray tail(source.size() - start, '\0');
     tail.truncate(source.read(start, tail));
-    std::size_t lines = 0;
-    forEachTrailerLine(tail, [&lines](const TrailerLine&) { ++lines; });
-    if (lines == 0)
-        return false;
-    const CameraDecision decision = cameraDecision(fileName);
-    const bool startsLate = fileName.startsWith(QLatin1String("EVT_")) || decision == CameraDecision::Motion;
-    const std::size_t padding = startsLate ? trailerPadding(lines) : 0;
-    const auto stepUs =
-        static_cast<std::int64_t>(trailerStepMs(contents.lengthMs, lines + padding)) * kUsPerMs;
-    std::int64_t timeUs = static_cast<std::int64_t>(padding) * stepUs;
-    TrailerClock clock(contents.record.startByName);
-    forEachTrailerLine(tail, [&](const TrailerLine& line) {
-        RecordedFix fix = fixOf(line, clock);
-        fix.timeUs = timeUs;
-        collector.addFix(fix);
-        collector.addAcceleration(timeUs, line.x / kCountsPerG, line.y / kCountsPerG, line.z / kCountsPerG);
-        timeUs += stepUs;
-    });
-    return true;
+    TrailerLines lines(tail, start, contents.record.startByName, collector);
+    return lines.addAll(trailerStartsLate(path), contents.lengthMs);
 }
 
 ClipRecord readFormats(ByteSource& source, const ClipLayout& layout, bool keepsAccelerations) {
@@ -117,16 +160,20 @@ void setRecord(ClipContents& contents, ClipRecord record) {
     contents.record = std::move(record);
 }
 
-void readRecord(ByteSource& source, const ClipLayout& layout, const QString& fileName, RecordPart part,
+void readRecord(ByteSource& source, const ClipLayout& layout, const QString& path, RecordPart part,
                 ClipContents& contents) {
     const bool keepsAccelerations = part == RecordPart::FixesAndAccelerations;
     RecordCollector trailer(keepsAccelerations);
-    if (layout.isRiff && readTrailer(source, contents, fileName, trailer)) {
-        setRecord(contents, trailer.take(ClipRecord::Clock::Camera));
-        contents.record.format = QStringLiteral("text behind the pictures");
+    const bool hasTrailer = layout.isRiff && readTrailer(source, contents, path, trailer);
+    ClipRecord record = trailer.take(ClipRecord::Clock::Camera);
+    if (hasTrailer) {
+        record.format = QStringLiteral("text behind the pictures");
     } else {
-        setRecord(contents, readFormats(source, layout, keepsAccelerations));
+        ClipRecord other = readFormats(source, layout, keepsAccelerations);
+        if (!other.format.isEmpty() || !other.stops.isEmpty())
+            record = std::move(other);
     }
+    setRecord(contents, std::move(record));
 }
 
 void addCut(const CutBox& cut, ClipContents& contents) {
@@ -163,15 +210,15 @@ bool isMp4(ByteSource& source) {
 
 } // namespace
 
-ClipContents readClipContents(QIODevice& device, const QString& fileName, RecordPart part) {
+ClipContents readClipContents(QIODevice& device, const QString& path, RecordPart part) {
     ClipContents contents;
-    contents.record.startByName = clipStart(fileName);
+    contents.record.startByName = clipStart(path.section(u'/', -1));
     ByteSource source(device, {limits::kRecordBytes, limits::kRecordReads});
     const ClipLayout layout = readClipLayout(source);
     if (layout.isRiff || isMp4(source)) {
         contents.container = layout.isRiff ? "AVI" : "MP4";
         readContainer(source, layout, contents);
-        readRecord(source, layout, fileName, part, contents);
+        readRecord(source, layout, u'/' + path, part, contents);
     }
     if (const std::optional<std::int64_t> byte = source.failedAt())
         contents.readError = QStringLiteral("byte %1: %2").arg(grouped(*byte), device.errorString());

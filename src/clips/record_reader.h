@@ -21,8 +21,9 @@ struct ClipContents {
 
 enum class RecordPart { Fixes, FixesAndAccelerations };
 
-// `device` is open and seekable. `fileName` (without folder) gives the clip's start and kind.
-ClipContents readClipContents(QIODevice& device, const QString& fileName,
+// `device` is open and seekable. `path` is absolute or the name alone; it says when the clip starts and
+// whether its trailer starts late.
+ClipContents readClipContents(QIODevice& device, const QString& path,
                               RecordPart part = RecordPart::FixesAndAccelerations);
 
 } // namespace ql240

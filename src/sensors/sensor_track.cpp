@@ -18,10 +18,6 @@ namespace {
 constexpr std::int64_t kLibraryStepMs = 100;
 constexpr std::int64_t kLibraryEndMs = 61000;
 
-bool containsAfterStart(const QString& path, QLatin1StringView text) {
-    return path.indexOf(text, 1) > 0;
-}
-
 // The last `kTrailerBytes` bytes of a regular file; empty if it can't be read.
 QByteArray readTail(const QString& path) {
     QFile file(path);
@@ -83,11 +79,9 @@ bool appendTrailerBytes(SensorTrack& track, QByteArrayView tail, bool startsLate
 }
 
 bool appendTrailer(SensorTrack& track, const QString& path, std::int64_t durationMs) {
-    if (!containsAfterStart(path, QLatin1StringView(".avi")))
+    if (path.indexOf(QLatin1StringView(".avi"), 1) < 0)
         return false;
-    const bool startsLate = containsAfterStart(path, QLatin1StringView("EVT_")) ||
-                            containsAfterStart(path, QLatin1StringView("MOT_"));
-    return appendTrailerBytes(track, readTail(path), startsLate, durationMs);
+    return appendTrailerBytes(track, readTail(path), trailerStartsLate(path), durationMs);
 }
 
 bool appendLibrarySamples(SensorTrack& track, SensorLibrary& library, const QString& path) {

@@ -142,6 +142,10 @@ private Q_SLOTS:
                                      << "0!2013-04-05T12:30:00.000";
         QTest::newRow("begins late") << QByteArray("EVT_2013_04_05_12_30_00.avi")
                                      << QByteArray("nothing,1,2,3,0,0,0\n") << "30050 ";
+        QTest::newRow("begins late, by its folder")
+            << QByteArray("/EVT_1/clip.avi") << QByteArray("nothing,1,2,3,0,0,0\n") << "30050 ";
+        QTest::newRow("lower case means nothing")
+            << QByteArray("mot_2013_04_05.avi") << QByteArray("nothing,1,2,3,0,0,0\n") << "0 ";
     }
     void trailer() {
         QFETCH(QByteArray, name);
@@ -197,6 +201,12 @@ private Q_SLOTS:
         plain("no end mark", box("free", box("3gf ", QByteArray(10, '\0'))),
               "acceleration 2 at byte 242: the table has no end mark");
         plain("end mark alone", box("free", box("3gf ", QByteArray(10, '\0') + QByteArray(4, '\xFF'))), "");
+        QTest::newRow("trailer")
+            << trailerClip("x$123000,1,2\nx,1,2,3,0,0,0\nx$123000,1,2,3,0,0,z\nx$123001,91,2,3,0,0,0\n")
+            << "trailer line 1 at byte 87: fewer than seven fields|"
+               "trailer line 2 at byte 100: no valid clock|"
+               "trailer line 3 at byte 114: a field isn't a number|"
+               "trailer line 4 at byte 135: no valid position";
         QTest::newRow("cut file") << mp4({}, {}, box("free", QByteArray(2000, 'x'))).chopped(1234)
                                   << "\"free\" at byte 216: the file ends 1,234 bytes before it does";
         QTest::newRow("no index") << box("ftyp", "mp42") + box("mdat", QByteArray(9, 'x'))

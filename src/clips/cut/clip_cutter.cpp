@@ -8,6 +8,7 @@
 #include "clips/containers/new_file.h"
 #include "clips/cut/avi_cut.h"
 #include "clips/cut/mp4_cut.h"
+#include "clips/formats/trailer.h"
 
 namespace ql240 {
 namespace {
@@ -15,11 +16,10 @@ namespace {
 constexpr std::int64_t kUsPerMs = 1000;
 constexpr qsizetype kPrefixLength = 4; // "REC_"
 constexpr qsizetype kStampLength = 19;
-// Anywhere in a path, they mark a clip whose trailer begins late.
-const QString kLateWords[] = {QStringLiteral("EVT_"), QStringLiteral("MOT_")};
 
-bool hasLateWord(const QString& text) {
-    return text.contains(kLateWords[0]) || text.contains(kLateWords[1]);
+// As the viewer sees the path.
+bool startsLate(const QString& clip) {
+    return sensorfiles::trailerStartsLate(QFileInfo(clip).absoluteFilePath());
 }
 
 bool isRiff(QFile& file) {
@@ -29,8 +29,7 @@ bool isRiff(QFile& file) {
 std::unique_ptr<ClipPiece> pieceOf(QFile& file, const CutRequest& request, QString& problem) {
     if (!isRiff(file))
         return cut::pieceOfMp4(file, request.range, request.keepsSound, problem);
-    const bool startsLate = hasLateWord(QFileInfo(request.clip).absoluteFilePath());
-    return cut::pieceOfAvi(file, request.range, request.keepsSound, startsLate, problem);
+    return cut::pieceOfAvi(file, request.range, request.keepsSound, startsLate(request.clip), problem);
 }
 
 bool openClip(QFile& file, QString& problem) {
@@ -71,8 +70,8 @@ QString cutName(const QString& fileName, std::int64_t fromUs) {
             start.addMSecs(fromUs / kUsPerMs).toString(QStringLiteral("yyyy_MM_dd_hh_mm_ss"));
         name.replace(kPrefixLength, kStampLength, stamp);
     }
-    for (const QString& word : kLateWords)
-        name.replace(word, QStringLiteral("REC_"), Qt::CaseInsensitive);
+    for (const QLatin1StringView mark : sensorfiles::kLateMarks)
+        name.replace(mark, QLatin1StringView("REC_"), Qt::CaseInsensitive);
     return name + QStringLiteral("_cut") + ending;
 }
 
@@ -89,7 +88,7 @@ CutResult cutClip(const CutRequest& request, const CutProgress& progress) {
     result.remarks = piece->remarks();
     if (result.output.isEmpty())
         result.output = cutName(QFileInfo(request.clip).fileName(), result.range.fromUs);
-    if (isRiff(clip) && hasLateWord(QFileInfo(result.output).absoluteFilePath()))
+    if (isRiff(clip) && startsLate(result.output))
         result.remarks << QStringLiteral(
             "EVT_ or MOT_ in its path: the viewer will assume that its sensor data begin late");
     if (containers::isSameFile(request.clip, result.output)) {

@@ -12,15 +12,36 @@ namespace {
 constexpr QByteArrayView kMarker("ETKLP1");
 constexpr int kFieldsPerLine = 7;
 
-// A decimal number; 0 for anything else, including "nan" and "inf". Must be Qt's conversion, whose results
-// for ties and limits are the product's.
-double toNumber(QByteArrayView field) {
-    const double value = field.toByteArray().toDouble();
-    return std::isfinite(value) ? value : 0.0;
-}
-std::int32_t toInteger(QByteArrayView field) {
-    return field.toByteArray().toInt();
-}
+// Converts a line's fields; remembers whether all were numbers or empty.
+class FieldReader {
+public:
+    bool isNumeric = true;
+
+    // A decimal number; 0 for anything else, including "nan" and "inf". Must be Qt's conversion, whose
+    // results for ties and limits are the product's.
+    double number(QByteArrayView field) {
+        bool isNumber = false;
+        const double value = field.toByteArray().toDouble(&isNumber);
+        isNumeric = isNumeric && (field.isEmpty() || (isNumber && std::isfinite(value)));
+        return std::isfinite(value) ? value : 0.0;
+    }
+    // `isGiven` becomes false if there is no such number.
+    std::int32_t integer(QByteArrayView field, bool& isGiven) {
+        bool isNumber = false;
+        const std::int32_t value = field.toByteArray().toInt(&isNumber);
+        isNumeric = isNumeric && (field.isEmpty() || isNumber);
+        isGiven = isGiven && isNumber;
+        return value;
+    }
+    // The lowest 16 bits of larger numbers.
+    std::int16_t count(QByteArrayView field, bool& isGiven) {
+        const std::int32_t value = integer(field, isGiven);
+        const auto kept = static_cast<std::int16_t>(value);
+        isNumeric = isNumeric && kept == value;
+        isGiven = isGiven && kept == value;
+        return kept;
+    }
+};
 
 // Parses "clock,latitude,longitude,speed,x,y,z"; false with fewer fields.
 bool parseLine(QByteArrayView text, TrailerLine& line) {
@@ -34,14 +55,17 @@ bool parseLine(QByteArrayView text, TrailerLine& line) {
         fields[i] = text.sliced(start, end - start);
         start = end + 1;
     }
-    line = {{},
-            fields[0],
-            toNumber(fields[1]),
-            toNumber(fields[2]),
-            toInteger(fields[3]),
-            static_cast<std::int16_t>(toInteger(fields[4])),
-            static_cast<std::int16_t>(toInteger(fields[5])),
-            static_cast<std::int16_t>(toInteger(fields[6]))};
+    FieldReader reader;
+    line.clock = fields[0];
+    line.latitude = reader.number(fields[1]);
+    line.longitude = reader.number(fields[2]);
+    line.hasSpeed = true;
+    line.speedKmh = reader.integer(fields[3], line.hasSpeed);
+    line.hasAcceleration = true;
+    line.x = reader.count(fields[4], line.hasAcceleration);
+    line.y = reader.count(fields[5], line.hasAcceleration);
+    line.z = reader.count(fields[6], line.hasAcceleration);
+    line.isNumeric = reader.isNumeric;
     return true;
 }
 
@@ -54,7 +78,8 @@ std::optional<qsizetype> findTrailer(QByteArrayView tail) {
     return std::min(marker + kMarker.size() + 1, tail.size());
 }
 
-bool forEachTrailerLine(QByteArrayView tail, const std::function<void(const TrailerLine&)>& visit) {
+bool forEachTrailerLine(QByteArrayView tail, const std::function<void(const TrailerLine&)>& visit,
+                        const std::function<void(QByteArrayView line)>& skip) {
     const std::optional<qsizetype> start = findTrailer(tail);
     if (!start)
         return false;
@@ -67,12 +92,20 @@ bool forEachTrailerLine(QByteArrayView tail, const std::function<void(const Trai
         if (bytes.endsWith('\r'))
             bytes.chop(1);
         TrailerLine line;
-        if (!bytes.isEmpty() && parseLine(bytes, line)) {
-            line.text = whole;
+        line.text = whole;
+        if (bytes.isEmpty())
+            continue;
+        if (parseLine(bytes, line))
             visit(line);
-        }
+        else if (skip)
+            skip(whole);
     }
     return true;
+}
+
+bool trailerStartsLate(const QString& path) {
+    return std::any_of(kLateMarks.begin(), kLateMarks.end(),
+                       [&path](QLatin1StringView mark) { return path.indexOf(mark, 1) > 0; });
 }
 
 std::size_t trailerPadding(std::size_t lines) {

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <QByteArrayView>
+#include <QString>
+#include <array>
 #include <functional>
 #include <optional>
 
@@ -20,15 +22,27 @@ struct TrailerLine {
     std::int16_t x = 0; // in 1/128 g
     std::int16_t y = 0;
     std::int16_t z = 0;
+    // Whether they are in the line, not 0 in place of something else.
+    bool hasSpeed = false;
+    bool hasAcceleration = false;
+    bool isNumeric = false; // no field but the clock is anything else than a number or empty
 };
 
 // The offset of the first line, after the marker; nothing without a marker.
 std::optional<qsizetype> findTrailer(QByteArrayView tail);
 
-// False without a marker. Skips lines with too few fields.
-bool forEachTrailerLine(QByteArrayView tail, const std::function<void(const TrailerLine&)>& visit);
+// False without a marker. Lines with too few fields go to `skip`, if given.
+bool forEachTrailerLine(QByteArrayView tail, const std::function<void(const TrailerLine&)>& visit,
+                        const std::function<void(QByteArrayView line)>& skip = {});
 
-// In event and motion clips the camera starts writing samples late: the number of copies of the first sample,
+// The marks of event and motion clips.
+inline constexpr std::array kLateMarks{QLatin1StringView("EVT_"), QLatin1StringView("MOT_")};
+
+// Whether the camera started writing samples late, by the clip's path: a mark, case-sensitive, anywhere after
+// the first character.
+bool trailerStartsLate(const QString& path);
+
+// In clips that start late: the number of copies of the first sample,
 // about a third of the lines, to insert before them.
 std::size_t trailerPadding(std::size_t lines);
 
