@@ -50,7 +50,7 @@ struct CutBox {
 };
 
 struct ClipLayout {
-    bool isRiff = false;
+    bool isRiff = false;   // an AVI file; other RIFF files are neither
     bool hasIndex = false; // moov, or the header list of an AVI file
     std::vector<TrackLayout> tracks;
     ByteRange userData;    // moov/udta
@@ -98,6 +98,7 @@ struct RiffChunk {
 // Takes the first chunk off `rest`.
 std::optional<RiffChunk> nextChunk(ByteSource& source, ByteRange& rest);
 
+// Empty for a RIFF file of another kind than AVI.
 ClipLayout readClipLayout(ByteSource& source);
 // `area`: the body of the "trak" box.
 TrackLayout readTrackLayout(ByteSource& source, ByteRange area);

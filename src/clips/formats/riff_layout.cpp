@@ -52,10 +52,11 @@ void readRiffLayout(ByteSource& source, ClipLayout& clip) {
     clip.isRiff = true;
     ByteRange rest{0, source.size()};
     while (const std::optional<RiffChunk> chunk = nextChunk(source, rest)) {
-        if (chunk->missing > 0 && chunk->name == fourCc("RIFF") && !clip.cut)
+        if (chunk->name != fourCc("RIFF") || (chunk->kind != fourCc("AVI ") && chunk->kind != fourCc("AVIX")))
+            continue;
+        if (chunk->missing > 0 && !clip.cut)
             clip.cut = CutBox{chunk->name, chunk->offset, chunk->missing};
-        if (chunk->name == fourCc("RIFF"))
-            readChunks(source, chunk->body, clip);
+        readChunks(source, chunk->body, clip);
     }
 }
 
@@ -63,10 +64,13 @@ ClipLayout readClipLayout(ByteSource& source) {
     ClipLayout clip;
     std::array<char, 12> head{};
     source.read(0, head);
-    if (qFromBigEndian<std::uint32_t>(head.data()) == fourCc("RIFF"))
-        readRiffLayout(source, clip);
-    else
+    const auto isAt = [&head](qsizetype at, std::uint32_t name) {
+        return qFromBigEndian<std::uint32_t>(head.data() + at) == name;
+    };
+    if (!isAt(0, fourCc("RIFF")))
         readMp4Layout(source, clip);
+    else if (isAt(8, fourCc("AVI ")))
+        readRiffLayout(source, clip);
     return clip;
 }
 

@@ -212,6 +212,7 @@ private Q_SLOTS:
         row("a line without end",
             bigEndian(0, 4) + "free" + bigEndian(0, 4) + "gps [1]$GPRMC" + QByteArray(100000, ','));
         row("accelerations of zeros", bigEndian(0, 4) + "free" + bigEndian(0, 4) + "3gf ", true);
+        row("positions in a sound file", riffChunk("RIFF", "WAVE" + riffChunk("gps0", QByteArray(32, '\0'))));
         row("positions of zeros", bigEndian(0, 4) + "gps0", true);
         const QByteArray chunkEach = fullTable("stsc", 1, hexBytes("00000001 00000001 00000001"));
         QByteArray again = clipWithTables(times + chunkEach + sizes(28, 0xFFFFFFFF) + bigEndian(0, 4) +
