@@ -1,6 +1,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <map>
 
 #include "cli/clip_input.h"
 #include "cli/commands.h"
@@ -17,38 +18,60 @@ struct Start {
     std::optional<std::int64_t> utcMs;    // by the receiver's clock
 };
 
-// Reads the starts from the clips; returns the camera's offset if one of them has both. Unreadable clips are
-// reported later, when their track is read.
-std::optional<std::int64_t> readStarts(std::vector<Start>& starts) {
-    std::optional<std::int64_t> offsetMs;
-    for (Start& start : starts) {
-        Reports silent(Reports::Kind::Silent);
-        const std::optional<ClipInput> input = readClip(start.name, RecordPart::Fixes, silent);
-        if (!input)
-            continue;
-        start.utcMs = input->contents.record.startBySatellitesMs;
-        if (!offsetMs)
-            offsetMs = cameraOffsetMs(input->contents.record);
+// The camera's time minus UTC, by the clips with both.
+class CameraOffsets {
+public:
+    explicit CameraOffsets(const std::vector<Start>& starts) {
+        for (const Start& start : starts) {
+            if (start.cameraMs && start.utcMs)
+                m_offsets[*start.cameraMs] = *start.cameraMs - *start.utcMs;
+        }
     }
-    return offsetMs;
+
+    // Of the nearest such clip: the camera's clock may have been set between two clips.
+    std::optional<std::int64_t> at(std::optional<std::int64_t> cameraMs) const {
+        if (!cameraMs || m_offsets.empty())
+            return std::nullopt;
+        const auto after = m_offsets.lower_bound(*cameraMs);
+        if (after == m_offsets.begin())
+            return after->second;
+        const auto before = std::prev(after);
+        const bool isAfterNearer =
+            after != m_offsets.end() && after->first - *cameraMs < *cameraMs - before->first;
+        return isAfterNearer ? after->second : before->second;
+    }
+
+private:
+    std::map<std::int64_t, std::int64_t> m_offsets;
+};
+
+// By the clip's name, and by its receiver. A clip that can't be read is reported later, when its track is.
+Start startOf(const QString& name) {
+    Start start{name, {}, {}};
+    const QDateTime byName = clipStart(name.section(u'/', -1));
+    if (byName.isValid())
+        start.cameraMs = byName.toMSecsSinceEpoch();
+    if (name == QLatin1String("-"))
+        return start; // which can be read once only
+    Reports silent(Reports::Kind::Silent);
+    if (const std::optional<ClipInput> input = readClip(name, RecordPart::Fixes, silent))
+        start.utcMs = input->contents.record.startBySatellitesMs;
+    return start;
 }
 
-// Sorts by the camera's clock if all names have a time stamp; otherwise by the receiver's, which requires
-// reading the clips twice.
-QStringList inOrderOfTime(const QStringList& names) {
+// Sorts by the receivers' clocks, and clips without one by the camera's. Reads each clip, which is done again
+// for its track: the records of a whole card are too many to keep.
+QStringList inOrderOfTime(const QStringList& names, Reports& reports) {
+    if (names.size() < 2)
+        return names;
     std::vector<Start> starts;
-    bool allHaveStart = true;
     for (const QString& name : names) {
-        const QDateTime byName = clipStart(name.section(u'/', -1));
-        allHaveStart = allHaveStart && byName.isValid();
-        starts.push_back({name, {}, {}});
-        if (byName.isValid())
-            starts.back().cameraMs = byName.toMSecsSinceEpoch();
+        reports.progress(static_cast<qsizetype>(starts.size()) + 1, names.size(), name);
+        starts.push_back(startOf(name));
     }
-    const bool readsTwice = !allHaveStart && !names.contains(QStringLiteral("-"));
-    const std::optional<std::int64_t> offsetMs = readsTwice ? readStarts(starts) : std::nullopt;
-    const auto key = [offsetMs](const Start& start) {
-        return timeOrder(start.utcMs, start.cameraMs, offsetMs);
+    const CameraOffsets offsets(starts);
+    const auto key = [&offsets](const Start& start) {
+        return timeOrder(start.utcMs, start.cameraMs, offsets.at(start.cameraMs));
     };
     std::stable_sort(starts.begin(), starts.end(),
                      [&key](const Start& a, const Start& b) { return key(a) < key(b); });
@@ -87,7 +110,7 @@ bool runTrack(const Options& options, Reports& reports) {
         reports.fail(output.name(), reason);
         return false;
     }
-    const QStringList names = inOrderOfTime(clipNames(options.names, reports));
+    const QStringList names = inOrderOfTime(clipNames(options.names, reports), reports);
     const RecordPart part = options.accelerations ? RecordPart::FixesAndAccelerations : RecordPart::Fixes;
     TrackJoiner joiner;
     forEachClip(names, part, reports, [&](const ClipInput& input) {
