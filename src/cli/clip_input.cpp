@@ -1,10 +1,13 @@
 #include "cli/clip_input.h"
 
+#include <dirent.h>
 #include <unistd.h>
 
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryFile>
+#include <cerrno>
+#include <cstring>
 #include <memory>
 
 #include "clips/clip.h"
@@ -69,6 +72,14 @@ std::unique_ptr<QIODevice> openFile(const QString& name, QString& reason) {
 
 } // namespace
 
+QString folderProblem(const QString& name) {
+    if (DIR* folder = ::opendir(QFile::encodeName(name).constData())) {
+        ::closedir(folder);
+        return {};
+    }
+    return QString::fromLocal8Bit(std::strerror(errno));
+}
+
 QStringList clipNames(const QStringList& names, Reports& reports) {
     QStringList clips;
     for (const QString& name : names) {
@@ -77,7 +88,10 @@ QStringList clipNames(const QStringList& names, Reports& reports) {
             continue;
         }
         const ClipFolder folder(name);
-        if (folder.count() == 0)
+        const QString problem = folderProblem(name);
+        if (!problem.isEmpty())
+            reports.fail(name, problem);
+        else if (folder.count() == 0)
             reports.fail(name, QStringLiteral("no clip in it"));
         for (const Clip* clip : folder.values())
             clips << (name.endsWith(u'/') ? name : name + u'/') + clip->file().fileName();

@@ -16,7 +16,11 @@ struct ClipInput {
     std::int64_t bytes = 0;
 };
 
-// Replaces folders by their clips, in the viewer's order; reports a folder without clips as a failure.
+// Why a folder can't be listed; empty if it can.
+QString folderProblem(const QString& name);
+
+// Replaces folders by their clips, in the viewer's order; reports a folder without clips, or one that can't
+// be listed, as a failure.
 QStringList clipNames(const QStringList& names, Reports& reports);
 
 // Reads one clip; nothing, with a reported failure, if it can't be opened or isn't a clip. After a read

@@ -1,4 +1,7 @@
 // ql240-clip: on the command line, everything in dash camera clips besides video and audio.
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <QCoreApplication>
 #include <cerrno>
 #include <csignal>
@@ -20,11 +23,24 @@ bool writeResult(const QByteArray& bytes, Reports& reports) {
 
 } // namespace ql240::cli
 
+namespace {
+
+// A standard stream that is closed would become the next file opened. This takes its place and can't be used.
+void replaceClosedStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(stream, F_GETFD) == -1 && errno == EBADF)
+            ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+}
+
+} // namespace
+
 int main(int argc, char** argv) {
     using namespace ql240::cli;
     using Command = Options::Command;
     // End when the reader of a pipe closes it, even if the parent process ignored the signal.
     std::signal(SIGPIPE, SIG_DFL);
+    replaceClosedStreams();
     const QCoreApplication application(argc, argv);
     QString problem;
     const std::optional<Options> options = parseOptions(application.arguments().mid(1), problem);

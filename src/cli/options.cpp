@@ -203,7 +203,7 @@ std::optional<Options> parseOptions(const QStringList& arguments, QString& probl
 
 const char* helpText() {
     return "usage: ql240-clip info [--json] CLIP|FOLDER…\n"
-           "       ql240-clip track --format FORMAT [-o FILE [--force]] [--accelerations] CLIP|FOLDER…\n"
+           "       ql240-clip track [--format FORMAT] [-o FILE [--force]] [--accelerations] CLIP|FOLDER…\n"
            "       ql240-clip events [--threshold G] [--json] CLIP|FOLDER…\n"
            "       ql240-clip cut --from T --to T [--no-sound] [-o FILE [--force]] CLIP\n"
            "       ql240-clip repair [--like HEALTHY] [-o FILE [--force]] CLIP|FOLDER\n"

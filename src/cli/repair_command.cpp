@@ -1,6 +1,7 @@
 #include <QFileInfo>
 #include <QLocale>
 
+#include "cli/clip_input.h"
 #include "cli/commands.h"
 #include "clips/clip_folder.h"
 #include "clips/repair/clip_repair.h"
@@ -50,7 +51,10 @@ bool runRepair(const Options& options, Reports& reports) {
     const QString& name = options.names.first();
     const bool isFolder = QFileInfo(name).isDir();
     const QStringList clips = isFolder ? damagedClips(name) : QStringList{name};
-    if (clips.isEmpty())
+    const QString problem = isFolder ? folderProblem(name) : QString();
+    if (!problem.isEmpty())
+        reports.fail(name, problem);
+    else if (clips.isEmpty())
         reports.say(name, QStringLiteral("no clip in it needs a repair"));
     if (isFolder && !options.output.isEmpty()) {
         reports.fail(name, QStringLiteral("the clips of a folder can't all become one file"));

@@ -1,5 +1,7 @@
 // ql240-clip as its users call it: what it writes, where, and how it ends; and whether other programs read
 // its tracks.
+#include <unistd.h>
+
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
@@ -82,6 +84,7 @@ private Q_SLOTS:
         put("card/notes.txt", "no clip");
         put("zero.mp4", {});
         put("text.mp4", "no clip at all");
+        put("wave.avi", riffChunk("RIFF", "WAVE" + riffChunk("gps0", QByteArray(32, 'x'))));
         put("mute.mp4", mp4({}));
         put("quiet.mp4", textless());
         put("cut.mp4", driveClip(start, 0).left(2000));
@@ -118,11 +121,12 @@ private Q_SLOTS:
         row("info mute.mp4 card", 0, "");
         row("info no\x1b[2J.mp4", 1, "ql240-clip: no?[2J.mp4: No such file or directory\n");
         row("info nowhere.mp4", 1, "ql240-clip: nowhere.mp4: No such file or directory\n");
-        row("info /dev/null zero.mp4 text.mp4 empty card", 1,
+        row("info /dev/null zero.mp4 text.mp4 wave.avi empty card", 1,
             "ql240-clip: empty: no clip in it\n"
             "ql240-clip: /dev/null: no regular file\n"
             "ql240-clip: zero.mp4: neither an MP4 nor an AVI file\n"
-            "ql240-clip: text.mp4: neither an MP4 nor an AVI file\n");
+            "ql240-clip: text.mp4: neither an MP4 nor an AVI file\n"
+            "ql240-clip: wave.avi: neither an MP4 nor an AVI file\n");
         row("events mute.mp4 card", 1, "ql240-clip: mute.mp4: no accelerations in it\n");
         row("track -f csv quiet.mp4", 1, "ql240-clip: quiet.mp4: no position in it\n");
         row("track -o old.gpx card", 1, "ql240-clip: old.gpx: it exists; --force writes over it\n");
@@ -188,6 +192,38 @@ private Q_SLOTS:
         QCOMPARE(file.output.count('\n'), 15);
         QCOMPARE(pipe.output, file.output);
         QCOMPARE(pipe.code, 0);
+    }
+
+    void whatCannotBeRead() {
+        const Ended input = run("sh", {"-c", QL240_CLIP " info - <&-"});
+        QCOMPARE(input.errors, QString("ql240-clip: -: Bad file descriptor\n"));
+        QVERIFY(QDir().mkpath("locked") && QFile::setPermissions("locked", {}));
+        // Root reads everything.
+        const QString bound =
+            ::geteuid() == 0 ? "setpriv --bounding-set=-dac_override,-dac_read_search " : "";
+        for (const char* command : {" info locked", " repair locked"}) {
+            const Ended folder = run("sh", {"-c", bound + QL240_CLIP + command});
+            QCOMPARE(folder.errors, QString("ql240-clip: locked: Permission denied\n"));
+            QCOMPARE(folder.code, 1);
+        }
+        QVERIFY(QDir().rmdir("locked"));
+    }
+
+    // The camera's clock was wrong for the first clip; the last one has none but that.
+    void orderOfClocks() {
+        Track places;
+        places.samples = {motionPlace(1, 1)};
+        QVERIFY(QDir().mkpath("clocks"));
+        put("clocks/REC_2013_04_05_21_30_00.mp4", driveClip(1365165100, 0));
+        put("clocks/REC_2013_04_05_21_31_00.mp4", driveClip(1365165000, 0));
+        put("clocks/REC_2013_04_05_21_31_30.mp4", mp4({places}));
+        QByteArrayList order;
+        for (const QByteArray& line : clip("track -f csv clocks").output.split('\n').mid(1)) {
+            const QByteArray name = line.mid(line.indexOf("21_"), 8);
+            if (!name.isEmpty() && !order.endsWith(name))
+                order << name;
+        }
+        QCOMPARE(order.join(' '), QByteArray("21_31_00 21_31_30 21_30_00"));
     }
 
     // In order of time, not of names; the clip that began first counts where two overlap.
