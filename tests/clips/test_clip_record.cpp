@@ -174,6 +174,11 @@ private Q_SLOTS:
         const QByteArray badPlace = gpsBlock({12, 30, 59, 13, 4, 5}, "ANE", 3760.0F, 12707.75F, 10);
         QTest::newRow("60 minutes in a block")
             << gpsIndexClip({good, badPlace}) << "GPS block 2 at byte 540: no valid position";
+        const QByteArray small =
+            bigEndian(56, 4) + gpsBlock({12, 30, 58, 13, 4, 5}, "ANE", 3724.5F, 12707.75F, 10, 8).mid(4, 52);
+        QTest::newRow("long index") << gpsIndexClip(QList<QByteArray>(100001, small)) +
+                                           box("skip", QByteArray(3 << 20, 'x'))
+                                    << "GPS block 100,001 at byte 5,600,020: it and later ones aren't read";
         const auto plain = [](const char* name, const QByteArray& table, const char* said) {
             QTest::newRow(name) << mp4({}, {}, table) << said;
         };
