@@ -24,8 +24,8 @@ struct SentencePlace {
 };
 
 // Adds the fix of an RMC or GGA sentence ("GPRMC,…", with or without "$" and checksum), or a stop if it
-// has no time, isn't whole or its checksum is wrong. An invalid position gives a fix without one, and a stop.
-// Ignores other sentences.
+// isn't whole, has no time, too few fields or a wrong checksum. An invalid position gives a fix without one,
+// and a stop. Ignores other sentences.
 void addNmeaSentence(const SentencePlace& place, QByteArrayView sentence, RecordSink& sink);
 
 } // namespace ql240::sensorfiles
