@@ -161,7 +161,8 @@ Track textTrack() {
 
 QList<QByteArray> gpsBlocks() {
     QList<QByteArray> blocks;
-    for (int i = 0; i < kSeconds; ++i)
+    blocks += QByteArray(); // the receiver has not started yet
+    for (int i = 1; i < kSeconds; ++i)
         blocks += gpsBlock(clockAt(i), "ANE", 3710.5F + static_cast<float>(i), 12707.5F, 20);
     return blocks;
 }
@@ -420,6 +421,20 @@ private Q_SLOTS:
         QVERIFY(record.fixes.size() >= 9);
         for (const RecordedFix& fix : record.fixes)
             QVERIFY(isSame(fix, clip.record.fixes.front()));
+    }
+
+    // The piece begins between two blocks that are three seconds apart.
+    void gapBetweenBlocks() {
+        QList<QByteArray> blocks = gpsBlocks();
+        blocks.remove(1, 2);
+        blocks[0] = gpsBlock(clockAt(0), "ANE", 3710.5F, 12707.5F, 20);
+        const QByteArray bytes = bytesOf(makeTestClip({.frames = 120, .faststart = false}));
+        const QString clip = put(QStringLiteral("gap.mp4"), withSensorData(bytes, {}, blocks));
+        const QString piece = path(QStringLiteral("after_gap.mp4"));
+        QCOMPARE(cut(clip, piece, {kUs, 4 * kUs}).status, Status::Done);
+        const ClipRecord record = recordOf(piece);
+        QCOMPARE(record.fixes.size(), std::size_t(1));
+        QCOMPARE(record.fixes.front().timeUs, 2 * kUs);
     }
 
     void withoutSound() {

@@ -302,7 +302,7 @@ void Mp4Piece::copyMedia(Mp4Writer& writer) {
             lanes[next]->advance();
         } else if (isBlockLeft) {
             const ByteRange block = m_gpsBlocks[blocks.size()];
-            blocks.emplace_back(writer.addOther(block), block);
+            blocks.emplace_back(block.isEmpty() ? 0 : writer.addOther(block), block);
         } else {
             break;
         }
