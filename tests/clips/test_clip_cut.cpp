@@ -437,6 +437,30 @@ private Q_SLOTS:
         QCOMPARE(record.fixes.front().timeUs, 2 * kUs);
     }
 
+    // An index that begins with a list and marks no key frame, and sound that begins late.
+    void unusualAvi() {
+        QByteArray bytes = bytesOf(makeTestClip(aviTestClip()));
+        const qsizetype index = bytes.lastIndexOf("idx1");
+        for (qsizetype at = index + 8; at < bytes.size(); at += 16)
+            bytes[at + 4] = '\0';
+        bytes.insert(index + 8, "rec " + QByteArray(12, '\0'));
+        bytes.replace(index + 4, 4, littleEndian(bytes.size() - index - 8, 4));
+        bytes.replace(4, 4, littleEndian(bytes.size() - 8, 4));
+        const qsizetype sound = bytes.indexOf("auds");
+        bytes.replace(sound + 28, 4, bytes.sliced(sound + 24, 4)); // a second
+        const QString clip = put(QStringLiteral("unusual.avi"), bytes);
+        const QString piece = path(QStringLiteral("usual.avi"));
+        QCOMPARE(cut(clip, piece, {kUs / 2, 2 * kUs}).status, Status::Done);
+        const Hashes packets = packetsOf(piece);
+        QCOMPARE(placeIn(packetsOf(clip)[0], packets[0]), 7);
+        QCOMPARE(packets[0].size(), 24);
+        const QByteArray start = ask("ffprobe", words("-v error -select_streams a -of csv=p=0 -show_entries "
+                                                      "stream=start_time")
+                                                    << piece)
+                                     .output.trimmed();
+        QVERIFY2(std::abs(start.toDouble() - 8 / 15.0) < 0.03, start);
+    }
+
     void withoutSound() {
         for (const TestClipSpec& spec : {TestClipSpec{}, aviTestClip()}) {
             const QString clip = makeTestClip(spec);
