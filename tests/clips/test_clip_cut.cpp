@@ -271,6 +271,13 @@ QList<Kind> kinds() {
     return all;
 }
 
+// All entries of the index lead to the first half of the file.
+QByteArray manyFold(QByteArray avi) {
+    for (qsizetype at = avi.lastIndexOf("idx1") + 16; at < avi.size(); at += 16)
+        avi.replace(at, 8, littleEndian(4, 4) + littleEndian(quint64(avi.size()) / 2, 4));
+    return avi;
+}
+
 // The requested range, in frame numbers.
 struct Slice {
     qsizetype first;
@@ -437,6 +444,27 @@ private Q_SLOTS:
         QCOMPARE(record.fixes.front().timeUs, 2 * kUs);
     }
 
+    // Sound and sensor data before the first frame belong to the piece.
+    void beforeTheVideo() {
+        const QString clip = makeTestClip({.size = kSize, .firstTimeMs = 400});
+        const QString piece = path(QStringLiteral("before.mp4"));
+        const CutResult result = cut(clip, piece, {kUs / 10, 990'000});
+        QCOMPARE(result.range.fromUs, kUs / 10);
+        QCOMPARE(shownBy(piece).frames[0], shownBy(clip).frames[0].first(18));
+    }
+
+    // An index without a size extends to the end of the file, but not of the piece.
+    void indexWithoutSize() {
+        const QByteArray bytes = bytesOf(makeTestClip({.faststart = false}));
+        const qsizetype index = bytes.lastIndexOf("moov") - 4;
+        const QString clip =
+            put(QStringLiteral("no_size.mp4"), bytes.first(index) + box("gps0", plainTables().positions) +
+                                                   QByteArray(4, '\0') + bytes.sliced(index + 4));
+        const QString piece = path(QStringLiteral("size.mp4"));
+        QCOMPARE(cut(clip, piece, {0, kUs}).status, Status::Done);
+        QVERIFY(!recordOf(piece).fixes.empty());
+    }
+
     // An index that begins with a list and marks no key frame, and sound that begins late.
     void unusualAvi() {
         QByteArray bytes = bytesOf(makeTestClip(aviTestClip()));
@@ -474,6 +502,7 @@ private Q_SLOTS:
     void largeClip() {
         Track track = motionTrack();
         track.samples = QList<QByteArray>(400'000, motionTurn());
+        track.samples[0] = QByteArray(5 << 20, 'p'); // more than a run of sound
         track.durations = {90};
         const Mp4 large = mp4Around(qint64(500) << 20, {track});
         QFile file(path(QStringLiteral("large.mp4")));
@@ -531,6 +560,8 @@ private Q_SLOTS:
             CutRange range;
             const char* reason;
         } rows[] = {{bytes, {5 * kUs, 6 * kUs}, "the clip ends before that"},
+                    {bytes, {kUs, kUs / 2}, "the piece ends before it begins"},
+                    {manyFold(bytesOf(makeTestClip(aviTestClip()))), range, "more bytes than the file has"},
                     {bytes.first(bytes.size() / 2), range, "sample"},
                     {bytesOf(makeTestClip({.faststart = false})).chopped(100), range, "no index"},
                     {bytesOf(makeTestClip(aviTestClip())).chopped(100), range, "no index"},

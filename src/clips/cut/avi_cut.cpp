@@ -16,6 +16,7 @@ using namespace containers;
 
 constexpr std::int64_t kUsPerSecond = 1'000'000;
 constexpr std::int64_t kUsPerMs = 1000;
+constexpr std::int64_t kChunkBytes = 8 + 16; // the header and the index entry
 constexpr sensorfiles::ReadBudget kBudget{limits::kRecordBytes, limits::kRecordReads};
 
 // A stream's contribution to the piece.
@@ -183,7 +184,7 @@ bool AviPieceOfClip::addPart(std::size_t number, bool isKept, QString& problem) 
             part.startUs = chunk.startUs;
         }
         part.count = chunk.number - part.first + 1;
-        part.bytes += chunk.piece.body.size + 8 + 16;
+        part.bytes += chunk.piece.body.size + kChunkBytes;
     });
     if (!isRead)
         return false;
@@ -201,13 +202,20 @@ bool AviPieceOfClip::settle(QString& problem) {
         if (!addPart(i, m_keepsSound || !m_movie.streams[i].isSound(), problem))
             return false;
     }
-    if (m_parts.empty()) {
+    std::int64_t mediaBytes = m_bytes;
+    for (const Part& part : m_parts)
+        mediaBytes -= part.count * kChunkBytes;
+    if (m_parts.empty())
         problem = QStringLiteral("nothing of any stream is in that range");
+    else if (mediaBytes > m_file.size())
+        problem = QStringLiteral("its index names more bytes than the file has");
+    if (!problem.isEmpty())
         return false;
-    }
     ByteSource source(m_file, kBudget);
     addOthers(source);
     addTrailer(source);
+    if (source.failedAt())
+        m_remarks << QStringLiteral("some of its sensor data can't be read");
     return true;
 }
 

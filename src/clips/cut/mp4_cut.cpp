@@ -113,7 +113,7 @@ bool Mp4Piece::readIndex(QString& problem) {
     m_movie = std::move(*movie);
     if (m_movie.isFragmented)
         problem = QStringLiteral("it is in fragments, which can't be cut");
-    m_clipTicks = m_movie.timescale;
+    m_clipTicks = std::min<std::int64_t>(m_movie.timescale, kFinestTicks);
     for (const Mp4Track& track : m_movie.tracks) {
         if (track.layout.mediaEdits > 1)
             problem = QStringLiteral("its edit list has several stretches, which can't be cut");
@@ -144,7 +144,11 @@ bool Mp4Piece::borderBy(const Mp4Track& track, QString& problem) {
     if (!shown)
         return false;
     const std::int64_t asked = m_from;
-    m_from = std::max<std::int64_t>(0, clock.toClip(shown->shownFrom));
+    const std::int64_t shownFrom = clock.toClip(shown->shownFrom);
+    m_from = std::max<std::int64_t>(0, std::min(asked, shownFrom));
+    // The other tracks may begin before the video.
+    if (shownFrom > m_to)
+        return true;
     m_to = clock.toClip(shown->shownTo);
     // Edit lists may have coarser ticks than the track.
     const std::int64_t slack = m_clipTicks / m_movie.timescale;
@@ -205,7 +209,9 @@ bool Mp4Piece::settle(QString& problem) {
     settleTimescale();
     ByteSource source(m_file, kBudget);
     addOthers(source);
-    return true;
+    if (m_bytes > source.size())
+        problem = QStringLiteral("its tables name more bytes than the file has");
+    return problem.isEmpty();
 }
 
 // The boxes besides the index and the media.
@@ -235,11 +241,18 @@ void Mp4Piece::addOthers(ByteSource& source) {
                 m_others.push_back(box);
         }
     }
+    for (Mp4Box& box : m_others) {
+        if (box.sizeField == Mp4Box::SizeField::ToEnd)
+            box.sizeField = Mp4Box::SizeField::Wide;
+    }
     for (const ByteRange& block : m_gpsBlocks)
         m_bytes += block.size;
+    if (source.failedAt())
+        m_remarks << QStringLiteral("some of its sensor data can't be read");
 }
 
-// Cuts a log; omits blocks of the "gps " index, which are copied with the media; keeps anything else.
+// Cuts a log; omits blocks of the "gps " index, which are copied with the media, and large padding; keeps
+// anything else.
 void Mp4Piece::addFree(ByteSource& source, const Mp4Box& box) {
     const auto body = std::get<ByteRange>(box.content);
     std::array<char, 4> name{};

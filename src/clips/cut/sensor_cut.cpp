@@ -135,7 +135,7 @@ QByteArray freeLog(ByteSource& source, ByteRange area, CutRange range) {
             body += box("gps ", piece.lines);
         else if (inner->type == fourCc("3gf "))
             body += box("3gf ", logAccelerations(source, inner->body, range));
-        else if (inner->type != fourCc("sttm"))
+        else if (inner->type != fourCc("sttm") && inner->body.size <= limits::kHeaderBytes)
             body += bytesAt(source, {inner->offset, inner->body.end() - inner->offset});
     }
     QByteArray start(8, '\0');
