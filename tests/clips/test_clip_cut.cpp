@@ -453,6 +453,16 @@ private Q_SLOTS:
         QCOMPARE(shownBy(piece).frames[0], shownBy(clip).frames[0].first(18));
     }
 
+    // The camera fails, the microphone doesn't.
+    void afterTheVideo() {
+        QByteArray bytes = bytesOf(makeTestClip({}));
+        bytes.replace(bytes.lastIndexOf("mdhd") + 20, 4, bigEndian(1'000'000, 4));
+        const QString clip = put(QStringLiteral("short.mp4"), bytes);
+        const QString piece = path(QStringLiteral("end.mp4"));
+        QCOMPARE(cut(clip, piece, {0, 9 * kUs}).remarks.size(), 1);
+        QCOMPARE(cut(clip, piece, {0, kUs}).remarks.size(), 0);
+    }
+
     // An index without a size extends to the end of the file, but not of the piece.
     void indexWithoutSize() {
         const QByteArray bytes = bytesOf(makeTestClip({.faststart = false}));

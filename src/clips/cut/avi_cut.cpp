@@ -202,6 +202,8 @@ bool AviPieceOfClip::settle(QString& problem) {
         if (!addPart(i, m_keepsSound || !m_movie.streams[i].isSound(), problem))
             return false;
     }
+    if (m_asked.toUs > m_range.toUs)
+        remarkEnd(m_clipUs);
     std::int64_t mediaBytes = m_bytes;
     for (const Part& part : m_parts)
         mediaBytes -= part.count * kChunkBytes;

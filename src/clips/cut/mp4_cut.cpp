@@ -75,6 +75,7 @@ private:
     bool readIndex(QString& problem);
     bool settleBorders(QString& problem);
     bool borderBy(const Mp4Track& track, QString& problem);
+    std::int64_t clipUs() const;
     bool addPart(const Mp4Track& track, QString& problem);
     void addOthers(ByteSource& source);
     void addFree(ByteSource& source, const Mp4Box& box);
@@ -96,6 +97,7 @@ private:
     std::int64_t m_clipTicks = 1; // per second; the unit of the next two
     std::int64_t m_from = 0;
     std::int64_t m_to = 0;
+    bool m_endsEarly = false; // the video ends before the requested time
     std::vector<Part> m_parts;
     std::uint32_t m_timescale = 0; // of the new movie
     std::vector<Mp4Box> m_start;
@@ -135,7 +137,20 @@ bool Mp4Piece::settleBorders(QString& problem) {
     if (m_from >= m_to)
         problem = QStringLiteral("the clip ends before that");
     m_range = {rescaled(m_from, m_clipTicks, kUsPerSecond), rescaled(m_to, m_clipTicks, kUsPerSecond)};
+    if (m_endsEarly)
+        remarkEnd(clipUs());
     return problem.isEmpty();
+}
+
+// The end of the longest track.
+std::int64_t Mp4Piece::clipUs() const {
+    std::int64_t us = 0;
+    for (const Mp4Track& track : m_movie.tracks) {
+        const auto ticks = std::min<std::uint64_t>(track.layout.length, sensorfiles::kMaxTicks);
+        const TrackClock clock(track, m_movie.timescale, kUsPerSecond);
+        us = std::max(us, clock.toClip(static_cast<std::int64_t>(ticks)));
+    }
+    return us;
 }
 
 bool Mp4Piece::borderBy(const Mp4Track& track, QString& problem) {
@@ -149,7 +164,9 @@ bool Mp4Piece::borderBy(const Mp4Track& track, QString& problem) {
     // The other tracks may begin before the video.
     if (shownFrom > m_to)
         return true;
+    const std::int64_t askedTo = m_to;
     m_to = clock.toClip(shown->shownTo);
+    m_endsEarly = askedTo > m_to;
     // Edit lists may have coarser ticks than the track.
     const std::int64_t slack = m_clipTicks / m_movie.timescale;
     if (clock.end() && m_to > *clock.end() + slack)
