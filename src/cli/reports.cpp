@@ -5,6 +5,8 @@
 #include <QByteArray>
 #include <cstdio>
 
+#include "clips/containers/new_file.h"
+
 namespace ql240::cli {
 
 QString shown(const QString& text) {
@@ -47,7 +49,8 @@ void Reports::say(const QString& name, const QString& text) {
 
 void Reports::fail(const QString& name, const QString& text) {
     m_hasFailures = true;
-    say(name, text);
+    const bool needsForce = text.endsWith(containers::NewFile::kExists);
+    say(name, needsForce ? text + QStringLiteral("; --force writes over it") : text);
 }
 
 void Reports::clearLine() {

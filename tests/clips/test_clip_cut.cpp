@@ -161,7 +161,8 @@ Track textTrack() {
 
 QList<QByteArray> gpsBlocks() {
     QList<QByteArray> blocks;
-    for (int i = 0; i < kSeconds; ++i)
+    blocks += QByteArray(); // the receiver has not started yet
+    for (int i = 1; i < kSeconds; ++i)
         blocks += gpsBlock(clockAt(i), "ANE", 3710.5F + static_cast<float>(i), 12707.5F, 20);
     return blocks;
 }
@@ -268,6 +269,13 @@ QList<Kind> kinds() {
             kind.spec.soundCodec = QStringLiteral("libmp3lame");
     }
     return all;
+}
+
+// All entries of the index lead to the first half of the file.
+QByteArray manyFold(QByteArray avi) {
+    for (qsizetype at = avi.lastIndexOf("idx1") + 16; at < avi.size(); at += 16)
+        avi.replace(at, 8, littleEndian(4, 4) + littleEndian(quint64(avi.size()) / 2, 4));
+    return avi;
 }
 
 // The requested range, in frame numbers.
@@ -422,6 +430,75 @@ private Q_SLOTS:
             QVERIFY(isSame(fix, clip.record.fixes.front()));
     }
 
+    // The piece begins between two blocks that are three seconds apart.
+    void gapBetweenBlocks() {
+        QList<QByteArray> blocks = gpsBlocks();
+        blocks.remove(1, 2);
+        blocks[0] = gpsBlock(clockAt(0), "ANE", 3710.5F, 12707.5F, 20);
+        const QByteArray bytes = bytesOf(makeTestClip({.frames = 120, .faststart = false}));
+        const QString clip = put(QStringLiteral("gap.mp4"), withSensorData(bytes, {}, blocks));
+        const QString piece = path(QStringLiteral("after_gap.mp4"));
+        QCOMPARE(cut(clip, piece, {kUs, 4 * kUs}).status, Status::Done);
+        const ClipRecord record = recordOf(piece);
+        QCOMPARE(record.fixes.size(), std::size_t(1));
+        QCOMPARE(record.fixes.front().timeUs, 2 * kUs);
+    }
+
+    // Sound and sensor data before the first frame belong to the piece.
+    void beforeTheVideo() {
+        const QString clip = makeTestClip({.size = kSize, .firstTimeMs = 400});
+        const QString piece = path(QStringLiteral("before.mp4"));
+        const CutResult result = cut(clip, piece, {kUs / 10, 990'000});
+        QCOMPARE(result.range.fromUs, kUs / 10);
+        QCOMPARE(shownBy(piece).frames[0], shownBy(clip).frames[0].first(18));
+    }
+
+    // The camera fails, the microphone doesn't.
+    void afterTheVideo() {
+        QByteArray bytes = bytesOf(makeTestClip({}));
+        bytes.replace(bytes.lastIndexOf("mdhd") + 20, 4, bigEndian(1'000'000, 4));
+        const QString clip = put(QStringLiteral("short.mp4"), bytes);
+        const QString piece = path(QStringLiteral("end.mp4"));
+        QCOMPARE(cut(clip, piece, {0, 9 * kUs}).remarks.size(), 1);
+        QCOMPARE(cut(clip, piece, {0, kUs}).remarks.size(), 0);
+    }
+
+    // An index without a size extends to the end of the file, but not of the piece.
+    void indexWithoutSize() {
+        const QByteArray bytes = bytesOf(makeTestClip({.faststart = false}));
+        const qsizetype index = bytes.lastIndexOf("moov") - 4;
+        const QString clip =
+            put(QStringLiteral("no_size.mp4"), bytes.first(index) + box("gps0", plainTables().positions) +
+                                                   QByteArray(4, '\0') + bytes.sliced(index + 4));
+        const QString piece = path(QStringLiteral("size.mp4"));
+        QCOMPARE(cut(clip, piece, {0, kUs}).status, Status::Done);
+        QVERIFY(!recordOf(piece).fixes.empty());
+    }
+
+    // An index that begins with a list and marks no key frame, and sound that begins late.
+    void unusualAvi() {
+        QByteArray bytes = bytesOf(makeTestClip(aviTestClip()));
+        const qsizetype index = bytes.lastIndexOf("idx1");
+        for (qsizetype at = index + 8; at < bytes.size(); at += 16)
+            bytes[at + 4] = '\0';
+        bytes.insert(index + 8, "rec " + QByteArray(12, '\0'));
+        bytes.replace(index + 4, 4, littleEndian(bytes.size() - index - 8, 4));
+        bytes.replace(4, 4, littleEndian(bytes.size() - 8, 4));
+        const qsizetype sound = bytes.indexOf("auds");
+        bytes.replace(sound + 28, 4, bytes.sliced(sound + 24, 4)); // a second
+        const QString clip = put(QStringLiteral("unusual.avi"), bytes);
+        const QString piece = path(QStringLiteral("usual.avi"));
+        QCOMPARE(cut(clip, piece, {kUs / 2, 2 * kUs}).status, Status::Done);
+        const Hashes packets = packetsOf(piece);
+        QCOMPARE(placeIn(packetsOf(clip)[0], packets[0]), 7);
+        QCOMPARE(packets[0].size(), 24);
+        const QByteArray start = ask("ffprobe", words("-v error -select_streams a -of csv=p=0 -show_entries "
+                                                      "stream=start_time")
+                                                    << piece)
+                                     .output.trimmed();
+        QVERIFY2(std::abs(start.toDouble() - 8 / 15.0) < 0.03, start);
+    }
+
     void withoutSound() {
         for (const TestClipSpec& spec : {TestClipSpec{}, aviTestClip()}) {
             const QString clip = makeTestClip(spec);
@@ -435,6 +512,7 @@ private Q_SLOTS:
     void largeClip() {
         Track track = motionTrack();
         track.samples = QList<QByteArray>(400'000, motionTurn());
+        track.samples[0] = QByteArray(5 << 20, 'p'); // more than a run of sound
         track.durations = {90};
         const Mp4 large = mp4Around(qint64(500) << 20, {track});
         QFile file(path(QStringLiteral("large.mp4")));
@@ -492,6 +570,8 @@ private Q_SLOTS:
             CutRange range;
             const char* reason;
         } rows[] = {{bytes, {5 * kUs, 6 * kUs}, "the clip ends before that"},
+                    {bytes, {kUs, kUs / 2}, "the piece ends before it begins"},
+                    {manyFold(bytesOf(makeTestClip(aviTestClip()))), range, "more bytes than the file has"},
                     {bytes.first(bytes.size() / 2), range, "sample"},
                     {bytesOf(makeTestClip({.faststart = false})).chopped(100), range, "no index"},
                     {bytesOf(makeTestClip(aviTestClip())).chopped(100), range, "no index"},

@@ -42,17 +42,25 @@ AviIndexCursor::AviIndexCursor(ByteSource& source, const AviMovie& movie, std::s
 }
 
 // Offsets are relative to the kind of the list "movi" with most writers, to the file's start with some.
+// Entries of lists ("rec ") don't say which: they have another name than what they lead to.
 std::int64_t AviIndexCursor::baseOfOldIndex() {
     const std::int64_t list = m_movie.media.empty() ? 0 : m_movie.media.front().start - 4;
     RangeReader entries(m_source, m_movie.index);
     std::array<char, 16> entry{};
     std::array<char, 4> name{};
-    if (!entries.read(entry))
-        return list;
-    const std::int64_t offset = qFromLittleEndian<std::uint32_t>(entry.data() + 8);
-    const bool isRelative =
-        m_source.read(list + offset, name) == 4 && std::equal(name.begin(), name.end(), entry.begin());
-    return isRelative ? list : 0;
+    while (entries.read(entry)) {
+        if (!AviPiece{qFromBigEndian<std::uint32_t>(entry.data()), {}}.stream())
+            continue;
+        const std::int64_t offset = qFromLittleEndian<std::uint32_t>(entry.data() + 8);
+        for (const std::int64_t base : {list, INT64_C(0)}) {
+            if (m_source.read(base + offset, name) == 4 &&
+                std::equal(name.begin(), name.end(), entry.begin()))
+                return base;
+        }
+        fail("the index doesn't lead to it");
+        break;
+    }
+    return list;
 }
 
 std::optional<AviPiece> AviIndexCursor::next() {
@@ -109,11 +117,17 @@ bool AviIndexCursor::openSegment() {
     return head[3] == 1 && m_base >= 0 && m_base <= m_source.size();
 }
 
-std::optional<AviPiece> AviIndexCursor::checked(const AviPiece& piece) {
+// Some writers mark no key frames. The first picture is one, and with Motion-JPEG all are.
+std::optional<AviPiece> AviIndexCursor::checked(AviPiece piece) {
     if (++m_number > limits::kClipSamples)
         return fail("more than a clip can have");
     if (piece.body.end() > m_source.size())
         return fail("it isn't whole in the file");
+    if (!piece.body.isEmpty()) {
+        const bool isJpeg = (m_movie.streams[m_stream].codec | 0x20202020U) == fourCc("mjpg");
+        piece.isKey = piece.isKey || isJpeg || !m_hasPicture;
+        m_hasPicture = true;
+    }
     return piece;
 }
 

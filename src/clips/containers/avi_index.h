@@ -21,7 +21,7 @@ private:
     std::optional<AviPiece> nextOfSegments();
     bool openSegment();
     std::int64_t baseOfOldIndex();
-    std::optional<AviPiece> checked(const AviPiece& piece);
+    std::optional<AviPiece> checked(AviPiece piece);
     std::nullopt_t fail(const char* reason);
 
     ByteSource& m_source;
@@ -34,6 +34,7 @@ private:
     std::uint32_t m_left = 0; // entries in the segment
     std::uint32_t m_segmentsLeft = 0;
     std::uint64_t m_number = 0; // chunks so far
+    bool m_hasPicture = false;  // a chunk so far wasn't empty
     QString m_problem;
 };
 

@@ -8,6 +8,9 @@ namespace ql240::containers {
 namespace {
 
 constexpr qsizetype kStartAt = 28; // in "strh"
+// Up to the last fields that change in a new file.
+constexpr qsizetype kMainHeaderBytes = 28;   // of "avih"
+constexpr qsizetype kStreamHeaderBytes = 36; // of "strh"
 
 std::uint32_t littleEndianAt(const QByteArray& bytes, qsizetype at) {
     return at + 4 <= bytes.size() ? qFromLittleEndian<std::uint32_t>(bytes.constData() + at) : 0;
@@ -57,16 +60,20 @@ void takeSuperIndexes(AviMovie& movie) {
     }
 }
 
+bool hasBytes(const AviChunk* chunk, qsizetype bytes) {
+    return loadedContent(chunk).size() >= bytes;
+}
+
 bool readStreams(AviMovie& movie) {
     for (const AviChunk& list : movie.headers.inner) {
-        if (list.kind == fourCc("strl"))
-            movie.streams.push_back(readStream(list, movie.streams.size()));
-    }
-    for (const AviStream& stream : movie.streams) {
-        if (stream.scale == 0 || stream.rate == 0)
+        if (list.kind != fourCc("strl"))
+            continue;
+        const AviStream stream = readStream(list, movie.streams.size());
+        if (stream.scale == 0 || stream.rate == 0 || !hasBytes(list.find(fourCc("strh")), kStreamHeaderBytes))
             return false;
+        movie.streams.push_back(stream);
     }
-    return movie.headers.find(fourCc("avih")) != nullptr && !movie.streams.empty() &&
+    return hasBytes(movie.headers.find(fourCc("avih")), kMainHeaderBytes) && !movie.streams.empty() &&
            movie.streams.size() <= limits::kTracks;
 }
 

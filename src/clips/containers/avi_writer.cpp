@@ -91,24 +91,28 @@ AviChunk AviWriter::preparedHeaders() const {
     return headers;
 }
 
-// Finds the offsets of the fields that are filled in at the end.
-void AviWriter::locate(const AviChunk& chunk, std::int64_t start) {
+// Finds the offsets of the fields that are filled in at the end. Other lists may contain chunks of the same
+// names.
+void AviWriter::locate(const AviChunk& chunk, std::uint32_t parent, std::int64_t start) {
     std::int64_t at = start + (chunk.isList() ? 12 : 8);
-    if (chunk.kind == fourCc("strl")) {
+    const bool isInHeaders = parent == fourCc("hdrl");
+    const bool isInStream = parent == fourCc("strl");
+    const auto stream = [this]() -> Stream& { return m_streams[static_cast<std::size_t>(m_located)]; };
+    if (isInHeaders && chunk.kind == fourCc("strl")) {
         do
             ++m_located;
-        while (m_streams[static_cast<std::size_t>(m_located)].isLeftOut);
+        while (stream().isLeftOut);
     }
-    if (chunk.name == fourCc("avih"))
+    if (isInHeaders && chunk.name == fourCc("avih") && m_headerAt == 0)
         m_headerAt = at;
-    else if (chunk.name == fourCc("dmlh"))
+    else if (parent == fourCc("odml") && chunk.name == fourCc("dmlh") && chunk.bodySize() >= 4)
         m_extendedAt = at;
-    else if (chunk.name == fourCc("strh") && m_located >= 0)
-        m_streams[static_cast<std::size_t>(m_located)].headerAt = at;
-    else if (chunk.name == fourCc("indx") && m_located >= 0)
-        m_streams[static_cast<std::size_t>(m_located)].indexAt = at;
+    else if (isInStream && chunk.name == fourCc("strh") && stream().headerAt == 0)
+        stream().headerAt = at;
+    else if (isInStream && chunk.name == fourCc("indx"))
+        stream().indexAt = at;
     for (const AviChunk& inner : chunk.inner) {
-        locate(inner, at);
+        locate(inner, chunk.kind, at);
         at += inner.size();
     }
 }
@@ -117,7 +121,7 @@ void AviWriter::begin(const std::vector<AviChunk>& others) {
     numberStreams();
     m_output.add(listHead(fourCc("RIFF"), fourCc("AVI ")));
     const AviChunk headers = preparedHeaders();
-    locate(headers, m_output.position());
+    locate(headers, 0, m_output.position());
     writeChunk(headers, m_output);
     for (const AviChunk& chunk : others)
         writeChunk(chunk, m_output);

@@ -51,7 +51,7 @@ private:
 
     void numberStreams();
     AviChunk preparedHeaders() const;
-    void locate(const AviChunk& chunk, std::int64_t start);
+    void locate(const AviChunk& chunk, std::uint32_t parent, std::int64_t start);
     void openList();
     void closeMedia();
     void closeList();

@@ -95,6 +95,8 @@ auto* findIn(Boxes& boxes, std::uint32_t type) {
 }
 
 bool load(ByteSource& source, Mp4Box& box) {
+    if (box.sizeField == Mp4Box::SizeField::ToEnd)
+        box.sizeField = Mp4Box::SizeField::Narrow; // others may follow it in the new file
     for (Mp4Box& inner : box.inner) {
         if (!load(source, inner))
             return false;

@@ -140,15 +140,18 @@ bool Mp4SampleCursor::openChunk() {
 bool Mp4SampleCursor::takeTables(Mp4Sample& sample) {
     const std::optional<std::uint32_t> size = m_sizes.next();
     const std::optional<sensorfiles::SampleTimes::Time> time = m_times.next(sample.count);
-    if (!size || !time || *size > UINT32_MAX / kRunSamples)
+    if (!size || !time || *size > UINT32_MAX / sample.count)
         return false;
     m_sizes.skip(sample.count - 1);
     sample.size = *size * sample.count;
     sample.duration = time->duration;
     sample.time = time->start;
     m_number += sample.count;
-    if (m_compositionsLeft == 0) {
-        m_compositionsLeft = m_compositions.u32().value_or(0);
+    while (m_compositionsLeft == 0) {
+        const std::optional<std::uint32_t> count = m_compositions.u32();
+        if (!count)
+            break;
+        m_compositionsLeft = *count;
         m_composition = static_cast<std::int32_t>(m_compositions.u32().value_or(0));
     }
     sample.compositionOffset = m_compositionsLeft > 0 ? m_composition : 0;

@@ -21,7 +21,7 @@ bool NewFile::isFree(QString& reason) const {
     if (info.isSymLink() || (info.exists() && !info.isFile()))
         reason = QStringLiteral("no regular file");
     else if (info.exists() && !m_overwrites)
-        reason = QStringLiteral("it exists; --force writes over it");
+        reason = QString(kExists);
     return reason.isEmpty();
 }
 

@@ -12,6 +12,9 @@ bool isSameFile(const QString& one, const QString& other);
 
 class NewFile {
 public:
+    // The reason if there is a file that may not be replaced.
+    static constexpr QLatin1StringView kExists{"it exists"};
+
     // `overwrites`: replaces an existing file.
     NewFile(QString name, bool overwrites) : m_name(std::move(name)), m_overwrites(overwrites) {}
 

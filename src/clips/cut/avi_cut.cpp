@@ -16,6 +16,7 @@ using namespace containers;
 
 constexpr std::int64_t kUsPerSecond = 1'000'000;
 constexpr std::int64_t kUsPerMs = 1000;
+constexpr std::int64_t kChunkBytes = 8 + 16; // the header and the index entry
 constexpr sensorfiles::ReadBudget kBudget{limits::kRecordBytes, limits::kRecordReads};
 
 // A stream's contribution to the piece.
@@ -91,7 +92,7 @@ private:
     bool readIndex(QString& problem);
     bool settleBorders(QString& problem);
     void remarkStart(const AviStream& stream, std::int64_t wantedUs);
-    bool addPart(std::size_t stream, QString& problem);
+    bool addPart(std::size_t stream, bool isKept, QString& problem);
     void addOthers(ByteSource& source);
     void addTrailer(ByteSource& source);
     void copyMedia(AviWriter& writer);
@@ -133,7 +134,7 @@ bool AviPieceOfClip::settleBorders(QString& problem) {
     const auto video = std::find_if(m_movie.streams.begin(), m_movie.streams.end(),
                                     [](const AviStream& stream) { return stream.isVideo(); });
     std::int64_t endUs = 0;
-    std::int64_t wantedUs = 0;
+    std::int64_t wantedUs = m_range.fromUs;
     const auto takeFrame = [&](const TimedPiece& frame) {
         endUs = frame.endUs;
         if (frame.startUs <= m_asked.fromUs)
@@ -144,7 +145,6 @@ bool AviPieceOfClip::settleBorders(QString& problem) {
             m_range.toUs = frame.endUs;
     };
     if (video != m_movie.streams.end()) {
-        m_range.fromUs = 0;
         const auto number = static_cast<std::size_t>(video - m_movie.streams.begin());
         if (!forEachChunk(m_file, m_movie, number, problem, takeFrame))
             return false;
@@ -167,8 +167,8 @@ void AviPieceOfClip::remarkStart(const AviStream& stream, std::int64_t wantedUs)
 }
 
 // Whole chunks, from the one nearest to the piece's start; a video whose next key frame is later begins with
-// that one.
-bool AviPieceOfClip::addPart(std::size_t number, QString& problem) {
+// that one. Streams that aren't kept count for the clip's length.
+bool AviPieceOfClip::addPart(std::size_t number, bool isKept, QString& problem) {
     const AviStream& stream = m_movie.streams[number];
     Part part;
     part.stream = number;
@@ -184,11 +184,11 @@ bool AviPieceOfClip::addPart(std::size_t number, QString& problem) {
             part.startUs = chunk.startUs;
         }
         part.count = chunk.number - part.first + 1;
-        part.bytes += chunk.piece.body.size + 8 + 16;
+        part.bytes += chunk.piece.body.size + kChunkBytes;
     });
     if (!isRead)
         return false;
-    if (part.count > 0) {
+    if (part.count > 0 && isKept) {
         m_parts.push_back(part);
         m_bytes += part.bytes;
     }
@@ -199,18 +199,25 @@ bool AviPieceOfClip::settle(QString& problem) {
     if (!readIndex(problem) || !settleBorders(problem))
         return false;
     for (std::size_t i = 0; i < m_movie.streams.size(); ++i) {
-        if (m_movie.streams[i].isSound() && !m_keepsSound)
-            continue;
-        if (!addPart(i, problem))
+        if (!addPart(i, m_keepsSound || !m_movie.streams[i].isSound(), problem))
             return false;
     }
-    if (m_parts.empty()) {
+    if (m_asked.toUs > m_range.toUs)
+        remarkEnd(m_clipUs);
+    std::int64_t mediaBytes = m_bytes;
+    for (const Part& part : m_parts)
+        mediaBytes -= part.count * kChunkBytes;
+    if (m_parts.empty())
         problem = QStringLiteral("nothing of any stream is in that range");
+    else if (mediaBytes > m_file.size())
+        problem = QStringLiteral("its index names more bytes than the file has");
+    if (!problem.isEmpty())
         return false;
-    }
     ByteSource source(m_file, kBudget);
     addOthers(source);
     addTrailer(source);
+    if (source.failedAt())
+        m_remarks << QStringLiteral("some of its sensor data can't be read");
     return true;
 }
 
@@ -252,7 +259,7 @@ void AviPieceOfClip::write(Copier& to) {
         const AviStream& stream = pattern.streams[part.stream];
         const double lateS = static_cast<double>(part.startUs - m_range.fromUs) / kUsPerSecond;
         const double units = lateS * stream.rate / stream.scale;
-        if (stream.isVideo() && units >= 0.5)
+        if (units >= 0.5)
             pattern.setStart(part.stream, static_cast<std::uint32_t>(units + 0.5));
     }
     AviWriter writer(pattern, m_bytes, to);

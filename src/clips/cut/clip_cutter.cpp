@@ -81,6 +81,10 @@ CutResult cutClip(const CutRequest& request, const CutProgress& progress) {
     QFile clip(request.clip);
     if (!openClip(clip, result.reason))
         return result;
+    if (request.range.fromUs < 0 || request.range.fromUs > request.range.toUs) {
+        result.reason = QStringLiteral("the piece ends before it begins");
+        return result;
+    }
     const std::unique_ptr<ClipPiece> piece = pieceOf(clip, request, result.reason);
     if (!piece)
         return result;

@@ -32,6 +32,16 @@ public:
     virtual void write(containers::Copier& to) = 0;
 
 protected:
+    // Pieces end with the first video; a camera may fail before the others. `clipUs`: the end of the longest
+    // track.
+    void remarkEnd(std::int64_t clipUs) {
+        constexpr double kUsPerSecond = 1e6;
+        const double seconds = static_cast<double>(clipUs - m_range.toUs) / kUsPerSecond;
+        if (seconds > 0.5)
+            m_remarks
+                << QStringLiteral("ends with the picture, %1 s before the clip").arg(seconds, 0, 'f', 3);
+    }
+
     CutRange m_range;
     std::int64_t m_bytes = 0;
     QStringList m_remarks;

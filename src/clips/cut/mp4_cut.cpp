@@ -75,6 +75,7 @@ private:
     bool readIndex(QString& problem);
     bool settleBorders(QString& problem);
     bool borderBy(const Mp4Track& track, QString& problem);
+    std::int64_t clipUs() const;
     bool addPart(const Mp4Track& track, QString& problem);
     void addOthers(ByteSource& source);
     void addFree(ByteSource& source, const Mp4Box& box);
@@ -96,6 +97,7 @@ private:
     std::int64_t m_clipTicks = 1; // per second; the unit of the next two
     std::int64_t m_from = 0;
     std::int64_t m_to = 0;
+    bool m_endsEarly = false; // the video ends before the requested time
     std::vector<Part> m_parts;
     std::uint32_t m_timescale = 0; // of the new movie
     std::vector<Mp4Box> m_start;
@@ -113,7 +115,7 @@ bool Mp4Piece::readIndex(QString& problem) {
     m_movie = std::move(*movie);
     if (m_movie.isFragmented)
         problem = QStringLiteral("it is in fragments, which can't be cut");
-    m_clipTicks = m_movie.timescale;
+    m_clipTicks = std::min<std::int64_t>(m_movie.timescale, kFinestTicks);
     for (const Mp4Track& track : m_movie.tracks) {
         if (track.layout.mediaEdits > 1)
             problem = QStringLiteral("its edit list has several stretches, which can't be cut");
@@ -135,7 +137,20 @@ bool Mp4Piece::settleBorders(QString& problem) {
     if (m_from >= m_to)
         problem = QStringLiteral("the clip ends before that");
     m_range = {rescaled(m_from, m_clipTicks, kUsPerSecond), rescaled(m_to, m_clipTicks, kUsPerSecond)};
+    if (m_endsEarly)
+        remarkEnd(clipUs());
     return problem.isEmpty();
+}
+
+// The end of the longest track.
+std::int64_t Mp4Piece::clipUs() const {
+    std::int64_t us = 0;
+    for (const Mp4Track& track : m_movie.tracks) {
+        const auto ticks = std::min<std::uint64_t>(track.layout.length, sensorfiles::kMaxTicks);
+        const TrackClock clock(track, m_movie.timescale, kUsPerSecond);
+        us = std::max(us, clock.toClip(static_cast<std::int64_t>(ticks)));
+    }
+    return us;
 }
 
 bool Mp4Piece::borderBy(const Mp4Track& track, QString& problem) {
@@ -144,8 +159,14 @@ bool Mp4Piece::borderBy(const Mp4Track& track, QString& problem) {
     if (!shown)
         return false;
     const std::int64_t asked = m_from;
-    m_from = std::max<std::int64_t>(0, clock.toClip(shown->shownFrom));
+    const std::int64_t shownFrom = clock.toClip(shown->shownFrom);
+    m_from = std::max<std::int64_t>(0, std::min(asked, shownFrom));
+    // The other tracks may begin before the video.
+    if (shownFrom > m_to)
+        return true;
+    const std::int64_t askedTo = m_to;
     m_to = clock.toClip(shown->shownTo);
+    m_endsEarly = askedTo > m_to;
     // Edit lists may have coarser ticks than the track.
     const std::int64_t slack = m_clipTicks / m_movie.timescale;
     if (clock.end() && m_to > *clock.end() + slack)
@@ -205,7 +226,9 @@ bool Mp4Piece::settle(QString& problem) {
     settleTimescale();
     ByteSource source(m_file, kBudget);
     addOthers(source);
-    return true;
+    if (m_bytes > source.size())
+        problem = QStringLiteral("its tables name more bytes than the file has");
+    return problem.isEmpty();
 }
 
 // The boxes besides the index and the media.
@@ -235,11 +258,18 @@ void Mp4Piece::addOthers(ByteSource& source) {
                 m_others.push_back(box);
         }
     }
+    for (Mp4Box& box : m_others) {
+        if (box.sizeField == Mp4Box::SizeField::ToEnd)
+            box.sizeField = Mp4Box::SizeField::Wide;
+    }
     for (const ByteRange& block : m_gpsBlocks)
         m_bytes += block.size;
+    if (source.failedAt())
+        m_remarks << QStringLiteral("some of its sensor data can't be read");
 }
 
-// Cuts a log; omits blocks of the "gps " index, which are copied with the media; keeps anything else.
+// Cuts a log; omits blocks of the "gps " index, which are copied with the media, and large padding; keeps
+// anything else.
 void Mp4Piece::addFree(ByteSource& source, const Mp4Box& box) {
     const auto body = std::get<ByteRange>(box.content);
     std::array<char, 4> name{};
@@ -302,7 +332,7 @@ void Mp4Piece::copyMedia(Mp4Writer& writer) {
             lanes[next]->advance();
         } else if (isBlockLeft) {
             const ByteRange block = m_gpsBlocks[blocks.size()];
-            blocks.emplace_back(writer.addOther(block), block);
+            blocks.emplace_back(block.isEmpty() ? 0 : writer.addOther(block), block);
         } else {
             break;
         }

@@ -14,6 +14,7 @@ namespace {
 using namespace sensorfiles;
 
 constexpr std::int64_t kUsPerMs = 1000;
+constexpr std::int64_t kUsPerSecond = 1'000'000;
 
 // A range of records without times of their own, by the records nearest to the start and to the end.
 struct Indexes {
@@ -27,10 +28,14 @@ std::size_t nearest(const std::vector<std::int64_t>& times, std::int64_t us) {
     return static_cast<std::size_t>(after - times.begin()) - (isBeforeNearer ? 1 : 0);
 }
 
-Indexes nearest(std::vector<SecondRecord> seconds, const ClipLayout& clip, CutRange range) {
+std::vector<std::int64_t> likelyTimesUs(const std::vector<SecondRecord>& seconds, const ClipLayout& clip) {
     std::vector<std::int64_t> times = likelyTimes(seconds, clip.lengthMs);
     for (std::int64_t& time : times)
         time *= kUsPerMs;
+    return times;
+}
+
+Indexes nearest(const std::vector<std::int64_t>& times, CutRange range) {
     const std::size_t first = nearest(times, range.fromUs);
     return {first, std::max(first, nearest(times, range.toUs))};
 }
@@ -102,13 +107,22 @@ std::vector<ByteRange> gpsBlocks(ByteSource& source, const ClipLayout& clip, Cut
     std::vector<SecondRecord> seconds;
     std::vector<ByteRange> blocks;
     for (const GpsBlock& block : readGpsBlocks(source, clip)) {
-        if (block.range.isEmpty() || block.range.end() > source.size())
+        if (!block.isListed)
             continue;
+        const std::int64_t there = std::min(block.range.size, source.size() - block.range.start);
         seconds.push_back(block.record);
-        blocks.push_back(block.range);
+        blocks.push_back(there > 0 ? ByteRange{block.range.start, there} : ByteRange{});
     }
-    const Indexes kept = nearest(std::move(seconds), clip, range);
-    return {blocks.begin() + kept.first, blocks.begin() + kept.end};
+    const std::vector<std::int64_t> times = likelyTimesUs(seconds, clip);
+    Indexes kept = nearest(times, range);
+    // The start may be in a gap without entries. Empty ones then delay the next block; the previous one would
+    // be shown too late.
+    if (kept.first < kept.end && range.fromUs - times[kept.first] > kUsPerSecond / 2)
+        ++kept.first;
+    const std::int64_t gapUs = kept.first < kept.end ? times[kept.first] - range.fromUs : 0;
+    std::vector<ByteRange> piece(std::max<std::int64_t>(0, nearestStep(gapUs, kUsPerSecond)));
+    piece.insert(piece.end(), blocks.begin() + kept.first, blocks.begin() + kept.end);
+    return piece;
 }
 
 QByteArray freeLog(ByteSource& source, ByteRange area, CutRange range) {
@@ -123,7 +137,7 @@ QByteArray freeLog(ByteSource& source, ByteRange area, CutRange range) {
             body += box("gps ", piece.lines);
         else if (inner->type == fourCc("3gf "))
             body += box("3gf ", logAccelerations(source, inner->body, range));
-        else if (inner->type != fourCc("sttm"))
+        else if (inner->type != fourCc("sttm") && inner->body.size <= limits::kHeaderBytes)
             body += bytesAt(source, {inner->offset, inner->body.end() - inner->offset});
     }
     QByteArray start(8, '\0');
@@ -132,7 +146,7 @@ QByteArray freeLog(ByteSource& source, ByteRange area, CutRange range) {
 }
 
 QByteArray plainPositions(ByteSource& source, const ClipLayout& clip, CutRange range) {
-    const Indexes kept = nearest(readPlainPositions(source, clip), clip, range);
+    const Indexes kept = nearest(likelyTimesUs(readPlainPositions(source, clip), clip), range);
     const auto count = static_cast<std::int64_t>(kept.end - kept.first);
     const auto first = static_cast<std::int64_t>(kept.first);
     return bytesAt(source, {clip.gps0.start + first * kPlainPositionBytes, count * kPlainPositionBytes});

@@ -11,7 +11,8 @@ using sensorfiles::ByteRange;
 using sensorfiles::ByteSource;
 using sensorfiles::ClipLayout;
 
-// The ranges, in the clip, of the blocks of the "gps " index that belong to the piece.
+// The ranges, in the clip, of the blocks of the "gps " index that belong to the piece. Empty ones stand for
+// seconds without a block.
 std::vector<ByteRange> gpsBlocks(ByteSource& source, const ClipLayout& clip, CutRange range);
 
 // The new body of a "free" box with a log; empty without a log. `area`: the old body.
