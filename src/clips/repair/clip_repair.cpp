@@ -32,7 +32,7 @@ RepairResult failed(RepairStatus status, const QString& problem) {
 std::unique_ptr<Mp4Pattern> patternFor(const RepairOrder& order, QFile& from, RepairResult& result) {
     QString problem;
     FileWindow window(from);
-    if (!hasMp4Media(window)) {
+    if (!mp4Media(window)) {
         result = failed(RepairStatus::NothingFound, QStringLiteral("no pictures in it"));
         return nullptr;
     }

@@ -272,7 +272,11 @@ std::optional<OuterBoxes::Part> OuterBoxes::next() {
     return part;
 }
 
-bool lacksMp4Index(FileWindow& window) {
+namespace {
+
+enum class Index : std::uint8_t { NoClip, Lacking, Whole };
+
+Index indexOf(FileWindow& window) {
     constexpr std::uint32_t kFirst[] = {fourCc("ftyp"), fourCc("mdat"), fourCc("free"),
                                         fourCc("skip"), fourCc("wide"), fourCc("pnot")};
     OuterBoxes boxes(window);
@@ -280,20 +284,30 @@ bool lacksMp4Index(FileWindow& window) {
     while (const std::optional<OuterBoxes::Part> part = boxes.next()) {
         if (std::exchange(isFirst, false) &&
             std::find(std::begin(kFirst), std::end(kFirst), part->type) == std::end(kFirst))
-            return false;
+            return Index::NoClip;
         if (part->type == fourCc("moov") && part->isWhole)
-            return false;
+            return Index::Whole;
     }
-    return !isFirst;
+    return isFirst ? Index::NoClip : Index::Lacking;
 }
 
-bool hasMp4Media(FileWindow& window) {
+} // namespace
+
+bool lacksMp4Index(FileWindow& window) {
+    return indexOf(window) == Index::Lacking;
+}
+
+bool hasMp4Index(FileWindow& window) {
+    return indexOf(window) == Index::Whole;
+}
+
+std::optional<ByteRange> mp4Media(FileWindow& window) {
     OuterBoxes boxes(window);
     while (const std::optional<OuterBoxes::Part> part = boxes.next()) {
         if (part->type == fourCc("mdat") && !part->body.isEmpty())
-            return true;
+            return part->body;
     }
-    return false;
+    return std::nullopt;
 }
 
 Saved saveMp4(QFileDevice& from, const Mp4Pattern& pattern, QFileDevice& to,

@@ -108,13 +108,10 @@ bool findsItself(QFileDevice& file, Mp4Pattern& pattern) {
 // Missing or unrecognized samples show that the pattern is of another kind.
 bool isFoundIn(QFileDevice& damaged, const Mp4Pattern& pattern) {
     FileWindow window(damaged);
-    OuterBoxes boxes(window);
-    std::optional<OuterBoxes::Part> part = boxes.next();
-    while (part && part->type != fourCc("mdat"))
-        part = boxes.next();
-    if (!part)
+    const std::optional<ByteRange> media = mp4Media(window);
+    if (!media)
         return false;
-    MediaWalk walk(window, pattern, part->body);
+    MediaWalk walk(window, pattern, *media);
     PictureCount pictures(pattern);
     std::optional<FoundMedia> found = walk.next();
     for (int i = 0; i < kTried && found; ++i, found = walk.next())
@@ -124,6 +121,15 @@ bool isFoundIn(QFileDevice& damaged, const Mp4Pattern& pattern) {
     const bool isOther = pictures.unexpected() * kEnough > pictures.all() || skipsWhatIsThere || lacksVideo;
     const bool isFollowed = walk.end() != MediaWalk::End::Unknown || pictures.all() >= kEnough;
     return pictures.all() > 0 && !isOther && isFollowed;
+}
+
+// Around a crash, the nearest clips may be damaged as well.
+bool isHealthy(const QString& clip) {
+    QFile file(clip);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return false;
+    FileWindow window(file);
+    return hasMp4Index(window);
 }
 
 QString shapeOf(const QString& fileName) {
@@ -164,33 +170,30 @@ std::unique_ptr<Mp4Pattern> fittingPattern(const QString& healthy, QFileDevice& 
 
 QStringList patternsFor(const QString& clip) {
     const QFileInfo wanted(clip);
-    QList<QFileInfo> others = listFolder(wanted.path()).recordings;
-    others.removeIf([&](const QFileInfo& file) {
-        return file.fileName() == wanted.fileName() ||
-               !file.fileName().endsWith(QLatin1String(".mp4"), Qt::CaseInsensitive);
-    });
     const QString shape = shapeOf(wanted.fileName());
     const QDateTime start = startOf(wanted);
-    const auto key = [&](const QFileInfo& file) {
-        return std::tuple(shapeOf(file.fileName()) != shape, std::abs(startOf(file).msecsTo(start)),
-                          file.fileName());
-    };
-    std::sort(others.begin(), others.end(),
-              [&](const QFileInfo& a, const QFileInfo& b) { return key(a) < key(b); });
-    QStringList names;
-    for (const QFileInfo& file : others.first(std::min(others.size(), kMostPatterns)))
-        names << file.filePath();
-    return names;
+    std::vector<std::tuple<bool, qint64, QString>> others; // another shape, distance, path
+    for (const QFileInfo& file : listFolder(wanted.path()).recordings) {
+        const QString name = file.fileName();
+        if (name != wanted.fileName() && name.endsWith(QLatin1String(".mp4"), Qt::CaseInsensitive))
+            others.emplace_back(shapeOf(name) != shape, std::abs(startOf(file).msecsTo(start)),
+                                file.filePath());
+    }
+    std::sort(others.begin(), others.end());
+    QStringList paths;
+    for (std::size_t i = 0; i < others.size() && paths.size() < kMostPatterns; ++i) {
+        const QString& path = std::get<QString>(others[i]);
+        if (isHealthy(path))
+            paths << path;
+    }
+    return paths;
 }
 
 QString wantedKind(QFileDevice& damaged) {
     FileWindow window(damaged);
     const QByteArray type = typeOf(window).left(4);
-    OuterBoxes boxes(window);
-    std::optional<OuterBoxes::Part> part = boxes.next();
-    while (part && part->type != fourCc("mdat"))
-        part = boxes.next();
-    const Bytes head = part ? window.at(part->body.start, 6) : Bytes();
+    const std::optional<ByteRange> media = mp4Media(window);
+    const Bytes head = media ? window.at(media->start, 6) : Bytes();
     QString kind = QStringLiteral("a whole MP4 clip of the same camera and settings");
     if (head.size() == 6 && head[0] == 0) {
         const bool isH264 = (head[4] & 0x80) == 0 &&

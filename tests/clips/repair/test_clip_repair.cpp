@@ -440,6 +440,26 @@ private Q_SLOTS:
         QCOMPARE(result.pattern, pattern);
     }
 
+    // The nearest clips were interrupted as well; an empty box precedes the media.
+    void patternBehindDamagedOnes() {
+        const Kind kind = kinds()[0];
+        const QString pattern = make(kind, "REC_2013_04_05_12_00_00", 30);
+        const QString clip = make(kind, "REC_2013_04_05_14_11_12", 0);
+        QByteArray bytes = bytesOf(clip);
+        bytes.insert(bytes.indexOf("mdat") - 4, bigEndian(8, 4) + "mdat");
+        put(clip, bytes.chopped(bytes.size() / 3));
+        QStringList neighbours;
+        for (int i = 0; i < 40; ++i) {
+            neighbours << path(QStringLiteral("REC_2013_04_05_14_10_%1.mp4").arg(i, 2, 10, QLatin1Char('0')));
+            put(neighbours.last(), bytes.left(1000));
+        }
+        const RepairResult result = repairClip({clip, {}, path("out.mp4"), true});
+        for (const QString& neighbour : neighbours + QStringList{pattern})
+            QVERIFY(QFile::remove(neighbour));
+        QCOMPARE(result.pattern, pattern);
+        QCOMPARE(result.status, RepairStatus::Repaired);
+    }
+
     // The file system allocated more than was written: the last picture ends in zeros.
     void zerosBehind() {
         const Kind kind = kinds()[0];
