@@ -132,9 +132,9 @@ Pieces piecesOf(const QByteArray& bytes) {
     return bytes.startsWith("RIFF") ? aviPieces(bytes) : mp4Pieces(bytes);
 }
 
-enum class Sensors { None, Motion, Text, Blocks };
+enum class Sensors { None, Motion, Accelerations, Angles, Text, Blocks };
 
-// A motion record every 20 ms, some with a place as well; a sentence or a block every 200 ms.
+// A record of motion every 20 ms, some with a place as well; a sentence or a block every 200 ms.
 QList<QByteArray> sensorSamples(Sensors kind) {
     QList<QByteArray> samples;
     for (int i = 0; i < 200; ++i) {
@@ -146,7 +146,10 @@ QList<QByteArray> sensorSamples(Sensors kind) {
             samples << madeclips::gpsBlock({12, 0, i % 60, 13, 4, 5}, "ANE", 3733.5F, 12658.6F, 10);
         else
             samples << madeclips::motionAcceleration(0, float(i), 9.8F) +
-                           (i % 50 == 7 ? madeclips::motionFix(3, 37, 127, 1, 2) : QByteArray());
+                           (kind == Sensors::Motion && i % 50 == 7 ? madeclips::motionFix(3, 37, 127, 1, 2)
+                                                                   : QByteArray());
+        if (kind == Sensors::Angles)
+            samples.last().replace(2, 1, QByteArray(1, '\0'));
     }
     return samples;
 }
@@ -210,7 +213,7 @@ void addSensors(const QString& path, Sensors kind) {
     writer.addTrack(sensorMovie->tracks.front());
     qsizetype number = 0;
     QByteArray index;
-    for (const Next& next : interleaved(from, *movie, kind == Sensors::Motion ? 0.02 : 0.2)) {
+    for (const Next& next : interleaved(from, *movie, kind < Sensors::Text ? 0.02 : 0.2)) {
         if (next.track < movie->tracks.size()) {
             writer.addSample(next.track, next.sample);
         } else if (kind == Sensors::Blocks) {
@@ -460,9 +463,17 @@ private Q_SLOTS:
         QCOMPARE(result.status, RepairStatus::Repaired);
     }
 
-    // The file system allocated more than was written: the last picture ends in zeros.
+    // The file system allocated more than was written: the last picture ends in zeros. A record of angles
+    // begins with zeros.
+    void zerosBehind_data() {
+        QTest::addColumn<int>("sensors");
+        QTest::newRow("no sensors") << int(Sensors::None);
+        QTest::newRow("angles") << int(Sensors::Angles);
+    }
     void zerosBehind() {
-        const Kind kind = kinds()[0];
+        QFETCH(int, sensors);
+        Kind kind = kinds()[0];
+        kind.sensors = Sensors(sensors);
         make(kind, "REC_2013_04_05_14_10_12", 30);
         const QString clip = make(kind, "REC_2013_04_05_14_11_12", 0);
         const QByteArray whole = bytesOf(clip);
@@ -470,11 +481,34 @@ private Q_SLOTS:
         put(clip, whole.left(cut) + QByteArray(100'000, '\0'));
         const RepairResult result = repairClip({clip, {}, path("out.mp4"), true});
         QCOMPARE(result.status, RepairStatus::Repaired);
-        const std::size_t expected = wholeOnes(mp4Pieces(whole), cut).at(0).size();
-        const std::size_t got = mp4Pieces(bytesOf(path("out.mp4"))).at(0).size();
-        QVERIFY2(got <= expected && got + 1 >= expected,
-                 qPrintable(QStringLiteral("%1 of %2").arg(got).arg(expected)));
+        Pieces expected = wholeOnes(mp4Pieces(whole), cut);
+        Pieces got = mp4Pieces(bytesOf(path("out.mp4")));
+        for (const std::size_t track : {0U, 2U})
+            QVERIFY2(
+                got[track].size() <= expected[track].size() &&
+                    got[track].size() + 1 >= expected[track].size(),
+                qPrintable(QStringLiteral("%1 of %2").arg(got[track].size()).arg(expected[track].size())));
         QVERIFY(result.lostBytes > 90'000);
+    }
+
+    void placesThatThePatternLacks() {
+        Kind kind = kinds()[0];
+        kind.sensors = Sensors::Accelerations;
+        make(kind, "REC_2013_04_05_14_10_12", 30);
+        kind.sensors = Sensors::Motion;
+        const QString clip = make(kind, "REC_2013_04_05_14_11_12", 0);
+        const QByteArray whole = bytesOf(clip);
+        const qint64 cut = whole.size() * 2 / 3;
+        put(clip, whole.left(cut));
+        QCOMPARE(repairClip({clip, {}, path("out.mp4"), true}).status, RepairStatus::Repaired);
+        const auto records = [](const Pieces& pieces) {
+            QByteArray all;
+            for (const Piece& piece : pieces.at(2))
+                all += piece.bytes;
+            return all;
+        };
+        QVERIFY(records(mp4Pieces(bytesOf(path("out.mp4"))))
+                    .startsWith(records(wholeOnes(mp4Pieces(whole), cut))));
     }
 
     void nothingIsLeftOfACancelledRepair() {
