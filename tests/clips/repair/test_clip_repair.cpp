@@ -2,6 +2,7 @@
 // complete, unchanged. QL240_REPAIR_CUTS sets the number of offsets for each kind of clip.
 #include <QBuffer>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -509,6 +510,26 @@ private Q_SLOTS:
         };
         QVERIFY(records(mp4Pieces(bytesOf(path("out.mp4"))))
                     .startsWith(records(wholeOnes(mp4Pieces(whole), cut))));
+    }
+
+    // Thousands of pictures seem to begin after the last one, all with the same scan of eight megabytes.
+    void scansAreBounded() {
+        Kind kind = kinds()[0];
+        kind.spec.codec = TestClipSpec::Codec::MotionJpeg;
+        make(kind, "REC_2013_04_05_14_10_12", 30);
+        const QString clip = make(kind, "REC_2013_04_05_14_11_12", 0);
+        const Pieces all = mp4Pieces(bytesOf(clip));
+        QByteArray starts(1, '\1');
+        for (int left = 30000; left > 0; left -= 6)
+            starts += QByteArray::fromHex("FFD8FFE0") + bigEndian(quint64(left - 4), 2);
+        put(clip, bytesOf(clip).left(all.at(0)[60].end) + starts + QByteArray::fromHex("FFDA0002") +
+                      QByteArray(8 << 20, '\0'));
+        QElapsedTimer timer;
+        timer.start();
+        const RepairResult result = repairClip({clip, {}, path("out.mp4"), true});
+        QCOMPARE(result.status, RepairStatus::Repaired);
+        QCOMPARE(result.pictures, 61);
+        QVERIFY2(timer.elapsed() < 10'000, qPrintable(QString::number(timer.elapsed())));
     }
 
     void nothingIsLeftOfACancelledRepair() {
