@@ -3,6 +3,7 @@
 #include <QtEndian>
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 #include "clips/formats/sensor_formats.h"
 
@@ -160,6 +161,12 @@ void Durations::learn(std::uint32_t ticks) {
         m_usual = ticks, m_usualCount = 0;
     m_balance += ticks == m_usual ? 1 : -1;
     m_usualCount += ticks == m_usual ? 1 : 0;
+}
+
+// If one picture in twenty is dropped, the sound is three seconds ahead after a minute.
+bool Durations::isSteady() const {
+    const std::int64_t others = m_ticks - m_count * m_usual;
+    return m_usualCount * 10 >= m_count * 9 && std::abs(others) <= std::int64_t{m_usual};
 }
 
 std::int64_t Durations::ticksOf(std::int64_t samples) const {

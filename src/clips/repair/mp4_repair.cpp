@@ -169,8 +169,7 @@ void Mp4Saver::add(const FoundMedia& found) {
     }
     const TrackPattern& pattern = m_pattern.tracks[found.track];
     m_writer.addSample(found.track, sampleOf(found));
-    const bool isSound = pattern.kind == TrackPattern::Kind::Aac || pattern.kind == TrackPattern::Kind::Pcm;
-    ++(pattern.isPicture() ? m_saved.pictures : isSound ? m_saved.sounds : m_saved.sensors);
+    ++(pattern.isPicture() ? m_saved.pictures : pattern.isSound() ? m_saved.sounds : m_saved.sensors);
 }
 
 // With a wrong size, "mdat" may contain the boxes after the media.
