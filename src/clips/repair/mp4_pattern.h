@@ -55,7 +55,7 @@ struct Mp4Pattern {
     ByteRange media;         // from the first sample's start to the last one's end
     bool hasPadding = false; // between samples
     SecondsApart apart;
-    std::int64_t laterS = 0; // how much later the damaged clip began, by their names
+    std::optional<std::int64_t> laterS; // how much later the damaged clip began, by their names
 };
 
 // Nothing, with the reason in `problem`, if the clip is damaged or contains samples that can't be found

@@ -16,6 +16,7 @@
 #include "clips/containers/mp4_writer.h"
 #include "clips/record_reader.h"
 #include "clips/repair/clip_repair.h"
+#include "clips/repair/media_finders.h"
 #include "support/clip_damage.h"
 #include "support/sensor_clips.h"
 #include "support/test_clips.h"
@@ -535,6 +536,49 @@ private Q_SLOTS:
         QCOMPARE(result.status, RepairStatus::Repaired);
         QCOMPARE(int(result.pictures), 61);
         QVERIFY2(timer.elapsed() < 10'000, qPrintable(QString::number(timer.elapsed())));
+    }
+
+    void durationsThatAddUp() {
+        repair::Durations dropping;
+        repair::Durations oddStart;
+        for (int i = 0; i < 100; ++i) {
+            dropping.learn(i % 20 == 7 ? 1024 : 512);
+            oddStart.learn(i == 0 ? 600 : 512);
+        }
+        QCOMPARE(int(dropping.ticksOf(200)), 105 * 1024);
+        QCOMPARE(int(oddStart.ticksOf(200)), 200 * 512);
+    }
+
+    // What is known about the pattern's clip alone: when and where it was recorded.
+    void nothingOfThePatternsRecording_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<quint32>("created");
+        QTest::newRow("a minute later") << "REC_2013_04_05_14_11_12" << 2'000'000'060U;
+        QTest::newRow("unknown") << "copy" << 0U;
+    }
+    void nothingOfThePatternsRecording() {
+        QFETCH(QString, name);
+        QFETCH(quint32, created);
+        const Kind kind = kinds()[0];
+        const QString pattern = make(kind, "REC_2013_04_05_14_10_12", 30);
+        QByteArray bytes = bytesOf(pattern);
+        const QByteArray entries = bigEndian(20, 4) + "\xA9xyz" + bigEndian(0x000815C7, 4) + "+37+127/" +
+                                   bigEndian(16, 4) + "\xA9mod" + bigEndian(0x000415C7, 4) + "Cam1";
+        const QByteArray userData = bigEndian(quint64(entries.size()) + 8, 4) + "udta" + entries;
+        const qsizetype index = bytes.lastIndexOf("moov") - 4;
+        const qsizetype header = bytes.lastIndexOf("mvhd");
+        const qsizetype old = bytes.lastIndexOf("udta") - 4;
+        bytes.replace(header + 8, 4, bigEndian(2'000'000'000, 4));
+        bytes.replace(index, 4, bigEndian(quint64(old - index + userData.size()), 4));
+        put(pattern, bytes.left(old) + userData);
+        const QString clip = make(kind, name, 0);
+        put(clip, bytesOf(clip).chopped(5000));
+        const RepairResult result = repairClip({clip, pattern, path("out.mp4"), true});
+        QVERIFY(QFile::remove(clip));
+        QVERIFY2(result.status == RepairStatus::Repaired, qPrintable(result.problem));
+        const QByteArray saved = bytesOf(path("out.mp4"));
+        QCOMPARE(qFromBigEndian<quint32>(saved.constData() + saved.lastIndexOf("mvhd") + 8), created);
+        QVERIFY(saved.contains("Cam1") && !saved.contains("+37+127/"));
     }
 
     void nothingIsLeftOfACancelledRepair() {
