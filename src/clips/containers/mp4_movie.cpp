@@ -140,7 +140,7 @@ bool Mp4SampleCursor::openChunk() {
 bool Mp4SampleCursor::takeTables(Mp4Sample& sample) {
     const std::optional<std::uint32_t> size = m_sizes.next();
     const std::optional<sensorfiles::SampleTimes::Time> time = m_times.next(sample.count);
-    if (!size || !time || *size > UINT32_MAX / kRunSamples)
+    if (!size || !time || *size > std::min(limits::kPieceBytes, UINT32_MAX / sample.count))
         return false;
     m_sizes.skip(sample.count - 1);
     sample.size = *size * sample.count;
