@@ -48,14 +48,16 @@ bool repair(const RepairOrder& order, Reports& reports) {
 
 bool runRepair(const Options& options, Reports& reports) {
     const QString& name = options.names.first();
-    const bool isFolder = QFileInfo(name).isDir();
-    const QStringList clips = isFolder ? damagedClips(name) : QStringList{name};
-    if (clips.isEmpty())
-        reports.say(name, QStringLiteral("no clip in it needs a repair"));
-    if (isFolder && !options.output.isEmpty()) {
-        reports.fail(name, QStringLiteral("the clips of a folder can't all become one file"));
+    const QFileInfo file(name);
+    if (file.isDir() && (!options.output.isEmpty() || !file.isReadable())) {
+        reports.fail(name, file.isReadable()
+                               ? QStringLiteral("the clips of a folder can't all become one file")
+                               : QStringLiteral("the folder can't be read"));
         return true;
     }
+    const QStringList clips = file.isDir() ? damagedClips(name) : QStringList{name};
+    if (clips.isEmpty())
+        reports.say(name, QStringLiteral("no clip in it needs a repair"));
     bool isWritten = true;
     for (qsizetype i = 0; i < clips.size() && isWritten; ++i) {
         reports.progress(i + 1, clips.size(), clips[i]);

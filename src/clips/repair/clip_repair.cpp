@@ -111,9 +111,10 @@ RepairResult repairClip(const RepairOrder& order) {
     const Damage damage = damageOf(from);
     if (damage == Damage::None)
         return failed(RepairStatus::NotNeeded, QStringLiteral("it has its index, or is no clip"));
-    if (containers::isSameFile(order.output, order.clip) ||
-        containers::isSameFile(order.output, order.pattern))
+    if (containers::isSameFile(order.output, order.clip))
         return failed(RepairStatus::WriteFailed, QStringLiteral("it is the clip itself"));
+    if (containers::isSameFile(order.output, order.pattern))
+        return failed(RepairStatus::WriteFailed, QStringLiteral("it is the pattern"));
     containers::NewFile output(order.output, order.replaces);
     QString problem;
     if (!output.open(problem))
