@@ -5,6 +5,7 @@
 #include <array>
 
 #include "clips/containers/mp4_writer.h"
+#include "platform/limits.h"
 
 namespace ql240::repair {
 
@@ -304,6 +305,19 @@ namespace {
 
 enum class Index : std::uint8_t { NoClip, Lacking, Whole };
 
+// A file system may have allocated an index that was never written.
+bool isWritten(FileWindow& window, ByteRange index) {
+    std::size_t boxes = 0;
+    for (std::int64_t at = index.start; at + 8 <= index.end() && boxes < limits::kIndexBoxes; ++boxes) {
+        const Bytes head = window.at(at, 8);
+        if (head.size() == 8 &&
+            std::all_of(head.begin(), head.end(), [](std::uint8_t byte) { return byte == 0; }))
+            return false;
+        at += std::max<std::int64_t>(8, bigEndian32(head));
+    }
+    return true;
+}
+
 Index indexOf(FileWindow& window) {
     constexpr std::uint32_t kFirst[] = {fourCc("ftyp"), fourCc("mdat"), fourCc("free"),
                                         fourCc("skip"), fourCc("wide"), fourCc("pnot")};
@@ -313,7 +327,7 @@ Index indexOf(FileWindow& window) {
         if (std::exchange(isFirst, false) &&
             std::find(std::begin(kFirst), std::end(kFirst), part->type) == std::end(kFirst))
             return Index::NoClip;
-        if (part->type == fourCc("moov") && part->isWhole)
+        if (part->type == fourCc("moov") && part->isWhole && isWritten(window, part->body))
             return Index::Whole;
     }
     return isFirst ? Index::NoClip : Index::Lacking;
