@@ -202,7 +202,7 @@ void TrackLearner::finish() {
 
 bool TrackLearner::learn(QString& problem) {
     if (m_pattern.units)
-        m_pictures.emplace(*m_pattern.units, m_pattern.mostBytes(), 0);
+        m_pictures.emplace(*m_pattern.units, limits::kPieceBytes, 0); // the largest isn't known yet
     Mp4SampleCursor samples(m_source, m_pattern.track);
     while (const std::optional<Mp4Sample> sample = samples.next()) {
         const char* const reason = learnSample(*sample);
