@@ -284,15 +284,16 @@ std::optional<MediaWalk::Candidate> MediaWalk::choose() {
         preferInTurn(candidates);
     for (const Candidate& candidate : candidates) {
         const bool isCertain = candidate.doubt < kRecords || (m_soundTrack && candidate.doubt <= kHeadOnly);
-        const bool isCut = candidate.ending == Ending::Cut && candidate.doubt < kUnexpected;
-        if (isCertain || isCut || (candidate.ending == Ending::Whole && isKnownAt(m_at + candidate.size)))
+        if (isCertain || (candidate.ending == Ending::Whole && isKnownAt(m_at + candidate.size)))
             return candidate;
     }
-    if (m_soundTrack)
-        return soundRun();
+    // Only now: quiet sound may resemble a picture that doesn't end in the file.
     const auto cut = std::find_if(candidates.begin(), candidates.end(),
                                   [](const Candidate& c) { return c.ending == Ending::Cut; });
-    return cut != candidates.end() ? std::optional(*cut) : std::nullopt;
+    const bool isCut = cut != candidates.end() && (!m_soundTrack || cut->doubt < kUnexpected);
+    if (m_soundTrack && !isCut)
+        return soundRun();
+    return isCut ? std::optional(*cut) : std::nullopt;
 }
 
 // Uncompressed sound can't be recognized: it ends where something else begins, after one of the usual lengths
