@@ -49,17 +49,19 @@ bool repair(const RepairOrder& order, Reports& reports) {
 
 bool runRepair(const Options& options, Reports& reports) {
     const QString& name = options.names.first();
-    const bool isFolder = QFileInfo(name).isDir();
-    const QStringList clips = isFolder ? damagedClips(name) : QStringList{name};
-    const QString problem = isFolder ? folderProblem(name) : QString();
-    if (!problem.isEmpty())
+    const QFileInfo file(name);
+    const QString problem = file.isDir() ? folderProblem(name) : QString();
+    if (!problem.isEmpty()) {
         reports.fail(name, problem);
-    else if (clips.isEmpty())
-        reports.say(name, QStringLiteral("no clip in it needs a repair"));
-    if (isFolder && !options.output.isEmpty()) {
+        return true;
+    }
+    if (file.isDir() && !options.output.isEmpty()) {
         reports.fail(name, QStringLiteral("the clips of a folder can't all become one file"));
         return true;
     }
+    const QStringList clips = file.isDir() ? damagedClips(name) : QStringList{name};
+    if (clips.isEmpty())
+        reports.say(name, QStringLiteral("no clip in it needs a repair"));
     bool isWritten = true;
     for (qsizetype i = 0; i < clips.size() && isWritten; ++i) {
         reports.progress(i + 1, clips.size(), clips[i]);

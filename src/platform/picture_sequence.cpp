@@ -4,6 +4,8 @@
 #include <bit>
 #include <iterator>
 
+#include "platform/limits.h"
+
 namespace ql240 {
 namespace {
 
@@ -19,7 +21,7 @@ void skipScalingList(UnitBits& bits, int size) {
     int last = 8;
     int next = 8;
     for (int i = 0; i < size && next; ++i) {
-        next = (last + bits.difference()) & 0xFF;
+        next = static_cast<int>((static_cast<std::uint32_t>(last) + bits.difference()) & 0xFFU);
         last = next ? next : last;
     }
 }
@@ -71,6 +73,8 @@ void skipLayers(UnitBits& bits, std::uint32_t more) {
 
 // A slice's address is the number of the coding tree block that it begins at.
 int addressBitsOf(const PictureSequence& sequence, std::uint32_t blockBits) {
+    if (limits::isPictureTooLarge(sequence.width, sequence.height))
+        return 0;
     const std::int64_t block = INT64_C(1) << std::min(blockBits, 30U);
     const std::int64_t across = (sequence.width + block - 1) / block;
     const std::int64_t down = (sequence.height + block - 1) / block;

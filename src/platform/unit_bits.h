@@ -31,9 +31,10 @@ public:
     }
     // Whether a number started past the end.
     bool isOver() const { return m_isOver; }
-    int difference() { // signed Exp-Golomb code
+    // Signed Exp-Golomb code, in two's complement: the largest one doesn't fit an int.
+    std::uint32_t difference() {
         const std::uint32_t value = number();
-        return value % 2 ? static_cast<int>(value / 2) + 1 : -static_cast<int>(value / 2);
+        return value % 2 ? value / 2 + 1 : 0 - value / 2;
     }
 
 private:

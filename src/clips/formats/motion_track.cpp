@@ -74,9 +74,12 @@ void addAccelerationRecord(std::int64_t timeUs, std::span<const char> record, Re
     sink.addAcceleration(timeUs, g(4), g(8), g(12));
 }
 
+// Small integers, such as quiet sound, are tiny as floating-point numbers; no sensor measures that finely.
 bool areBelow(std::initializer_list<double> values, double most) {
-    return std::all_of(values.begin(), values.end(),
-                       [most](double value) { return std::abs(value) <= most; });
+    constexpr double kLeast = 1e-30;
+    return std::all_of(values.begin(), values.end(), [most](double value) {
+        return value == 0 || (std::abs(value) >= kLeast && std::abs(value) <= most);
+    });
 }
 
 } // namespace
@@ -88,6 +91,9 @@ std::size_t motionRecordSize(std::size_t type) {
 bool isPlausibleMotionRecord(std::span<const char> record) {
     constexpr double kMost = 1e6; // for angles, rates, accelerations, magnetic fields
     constexpr double kHighestM = 1e6;
+    // Allocated, but never written.
+    if (std::all_of(record.begin(), record.end(), [](char byte) { return byte == 0; }))
+        return false;
     const std::size_t type = field<std::uint16_t>(record, 2);
     const bool hasFix = type == kFix;
     if (hasFix || type == kPlace) {

@@ -24,7 +24,7 @@ void readMotionSample(const TrackSample& sample, RecordSink& sink,
                       std::optional<std::int64_t> createdAt = {});
 // The bytes of a record of that type, with its header of four; 0 for an unknown type.
 std::size_t motionRecordSize(std::size_t type);
-// Whether the measurements in a complete record are in a plausible range.
+// Whether the measurements in a complete record are in a plausible range, and not all bytes zero.
 bool isPlausibleMotionRecord(std::span<const char> record);
 
 // An index of "GPS " blocks, one record each.

@@ -56,6 +56,9 @@ std::optional<AviMovie> readHeaders(FileWindow& window, std::int64_t size, QStri
     return containers::readAviMovie(source, file, problem);
 }
 
+// Encoders put a message of several hundred bytes before the first slice.
+constexpr std::int64_t kPictureHead = 4096;
+
 // Whether a picture is a key frame, by its first slice. Motion-JPEG pictures and those of unknown codecs are.
 bool isKeyPicture(Bytes head, const containers::AviStream& stream) {
     constexpr std::uint32_t kH264[] = {fourCc("H264"), fourCc("h264"), fourCc("avc1"),
@@ -109,11 +112,12 @@ bool AviSaver::add(const AviPiece& piece) {
     if (number >= m_movie.streams.size() || ++m_count > limits::kClipSamples)
         return false;
     const containers::AviStream& stream = m_movie.streams[number];
-    const auto headBytes = static_cast<std::size_t>(std::min<std::int64_t>(piece.body.size, 512));
+    const auto headBytes = static_cast<std::size_t>(std::min(piece.body.size, kPictureHead));
     m_writer.add(number, piece.body,
                  !stream.isVideo() || isKeyPicture(m_window.at(piece.body.start, headBytes), stream));
-    const bool isPicture = stream.isVideo() && piece.body.size > 0;
-    ++(isPicture ? m_saved.pictures : stream.isSound() ? m_saved.sounds : m_saved.sensors);
+    // An empty chunk repeats the preceding picture.
+    if (piece.body.size > 0)
+        ++(stream.isVideo() ? m_saved.pictures : stream.isSound() ? m_saved.sounds : m_saved.sensors);
     return !m_copier.hasFailed();
 }
 

@@ -32,7 +32,7 @@ RepairResult failed(RepairStatus status, const QString& problem) {
 std::unique_ptr<Mp4Pattern> patternFor(const RepairOrder& order, QFile& from, RepairResult& result) {
     QString problem;
     FileWindow window(from);
-    if (!hasMp4Media(window)) {
+    if (!mp4Media(window)) {
         result = failed(RepairStatus::NothingFound, QStringLiteral("no pictures in it"));
         return nullptr;
     }
@@ -111,9 +111,10 @@ RepairResult repairClip(const RepairOrder& order) {
     const Damage damage = damageOf(from);
     if (damage == Damage::None)
         return failed(RepairStatus::NotNeeded, QStringLiteral("it has its index, or is no clip"));
-    if (containers::isSameFile(order.output, order.clip) ||
-        containers::isSameFile(order.output, order.pattern))
+    if (containers::isSameFile(order.output, order.clip))
         return failed(RepairStatus::WriteFailed, QStringLiteral("it is the clip itself"));
+    if (containers::isSameFile(order.output, order.pattern))
+        return failed(RepairStatus::WriteFailed, QStringLiteral("it is the pattern"));
     containers::NewFile output(order.output, order.replaces);
     QString problem;
     if (!output.open(problem))

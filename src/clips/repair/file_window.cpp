@@ -27,8 +27,10 @@ void FileWindow::fill(std::int64_t offset, std::size_t count) {
     const std::int64_t from = offset + static_cast<std::int64_t>(kept);
     const std::int64_t wanted = std::min<std::int64_t>(
         static_cast<std::int64_t>(std::max(count, kept + least) - kept), m_size - from);
+    // A worn card takes seconds for each attempt.
+    const bool isReadable = !m_failedAt && m_file.seek(from);
     const std::int64_t got =
-        m_file.seek(from) ? std::max<std::int64_t>(0, m_file.read(m_buffer.data() + kept, wanted)) : 0;
+        isReadable ? std::max<std::int64_t>(0, m_file.read(m_buffer.data() + kept, wanted)) : 0;
     if (got < wanted && !m_failedAt)
         m_failedAt = from + got;
     m_start = offset;

@@ -18,7 +18,8 @@ public:
     explicit FileWindow(QFileDevice& file) : m_file(file), m_size(file.size()) {}
 
     std::int64_t size() const { return m_size; }
-    // Up to `count` bytes, fewer at the end of the file or after a read error. Valid until the next call.
+    // Up to `count` bytes, fewer at the end of the file or after a read error, from which on nothing is read
+    // any more. Valid until the next call.
     Bytes at(std::int64_t offset, std::size_t count);
     // The offset of the first read error.
     std::optional<std::int64_t> failedAt() const { return m_failedAt; }

@@ -3,6 +3,7 @@
 #include <QtEndian>
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 #include "clips/formats/sensor_formats.h"
 
@@ -117,15 +118,18 @@ std::optional<FoundSample> textSampleAt(FileWindow& window, std::int64_t offset,
     return found;
 }
 
-std::optional<FoundSample> jpegAt(FileWindow& window, std::int64_t offset, std::int64_t end,
-                                  std::int64_t mostBytes) {
-    const FoundSample cut{Ending::Cut, 0, 0};
+std::optional<FoundSample> jpegAt(FileWindow& window, std::int64_t offset, std::int64_t areaEnd,
+                                  std::int64_t mostBytes, std::int64_t& bytesLeft) {
     const Bytes start = window.at(offset, 3);
-    if (start.size() < 3 || offset + 3 > end || start[0] != 0xFF || start[1] != 0xD8 || start[2] != 0xFF)
+    if (start.size() < 3 || offset + 3 > areaEnd || start[0] != 0xFF || start[1] != 0xD8 || start[2] != 0xFF)
         return std::nullopt;
     constexpr int kMostMarkers = 1000;
+    constexpr std::int64_t kMarkerCost = 64; // in bytes
+    const std::int64_t end = std::min(areaEnd, offset + std::min(mostBytes, bytesLeft));
+    const auto cut = end == areaEnd ? std::optional(FoundSample{Ending::Cut, 0, 0}) : std::nullopt;
     std::int64_t at = offset + 2;
-    for (int i = 0; i < kMostMarkers && at - offset <= mostBytes; ++i) {
+    for (int i = 0; i < kMostMarkers; ++i) {
+        bytesLeft -= kMarkerCost;
         const Bytes marker = window.at(at, 2);
         if (marker.size() < 2 || at + 2 > end)
             return cut;
@@ -138,8 +142,11 @@ std::optional<FoundSample> jpegAt(FileWindow& window, std::int64_t offset, std::
             return std::nullopt;
         std::optional<std::int64_t> next =
             code == 0xFF ? std::optional(at + 1) : segmentEnd(window, at + 2, end);
-        if (next && code == 0xDA)
-            next = scanEnd(window, *next, end);
+        if (next && code == 0xDA) {
+            const std::int64_t scan = *next;
+            next = scanEnd(window, scan, end);
+            bytesLeft -= std::max<std::int64_t>(0, next.value_or(end) - scan);
+        }
         if (!next || *next >= end)
             return cut;
         at = *next;
@@ -154,6 +161,12 @@ void Durations::learn(std::uint32_t ticks) {
         m_usual = ticks, m_usualCount = 0;
     m_balance += ticks == m_usual ? 1 : -1;
     m_usualCount += ticks == m_usual ? 1 : 0;
+}
+
+// If one picture in twenty is dropped, the sound is three seconds ahead after a minute.
+bool Durations::isSteady() const {
+    const std::int64_t others = m_ticks - m_count * m_usual;
+    return m_usualCount * 10 >= m_count * 9 && std::abs(others) <= std::int64_t{m_usual};
 }
 
 std::int64_t Durations::ticksOf(std::int64_t samples) const {

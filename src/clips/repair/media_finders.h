@@ -26,12 +26,13 @@ std::optional<FoundSample> motionSampleAt(FileWindow& window, std::int64_t offse
 // A length of two bytes and printable text that contains a sentence or "gsensor".
 std::optional<FoundSample> textSampleAt(FileWindow& window, std::int64_t offset, std::int64_t end);
 
-// From the start-of-image marker to the first end-of-image marker.
-std::optional<FoundSample> jpegAt(FileWindow& window, std::int64_t offset, std::int64_t end,
-                                  std::int64_t mostBytes);
+// From the start-of-image marker to the first end-of-image marker. Takes what it scans off `bytesLeft`, which
+// bounds it: pictures that seem to begin at many places may all have to be scanned to the same end.
+std::optional<FoundSample> jpegAt(FileWindow& window, std::int64_t offset, std::int64_t areaEnd,
+                                  std::int64_t mostBytes, std::int64_t& bytesLeft);
 
-// The durations of a healthy clip's samples: the most frequent one if it is clearly so, otherwise their mean
-// without drift. In ticks of the track.
+// The durations of a healthy clip's samples: the most frequent one if the others hardly add up, otherwise
+// their mean without drift. In ticks of the track.
 class Durations {
 public:
     void learn(std::uint32_t ticks);
@@ -41,7 +42,7 @@ public:
     std::int64_t ticksOf(std::int64_t samples) const;
 
 private:
-    bool isSteady() const { return m_usualCount * 10 >= m_count * 9; }
+    bool isSteady() const;
 
     std::int64_t m_count = 0;
     std::int64_t m_ticks = 0;

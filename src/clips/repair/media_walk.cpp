@@ -23,6 +23,10 @@ constexpr std::int64_t kMostPadding = 32768;
 // For the whole file; each look may read a page.
 constexpr std::int64_t kMostLooks = 1 << 20;
 
+// Each Motion-JPEG picture is scanned a few times: for each video track, and after the preceding sample.
+constexpr std::int64_t kScansPerByte = 16;
+constexpr std::int64_t kMoreScans = INT64_C(64) << 20;
+
 constexpr std::int64_t kBoxHead = 8;
 constexpr std::int64_t kMostGpsBlock = INT64_C(1) << 20;
 
@@ -40,7 +44,12 @@ int doubtOf(const FoundPicture& picture, std::int64_t left) {
 } // namespace
 
 MediaWalk::MediaWalk(FileWindow& window, const Mp4Pattern& pattern, ByteRange area)
-    : m_window(window), m_pattern(pattern), m_at(area.start), m_areaEnd(area.end()), m_looksLeft(kMostLooks) {
+    : m_window(window),
+      m_pattern(pattern),
+      m_at(area.start),
+      m_areaEnd(area.end()),
+      m_looksLeft(kMostLooks),
+      m_scansLeft(window.size() * kScansPerByte + kMoreScans) {
     for (std::size_t i = 0; i < pattern.tracks.size(); ++i) {
         const TrackPattern& track = pattern.tracks[i];
         m_tracks.emplace_back();
@@ -162,7 +171,7 @@ std::optional<MediaWalk::Candidate> MediaWalk::candidateOf(std::size_t track, st
             candidate.doubt = doubtOf(*candidate.picture, m_areaEnd - offset);
             break;
         case Kind::Jpeg:
-            sample = jpegAt(m_window, offset, m_areaEnd, pattern.mostBytes());
+            sample = jpegAt(m_window, offset, m_areaEnd, pattern.mostBytes(), m_scansLeft);
             candidate.doubt = kMarked;
             break;
         case Kind::Text:
@@ -275,15 +284,16 @@ std::optional<MediaWalk::Candidate> MediaWalk::choose() {
         preferInTurn(candidates);
     for (const Candidate& candidate : candidates) {
         const bool isCertain = candidate.doubt < kRecords || (m_soundTrack && candidate.doubt <= kHeadOnly);
-        const bool isCut = candidate.ending == Ending::Cut && candidate.doubt < kUnexpected;
-        if (isCertain || isCut || (candidate.ending == Ending::Whole && isKnownAt(m_at + candidate.size)))
+        if (isCertain || (candidate.ending == Ending::Whole && isKnownAt(m_at + candidate.size)))
             return candidate;
     }
-    if (m_soundTrack)
-        return soundRun();
+    // Only now: quiet sound may resemble a picture that doesn't end in the file.
     const auto cut = std::find_if(candidates.begin(), candidates.end(),
                                   [](const Candidate& c) { return c.ending == Ending::Cut; });
-    return cut != candidates.end() ? std::optional(*cut) : std::nullopt;
+    const bool isCut = cut != candidates.end() && (!m_soundTrack || cut->doubt < kUnexpected);
+    if (m_soundTrack && !isCut)
+        return soundRun();
+    return isCut ? std::optional(*cut) : std::nullopt;
 }
 
 // Uncompressed sound can't be recognized: it ends where something else begins, after one of the usual lengths

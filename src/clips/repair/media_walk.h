@@ -98,6 +98,7 @@ private:
     std::optional<FoundSample> m_aac;
     std::int64_t m_skipped = 0;
     std::int64_t m_looksLeft;
+    std::int64_t m_scansLeft; // bytes of Motion-JPEG pictures
     std::uint64_t m_count = 0;
 };
 

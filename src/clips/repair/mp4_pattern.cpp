@@ -202,7 +202,7 @@ void TrackLearner::finish() {
 
 bool TrackLearner::learn(QString& problem) {
     if (m_pattern.units)
-        m_pictures.emplace(*m_pattern.units, m_pattern.mostBytes(), 0);
+        m_pictures.emplace(*m_pattern.units, limits::kPieceBytes, 0); // the largest isn't known yet
     Mp4SampleCursor samples(m_source, m_pattern.track);
     while (const std::optional<Mp4Sample> sample = samples.next()) {
         const char* const reason = learnSample(*sample);
@@ -227,6 +227,18 @@ void sortShapes(TrackPattern& pattern) {
                      [](const auto& a, const auto& b) { return a.first.size() > b.first.size(); });
     for (std::size_t i = 0; i < both.size(); ++i)
         std::tie(pattern.shapes[i], pattern.durations[i]) = both[i];
+}
+
+// A clip recorded in a garage has no places, the damaged one may. Such a record takes no time of its own.
+void addPlaces(TrackPattern& pattern) {
+    constexpr char kPlaces[] = {5, 6}; // types of records
+    for (const char type : kPlaces) {
+        const QByteArray shape(1, type);
+        if (std::find(pattern.shapes.begin(), pattern.shapes.end(), shape) != pattern.shapes.end())
+            continue;
+        pattern.shapes.push_back(shape);
+        pattern.durations.emplace_back();
+    }
 }
 
 std::optional<containers::Mp4Movie> readWhole(ByteSource& source, containers::Mp4File& file,
@@ -269,6 +281,8 @@ std::optional<Mp4Pattern> readMp4Pattern(QFileDevice& from, QString& problem) {
         if (!TrackLearner(source, window, *found, pattern.media).learn(problem))
             return std::nullopt;
         sortShapes(*found);
+        if (found->kind == TrackPattern::Kind::Motion)
+            addPlaces(*found);
         pattern.tracks.push_back(std::move(*found));
     }
     pattern.media.size -= pattern.media.start;

@@ -37,8 +37,15 @@ struct TrackPattern {
     MotionShapes shapes;
 
     bool isPicture() const { return kind == Kind::Units || kind == Kind::Jpeg; }
+    bool isSound() const { return kind == Kind::Pcm || kind == Kind::Aac; }
     // The maximum size of a sample.
     std::int64_t mostBytes() const;
+};
+
+// By how much one track is ahead of another at most, in the file's order.
+struct SecondsApart {
+    double ofPictures = 0; // among the video tracks
+    double ofAll = 0;      // with sound
 };
 
 struct Mp4Pattern {
@@ -47,8 +54,8 @@ struct Mp4Pattern {
     QByteArray type;         // the body of "ftyp"
     ByteRange media;         // from the first sample's start to the last one's end
     bool hasPadding = false; // between samples
-    double secondsApart = 0; // by how much one video track is ahead of another at most, in the file's order
-    std::int64_t laterS = 0; // how much later the damaged clip began, by their names
+    SecondsApart apart;
+    std::optional<std::int64_t> laterS; // how much later the damaged clip began, by their names
 };
 
 // Nothing, with the reason in `problem`, if the clip is damaged or contains samples that can't be found

@@ -5,6 +5,7 @@
 #include <array>
 
 #include "clips/containers/mp4_writer.h"
+#include "platform/limits.h"
 
 namespace ql240::repair {
 
@@ -40,21 +41,43 @@ QByteArray bigEndian(std::uint32_t value) {
 }
 
 // Shifts the creation and modification times in the header of a movie, track or media. Unset times stay
-// unset.
-void moveTimes(Mp4Box* header, std::int64_t seconds) {
+// unset; all become so if it isn't known by how much they differ.
+void moveTimes(Mp4Box* header, std::optional<std::int64_t> seconds) {
     QByteArray bytes = containers::loadedContent(header);
     const bool isWide = bytes.startsWith('\1');
     if (bytes.size() < 20)
         return;
     for (const int at : isWide ? std::array{8, 16} : std::array{4, 8}) { // version 1: the low halves
         const auto time = qFromBigEndian<std::uint32_t>(bytes.constData() + at);
-        if (time != 0)
-            qToBigEndian(static_cast<std::uint32_t>(time + seconds), bytes.data() + at);
+        const std::int64_t moved = time != 0 && seconds ? time + *seconds : 0;
+        qToBigEndian(static_cast<std::uint32_t>(moved), bytes.data() + at);
     }
     header->content = bytes;
 }
 
-containers::Mp4Track movedTrack(containers::Mp4Track track, std::int64_t seconds) {
+// Keeps what it says about the camera. The rest, such as a place or a title, is about the pattern's clip.
+void keepCamera(Mp4Box& movie) {
+    constexpr std::uint32_t kSign = 0xA9000000; // the copyright sign in Latin-1
+    constexpr std::uint32_t kKept[] = {kSign | fourCc("\0mak"), kSign | fourCc("\0mod"),
+                                       kSign | fourCc("\0swr")};
+    movie.remove(fourCc("meta"));
+    const QByteArray bytes = containers::loadedContent(movie.find(fourCc("udta")));
+    movie.remove(fourCc("udta"));
+    QByteArray kept;
+    for (qsizetype at = 0; at + 8 <= bytes.size();) {
+        const auto size = qFromBigEndian<std::uint32_t>(bytes.constData() + at);
+        const auto type = qFromBigEndian<std::uint32_t>(bytes.constData() + at + 4);
+        if (size < 8 || size > bytes.size() - at)
+            break;
+        if (std::find(std::begin(kKept), std::end(kKept), type) != std::end(kKept))
+            kept += bytes.sliced(at, size);
+        at += size;
+    }
+    if (!kept.isEmpty())
+        movie.inner.push_back(containers::newBox(fourCc("udta"), kept));
+}
+
+containers::Mp4Track movedTrack(containers::Mp4Track track, std::optional<std::int64_t> seconds) {
     moveTimes(track.box.find(fourCc("tkhd")), seconds);
     if (Mp4Box* const media = track.box.find(fourCc("mdia")))
         moveTimes(media->find(fourCc("mdhd")), seconds);
@@ -94,6 +117,7 @@ private:
     containers::Mp4Writer m_writer;
     std::optional<MediaWalk> m_walk;
     bool m_hasBegun = false;
+    int m_parts = 0; // boxes besides the media
     std::vector<Mp4Box> m_before;
     std::vector<Mp4Box> m_after;
     std::vector<ByteRange> m_blocksBefore;
@@ -109,10 +133,13 @@ bool Mp4Saver::isGpsBlock(const OuterBoxes::Part& part) {
 
 void Mp4Saver::keepPart(const OuterBoxes::Part& part) {
     constexpr std::int64_t kHead = 8;
-    if (!part.isWhole && part.type != fourCc("moov"))
-        m_saved.lostBytes += part.body.size;
-    if (!part.isWhole || part.type == fourCc("moov"))
+    constexpr int kMostParts = 20'000; // a block every second for five hours
+    if (part.type == fourCc("moov"))
         return;
+    if (!part.isWhole || ++m_parts > kMostParts) {
+        m_saved.lostBytes += part.body.size;
+        return;
+    }
     if (isGpsBlock(part)) {
         const ByteRange block{part.body.start - kHead, part.body.size + kHead};
         m_hasBegun ? addGpsBlock(block) : m_blocksBefore.push_back(block);
@@ -156,8 +183,8 @@ Mp4Sample Mp4Saver::sampleOf(const FoundMedia& found) {
     sample.isSync = found.isKey || pattern.keyInterval == 1;
     sample.duration = pattern.kind == TrackPattern::Kind::Pcm ? found.count : durations.next();
     const std::int64_t moved = durations.ticksOf(count + found.places) - durations.ticksOf(count);
-    sample.compositionOffset = pattern.shift + static_cast<std::int32_t>(std::clamp<std::int64_t>(
-                                                   moved, INT32_MIN / 2, INT32_MAX / 2));
+    sample.compositionOffset =
+        static_cast<std::int32_t>(std::clamp<std::int64_t>(pattern.shift + moved, INT32_MIN, INT32_MAX));
     count += found.count;
     return sample;
 }
@@ -169,8 +196,7 @@ void Mp4Saver::add(const FoundMedia& found) {
     }
     const TrackPattern& pattern = m_pattern.tracks[found.track];
     m_writer.addSample(found.track, sampleOf(found));
-    const bool isSound = pattern.kind == TrackPattern::Kind::Aac || pattern.kind == TrackPattern::Kind::Pcm;
-    ++(pattern.isPicture() ? m_saved.pictures : isSound ? m_saved.sounds : m_saved.sensors);
+    ++(pattern.isPicture() ? m_saved.pictures : pattern.isSound() ? m_saved.sounds : m_saved.sensors);
 }
 
 // With a wrong size, "mdat" may contain the boxes after the media.
@@ -213,6 +239,7 @@ void Mp4Saver::finish() {
     moveTimes(movie.box.find(fourCc("mvhd")), m_pattern.laterS);
     QByteArray index = containers::loadedContent(movie.box.find(kIndexType)).left(4);
     movie.box.remove(kIndexType);
+    keepCamera(movie.box);
     if (!m_gpsEntries.isEmpty()) {
         constexpr qsizetype kEntry = 8;
         index.resize(4);
@@ -235,6 +262,8 @@ Saved Mp4Saver::save() {
         if (m_copier.hasFailed())
             break;
     }
+    if (m_walk && !m_pattern.hasPadding)
+        m_saved.lostBytes += m_walk->skippedBytes();
     if (m_saved.pictures > 0) {
         finish();
         if (!m_copier.finish())
@@ -272,7 +301,24 @@ std::optional<OuterBoxes::Part> OuterBoxes::next() {
     return part;
 }
 
-bool lacksMp4Index(FileWindow& window) {
+namespace {
+
+enum class Index : std::uint8_t { NoClip, Lacking, Whole };
+
+// A file system may have allocated an index that was never written.
+bool isWritten(FileWindow& window, ByteRange index) {
+    std::size_t boxes = 0;
+    for (std::int64_t at = index.start; at + 8 <= index.end() && boxes < limits::kIndexBoxes; ++boxes) {
+        const Bytes head = window.at(at, 8);
+        if (head.size() == 8 &&
+            std::all_of(head.begin(), head.end(), [](std::uint8_t byte) { return byte == 0; }))
+            return false;
+        at += std::max<std::int64_t>(8, bigEndian32(head));
+    }
+    return true;
+}
+
+Index indexOf(FileWindow& window) {
     constexpr std::uint32_t kFirst[] = {fourCc("ftyp"), fourCc("mdat"), fourCc("free"),
                                         fourCc("skip"), fourCc("wide"), fourCc("pnot")};
     OuterBoxes boxes(window);
@@ -280,20 +326,30 @@ bool lacksMp4Index(FileWindow& window) {
     while (const std::optional<OuterBoxes::Part> part = boxes.next()) {
         if (std::exchange(isFirst, false) &&
             std::find(std::begin(kFirst), std::end(kFirst), part->type) == std::end(kFirst))
-            return false;
-        if (part->type == fourCc("moov") && part->isWhole)
-            return false;
+            return Index::NoClip;
+        if (part->type == fourCc("moov") && part->isWhole && isWritten(window, part->body))
+            return Index::Whole;
     }
-    return !isFirst;
+    return isFirst ? Index::NoClip : Index::Lacking;
 }
 
-bool hasMp4Media(FileWindow& window) {
+} // namespace
+
+bool lacksMp4Index(FileWindow& window) {
+    return indexOf(window) == Index::Lacking;
+}
+
+bool hasMp4Index(FileWindow& window) {
+    return indexOf(window) == Index::Whole;
+}
+
+std::optional<ByteRange> mp4Media(FileWindow& window) {
     OuterBoxes boxes(window);
     while (const std::optional<OuterBoxes::Part> part = boxes.next()) {
         if (part->type == fourCc("mdat") && !part->body.isEmpty())
-            return true;
+            return part->body;
     }
-    return false;
+    return std::nullopt;
 }
 
 Saved saveMp4(QFileDevice& from, const Mp4Pattern& pattern, QFileDevice& to,

@@ -35,11 +35,12 @@ private:
     std::int64_t m_at = 0;
 };
 
-// Whether it has the boxes of an MP4 clip, but no complete index.
+// Whether it has the boxes of an MP4 clip, and no complete index among them, or one.
 bool lacksMp4Index(FileWindow& window);
+bool hasMp4Index(FileWindow& window);
 
-// Whether it has an "mdat" box that isn't empty.
-bool hasMp4Media(FileWindow& window);
+// The body of the first "mdat" box that isn't empty: some recorders write an empty one before it.
+std::optional<ByteRange> mp4Media(FileWindow& window);
 
 // `to` is empty. The caller discards it if there is a failure or no picture.
 Saved saveMp4(QFileDevice& from, const Mp4Pattern& pattern, QFileDevice& to,

@@ -22,6 +22,7 @@ constexpr int kTried = 500;               // samples
 constexpr int kEnough = 10;               // pictures before something unrecognizable
 constexpr std::int64_t kMostSkipped = 64; // bytes of an invalid header
 constexpr double kMoreApart = 0.25;       // seconds
+constexpr double kSoundMoreApart = 0.5;
 constexpr qsizetype kMostPatterns = 32;
 
 QByteArray typeOf(FileWindow& window) {
@@ -45,30 +46,33 @@ bool isNextInTables(Mp4SampleCursor& samples, const FoundMedia& found) {
     return at == found.offset + found.size;
 }
 
-// Counts the pictures that a walk finds in each track.
-class PictureCount {
+// Counts what a walk finds in each track of pictures or sound.
+class MediaCount {
 public:
-    explicit PictureCount(const Mp4Pattern& pattern) : m_pattern(pattern), m_counts(pattern.tracks.size()) {}
+    explicit MediaCount(const Mp4Pattern& pattern) : m_pattern(pattern), m_counts(pattern.tracks.size()) {}
 
     void take(const FoundMedia& found) {
-        if (found.track == FoundMedia::kGpsBlock || !m_pattern.tracks[found.track].isPicture())
+        if (found.track == FoundMedia::kGpsBlock)
+            return;
+        m_counts[found.track] += found.count;
+        if (!m_pattern.tracks[found.track].isPicture())
             return;
         ++m_all;
-        ++m_counts[found.track];
         m_unexpected += found.isExpected ? 0 : 1;
-        m_apart = std::max(m_apart, secondsApart());
+        m_apart.ofPictures = std::max(m_apart.ofPictures, secondsApart(false));
+        m_apart.ofAll = std::max(m_apart.ofAll, secondsApart(true));
     }
-    int all() const { return m_all; }
+    int all() const { return m_all; } // pictures
     int unexpected() const { return m_unexpected; }
-    double mostApart() const { return m_apart; }
+    const SecondsApart& mostApart() const { return m_apart; }
 
 private:
-    double secondsApart() const {
+    double secondsApart(bool withSound) const {
         double least = std::numeric_limits<double>::max();
         double most = 0;
         for (std::size_t i = 0; i < m_counts.size(); ++i) {
             const TrackPattern& track = m_pattern.tracks[i];
-            if (!track.isPicture())
+            if (!track.isPicture() && !(withSound && track.isSound()))
                 continue;
             const auto ticks = static_cast<double>(track.durations.front().ticksOf(m_counts[i]));
             least = std::min(least, ticks / track.track.layout.timescale);
@@ -78,10 +82,10 @@ private:
     }
 
     const Mp4Pattern& m_pattern;
-    std::vector<int> m_counts;
+    std::vector<std::int64_t> m_counts;
     int m_all = 0;
     int m_unexpected = 0;
-    double m_apart = 0;
+    SecondsApart m_apart;
 };
 
 // Whether a walk finds the samples of the pattern's own clip where its index lists them. Otherwise it can't
@@ -93,7 +97,7 @@ bool findsItself(QFileDevice& file, Mp4Pattern& pattern) {
         cursors.push_back(std::make_unique<Mp4SampleCursor>(source, track.track));
     FileWindow window(file);
     MediaWalk walk(window, pattern, pattern.media);
-    PictureCount pictures(pattern);
+    MediaCount pictures(pattern);
     std::optional<FoundMedia> found = walk.next();
     for (int i = 0; i < kTried && found; ++i, found = walk.next()) {
         if (found->track != FoundMedia::kGpsBlock && !isNextInTables(*cursors[found->track], *found))
@@ -101,29 +105,39 @@ bool findsItself(QFileDevice& file, Mp4Pattern& pattern) {
         pictures.take(*found);
     }
     pattern.hasPadding = walk.skippedBytes() > 0;
-    pattern.secondsApart = pictures.mostApart();
+    pattern.apart = pictures.mostApart();
     return found || walk.end() == MediaWalk::End::Area || walk.end() == MediaWalk::End::Box;
 }
 
-// Missing or unrecognized samples show that the pattern is of another kind.
+// Missing or unrecognized samples show that the pattern is of another kind, as does a rate of pictures that
+// leads away from the sound.
 bool isFoundIn(QFileDevice& damaged, const Mp4Pattern& pattern) {
     FileWindow window(damaged);
-    OuterBoxes boxes(window);
-    std::optional<OuterBoxes::Part> part = boxes.next();
-    while (part && part->type != fourCc("mdat"))
-        part = boxes.next();
-    if (!part)
+    const std::optional<ByteRange> media = mp4Media(window);
+    if (!media)
         return false;
-    MediaWalk walk(window, pattern, part->body);
-    PictureCount pictures(pattern);
+    MediaWalk walk(window, pattern, *media);
+    MediaCount pictures(pattern);
     std::optional<FoundMedia> found = walk.next();
     for (int i = 0; i < kTried && found; ++i, found = walk.next())
         pictures.take(*found);
     const bool skipsWhatIsThere = walk.skippedBytes() > kMostSkipped && !pattern.hasPadding;
-    const bool lacksVideo = pictures.mostApart() > pattern.secondsApart + kMoreApart;
-    const bool isOther = pictures.unexpected() * kEnough > pictures.all() || skipsWhatIsThere || lacksVideo;
+    const SecondsApart& apart = pictures.mostApart();
+    const bool lacksVideo = apart.ofPictures > pattern.apart.ofPictures + kMoreApart;
+    const bool hasOtherRate = apart.ofAll > pattern.apart.ofAll + kSoundMoreApart;
+    const bool isOther =
+        pictures.unexpected() * kEnough > pictures.all() || skipsWhatIsThere || lacksVideo || hasOtherRate;
     const bool isFollowed = walk.end() != MediaWalk::End::Unknown || pictures.all() >= kEnough;
     return pictures.all() > 0 && !isOther && isFollowed;
+}
+
+// Around a crash, the nearest clips may be damaged as well.
+bool isHealthy(const QString& clip) {
+    QFile file(clip);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return false;
+    FileWindow window(file);
+    return hasMp4Index(window);
 }
 
 QString shapeOf(const QString& fileName) {
@@ -164,33 +178,30 @@ std::unique_ptr<Mp4Pattern> fittingPattern(const QString& healthy, QFileDevice& 
 
 QStringList patternsFor(const QString& clip) {
     const QFileInfo wanted(clip);
-    QList<QFileInfo> others = listFolder(wanted.path()).recordings;
-    others.removeIf([&](const QFileInfo& file) {
-        return file.fileName() == wanted.fileName() ||
-               !file.fileName().endsWith(QLatin1String(".mp4"), Qt::CaseInsensitive);
-    });
     const QString shape = shapeOf(wanted.fileName());
     const QDateTime start = startOf(wanted);
-    const auto key = [&](const QFileInfo& file) {
-        return std::tuple(shapeOf(file.fileName()) != shape, std::abs(startOf(file).msecsTo(start)),
-                          file.fileName());
-    };
-    std::sort(others.begin(), others.end(),
-              [&](const QFileInfo& a, const QFileInfo& b) { return key(a) < key(b); });
-    QStringList names;
-    for (const QFileInfo& file : others.first(std::min(others.size(), kMostPatterns)))
-        names << file.filePath();
-    return names;
+    std::vector<std::tuple<bool, qint64, QString>> others; // another shape, distance, path
+    for (const QFileInfo& file : listFolder(wanted.path()).recordings) {
+        const QString name = file.fileName();
+        if (name != wanted.fileName() && name.endsWith(QLatin1String(".mp4"), Qt::CaseInsensitive))
+            others.emplace_back(shapeOf(name) != shape, std::abs(startOf(file).msecsTo(start)),
+                                file.filePath());
+    }
+    std::sort(others.begin(), others.end());
+    QStringList paths;
+    for (std::size_t i = 0; i < others.size() && paths.size() < kMostPatterns; ++i) {
+        const QString& path = std::get<QString>(others[i]);
+        if (isHealthy(path))
+            paths << path;
+    }
+    return paths;
 }
 
 QString wantedKind(QFileDevice& damaged) {
     FileWindow window(damaged);
     const QByteArray type = typeOf(window).left(4);
-    OuterBoxes boxes(window);
-    std::optional<OuterBoxes::Part> part = boxes.next();
-    while (part && part->type != fourCc("mdat"))
-        part = boxes.next();
-    const Bytes head = part ? window.at(part->body.start, 6) : Bytes();
+    const std::optional<ByteRange> media = mp4Media(window);
+    const Bytes head = media ? window.at(media->start, 6) : Bytes();
     QString kind = QStringLiteral("a whole MP4 clip of the same camera and settings");
     if (head.size() == 6 && head[0] == 0) {
         const bool isH264 = (head[4] & 0x80) == 0 &&

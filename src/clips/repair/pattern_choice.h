@@ -12,8 +12,8 @@ namespace ql240::repair {
 // is open.
 std::unique_ptr<Mp4Pattern> fittingPattern(const QString& healthy, QFileDevice& damaged, QString& problem);
 
-// The other MP4 clips in a clip's folder: those with similar names first, then by distance in recording time.
-// At most 32.
+// The other MP4 clips with an index in a clip's folder: those with similar names first, then by distance in
+// recording time. At most 32.
 QStringList patternsFor(const QString& clip);
 
 // Describes, in English, the clip needed as a pattern, as far as that can be seen from the damaged one.

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/limits.h"
+
 namespace ql240::repair {
 namespace {
 
@@ -98,7 +100,7 @@ std::optional<UnitSyntax> UnitSyntax::fromConfiguration(UnitCodec codec, Bytes c
 }
 
 bool UnitSyntax::takeSequence(const PictureSequence& sequence) {
-    if (!sequence.hasSize)
+    if (!sequence.hasSize || limits::isPictureTooLarge(sequence.width, sequence.height))
         return false;
     const auto same = std::find_if(m_sequences.begin(), m_sequences.end(),
                                    [&](const PictureSequence& s) { return s.id == sequence.id; });

@@ -27,7 +27,7 @@ class UnitSyntax {
 public:
     enum class Kind { Bad, Slice, Before, After, Set }; // before or after a picture's slices
 
-    // From the body of "avcC" or "hvcC"; nothing if it is invalid or allows fields, which aren't supported.
+    // From the body of "avcC" or "hvcC"; nothing if it is invalid.
     static std::optional<UnitSyntax> fromConfiguration(UnitCodec codec, Bytes configuration);
 
     std::size_t lengthBytes() const { return m_lengthBytes; }
@@ -39,7 +39,7 @@ public:
 
     // `head`: the unit's first bytes; `length`: its size in bytes.
     Kind kindOf(Bytes head, std::int64_t length) const;
-    // Nothing if the header is invalid.
+    // Nothing if the header is invalid, or that of a field, which isn't supported.
     std::optional<SliceHead> sliceOf(Bytes head) const;
     // Whether `slice` belongs to the same picture as the preceding one.
     bool continues(const SliceHead& before, const SliceHead& slice) const;

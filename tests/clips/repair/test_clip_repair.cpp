@@ -2,6 +2,7 @@
 // complete, unchanged. QL240_REPAIR_CUTS sets the number of offsets for each kind of clip.
 #include <QBuffer>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -15,6 +16,7 @@
 #include "clips/containers/mp4_writer.h"
 #include "clips/record_reader.h"
 #include "clips/repair/clip_repair.h"
+#include "clips/repair/media_finders.h"
 #include "support/clip_damage.h"
 #include "support/sensor_clips.h"
 #include "support/test_clips.h"
@@ -29,6 +31,7 @@ struct Piece {
     std::int64_t end = 0; // in the file
     double seconds = 0;   // presentation time
     QByteArray bytes;
+    bool isKey = true;
 };
 // By track, GPS blocks last; uncompressed sound as one piece per unit.
 using Pieces = std::map<std::size_t, std::vector<Piece>>;
@@ -59,7 +62,8 @@ void addPieces(const Mp4Track& track, ByteSource& source, const QByteArray& byte
             const std::int64_t start = sample->offset + i * unit;
             const double ticks = static_cast<double>(sample->time + sample->compositionOffset) + i -
                                  static_cast<double>(track.layout.mediaStart);
-            pieces.push_back({start + unit, ticks / track.layout.timescale, bytes.mid(start, unit)});
+            pieces.push_back(
+                {start + unit, ticks / track.layout.timescale, bytes.mid(start, unit), sample->isSync});
         }
     }
 }
@@ -103,7 +107,7 @@ Pieces aviPieces(const QByteArray& bytes) {
         double units = 0;
         while (const std::optional<AviPiece> piece = cursor.next()) {
             pieces[stream].push_back({piece->body.end(), units * format.scale / format.rate,
-                                      bytes.mid(piece->body.start, piece->body.size)});
+                                      bytes.mid(piece->body.start, piece->body.size), piece->isKey});
             units += static_cast<double>(format.unitsIn(piece->body.size));
         }
     }
@@ -117,7 +121,7 @@ QString difference(const std::vector<Piece>& whole, const std::vector<Piece>& sa
     if (saved.size() > whole.size() || saved.size() + spare < whole.size())
         return QStringLiteral("%1 of %2 pieces").arg(saved.size()).arg(whole.size());
     for (std::size_t i = 0; i < saved.size(); ++i) {
-        if (saved[i].bytes != whole[i].bytes)
+        if (saved[i].bytes != whole[i].bytes || (whole[i].isKey && !saved[i].isKey))
             return QStringLiteral("piece %1 is another one").arg(i);
         if (std::abs(saved[i].seconds - whole[i].seconds) >= 0.04)
             return QStringLiteral("piece %1: %2 s, not %3")
@@ -132,9 +136,9 @@ Pieces piecesOf(const QByteArray& bytes) {
     return bytes.startsWith("RIFF") ? aviPieces(bytes) : mp4Pieces(bytes);
 }
 
-enum class Sensors { None, Motion, Text, Blocks };
+enum class Sensors { None, Motion, Accelerations, Angles, Text, Blocks };
 
-// A motion record every 20 ms, some with a place as well; a sentence or a block every 200 ms.
+// A record of motion every 20 ms, some with a place as well; a sentence or a block every 200 ms.
 QList<QByteArray> sensorSamples(Sensors kind) {
     QList<QByteArray> samples;
     for (int i = 0; i < 200; ++i) {
@@ -146,7 +150,10 @@ QList<QByteArray> sensorSamples(Sensors kind) {
             samples << madeclips::gpsBlock({12, 0, i % 60, 13, 4, 5}, "ANE", 3733.5F, 12658.6F, 10);
         else
             samples << madeclips::motionAcceleration(0, float(i), 9.8F) +
-                           (i % 50 == 7 ? madeclips::motionFix(3, 37, 127, 1, 2) : QByteArray());
+                           (kind == Sensors::Motion && i % 50 == 7 ? madeclips::motionFix(3, 37, 127, 1, 2)
+                                                                   : QByteArray());
+        if (kind == Sensors::Angles)
+            samples.last().replace(2, 1, QByteArray(1, '\0'));
     }
     return samples;
 }
@@ -210,7 +217,7 @@ void addSensors(const QString& path, Sensors kind) {
     writer.addTrack(sensorMovie->tracks.front());
     qsizetype number = 0;
     QByteArray index;
-    for (const Next& next : interleaved(from, *movie, kind == Sensors::Motion ? 0.02 : 0.2)) {
+    for (const Next& next : interleaved(from, *movie, kind < Sensors::Text ? 0.02 : 0.2)) {
         if (next.track < movie->tracks.size()) {
             writer.addSample(next.track, next.sample);
         } else if (kind == Sensors::Blocks) {
@@ -422,10 +429,14 @@ private Q_SLOTS:
                                    << "one video, AAC";
         QTest::newRow("other codec") << "H.265"
                                      << "one video, AAC";
+        QTest::newRow("other rate") << "twice the rate"
+                                    << "one video, AAC";
     }
     void patternOfTheSameKind() {
         const auto kindNamed = [](const QString& name) {
-            const std::vector<Kind> all = kinds();
+            std::vector<Kind> all = kinds();
+            all.push_back({"twice the rate", nullptr, all[0].spec});
+            all.back().spec.rate *= 2;
             return *std::find_if(all.begin(), all.end(),
                                  [&](const Kind& k) { return name == QLatin1String(k.name); });
         };
@@ -440,9 +451,37 @@ private Q_SLOTS:
         QCOMPARE(result.pattern, pattern);
     }
 
-    // The file system allocated more than was written: the last picture ends in zeros.
-    void zerosBehind() {
+    // The nearest clips were interrupted as well; an empty box precedes the media.
+    void patternBehindDamagedOnes() {
         const Kind kind = kinds()[0];
+        const QString pattern = make(kind, "REC_2013_04_05_12_00_00", 30);
+        const QString clip = make(kind, "REC_2013_04_05_14_11_12", 0);
+        QByteArray bytes = bytesOf(clip);
+        bytes.insert(bytes.indexOf("mdat") - 4, bigEndian(8, 4) + "mdat");
+        put(clip, bytes.chopped(bytes.size() / 3));
+        QStringList neighbours;
+        for (int i = 0; i < 40; ++i) {
+            neighbours << path(QStringLiteral("REC_2013_04_05_14_10_%1.mp4").arg(i, 2, 10, QLatin1Char('0')));
+            put(neighbours.last(), bytes.left(1000));
+        }
+        const RepairResult result = repairClip({clip, {}, path("out.mp4"), true});
+        for (const QString& neighbour : neighbours + QStringList{pattern})
+            QVERIFY(QFile::remove(neighbour));
+        QCOMPARE(result.pattern, pattern);
+        QCOMPARE(result.status, RepairStatus::Repaired);
+    }
+
+    // The file system allocated more than was written: the last picture ends in zeros. A record of angles
+    // begins with zeros.
+    void zerosBehind_data() {
+        QTest::addColumn<int>("sensors");
+        QTest::newRow("no sensors") << int(Sensors::None);
+        QTest::newRow("angles") << int(Sensors::Angles);
+    }
+    void zerosBehind() {
+        QFETCH(int, sensors);
+        Kind kind = kinds()[0];
+        kind.sensors = Sensors(sensors);
         make(kind, "REC_2013_04_05_14_10_12", 30);
         const QString clip = make(kind, "REC_2013_04_05_14_11_12", 0);
         const QByteArray whole = bytesOf(clip);
@@ -450,11 +489,83 @@ private Q_SLOTS:
         put(clip, whole.left(cut) + QByteArray(100'000, '\0'));
         const RepairResult result = repairClip({clip, {}, path("out.mp4"), true});
         QCOMPARE(result.status, RepairStatus::Repaired);
-        const std::size_t expected = wholeOnes(mp4Pieces(whole), cut).at(0).size();
-        const std::size_t got = mp4Pieces(bytesOf(path("out.mp4"))).at(0).size();
-        QVERIFY2(got <= expected && got + 1 >= expected,
-                 qPrintable(QStringLiteral("%1 of %2").arg(got).arg(expected)));
+        Pieces expected = wholeOnes(mp4Pieces(whole), cut);
+        Pieces got = mp4Pieces(bytesOf(path("out.mp4")));
+        for (const std::size_t track : {0U, 2U})
+            QVERIFY2(
+                got[track].size() <= expected[track].size() &&
+                    got[track].size() + 1 >= expected[track].size(),
+                qPrintable(QStringLiteral("%1 of %2").arg(got[track].size()).arg(expected[track].size())));
         QVERIFY(result.lostBytes > 90'000);
+        const qsizetype index = whole.lastIndexOf("moov") + 204;
+        put(clip, whole.left(index) + QByteArray(whole.size() - index, '\0'));
+        QVERIFY(needsRepair(clip));
+    }
+
+    void placesThatThePatternLacks() {
+        Kind kind = kinds()[0];
+        kind.sensors = Sensors::Accelerations;
+        make(kind, "REC_2013_04_05_14_10_12", 30);
+        kind.sensors = Sensors::Motion;
+        const QString clip = make(kind, "REC_2013_04_05_14_11_12", 0);
+        const QByteArray whole = bytesOf(clip);
+        const qint64 cut = whole.size() * 2 / 3;
+        put(clip, whole.left(cut));
+        QCOMPARE(repairClip({clip, {}, path("out.mp4"), true}).status, RepairStatus::Repaired);
+        const auto records = [](const Pieces& pieces) {
+            QByteArray all;
+            for (const Piece& piece : pieces.at(2))
+                all += piece.bytes;
+            return all;
+        };
+        QVERIFY(records(mp4Pieces(bytesOf(path("out.mp4"))))
+                    .startsWith(records(wholeOnes(mp4Pieces(whole), cut))));
+    }
+
+    // Thousands of pictures seem to begin after the last one, all with the same scan of eight megabytes.
+    void scansAreBounded() {
+        Kind kind = kinds()[0];
+        kind.spec.codec = TestClipSpec::Codec::MotionJpeg;
+        kind.spec.sound = false;
+        make(kind, "REC_2013_04_05_14_10_12", 30);
+        const QString clip = make(kind, "REC_2013_04_05_14_11_12", 0);
+        const Pieces all = mp4Pieces(bytesOf(clip));
+        QByteArray starts(1, '\1');
+        for (int left = 30000; left > 0; left -= 6)
+            starts += QByteArray::fromHex("FFD8FFE0") + bigEndian(quint64(left - 4), 2);
+        put(clip, bytesOf(clip).left(all.at(0)[60].end) + starts + QByteArray::fromHex("FFDA0002") +
+                      QByteArray(8 << 20, '\0'));
+        QElapsedTimer timer;
+        timer.start();
+        const RepairResult result = repairClip({clip, {}, path("out.mp4"), true});
+        QCOMPARE(result.status, RepairStatus::Repaired);
+        QCOMPARE(int(result.pictures), 61);
+        QVERIFY2(timer.elapsed() < 10'000, qPrintable(QString::number(timer.elapsed())));
+    }
+
+    void durationsThatAddUp() {
+        repair::Durations dropping;
+        repair::Durations oddStart;
+        for (int i = 0; i < 100; ++i) {
+            dropping.learn(i % 20 == 7 ? 1024 : 512);
+            oddStart.learn(i == 0 ? 600 : 512);
+        }
+        QCOMPARE(int(dropping.ticksOf(200)), 105 * 1024);
+        QCOMPARE(int(oddStart.ticksOf(200)), 200 * 512);
+    }
+
+    // When it was recorded isn't known from the name, and the title is the other clip's.
+    void nothingOfThePatternsRecording() {
+        const QString pattern = make(kinds()[0], "REC_2013_04_05_14_10_12", 30);
+        QByteArray bytes = bytesOf(pattern);
+        put(pattern, bytes.replace(bytes.lastIndexOf("mvhd") + 8, 4, bigEndian(2'000'000'000, 4)));
+        const QString clip = make(kinds()[0], "copy", 0);
+        put(clip, bytesOf(clip).chopped(5000));
+        QCOMPARE(repairClip({clip, pattern, path("out.mp4"), true}).status, RepairStatus::Repaired);
+        QVERIFY(QFile::remove(clip));
+        const QByteArray saved = bytesOf(path("out.mp4"));
+        QCOMPARE(saved.mid(saved.lastIndexOf("mvhd") + 8, 4), bigEndian(0, 4));
+        QVERIFY(bytes.contains("ilst") && !saved.contains("ilst"));
     }
 
     void nothingIsLeftOfACancelledRepair() {
