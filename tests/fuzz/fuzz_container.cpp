@@ -1,5 +1,7 @@
 // A clip to be cut and repaired: its tree is written back as it was, and what cut and repair make of it are
 // clips with samples of the original.
+#include <algorithm>
+
 #include "clips/cut/clip_cutter.h"
 #include "clips/repair/clip_repair.h"
 #include "fuzz/scratch_folder.h"
