@@ -39,4 +39,5 @@ def main():
     print(f"info on a clip / an empty program\t{ours / theirs:.2f}\t2\t{ours * 1000:.1f}, {theirs * 1000:.1f}")
 
 
-main()
+if __name__ == "__main__":
+    main()

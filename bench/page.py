@@ -20,6 +20,7 @@ def commands(programs):
                  "bench_moments"):
         yield name, [program(name)]
     yield "clip_program.py", script("clip_program.py", "ql240-clip", "ql240-bench-clip-maker", "ql240-bench-empty-core")
+    yield "clip_copies.py", script("clip_copies.py", "ql240-clip")
     yield "hour.py", [*script("hour.py", "ql240-viewer"), "1080p"]
     yield "start_up.py", script("start_up.py", "ql240-viewer", "ql240-bench-empty-window")
 

@@ -10,7 +10,7 @@ run="g++ cmake ninja-build pkg-config
     gstreamer1.0-alsa gstreamer1.0-pulseaudio gstreamer1.0-pipewire
     udisks2 dbus fonts-open-sans fonts-nanum tzdata ca-certificates xdg-utils"
 test="ffmpeg libimage-exiftool-perl gpsbabel gdal-bin dbus-daemon pulseaudio pulseaudio-utils xvfb openbox weston xdotool
-    clang-format clang-tidy"
+    gstreamer1.0-tools clang-format clang-tidy"
 bench="ffmpeg mpv libimage-exiftool-perl gstreamer1.0-plugins-base-apps xvfb python3 xdotool"
 package="dpkg-dev debhelper fakeroot lintian appstream desktop-file-utils debootstrap"
 fuzz="clang-14 libclang-rt-14-dev"

@@ -7,11 +7,9 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include "clips/containers/avi_index.h"
 #include "clips/containers/avi_writer.h"
-#include "clips/containers/mp4_movie.h"
-#include "platform/limits.h"
 #include "support/clip_damage.h"
+#include "support/clip_samples.h"
 #include "support/sensor_clips.h"
 #include "support/test_clips.h"
 
@@ -20,45 +18,12 @@ namespace {
 
 using namespace containers;
 
-constexpr sensorfiles::ReadBudget kBudget{limits::kRecordBytes, limits::kRecordReads};
-
 QByteArray bytesOf(const QString& path) {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-// Reads everything and writes the file back; nothing if it isn't accepted.
-std::optional<QByteArray> rewritten(QFile& file, QFile& to) {
-    QString problem;
-    ByteSource source(file, kBudget);
-    Copier copier(file, to);
-    Mp4File boxes;
-    AviFile chunks;
-    if (file.seek(0) && file.peek(4) == "RIFF") {
-        const bool isRead = readAviChunks(source, chunks, problem);
-        const auto movie = isRead ? readAviMovie(source, chunks, problem) : std::nullopt;
-        for (std::size_t i = 0; movie && i < movie->streams.size(); ++i) {
-            AviIndexCursor cursor(source, *movie, i);
-            while (cursor.next()) {
-            }
-        }
-        if (!isRead || chunks.cut)
-            return std::nullopt;
-        writeAviChunks(chunks, copier);
-    } else {
-        if (!readMp4Boxes(source, boxes, problem))
-            return std::nullopt;
-        const auto movie = readMp4Movie(source, boxes, problem);
-        for (std::size_t i = 0; movie && i < movie->tracks.size(); ++i) {
-            Mp4SampleCursor cursor(source, movie->tracks[i]);
-            while (cursor.next()) {
-            }
-        }
-        writeMp4Boxes(boxes, copier);
-    }
-    return copier.finish() && to.seek(0) ? std::optional(to.readAll()) : QByteArray("unwritten");
-}
-
+// Reads all samples and writes the file back; nothing if it isn't accepted.
 std::optional<QByteArray> rewritten(const QByteArray& bytes) {
     QTemporaryDir folder;
     QFile file(folder.filePath("clip"));
@@ -66,7 +31,8 @@ std::optional<QByteArray> rewritten(const QByteArray& bytes) {
     if (!file.open(QIODevice::ReadWrite) || file.write(bytes) != bytes.size() || !file.flush() ||
         !to.open(QIODevice::ReadWrite))
         return QByteArray("unwritten");
-    return rewritten(file, to);
+    eachSample(file, [](ByteRange) {});
+    return writtenBack(file, to);
 }
 
 QMap<QByteArray, QByteArray> clips() {
@@ -151,7 +117,7 @@ private Q_SLOTS:
         QFile to(folder.filePath("long.avi"));
         QVERIFY(file.open(QIODevice::ReadOnly) && to.open(QIODevice::ReadWrite));
         const auto movieOf = [](QFile& from, QString problem = {}) {
-            ByteSource source(from, kBudget);
+            ByteSource source(from, kWholeClip);
             AviFile chunks;
             return readAviChunks(source, chunks, problem) ? readAviMovie(source, chunks, problem)
                                                           : std::nullopt;
@@ -161,7 +127,7 @@ private Q_SLOTS:
         Copier copier(file, to);
         AviWriter writer(*movie, file.size(), copier, 200'000);
         writer.begin();
-        ByteSource source(file, kBudget);
+        ByteSource source(file, kWholeClip);
         AviMediaCursor cursor(source, movie->media.front());
         while (const auto piece = cursor.next())
             writer.add(*piece->stream(), piece->body, true);
@@ -177,7 +143,7 @@ private Q_SLOTS:
         QCOMPARE(packets(to.fileName()), packets(clip));
         const auto again = movieOf(to);
         QVERIFY(again && again->media.size() > 2);
-        ByteSource written(to, kBudget);
+        ByteSource written(to, kWholeClip);
         AviIndexCursor index(written, *again, 0);
         std::uint32_t count = 0;
         while (index.next())

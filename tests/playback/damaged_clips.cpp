@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <cstdio>
 #include <functional>
@@ -193,6 +194,90 @@ bool runFields(const QList<GoodClip>& clips, bool all) {
     return fits;
 }
 
+void put(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+        qFatal("can't write %s", qPrintable(path));
+}
+
+// damaged_clips commands PROGRAM [COUNT]: runs ql240-clip's info, cut and repair on the same clips, each in
+// its own process. Fails if one takes too long, ends abnormally, has a sanitizer's report, or changes the
+// clip, which is then kept in the working folder.
+class CommandTrial {
+public:
+    explicit CommandTrial(QString program) : m_program(std::move(program)) {}
+
+    // Counts the clips that were cut as opened, the repaired ones as moved. False if anything is wrong.
+    bool run(const GoodClip& good, const QByteArray& bytes, Line& line) {
+        const QString path = m_folder.filePath(QFileInfo(good.path).fileName());
+        const QStringList output{"--force", "-o", m_folder.filePath("output"), path};
+        put(path, bytes);
+        m_isClean = true;
+        ++line.clips;
+        succeeds({"info", path}, line);
+        line.opened += succeeds(QStringList{"cut", "--from", "1", "--to", "2"} + output, line) ? 1 : 0;
+        line.moved += succeeds(QStringList{"repair", "--like", good.path} + output, line) ? 1 : 0;
+        if (contentOf(path) != bytes)
+            report("the clip", "has changed");
+        return m_isClean;
+    }
+
+private:
+    static constexpr int kMostCommandMs = 5000;
+
+    bool succeeds(const QStringList& arguments, Line& line) {
+        QProcess process;
+        QElapsedTimer clock;
+        clock.start();
+        process.start(m_program, arguments);
+        const bool isInTime = process.waitForFinished(kMostCommandMs);
+        line.slowestMs = std::max(line.slowestMs, clock.elapsed());
+        if (!isInTime) {
+            process.kill();
+            process.waitForFinished();
+        }
+        const QByteArray errors = process.readAllStandardError();
+        const bool isNormal = process.exitStatus() == QProcess::NormalExit && process.exitCode() <= 1 &&
+                              !errors.contains("Sanitizer") && !errors.contains("runtime error:");
+        if (!isInTime || !isNormal)
+            report(qPrintable(arguments.first()), isInTime ? errors.constData() : "takes too long");
+        return process.exitCode() == 0;
+    }
+    void report(const char* command, const char* what) {
+        std::fprintf(stderr, "%s: %s\n", command, what);
+        m_isClean = false;
+    }
+
+    QString m_program;
+    QTemporaryDir m_folder;
+    bool m_isClean = true;
+};
+
+bool runCommands(const QList<GoodClip>& clips, const QString& program, int clipsWanted) {
+    const int kinds = int(clips.size()) * kDamages;
+    const int count = std::max(1, clipsWanted / kinds); // of each kind
+    CommandTrial trial(program);
+    bool fits = true;
+    std::printf("| Clip | Damage | Clips | Cut | Repaired | Slowest, ms |\n|---|---|---|---|---|---|\n");
+    for (int kind = 0; kind < kinds; ++kind) {
+        const GoodClip& good = clips[kind / kDamages];
+        const char* const damage = kDamageNames[size_t(kind % kDamages)];
+        Line line;
+        for (int number = 0; number < count; ++number) {
+            const QByteArray bytes = damaged(good.bytes, Damage(kind % kDamages), number, count);
+            if (trial.run(good, bytes, line))
+                continue;
+            fits = false;
+            const QString kept = QStringLiteral("failed-%1-%2").arg(kind).arg(number);
+            put(kept, bytes);
+            std::fprintf(stderr, "%s, %s: see %s\n", good.title, damage, qPrintable(kept));
+        }
+        std::printf("| %s | %s | %d | %d | %d | %lld |\n", good.title, damage, line.clips, line.opened,
+                    line.moved, line.slowestMs);
+    }
+    return fits;
+}
+
 void printTable(const QList<GoodClip>& clips, const QList<Line>& lines) {
     std::printf(
         "| Clip | Damage | Clips | Opened | With picture | Slowest, ms |\n|---|---|---|---|---|---|\n");
@@ -254,7 +339,11 @@ int main(int argc, char** argv) {
     const QList<GoodClip> clips{makeGoodClip("MP4", 4, folder.path()),
                                 makeIndexFirst("MP4 of two videos, index first"),
                                 makeGoodClip("AVI with trailer", 5, folder.path())};
-    const bool fits =
-        fields ? runFields(clips.mid(1), argc > 2) : runDamages(clips, argc > 1 ? atoi(argv[1]) : 3000);
+    bool fits = false;
+    if (argc > 2 && qstrcmp(argv[1], "commands") == 0)
+        fits = runCommands(clips, QString::fromLocal8Bit(argv[2]), argc > 3 ? atoi(argv[3]) : 3000);
+    else
+        fits =
+            fields ? runFields(clips.mid(1), argc > 2) : runDamages(clips, argc > 1 ? atoi(argv[1]) : 3000);
     return QDir(QStringLiteral("case")).removeRecursively() && fits ? 0 : 1;
 }
