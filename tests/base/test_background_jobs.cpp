@@ -1,7 +1,7 @@
-// How long jobs may keep the interface thread waiting.
+// Which answers count, and how long jobs may keep the interface thread waiting.
 #include <QTest>
 
-#include "base/background_jobs.h"
+#include "support/held_jobs.h"
 
 using namespace ql240;
 
@@ -30,6 +30,19 @@ class TestBackgroundJobs : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void forgottenWhileDelivering() {
+        HeldJobs held;
+        BackgroundJobs jobs;
+        int ended = 0;
+        for (int i = 0; i < 2; ++i)
+            jobs.start([] {},
+                       [&] {
+                           ++ended;
+                           jobs.forget();
+                       });
+        held.answer();
+        QCOMPARE(ended, 1);
+    }
     void waitsOfOneTurnShareTheirTime() {
         DeadReader reader;
         std::array<BackgroundJobs, 3> askers;
