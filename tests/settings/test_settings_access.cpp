@@ -201,8 +201,8 @@ private Q_SLOTS:
             QVERIFY2(width <= room,
                      qPrintable(QStringLiteral("%1: %2 in %3").arg(text).arg(width).arg(room)));
         };
-        for (const char* language : {"kr", "en", "ru", "ch", "es"}) {
-            setCurrentLanguage(language);
+        for (const InterfaceLanguage& language : kInterfaceLanguages) {
+            setCurrentLanguage(language.code);
             ConfigWindow window;
             window.ensurePolished();
             for (const OptionRow& row : config::kRows) {
