@@ -8,7 +8,7 @@ class TestLanguage : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    // Chinese and Spanish read English, anything unknown Korean.
+    // Chinese and Spanish users get English, an unknown code Korean.
     void column() {
         const std::pair<const char*, const char*> play[] = {{"kr", "재생"}, {"en", "Play"}, {"ch", "Play"},
                                                             {"es", "Play"}, {"de", "재생"}, {"", "재생"},

@@ -1,4 +1,3 @@
-#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
@@ -19,11 +18,11 @@ private Q_SLOTS:
     void handEditedFile() {
         const std::pair<QByteArray, const char*> files[] = {
             {"[global]\nspeedkm=knots\n", "knots"},
-            {"[global]\nspeedkm=\n", ""},         // is stored
-            {"[global]\nspeedkm=a, b\n", "a, b"}, // is no list
+            {"[global]\nspeedkm=\n", ""},         // stored, but empty
+            {"[global]\nspeedkm=a, b\n", "a, b"}, // not a list
             {"[global]\r\nspeedkm=km\r\n", "km"}};
         for (const auto& [content, expected] : files) {
-            init(); // a file written anew within a tick of the clock isn't read again
+            init(); // Qt doesn't read a file again that changed within a tick of the clock
             writeFile(content);
             QString unit = "before";
             QVERIFY(readSpeedUnit(unit));

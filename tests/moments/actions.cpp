@@ -1,7 +1,6 @@
 #include "moments/actions.h"
 
 #include <QAbstractButton>
-#include <QApplication>
 #include <QComboBox>
 #include <QDialog>
 #include <QDropEvent>

@@ -1,7 +1,6 @@
 #include "moments/pipeline_run.h"
 
 #include <algorithm>
-#include <functional>
 
 #include "mainwindow/viewer.h"
 #include "moments/hands.h"

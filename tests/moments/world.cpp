@@ -1,6 +1,5 @@
 #include "moments/world.h"
 
-#include <QApplication>
 #include <QDialog>
 #include <QDir>
 #include <QFile>

@@ -1,4 +1,4 @@
-// The panel's arithmetic and what it puts where, painted with stand-in pictures of one colour each.
+// The panel's arithmetic and layout, painted with pictures of one colour each.
 #include <QImage>
 #include <QPainter>
 #include <QTest>
@@ -16,8 +16,7 @@ QPixmap plain(QSize size, QColor colour) {
 
 const QColor kMph(30, 0, 0);
 
-// Segment i is (10, i, 0), digit i (20, i, 0). The other pictures' places are seen on the windows' kept
-// pictures.
+// Segment i is (10, i, 0), digit i (20, i, 0). The golden pictures show the other pictures.
 QImage paint(const PanelState& state) {
     PanelImages images;
     for (int i = 0; i < panel::kSegmentCount; ++i)
@@ -86,7 +85,7 @@ private Q_SLOTS:
             state.progressMaximum = maximum;
             QCOMPARE(extent(paint(state), Qt::white), x < 642 ? QRect(x, 2, 1, 33) : QRect());
         }
-        QCOMPARE(panel::seekTarget(629, 0, 10800000, 642), 10782802); // past 32 bits on the way
+        QCOMPARE(panel::seekTarget(629, 0, 10800000, 642), 10782802); // needs more than 32 bits on the way
     }
 
     void texts() {
@@ -101,7 +100,7 @@ private Q_SLOTS:
     }
 
     void tracePlaces() {
-        // Below 11 lost by whole-number division; the last below the cap, the cap, the smallest.
+        // Integer division loses values below 11; then the last below the cap, the cap, the smallest.
         const std::pair<int, int> heights[] = {{10, 18},  {11, 19},  {128, 30},   {-128, 30},
                                                {211, 37}, {212, 38}, {-32768, 38}};
         for (const auto& [acceleration, y] : heights)

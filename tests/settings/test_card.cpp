@@ -1,4 +1,4 @@
-// Which drive is the card, which folder the picture adjustment comes from, and the version text.
+// Which drive is the card, which folder has the picture adjustment, and the version text.
 #include <sys/sysmacros.h>
 
 #include <QTest>
@@ -34,13 +34,11 @@ private Q_SLOTS:
         QCOMPARE(openVersionText(updateFolder(first.drive())), std::optional<QString>(QString()));
         QCOMPARE(openVersionText(updateFolder(empty.drive())), std::nullopt);
         QCOMPARE(readVersionText(updateFolder(stick.drive())), QString());
-    }
-
-    void withoutDrives() {
+        QCOMPARE(cardVersionText(&m_drives), std::optional<QString>("QL240"));
         m_drives.drives.clear();
         QCOMPARE(findCardDrive(&m_drives), QString());
         QCOMPARE(firstSettingFolder(&m_drives), QString());
-        QVERIFY(listRemovableDrives(nullptr).isEmpty());
+        QVERIFY(listRemovableDrives(nullptr).isEmpty() && !cardVersionText(nullptr));
     }
 
     void versionText() {

@@ -1,4 +1,4 @@
-// What a record takes from the card's files, well-formed and hostile.
+// What a record reads from the card's files, well-formed or hostile.
 #include <sys/stat.h>
 
 #include <QTest>
@@ -14,7 +14,7 @@ class TestDeviceSettings : public QObject {
 
 private Q_SLOTS:
     void textLines() {
-        // What is changed: "key value key value", all others at their defaults.
+        // The values that aren't at their defaults: "key value key value".
         const std::pair<QByteArray, const char*> rows[] = {
             {"framevalue:1", "framevalue 1"},
             {"RESOLUTIONVALUE:1\r\n", "resolutionvalue 1"},
@@ -32,7 +32,8 @@ private Q_SLOTS:
             {"batteryvalue1:99999999999999999999\n", "batteryvalue1 0"},
             {"batteryvalue1:000000000000000000000000000000119\n", "batteryvalue1 119"},
             {QByteArray("batteryvalue1:11\0 9\n", 20), "batteryvalue1 0"},
-            {"sensitivityvalue2:5\n", "sensitivityvalue 5 sensitivityvalue2 5"}, // a key's beginning counts
+            {"sensitivityvalue2:5\n",
+             "sensitivityvalue 5 sensitivityvalue2 5"}, // a key may be followed by more letters
             {"hourvalue:5\nhourvalue:9\n", "hourvalue 9"},
             {"reversalvalue:1\nsharpnessvalue:1\n", ""}, // keys of bytes only
             {"\n\nfoo:1\n brightvalue:1\nmutevalue:1\n", "mutevalue 1"},
@@ -51,7 +52,7 @@ private Q_SLOTS:
         }
     }
 
-    // The first byte counts, signed or not as the key has it.
+    // The first byte counts; whether it is signed depends on the key.
     void byteFiles() {
         const std::tuple<int, QByteArray, int> rows[] = {{1, "\x79", 121},
                                                          {1, "\xf2", -14},
@@ -67,7 +68,7 @@ private Q_SLOTS:
         }
     }
 
-    // Without the brightness the contrast isn't opened.
+    // Without the brightness, the contrast isn't read.
     void loadBytesResult() {
         for (const auto& [bright, contrast, contrastRead] :
              {std::tuple(false, false, 4), {true, false, 4}, {false, true, 4}, {true, true, 7}}) {
@@ -84,8 +85,7 @@ private Q_SLOTS:
         }
     }
 
-    // No card, an empty folder, and names that are no files: the defaults stand, and nothing waits for a
-    // pipe's writer.
+    // No card, an empty folder, folders and a pipe in place of files: all defaults, and no wait for a writer.
     void withoutFiles() {
         const MadeCard card;
         QDir().mkpath(card.path("odd/setting.dat"));
@@ -110,11 +110,11 @@ private Q_SLOTS:
         const DeviceSettings settings(card.path("setting"));
         QCOMPARE(settings.framevalue, 1);
         QCOMPARE(settings.speedValue, 2);
-        QCOMPARE(settings.brightvalue, 1); // a byte file goes over the text
+        QCOMPARE(settings.brightvalue, 1); // a byte file overrides the text
         QCOMPARE(settings.contrastvalue, 3);
     }
 
-    // What lies past the limit isn't read, and what it cuts off counts for nothing.
+    // Nothing past the limit is read, and a line that it cuts off doesn't count.
     void hugeText() {
         const std::tuple<QByteArray, QByteArray, QByteArray, int> rows[] = {
             {"framevalue", "x", ":1\n", 3},

@@ -1,4 +1,4 @@
-// The settings windows without a mouse, for a screen reader, and in every language.
+// The settings windows by keyboard, with a screen reader, and in every language.
 #include <QAccessible>
 #include <QSignalSpy>
 
@@ -18,11 +18,7 @@ namespace {
 
 QString nameOf(QObject* object) {
     QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(object);
-    if (!interface)
-        return {};
-    // A list is called by its label, everything else by itself.
-    const auto labels = interface->relations(QAccessible::Label);
-    return (labels.isEmpty() ? interface : labels.first().first)->text(QAccessible::Name).simplified();
+    return interface ? AccessibleTree::nameOf(interface) : QString();
 }
 
 ChoiceRow* rowOf(const QWidget& window, int RowValues::*value) {
@@ -110,7 +106,7 @@ private Q_SLOTS:
         }
     }
 
-    // From the dialog to a page, a choice there, and back, by keys only; the focus can be seen.
+    // From the dialog to a page, a choice there, and back, by keyboard; the focus is visible.
     void pageByKeyboard() {
         ReadyWindow window;
         showActive(window);
@@ -133,7 +129,7 @@ private Q_SLOTS:
         QCOMPARE(window.values().brightvalue, 5);
     }
 
-    // Whoever presses Enter at once hasn't read the warning.
+    // A user who presses Enter at once hasn't read the warning.
     void enterRefusesFormatting() {
         for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
             WindowBtn7 warning(nullptr);
@@ -194,7 +190,7 @@ private Q_SLOTS:
         }
     }
 
-    // No painted text reaches into what stands beside it, no button's text over its edge.
+    // No painted text overlaps its neighbour, no button's text its edge.
     void textsFit() {
         const auto fits = [](const QFont& font, const QString& text, int room) {
             const int width = QFontMetrics(fittingFont(font, text, room)).horizontalAdvance(text);

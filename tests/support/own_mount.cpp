@@ -10,6 +10,8 @@
 namespace ql240 {
 namespace {
 
+bool g_ownMounts = false;
+
 bool writeText(const char* path, const QByteArray& text) {
     const int file = ::open(path, O_WRONLY | O_CLOEXEC);
     const bool written = file >= 0 && ::write(file, text.constData(), size_t(text.size())) == text.size();
@@ -19,16 +21,21 @@ bool writeText(const char* path, const QByteArray& text) {
 
 } // namespace
 
-bool enterOwnMounts() {
+void enterOwnMounts() {
     const QByteArray uid = QByteArray::number(::getuid());
     const QByteArray gid = QByteArray::number(::getgid());
     if (uid != "0") {
         if (::unshare(CLONE_NEWUSER) != 0 || !writeText("/proc/self/setgroups", "deny") ||
             !writeText("/proc/self/uid_map", "0 " + uid + " 1") ||
             !writeText("/proc/self/gid_map", "0 " + gid + " 1"))
-            return false;
+            return;
     }
-    return ::unshare(CLONE_NEWNS) == 0 && ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+    g_ownMounts =
+        ::unshare(CLONE_NEWNS) == 0 && ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+}
+
+bool hasOwnMounts() {
+    return g_ownMounts;
 }
 
 bool fillUp(const QString& folder, int pages) {

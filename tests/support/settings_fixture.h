@@ -3,7 +3,6 @@
 #pragma once
 
 #include <QApplication>
-#include <QMouseEvent>
 #include <QSemaphore>
 #include <QTest>
 #include <memory>

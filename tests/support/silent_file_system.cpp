@@ -7,6 +7,8 @@
 #include <QFile>
 #include <utility>
 
+#include "support/own_mount.h"
+
 namespace ql240 {
 
 SilentFileSystem::SilentFileSystem(const QString& folder) : m_folder(folder) {
@@ -19,8 +21,8 @@ void SilentFileSystem::mount() {
     const QByteArray options = "fd=" + QByteArray::number(m_device) +
                                ",rootmode=40000,user_id=" + QByteArray::number(::getuid()) +
                                ",group_id=" + QByteArray::number(::getgid());
-    m_mounted = ::mount("silent", QFile::encodeName(m_folder).constData(), "fuse", MS_NOSUID | MS_NODEV,
-                        options.constData()) == 0;
+    m_mounted = hasOwnMounts() && ::mount("silent", QFile::encodeName(m_folder).constData(), "fuse",
+                                          MS_NOSUID | MS_NODEV, options.constData()) == 0;
 }
 
 void SilentFileSystem::end() {

@@ -1,6 +1,5 @@
 // A file system that doesn't answer, mounted over a folder on request, like a failing card reader. Nothing
-// serves it, so every call hangs, and fails when the object ends. Needs a private mount namespace
-// (enterOwnMounts).
+// serves it, so every call hangs, and fails when the object ends. Needs runOnOwnMounts().
 #pragma once
 
 #include <QString>
@@ -14,7 +13,7 @@ public:
     ~SilentFileSystem() { end(); }
     Q_DISABLE_COPY_MOVE(SilentFileSystem)
 
-    // False if the machine mounts no such file system.
+    static constexpr char kNeeds[] = "needs FUSE, and root or a user namespace";
     bool isMounted() const { return m_mounted; }
     void fallSilent() { mount(); }
     // Makes all waiting calls fail.
