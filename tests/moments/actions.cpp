@@ -1,5 +1,4 @@
-#include "moments/actions.h"
-
+// The actions of a run, and how likely each is.
 #include <QAbstractButton>
 #include <QComboBox>
 #include <QDialog>

@@ -1,4 +1,4 @@
-// Rows of decoded frames, and rows of a frame's pixels.
+// Rows of decoded frames, and shrinking rows of pixels.
 #include <QTest>
 
 #include <algorithm>
@@ -16,7 +16,7 @@ namespace {
 // Times in ms.
 struct Row : FrameRow {
     void put(int begin, int duration = 100, int wanted = 0, gsize size = 4) {
-        static std::uint8_t bytes[4]; // nobody looks at them
+        static std::uint8_t bytes[4]; // never read
         GstBuffer* frame =
             gst_buffer_new_wrapped_full(GST_MEMORY_FLAG_READONLY, bytes, size, 0, size, nullptr, nullptr);
         GST_BUFFER_PTS(frame) = begin * GST_MSECOND;
@@ -60,7 +60,7 @@ private Q_SLOTS:
         for (int i = 0; i < 10; ++i)
             row.put(100 * i);
         QVERIFY(row.reaches(200) && !row.reaches(199));
-        for (const int begin : {1000, 1100, 1200}) // as large as the whole row may be
+        for (const int begin : {1000, 1100, 1200}) // each as large as the limit of the row
             row.put(begin, 100, 0, ql240::limits::kFrameRowBytes);
         QVERIFY(row.reaches(1100) && !row.reaches(1099));
     }
@@ -84,7 +84,7 @@ private Q_SLOTS:
             for (int width = 1; width < 70; ++width) {
                 std::vector<std::int32_t> pairs(static_cast<std::size_t>(width));
                 std::generate(pairs.begin(), pairs.end(), [&] { return static_cast<int>(random() % 200); });
-                std::vector<std::uint32_t> vector(pairs.size() + 1, 7); // and one that stays
+                std::vector<std::uint32_t> vector(pairs.size() + 1, 7); // one more, which must not change
                 std::vector<std::uint32_t> scalar = vector;
                 shrinkRow(upper.data(), lower.data(), pairs.data(), width, matrix, vector.data());
                 shrinkRowScalar(upper.data(), lower.data(), pairs.data(), width, matrix, scalar.data());

@@ -1,5 +1,4 @@
-// What the player asks of the graph, in which order, and what it answers while the graph refuses or is
-// closed.
+// The player's calls to the graph, in order, and its results while the graph fails or is closed.
 #include <QTest>
 
 #include <functional>
@@ -19,7 +18,7 @@ namespace {
 
 constexpr auto kView = static_cast<WindowToken>(7);
 
-// "|" and line ends part the calls.
+// Calls, separated by "|" or line ends.
 constexpr char kAvi[] =
     R"(create graph|create file source|add File Source (Async.)|load /c/1.avi|create AVI splitter|add AVI Splitter
 create video decoder|add ffdshow Video Decoder|create video renderer|add Video Renderer
@@ -140,7 +139,7 @@ private Q_SLOTS:
         }
     }
 
-    // The MP4 recipe's failure is the player's; an AVI clip opens with what there is, if that is a renderer.
+    // An MP4 clip whose recipe fails doesn't open; an AVI clip opens if it has got as far as its renderer.
     void everyFailingStepEndsTheRecipe() {
         m_media.clip.mp4Pins = {u"vide", u"VIDE", u"soun"};
         const QStringList recipes[] = {
@@ -164,7 +163,7 @@ private Q_SLOTS:
     }
 
     void unknownSizesAreNone() {
-        // What fails, and whether the clip's size and the frame's are known.
+        // The failing query, and whether the sizes of clip and frame are then known.
         const std::tuple<const Clip*, const char*, bool, bool> rows[] = {
             {&m_mp4, "nothing", true, true},     {&m_mp4, "size", false, false},
             {&m_avi, "nothing", true, true},     {&m_avi, "size", false, false},
@@ -183,7 +182,7 @@ private Q_SLOTS:
         }
     }
 
-    // What each operation asks, answers and leaves as flags, when the graph is willing and when it isn't.
+    // Each operation's call, result and flags, when the graph succeeds and when it fails.
     void transport() {
         struct Case {
             const char* call;
@@ -234,7 +233,7 @@ private Q_SLOTS:
         QCOMPARE(player.durationMs(), 0);
         QVERIFY(!player.isRunning());
         QVERIFY(!player.play() && !player.pause() && !player.stop() && !player.rewind());
-        QVERIFY(player.isStopped() && !player.isPaused()); // as closing has left them
+        QVERIFY(player.isStopped() && !player.isPaused()); // unchanged by calls on a closed player
         QVERIFY(!player.attachWindow(kView, {1, 1, 2, 2}, false) && !player.hideWindow(0));
         player.moveWindow(kView, 1, 1, false);
         player.resizeWindow(kView, 1, 1, false);
@@ -290,7 +289,7 @@ private Q_SLOTS:
             "window 1 drain 1");
         QVERIFY(m_media.windows[0].owner == kView && m_media.windows[0].drain == kView);
 
-        // Only the last step decides.
+        // Only the last call decides.
         fail("window 0 owner");
         QVERIFY(player.attachWindow(kView, {1, 1, 2, 2}, false));
         fail("window 0 visible");

@@ -110,21 +110,6 @@ private Q_SLOTS:
         QCOMPARE(panel::traceX(3, 3, 642), 640);
         QCOMPARE(panel::traceX(1, 1280, 642), 1); // half rounds up
     }
-
-    // Two samples: every axis starts at rest, the later axis covers the earlier one.
-    void trace() {
-        QImage picture(642, 41, QImage::Format_RGB32);
-        picture.fill(Qt::black);
-        QPainter painter(&picture);
-        paintTrace(painter, {{0, 0, 128, 128, 0, 0, 0}, {100, 0, 128, -211, 0, 0, 0}}, 642);
-        painter.end();
-        QCOMPARE(picture.pixelColor(0, 18), QColor(0, 0, 255));
-        QCOMPARE(picture.pixelColor(310, 18), QColor(255, 0, 0));
-        QCOMPARE(picture.pixelColor(310, 29), QColor(0, 0, 255));
-        QCOMPARE(picture.pixelColor(630, 30), QColor(255, 255, 0));
-        QCOMPARE(picture.pixelColor(640, 37), QColor(0, 0, 255));
-        QCOMPARE(picture.pixelColor(641, 37), QColor(Qt::black));
-    }
 };
 
 } // namespace ql240

@@ -285,7 +285,7 @@ private Q_SLOTS:
 private:
     // A negative number of free pages: read-only.
     static void saveOnOwnMount(Before before, int freePages, int notNew, const char* name) {
-        if (!hasOwnMounts())
+        if (!g_ownMounts)
             QSKIP("mounting a small file system needs root or a user namespace");
         const MadeCard card;
         const QString folder = card.path("setting");
@@ -295,7 +295,7 @@ private:
         const auto unmount = qScopeGuard([&] { ::umount2(place.constData(), MNT_DETACH); });
         const CardOfFiles files{card, before};
         files.make();
-        QVERIFY(freePages < 0 ? makeReadOnly(folder) : fillUp(folder, freePages));
+        QVERIFY(freePages < 0 ? makeReadOnly(place) : fillUp(folder, freePages));
         (void)changedRecord(folder).save();
         const Outcome result = outcome(files, true);
         QVERIFY2(result.error.isEmpty() && result.notNew == notNew, name);
