@@ -1,11 +1,8 @@
 // The windows in the program's own style, and the skin's pictures, against the golden pictures. Run at device
 // ratios of 1 and 2.
-#include <QDir>
 
 #include "app/style.h"
-#include "base/language.h"
 #include "mainwindow/viewer.h"
-#include "settings/config_window.h"
 #include "settings/flat_fields.h"
 #include "settings/window_gmt.h"
 #include "settings/window_pages.h"
@@ -13,7 +10,7 @@
 #include "support/golden.h"
 #include "support/settings_fixture.h"
 
-namespace ql240 {
+using namespace ql240;
 namespace {
 
 constexpr int kShownMs = 1010;
@@ -171,7 +168,5 @@ private:
     }
 };
 
-} // namespace ql240
-
-QTEST_MAIN(ql240::TestWindowPictures)
+QTEST_MAIN(TestWindowPictures)
 #include "test_window_pictures.moc"

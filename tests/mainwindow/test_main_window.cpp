@@ -9,7 +9,7 @@
 #include "support/modal.h"
 #include "widgets/image_buttons.h"
 
-namespace ql240 {
+using namespace ql240;
 
 using layout::ButtonId;
 
@@ -276,7 +276,5 @@ private:
     std::unique_ptr<Viewer> m_viewer;
 };
 
-} // namespace ql240
-
-QTEST_MAIN(ql240::TestMainWindow)
+QTEST_MAIN(TestMainWindow)
 #include "test_main_window.moc"

@@ -1,4 +1,3 @@
-#include <QDir>
 #include <QPrinter>
 
 #include "mainwindow/frame_output.h"
@@ -6,7 +5,7 @@
 #include "support/frame_code.h"
 #include "support/pdf_page.h"
 
-namespace ql240 {
+using namespace ql240;
 
 using layout::ButtonId;
 
@@ -161,7 +160,5 @@ private:
     std::unique_ptr<Viewer> m_viewer;
 };
 
-} // namespace ql240
-
-QTEST_MAIN(ql240::TestMainWindowFrames)
+QTEST_MAIN(TestMainWindowFrames)
 #include "test_main_window_frames.moc"

@@ -6,7 +6,7 @@
 
 #include "mainwindow/viewer.h"
 
-namespace ql240 {
+using namespace ql240;
 
 using layout::ButtonId;
 
@@ -228,7 +228,5 @@ private:
     std::unique_ptr<Viewer> m_viewer;
 };
 
-} // namespace ql240
-
-QTEST_MAIN(ql240::TestMainWindowInput)
+QTEST_MAIN(TestMainWindowInput)
 #include "test_main_window_input.moc"

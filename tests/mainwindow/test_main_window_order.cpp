@@ -10,7 +10,7 @@
 #include "support/made_card.h"
 #include "support/pdf_page.h"
 
-namespace ql240 {
+using namespace ql240;
 
 using layout::ButtonId;
 
@@ -220,7 +220,5 @@ private:
     std::unique_ptr<Viewer> m_viewer;
 };
 
-} // namespace ql240
-
-QTEST_MAIN(ql240::TestMainWindowOrder)
+QTEST_MAIN(TestMainWindowOrder)
 #include "test_main_window_order.moc"

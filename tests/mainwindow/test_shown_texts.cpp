@@ -16,7 +16,6 @@
 #include <climits>
 
 #include "mainwindow/viewer.h"
-#include "mainwindow/window_dialogs.h"
 #include "platform/linux/desktop_url_opener.h"
 #include "platform/linux/folder_tree_dialog.h"
 #include "support/fake_media.h"
@@ -24,7 +23,7 @@
 #include "support/settings_fixture.h"
 #include "widgets/plain_text.h"
 
-namespace ql240 {
+using namespace ql240;
 namespace {
 
 // The picture "trap.png" in the current folder, which must not be opened.
@@ -284,7 +283,5 @@ private:
     std::unique_ptr<Trap> m_trap;
 };
 
-} // namespace ql240
-
-QTEST_MAIN(ql240::TestShownTexts)
+QTEST_MAIN(TestShownTexts)
 #include "test_shown_texts.moc"

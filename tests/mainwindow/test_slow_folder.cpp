@@ -10,7 +10,7 @@
 #include "support/own_mount.h"
 #include "support/silent_file_system.h"
 
-namespace ql240 {
+using namespace ql240;
 namespace {
 
 // How long a call may block the window, even on a busy machine.
@@ -114,9 +114,7 @@ private:
     std::unique_ptr<SilentFileSystem> m_reader;
 };
 
-} // namespace ql240
-
 int main(int argc, char** argv) {
-    return ql240::runOnOwnMounts<QApplication, ql240::TestSlowFolder>(argc, argv);
+    return runOnOwnMounts<QApplication, TestSlowFolder>(argc, argv);
 }
 #include "test_slow_folder.moc"

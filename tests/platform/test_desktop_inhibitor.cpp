@@ -13,7 +13,7 @@
 #include "platform/linux/desktop_inhibitor.h"
 #include "support/private_bus.h"
 
-namespace ql240 {
+using namespace ql240;
 namespace {
 
 constexpr int kLongestMs = 100;
@@ -159,7 +159,5 @@ private:
     DesktopInhibitor m_inhibitor;
 };
 
-} // namespace ql240
-
-QTEST_GUILESS_MAIN(ql240::TestDesktopInhibitor)
+QTEST_GUILESS_MAIN(TestDesktopInhibitor)
 #include "test_desktop_inhibitor.moc"

@@ -16,7 +16,7 @@
 #include "support/child_processes.h"
 #include "support/tile_server.h"
 
-namespace ql240 {
+using namespace ql240;
 namespace {
 
 constexpr double kSeoulLatitude = 37.5665;
@@ -283,15 +283,13 @@ private Q_SLOTS:
     }
 };
 
-} // namespace ql240
-
 int main(int argc, char** argv) {
-    ql240::prepareWebEngine();
+    prepareWebEngine();
     QApplication application(argc, argv);
-    ql240::MapModule module(QStringLiteral(QL240_MODULES));
+    MapModule module(QStringLiteral(QL240_MODULES));
     module.network = true;
-    ql240::host().webPages = &module;
-    ql240::TestMapModule test;
+    host().webPages = &module;
+    TestMapModule test;
     return QTest::qExec(&test, argc, argv);
 }
 

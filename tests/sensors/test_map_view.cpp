@@ -12,7 +12,7 @@
 #include "sensors/map_view.h"
 #include "support/fake_web_pages.h"
 
-namespace ql240 {
+using namespace ql240;
 namespace {
 
 constexpr double kStartLatitude = 37.409571;
@@ -244,7 +244,5 @@ private Q_SLOTS:
     }
 };
 
-} // namespace ql240
-
-QTEST_MAIN(ql240::TestMapView)
+QTEST_MAIN(TestMapView)
 #include "test_map_view.moc"

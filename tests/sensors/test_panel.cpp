@@ -5,7 +5,7 @@
 
 #include "sensors/panel_painting.h"
 
-namespace ql240 {
+using namespace ql240;
 namespace {
 
 QPixmap plain(QSize size, QColor colour) {
@@ -112,7 +112,5 @@ private Q_SLOTS:
     }
 };
 
-} // namespace ql240
-
-QTEST_MAIN(ql240::TestPanel)
+QTEST_MAIN(TestPanel)
 #include "test_panel.moc"

@@ -4,7 +4,7 @@
 #include "support/fake_sensor_library.h"
 #include "support/made_card.h"
 
-namespace ql240 {
+using namespace ql240;
 namespace {
 
 QByteArray trailerLines(int count) {
@@ -156,7 +156,5 @@ private Q_SLOTS:
     }
 };
 
-} // namespace ql240
-
-QTEST_GUILESS_MAIN(ql240::TestSensorTrack)
+QTEST_GUILESS_MAIN(TestSensorTrack)
 #include "test_sensor_track.moc"

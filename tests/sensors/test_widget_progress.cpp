@@ -13,7 +13,7 @@
 #include "support/held_jobs.h"
 #include "support/made_card.h"
 
-namespace ql240 {
+using namespace ql240;
 namespace {
 
 // Calls the event's handler, as the main window does; true if the event was accepted.
@@ -297,7 +297,5 @@ private Q_SLOTS:
     }
 };
 
-} // namespace ql240
-
-QTEST_MAIN(ql240::TestWidgetProgress)
+QTEST_MAIN(TestWidgetProgress)
 #include "test_widget_progress.moc"

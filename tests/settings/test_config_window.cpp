@@ -8,7 +8,6 @@
 #include <QWindow>
 
 #include "settings/config_layout.h"
-#include "settings/config_window.h"
 #include "settings/window_gmt.h"
 #include "settings/window_pages.h"
 #include "support/modal.h"

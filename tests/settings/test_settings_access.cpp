@@ -1,9 +1,7 @@
 // The settings windows by keyboard, with a screen reader, and in every language.
-#include <QAccessible>
 #include <QSignalSpy>
 
 #include "settings/config_layout.h"
-#include "settings/config_window.h"
 #include "settings/page_layout.h"
 #include "settings/window_gmt.h"
 #include "settings/window_pages.h"

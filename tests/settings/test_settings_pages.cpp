@@ -2,7 +2,6 @@
 #include <QComboBox>
 #include <QToolButton>
 
-#include "settings/config_window.h"
 #include "settings/page_layout.h"
 #include "settings/time_zones.h"
 #include "settings/window_gmt.h"
