@@ -157,16 +157,18 @@ private Q_SLOTS:
         QFETCH(QString, word);
         SettingsFixture fixture;
         MadeCard card;
-        makeCamera(card, "QL240 " + word.toUtf8() + ' ' + word.toUtf8().repeated(5000));
+        makeCamera(card, "QL240 " + word.toUtf8() + ' ' + word.toUtf8().repeated(50000));
         fixture.insert(card, word.toUtf8());
         ReadyWindow window;
         window.show();
         auto* drives = window.findChild<QComboBox*>();
         rest(*drives, drives->rect().center());
         QVERIFY2(!m_trap->sprung(), "the hover text of the drives has opened what the label names");
-        drives->showPopup();
-        QVERIFY(drives->view()->window()->width() <= window.screen()->geometry().width());
-        drives->hidePopup();
+        for (QComboBox* list : window.findChildren<QComboBox*>()) {
+            list->showPopup();
+            QVERIFY(list->view()->window()->width() <= window.screen()->geometry().width());
+            list->hidePopup();
+        }
         for (int page = 0; page < 7; ++page) {
             ModalAnswer answer([&](QWidget*) { verify(word, "page"); });
             openPage(window, page);
