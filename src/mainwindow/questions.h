@@ -1,4 +1,4 @@
-// Runs the window's dialogs. A dialog is an event loop of its own, during which everything else goes on: code
+// Runs the window's dialogs. A dialog is an event loop of its own, during which everything else continues: code
 // that must not act while one is open checks isOpen() and waits for closed(). Interface thread only.
 #pragma once
 

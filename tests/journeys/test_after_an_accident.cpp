@@ -30,7 +30,7 @@ private Q_SLOTS:
         m_viewer.addClip(QStringLiteral("VIDEO/") + kEvent, {.frames = kDurationMs * 30 / 1000});
         for (const char* name : {"EVS_2013_04_05_08_02_11.mp4", "REC_2013_04_05_12_30_00.mp4"})
             m_viewer.addClip(QStringLiteral("VIDEO/") + QLatin1String(name), Viewer::shortClip(300));
-        // The car stands from the impact on.
+        // The car is at rest from the impact on.
         m_viewer.sensors.answer = [](std::int64_t ms) {
             FakeSensorLibrary::Answer answer;
             answer.speed = ms < kImpactMs ? 60 : 0;

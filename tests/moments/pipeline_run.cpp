@@ -68,7 +68,7 @@ private:
     QElapsedTimer m_since;
 };
 
-enum class Effect { Plays, Moves, Navigates }; // goes on, to another frame, maybe to another clip
+enum class Effect { Plays, Moves, Navigates }; // at most the play state, the frame, or the clip changes
 
 struct PipelineAction {
     const char* name;

@@ -128,7 +128,7 @@ private Q_SLOTS:
         avi({u"Stream 01"}, log.mid(0, 17) + calls("join nothing > ffdshow Video Decoder:In"));
     }
 
-    // An MP4 clip whose recipe fails doesn't open; an AVI clip opens if it has got as far as its renderer.
+    // An MP4 clip whose recipe fails doesn't open; an AVI clip opens once it has its renderer.
     void everyFailingStepEndsTheRecipe() {
         m_media.clip.mp4Pins = {u"vide", u"VIDE", u"soun"};
         const QStringList recipes[] = {
