@@ -1,5 +1,4 @@
-// The windows in the program's own style, and the skin's pictures, against the golden pictures. Run at device
-// ratios of 1 and 2.
+// The windows in the program's style and the skin's pictures, compared with golden pictures at 1× and 2×.
 
 #include "app/style.h"
 #include "mainwindow/viewer.h"

@@ -1,5 +1,4 @@
-// The main window on the real pipeline: folders, clips, dashboard, sound, settings, accessibility, and
-// keeping the desktop awake.
+// The main window on the real pipeline: clips, dashboard, sound, settings, accessibility, staying awake.
 #include "base/language.h"
 #include "base/preferences.h"
 #include "mainwindow/viewer.h"

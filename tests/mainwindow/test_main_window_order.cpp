@@ -166,8 +166,7 @@ private Q_SLOTS:
         QTRY_COMPARE(window.geometry(), before);
     }
 
-    // A press away from the pointer counts as a click on the picture, unless the pointer is at the left or
-    // top.
+    // A press away from the pointer is a click on the picture, unless the pointer is at the left or top edge.
     void pressAwayFromPointer() {
         const QPoint centre = viewer().list()->visualItemRect(viewer().list()->item(1)).center();
         for (const QPoint pointer : {QPoint(0, 222), QPoint(222, 0), QPoint(333, 222)}) {

@@ -157,7 +157,7 @@ private Q_SLOTS:
         QFETCH(QString, word);
         SettingsFixture fixture;
         MadeCard card;
-        makeCamera(card, "QL240 " + word.toUtf8() + ' ' + word.toUtf8().repeated(50000));
+        makeCamera(card, "QL240 " + word.toUtf8() + ' ' + word.toUtf8().repeated(5000));
         fixture.insert(card, word.toUtf8());
         ReadyWindow window;
         window.show();

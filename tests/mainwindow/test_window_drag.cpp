@@ -1,5 +1,4 @@
-// The frameless window on a Wayland desktop with a pointer and a keyboard, where only the compositor moves
-// it.
+// The frameless window on a Wayland desktop with pointer and keyboard, where the compositor moves it.
 #include <QProcess>
 
 #include "mainwindow/viewer.h"

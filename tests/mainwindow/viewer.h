@@ -1,5 +1,4 @@
-// The main window with the real media pipeline, and a fake host and user. Clips are short and carry their
-// frame numbers.
+// The main window with the real media pipeline and a fake host and user. Clips are short and numbered.
 #pragma once
 
 #include <QAbstractButton>

@@ -147,9 +147,8 @@ int PipelineRun::shownFrame() const {
     return readFrameNumber(view->grab(fittedRect(view->size(), viewer.player()->videoSize(0))).toImage());
 }
 
-// After a seek or a step, exactly that frame. After a pause during playback, a slow machine may have dropped
-// frames, or show the next one already. A position is cut to milliseconds and so may be just before its
-// frame.
+// After a seek or a step, exactly that frame. After a pause, a slow machine may have dropped frames or show
+// the next one already. A position is cut to milliseconds and so may be just before its frame.
 bool PipelineRun::showsPosition() const {
     constexpr int kLeftOut = 5;
     const auto times = testClipFrameTimes(kind());

@@ -229,8 +229,7 @@ private Q_SLOTS:
         const auto row = [this](const QString& name, const QByteArray& bytes, bool opens) {
             QTest::newRow(qPrintable(name)) << write(name, bytes) << opens;
         };
-        // A broken MP4 clip doesn't open; a broken AVI clip opens empty. What isn't a regular file never
-        // opens.
+        // Broken MP4 clips don't open; broken AVI clips open empty; what isn't a regular file never opens.
         row(QStringLiteral("empty.mp4"), {}, false);
         row(QStringLiteral("empty.avi"), {}, true);
         row(QStringLiteral("zeros.mp4"), QByteArray(100000, '\0'), false);

@@ -165,8 +165,7 @@ private Q_SLOTS:
         }
     }
 
-    // A clip that doesn't answer delays neither the next one nor the panel's end; its thread has its own
-    // data.
+    // A clip that doesn't answer delays neither the next one nor the panel's end.
     void hangingClip() {
         QSemaphore gate;
         std::atomic<int> asked = 0;

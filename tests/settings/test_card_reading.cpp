@@ -1,5 +1,4 @@
-// What is read from cards: which drive is the card, its version text, and what a record takes from its files,
-// well-formed or hostile.
+// Which drive is the card, its version text, and what a record reads from its files, well-formed or hostile.
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <QTest>

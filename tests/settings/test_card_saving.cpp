@@ -88,8 +88,7 @@ char newByte(const SettingKey& key, int index) {
                                                       : char(50 + index);
 }
 
-// A file that is overwritten gets its new byte before its new length. After the last save, both must be
-// right.
+// An overwritten file gets its new byte before its new length; after the last save both must be right.
 Outcome outcome(const CardOfFiles& files, bool atTheEnd = false) {
     Outcome result;
     QStringList rest = files.card.files("setting");

@@ -16,8 +16,7 @@ namespace {
 
 constexpr int kBoundMs = 10000;
 
-// Drives that are read when the test says so. Those named c… have a version file; the frame rate is the
-// number of earlier readings.
+// Drives that wait for the test. Those named c… have a version file; the frame rate counts the readings.
 struct HeldDrives {
     struct Gate {
         QSemaphore answers;

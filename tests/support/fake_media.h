@@ -56,9 +56,8 @@ public:
     QStringList log;
     QStringList takeLog() { return std::exchange(log, {}); }
 
-    // Results of calls by the start of their log text, or of queries: "size 0", "graph size", "type 0",
-    // "buffer 0", "fetch 0", "positions", "position", "duration", "state", "pins". A failed call changes
-    // nothing.
+    // Results by the start of a call's log text, or of queries: "size 0", "graph size", "type 0", "buffer 0",
+    // "fetch 0", "positions", "position", "duration", "state", "pins". A failed call changes nothing.
     std::map<QString, Status> answers;
     // The index of one logged call that fails, counted from 0 since the log was last cleared.
     int failsAt = -1;
@@ -71,8 +70,7 @@ public:
 
     void setPositionMs(std::int64_t ms) { transport.position = ms * 10000; }
     void playToEnd() { transport.position = transport.duration; }
-    // Passes a YUY2 frame through a stream's grabber, which keeps it; returns what the renderer gets. Any
-    // thread.
+    // Passes a YUY2 frame through a stream's grabber; returns what the renderer gets. Any thread.
     std::vector<std::uint8_t> deliver(int stream, std::vector<std::uint8_t> frame);
 
     // Graphs, filters and enumerators that are still referenced.

@@ -1,6 +1,5 @@
-// Compares a painted picture with the reference in tests/golden. Fonts and frames may differ slightly; the
-// smallest button moved by a pixel, 8 pixels in all, must fail. A failure saves both pictures and their
-// difference.
+// Compares a picture with its reference in tests/golden. Fonts and frames may differ slightly; the smallest
+// button moved by a pixel, 8 pixels in all, fails. A failure saves both pictures and their difference.
 #pragma once
 
 #include <QDir>

@@ -1,5 +1,4 @@
-// A hostile card, and the target of its links: a decoy home folder, laid out like a card, with contents that
-// no card has.
+// A hostile card, and the target of its links: a decoy home folder with contents that no card has.
 #pragma once
 
 #include <QByteArray>

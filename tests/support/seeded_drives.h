@@ -1,5 +1,4 @@
-// Generated accelerations: gravity, road noise, impacts and potholes, from a seed. For testing and measuring
-// the shock finder.
+// Accelerations from a seed: gravity, road noise, impacts and potholes. To test and measure the shock finder.
 #pragma once
 
 #include <algorithm>

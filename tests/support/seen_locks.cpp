@@ -1,6 +1,5 @@
 // Reports GLib's locks to the thread sanitizer, which doesn't know their futexes and would report the data
-// under them as races. Wraps GLib's functions, which still do the locking. Only for the tests of the tsan
-// preset.
+// under them as races. Only for the tests of the tsan preset.
 #include <dlfcn.h>
 #include <glib.h>
 #include <sanitizer/tsan_interface.h>
