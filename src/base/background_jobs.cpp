@@ -100,14 +100,17 @@ void BackgroundJobs::forget() {
 }
 
 void BackgroundJobs::deliver() {
+    const auto mailbox = m_mailbox;
     std::vector<std::function<void()>> ends;
     {
-        const std::lock_guard lock(m_mailbox->mutex);
-        ends.swap(m_mailbox->ends);
+        const std::lock_guard lock(mailbox->mutex);
+        ends.swap(mailbox->ends);
     }
     m_running -= static_cast<int>(ends.size());
-    for (const auto& end : ends)
-        end();
+    for (const auto& end : ends) {
+        if (mailbox->owner) // an earlier one may have called forget() or deleted this object
+            end();
+    }
 }
 
 bool BackgroundJobs::awaitEnd(QDeadlineTimer until) {

@@ -37,7 +37,7 @@ public:
 
     // Runs `work` on a thread, then `then` on this object's thread, unless `forget` is called first.
     void start(std::function<void()> work, std::function<void()> then);
-    // Drops the `then` of all jobs started so far.
+    // Drops the `then` of all jobs started so far, also of those that have ended.
     void forget();
     bool isIdle() const { return m_running == 0; }
     // Blocks until all jobs have ended and their `then` was called; false on timeout. All waits on a thread

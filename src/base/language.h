@@ -1,41 +1,13 @@
-// The interface language, one for the whole process, and the texts in it. Interface thread only. Codes: "kr",
-// "en", "ru", "ch", "es". Texts on screen do not follow a change of language by themselves: widgets ask
-// again.
+// The interface language, one for the whole process, by its code in kInterfaceLanguages. Interface thread
+// only. Texts on screen do not follow a change of language by themselves: widgets ask again.
 #pragma once
 
-#include <QLocale>
 #include <QString>
-#include <optional>
-#include <span>
+
+#include "base/ui_texts.h"
 
 namespace ql240 {
 
-// In the order of the table.
-// clang-format off
-enum class UiText {
-    Setting, VideoAndSound, Time, Functions, Viewer, Resolution, VideoQuality, VideoFrameRate,
-    SoundRecording, SoundVolume, TimeSetting, DstSetting, GmtSetting, GetCurrentTime, TimeFormat,
-    ShockSensitivity, MotionSensitivity, ParkingWatch, EventFiles, BatteryPrevention, SpeedUnit,
-    PhotoFrame, Language, Ok, Cancel, Apply, Low, Middle, High, Off, On, Always, Shock, Motion, NoFiles,
-    TenFiles, TwentyFiles, FortyFiles, Editor, Korean, English, Russian, Chinese, Spanish, No, Mute,
-    Drive, Model, Play, Pause, Stop, PreviousFile, FrameBack, FrameForward, NextFile, ZoomIn, ZoomOut,
-    Pan, Rotate, Volume, Setup, Capture, Printer, OriginalSize,
-};
-// clang-format on
-inline constexpr int kUiTextCount = static_cast<int>(UiText::OriginalSize) + 1;
-
-struct UiTextRow;
-
-struct InterfaceLanguage {
-    const char* code;
-    UiText name;
-    const char* UiTextRow::*texts;
-    QLocale::Language system; // users with this system language start with it
-    std::optional<QLocale::Language> alsoFor;
-};
-
-// In the order in which they are offered.
-std::span<const InterfaceLanguage> interfaceLanguages();
 // For users whose language isn't among them.
 inline constexpr QLatin1StringView kUsualLanguage("en");
 

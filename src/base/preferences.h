@@ -16,7 +16,7 @@ QString localIniPath();
 bool readPreference(const char* key, QString& value);
 void writePreference(const char* key, const QString& value);
 
-// "kr", "en", "ru", "ch" or "es".
+// The code of an interface language (base/ui_texts.h).
 inline bool readLanguage(QString& value) {
     return readPreference("global/language", value);
 }

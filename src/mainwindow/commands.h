@@ -28,7 +28,6 @@ enum class CommandId {
 
 struct Command {
     CommandId id;
-    const char* name;
     Qt::Key key;
     Qt::KeyboardModifier modifier;
     bool repeats; // while the key is held down
@@ -37,28 +36,20 @@ struct Command {
 };
 
 inline constexpr std::array kCommands = std::to_array<Command>({
-    {CommandId::PlayOrPause, "Play or pause", Qt::Key_Space, Qt::NoModifier, false, false, std::nullopt},
-    {CommandId::FrameBack, "One frame back", Qt::Key_Left, Qt::NoModifier, true, false,
-     layout::ButtonId::FrameBack},
-    {CommandId::FrameForward, "One frame forward", Qt::Key_Right, Qt::NoModifier, true, false,
-     layout::ButtonId::FrameForward},
-    {CommandId::PreviousClip, "Previous clip", Qt::Key_PageUp, Qt::NoModifier, true, false,
-     layout::ButtonId::PreviousFile},
-    {CommandId::NextClip, "Next clip", Qt::Key_PageDown, Qt::NoModifier, true, false,
-     layout::ButtonId::NextFile},
-    {CommandId::ZoomIn, "Zoom in", Qt::Key_Plus, Qt::NoModifier, true, true, layout::ButtonId::ZoomIn},
-    {CommandId::ZoomIn, "Zoom in", Qt::Key_Equal, Qt::NoModifier, true, true, layout::ButtonId::ZoomIn},
-    {CommandId::ZoomOut, "Zoom out", Qt::Key_Minus, Qt::NoModifier, true, true, layout::ButtonId::ZoomOut},
-    {CommandId::OriginalSize, "Original size", Qt::Key_0, Qt::NoModifier, false, true,
-     layout::ButtonId::OriginalSize},
-    {CommandId::Sound, "Sound on or off", Qt::Key_M, Qt::NoModifier, false, true, layout::ButtonId::Volume},
-    {CommandId::Snapshot, "Save the picture", Qt::Key_S, Qt::NoModifier, false, true,
-     layout::ButtonId::Snapshot},
-    {CommandId::Print, "Print the picture", Qt::Key_P, Qt::ControlModifier, false, false,
-     layout::ButtonId::Print},
-    {CommandId::OpenFolder, "Open a folder", Qt::Key_O, Qt::ControlModifier, false, false,
-     layout::ButtonId::OpenFolder},
-    {CommandId::FullScreen, "Full screen", Qt::Key_F, Qt::NoModifier, false, true, std::nullopt},
+    {CommandId::PlayOrPause, Qt::Key_Space, Qt::NoModifier, false, false, std::nullopt},
+    {CommandId::FrameBack, Qt::Key_Left, Qt::NoModifier, true, false, layout::ButtonId::FrameBack},
+    {CommandId::FrameForward, Qt::Key_Right, Qt::NoModifier, true, false, layout::ButtonId::FrameForward},
+    {CommandId::PreviousClip, Qt::Key_PageUp, Qt::NoModifier, true, false, layout::ButtonId::PreviousFile},
+    {CommandId::NextClip, Qt::Key_PageDown, Qt::NoModifier, true, false, layout::ButtonId::NextFile},
+    {CommandId::ZoomIn, Qt::Key_Plus, Qt::NoModifier, true, true, layout::ButtonId::ZoomIn},
+    {CommandId::ZoomIn, Qt::Key_Equal, Qt::NoModifier, true, true, layout::ButtonId::ZoomIn},
+    {CommandId::ZoomOut, Qt::Key_Minus, Qt::NoModifier, true, true, layout::ButtonId::ZoomOut},
+    {CommandId::OriginalSize, Qt::Key_0, Qt::NoModifier, false, true, layout::ButtonId::OriginalSize},
+    {CommandId::Sound, Qt::Key_M, Qt::NoModifier, false, true, layout::ButtonId::Volume},
+    {CommandId::Snapshot, Qt::Key_S, Qt::NoModifier, false, true, layout::ButtonId::Snapshot},
+    {CommandId::Print, Qt::Key_P, Qt::ControlModifier, false, false, layout::ButtonId::Print},
+    {CommandId::OpenFolder, Qt::Key_O, Qt::ControlModifier, false, false, layout::ButtonId::OpenFolder},
+    {CommandId::FullScreen, Qt::Key_F, Qt::NoModifier, false, true, std::nullopt},
 });
 
 // The command for a key press, or null. Shift and the keypad make no difference.

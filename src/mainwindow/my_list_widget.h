@@ -9,7 +9,7 @@ namespace ql240 {
 
 class Clip;
 
-// Holds the entry's Clip pointer; an entry without one stands for a file added by name only.
+// Holds the entry's Clip pointer; an entry without one is a file added by name only.
 inline constexpr int kClipRole = Qt::UserRole + 1;
 
 class MyListWidget : public QListWidget {

@@ -1,5 +1,5 @@
-// Runs the window's dialogs. A dialog is an event loop of its own, during which everything else goes on: code
-// that must not act while one is open checks isOpen() and waits for closed(). Interface thread only.
+// Runs the window's dialogs. A dialog is an event loop of its own, during which everything else continues:
+// code that must not act while one is open checks isOpen() and waits for closed(). Interface thread only.
 #pragma once
 
 #include <QObject>

@@ -21,7 +21,7 @@ inline constexpr int kFolderEntries = 65536;
 // 200,000 names of a folder with clips: two terabytes hold 35,000 clips of a minute.
 inline constexpr int kClipFolderNames = 200'000;
 
-// Folders shown beneath one: nobody looks through more, and a path can be typed.
+// Folders listed in one folder: more are too many to look through, and a path can be typed.
 inline constexpr int kTreeFolders = 5000;
 
 // --- Pictures and the pipeline ---

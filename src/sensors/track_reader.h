@@ -17,19 +17,18 @@ struct ClipTrack {
 
 class TrackReader {
 public:
-    using Then = std::function<void(const ClipTrack&)>;
+    using Then = std::function<void(ClipTrack)>;
 
     explicit TrackReader(Then then) : m_then(std::move(then)) {}
 
     // Asks for `before` with the clip's samples appended. Calls `then` before returning true if the clip
     // answers at once; otherwise returns false and calls `then` later, unless the track is no longer wanted.
-    bool read(const QString& path, std::int64_t durationMs, const SensorTrack& before);
+    bool read(const QString& path, std::int64_t durationMs, SensorTrack before);
     // The track asked for last is no longer wanted.
-    void stop() { ++m_question; }
+    void stop() { m_jobs.forget(); }
 
 private:
     Then m_then;
-    int m_question = 0; // raised whenever earlier questions become obsolete
     BackgroundJobs m_jobs;
 };
 

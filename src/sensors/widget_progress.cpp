@@ -26,7 +26,7 @@ bool isInStrip(QPoint place) {
 
 WidgetProgressA::WidgetProgressA(QWidget* parent, CardLook cardLook, std::function<void()> trackArrived)
     : QWidget(parent),
-      m_trackReader([this](const ClipTrack& read) { showTrack(read); }),
+      m_trackReader([this](ClipTrack read) { showTrack(std::move(read)); }),
       m_trackArrived(std::move(trackArrived)),
       m_images(loadPanelImages()),
       m_repaintTimer(this),
@@ -112,8 +112,8 @@ void WidgetProgressA::loadSensorData(std::int64_t durationMs) {
     zeroReadings();
 }
 
-void WidgetProgressA::showTrack(const ClipTrack& read) {
-    m_track = read.samples;
+void WidgetProgressA::showTrack(ClipTrack read) {
+    m_track = std::move(read.samples);
     m_trace = QPixmap();
     m_loaded = read.source != TrackSource::None;
     if (read.source != TrackSource::Trailer)

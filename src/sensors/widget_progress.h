@@ -83,7 +83,7 @@ private:
     void setModelFromVersion(const QString& versionText);
     void rebuildTimeText();
     void zeroReadings();
-    void showTrack(const ClipTrack& read);
+    void showTrack(ClipTrack read);
     const QPixmap& trace();
 
     bool m_loaded = false;

@@ -107,7 +107,7 @@ void ConfigWindow::retranslate() {
     m_cancel->setText(uiText(UiText::Cancel));
     m_getTime->setText(uiText(UiText::GetCurrentTime));
     int index = 0;
-    for (const InterfaceLanguage& each : interfaceLanguages())
+    for (const InterfaceLanguage& each : kInterfaceLanguages)
         m_languages->setItemText(index++, uiText(each.name));
     nameForScreenReaders();
     update();

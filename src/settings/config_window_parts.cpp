@@ -102,7 +102,7 @@ void ConfigWindow::addOtherButtons() {
 
 void ConfigWindow::addLanguageList() {
     m_languages = addList(this, config::kLanguageList, 10);
-    for (const InterfaceLanguage& each : interfaceLanguages())
+    for (const InterfaceLanguage& each : kInterfaceLanguages)
         m_languages->addItem(uiText(each.name), QLatin1String(each.code));
     QString code;
     readLanguage(code);

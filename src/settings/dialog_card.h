@@ -70,7 +70,7 @@ public:
     // Waits until there is a drive to save to, or none at all. Doesn't wait for a drive already known not to
     // answer. False if `leave` was called first.
     [[nodiscard]] bool settle();
-    // Saves to the drive shown, if any; false if `leave` was called before the end. The save goes on even
+    // Saves to the drive shown, if any; false if `leave` was called before the end. The save continues even
     // then, because half a save would leave the card inconsistent.
     [[nodiscard]] bool save(const SettingValues& values, const std::optional<QString>& clockText);
     // Ends the wait in `settle` or `save`.

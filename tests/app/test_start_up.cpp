@@ -23,7 +23,7 @@ const QString kViewer = QStringLiteral("QL240 Viewer");
 const QString kSetting = QStringLiteral("QL240 Setting");
 constexpr int kBoundMs = 15000;
 
-// What windows ask of the window manager of the X server.
+// The activation requests of windows to the X11 window manager.
 class ActivationRequests {
 public:
     ActivationRequests() : m_connection(xcb_connect(nullptr, nullptr)) {
@@ -53,7 +53,7 @@ private:
 
 } // namespace
 
-// Real processes of the program, each test with folders of its own.
+// Real processes of the program; each test has its own folders.
 class TestStartUp : public QObject {
     Q_OBJECT
 
@@ -73,7 +73,7 @@ private Q_SLOTS:
         host() = {};
     }
 
-    // The system's at first, what is stored from then on.
+    // First the system's, then the stored one.
     void language() {
         for (const char* kept : {"language=ru", "language=xx"}) {
             QProcess* tool = start({"setting"}, {{"LC_ALL", "ru_RU.UTF-8"}});
@@ -86,7 +86,7 @@ private Q_SLOTS:
         }
     }
 
-    // One viewer and one settings tool; Qt's own options are no arguments.
+    // One viewer and one settings tool; Qt's own options don't count as arguments.
     void laterStartsHandOver() {
         const auto handsOver = [this](const QStringList& arguments) {
             QProcess* later = start(arguments);
@@ -119,15 +119,15 @@ private Q_SLOTS:
         QCOMPARE(tool->exitCode(), 0);
         QTRY_VERIFY(dialog.isActiveWindow());
 
-        // Minimised counts as open; closed does not.
+        // A minimised dialog counts as open.
         dialog.showMinimized();
         QVERIFY(isRunning(kSetting));
         dialog.close();
         QVERIFY(!isRunning(kSetting) && isRunning(kViewer));
     }
 
-    // By its own last input the window would be refused the focus: the user has clicked elsewhere since.
-    void windowComesUpAsOfTheClickThatStartedTheTool() {
+    // With the time of its own last input, the window would be refused the focus.
+    void activationHasTheTimeOfTheStartingClick() {
         if (QGuiApplication::platformName() != QLatin1String("xcb"))
             QSKIP("X11 only");
         constexpr std::uint32_t clickTime = 4711;
@@ -147,7 +147,7 @@ private Q_SLOTS:
         QVERIFY(table.makeSensorLibrary && table.urlOpener && table.waveOut && table.media && table.webPages);
     }
 
-    // None at all, and one that doesn't answer.
+    // None, and one that doesn't answer.
     void noDisplay() {
         for (const auto& [platform, display] : {std::pair("", ""), {"xcb", ":9240"}}) {
             QProcess* process = start(

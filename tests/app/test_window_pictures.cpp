@@ -1,11 +1,7 @@
-// The windows in the program's own style, and the pictures that they are made of, against kept pictures. Run
-// at one and at two device pixels a pixel.
-#include <QDir>
+// The windows in the program's style and the skin's pictures, compared with golden pictures at 1× and 2×.
 
 #include "app/style.h"
-#include "base/language.h"
 #include "mainwindow/viewer.h"
-#include "settings/config_window.h"
 #include "settings/flat_fields.h"
 #include "settings/window_gmt.h"
 #include "settings/window_pages.h"
@@ -13,13 +9,13 @@
 #include "support/golden.h"
 #include "support/settings_fixture.h"
 
-namespace ql240 {
+using namespace ql240;
 namespace {
 
 constexpr int kShownMs = 1010;
 constexpr int kShownFrame = 30;
 
-// Temporary folders have another name each time; of this one the end alone is in sight.
+// The names of temporary folders vary; this one is so long that only its end is shown.
 const QString kFolder = QStringLiteral("a day by the sea and back over the mountains in the spring of 2013");
 
 FakeSensorLibrary::Answer drive(std::int64_t timeMs) {
@@ -41,7 +37,7 @@ QByteArray pictureDiffers(QWidget& window, const QString& name) {
     return pictureDiffers(window.grab().toImage(), name);
 }
 
-// Pictures one beside the other on a sheet, over the windows' ground.
+// All pictures side by side, on the windows' background.
 QImage sheetOf(const QList<QImage>& pictures) {
     constexpr int kWidth = 2000;
     QImage sheet(kWidth, 6400, QImage::Format_RGB32);
@@ -89,31 +85,8 @@ private Q_SLOTS:
         QCOMPARE(atStart + playing + full, QByteArray());
     }
 
-    void settings_data() {
-        QTest::addColumn<QString>("language");
-        QTest::newRow("settings-en") << "en";
-        QTest::newRow("settings-kr") << "kr";
-    }
-    void settings() {
-        QFETCH(QString, language);
-        SettingsFixture fixture;
-        setCurrentLanguage(language);
-        writeLanguage(language);
-        MadeCard card;
-        makeCamera(card, "QL240 1.02 1.00 12V");
-        for (const char* key : {"resolutionvalue", "framevalue", "speakervalue", "parkingvalue"})
-            putByte(card, QLatin1String(key), 2);
-        fixture.insert(card, "CARD OF THE BLUE CAR");
-        ConfigWindow dialog;
-        dialog.show();
-        QVERIFY(waitForCard(dialog));
-        QVERIFY(QTest::qWaitForWindowActive(&dialog));
-        dialog.findChild<FlatField*>(QStringLiteral("dateTime"))
-            ->setDateTime(QDateTime(QDate(2013, 4, 5), QTime(12, 30)));
-        const QByteArray differs = pictureDiffers(dialog, QLatin1String(QTest::currentDataTag()));
-        QCOMPARE(differs, QByteArray());
-    }
-
+    void settingsInEnglish() { settingsIn("en"); }
+    void settingsInKorean() { settingsIn("kr"); }
     void settingsPages() {
         setCurrentLanguage(QStringLiteral("en"));
         RowValues values;
@@ -138,7 +111,7 @@ private Q_SLOTS:
         QCOMPARE(pictureDiffers(sheetOf(pictures), QStringLiteral("settings-pages")), QByteArray());
     }
 
-    // Every look of every control; the windows' own grounds are seen above.
+    // Every look of every control; the windows' backgrounds are in the tests above.
     void skin() {
         const bool doubled = qGuiApp->devicePixelRatio() > 1;
         QList<QImage> pictures;
@@ -156,11 +129,29 @@ private Q_SLOTS:
     }
 
 private:
+    static void settingsIn(const QString& language) {
+        SettingsFixture fixture;
+        setCurrentLanguage(language);
+        writeLanguage(language);
+        MadeCard card;
+        makeCamera(card, "QL240 1.02 1.00 12V");
+        for (const char* key : {"resolutionvalue", "framevalue", "speakervalue", "parkingvalue"})
+            putByte(card, QLatin1String(key), 2);
+        fixture.insert(card, "CARD OF THE BLUE CAR");
+        ConfigWindow dialog;
+        dialog.show();
+        QVERIFY(waitForCard(dialog));
+        QVERIFY(QTest::qWaitForWindowActive(&dialog));
+        dialog.findChild<FlatField*>(QStringLiteral("dateTime"))
+            ->setDateTime(QDateTime(QDate(2013, 4, 5), QTime(12, 30)));
+        QCOMPARE(pictureDiffers(dialog, QStringLiteral("settings-") + language), QByteArray());
+    }
+
     static int shownFrame(const Viewer& viewer) {
         return readFrameNumber(viewer.mainView()->grab().toImage());
     }
 
-    // The window shows the playing state, and its clip stands at a frame that's known.
+    // The window shows the playing state, with its clip at a known frame.
     static bool playUpToTheFrame(Viewer& viewer) {
         viewer.sensors.answer = drive;
         for (const char* minute : {"29", "30", "31"})
@@ -176,7 +167,5 @@ private:
     }
 };
 
-} // namespace ql240
-
-QTEST_MAIN(ql240::TestWindowPictures)
+QTEST_MAIN(TestWindowPictures)
 #include "test_window_pictures.moc"

@@ -1,5 +1,4 @@
-// Somebody was in an accident: finds the event on the card, goes to the moment of the impact, and takes the
-// picture home as a file and on paper.
+// A user finds the event of an accident on the card, goes to the impact, and saves and prints its picture.
 #include <QPrinter>
 
 #include "mainwindow/viewer.h"
@@ -14,12 +13,12 @@ namespace {
 constexpr int kBoundMs = 15000;
 constexpr int kDurationMs = 3000;
 constexpr int kImpactMs = 1500;
-constexpr int kImpactFrame = 48; // two steps of 66.6666 ms behind the place clicked, 30 frames a second
+constexpr int kImpactFrame = 48; // two steps of 66.6666 ms after the click, at 30 frames a second
 const QString kEvent = QStringLiteral("EVS_2013_04_05_12_31_07.mp4");
 
 } // namespace
 
-// Each function goes on where the one before it has stopped.
+// Each function continues where the previous one stopped.
 class TestAfterAnAccident : public QObject {
     Q_OBJECT
 
@@ -31,7 +30,7 @@ private Q_SLOTS:
         m_viewer.addClip(QStringLiteral("VIDEO/") + kEvent, {.frames = kDurationMs * 30 / 1000});
         for (const char* name : {"EVS_2013_04_05_08_02_11.mp4", "REC_2013_04_05_12_30_00.mp4"})
             m_viewer.addClip(QStringLiteral("VIDEO/") + QLatin1String(name), Viewer::shortClip(300));
-        // The car stands still from the impact on.
+        // The car is at rest from the impact on.
         m_viewer.sensors.answer = [](std::int64_t ms) {
             FakeSensorLibrary::Answer answer;
             answer.speed = ms < kImpactMs ? 60 : 0;

@@ -1,5 +1,5 @@
-// A card that was pulled out while the camera wrote: damaged clips between good ones. The user lets it play
-// and presses the next button where it stands still.
+// A card that was pulled out while the camera was writing: damaged clips between good ones. The user lets it
+// play and presses Next File where it stops.
 #include "mainwindow/viewer.h"
 #include "support/frame_code.h"
 
@@ -26,7 +26,7 @@ QByteArray firstHalf(const TestClipSpec& spec) {
 
 } // namespace
 
-// Each function goes on where the one before it has stopped.
+// Each function continues where the previous one stopped.
 class TestBrokenCard : public QObject {
     Q_OBJECT
 

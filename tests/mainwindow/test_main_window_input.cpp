@@ -1,4 +1,4 @@
-// Full screen, keys, presses handed on, drops.
+// Full screen, keys, forwarded presses, drops.
 #include <QDropEvent>
 #include <QMimeData>
 #include <QSignalSpy>
@@ -6,13 +6,11 @@
 
 #include "mainwindow/viewer.h"
 
-namespace ql240 {
+using namespace ql240;
 
 using layout::ButtonId;
 
-namespace {
 constexpr QPoint kOnVideo(300, 200);
-}
 
 class TestMainWindowInput : public QObject {
     Q_OBJECT
@@ -46,7 +44,7 @@ private Q_SLOTS:
         }
     }
 
-    // And does nothing else; the window is as it was.
+    // The key does nothing else, and the window returns to its geometry.
     void anyKeyLeavesFullScreen() {
         for (const int key : {Qt::Key_S, Qt::Key_Space, Qt::Key_Tab, Qt::Key_Shift, Qt::Key_PageDown}) {
             renew();
@@ -65,7 +63,7 @@ private Q_SLOTS:
         }
     }
 
-    // The play state shown is the one from before, whatever happened meanwhile.
+    // Full screen keeps showing the play state from before.
     void playingStateInFullScreen() {
         viewer().mouse(Qt::RightButton, kOnVideo);
         viewer().window->OnSlotspause();
@@ -119,11 +117,11 @@ private Q_SLOTS:
         viewer().key(Qt::Key_Space);
         QVERIFY(!viewer().window->isPlaying());
         viewer().key(Qt::Key_Space);
-        // A control reached by the keyboard is pressed by it.
+        // Space presses a focused button.
         viewer().window->button(ButtonId::Stop)->setFocus();
         viewer().key(Qt::Key_Space);
         QVERIFY(!viewer().window->isPlaying() && !viewer().panel()->isEnabled());
-        // Play hands it on to the button that takes its place.
+        // Play hands the focus to the button that replaces it.
         viewer().window->button(ButtonId::Play)->setFocus();
         for (const bool playing : {true, false, true}) {
             viewer().key(Qt::Key_Space);
@@ -133,7 +131,7 @@ private Q_SLOTS:
     }
 
     void listKeepsTypingAndMoving() {
-        // As after zooming and full screen, and where Tab or a wait that is over has left it.
+        // The focus after zooming or full screen, and after Tab or a wait.
         for (QWidget* focused : {static_cast<QWidget*>(viewer().mainView()),
                                  static_cast<QWidget*>(viewer().window->button(ButtonId::Stop))}) {
             viewer().list()->setCurrentRow(0);
@@ -149,7 +147,7 @@ private Q_SLOTS:
         QCOMPARE(zoomed.count(), 0);
     }
 
-    // A stopped dashboard is disabled, so the window gets its presses and hands them on.
+    // A stopped dashboard is disabled, so the window gets its presses and forwards them.
     void pressOnDisabledPanelSeeks() {
         viewer().click(ButtonId::Stop);
         QVERIFY(!viewer().panel()->isEnabled());
@@ -181,10 +179,10 @@ private Q_SLOTS:
         const struct {
             QPoint place;
             QString dropped;
-            int others; // files before it
+            int others; // files dropped before it
             QString current;
         } rows[] = {{kOnVideo, "other/notes.txt", 0, "REC_1.mp4"},
-                    {kOnVideo, "other", 100, "REC_1.mp4"}, // behind very many
+                    {kOnVideo, "other", 100, "REC_1.mp4"}, // past the limit
                     {layout::kClipList.center(), "other", 0, "REC_1.mp4"},
                     {kOnVideo, "other", 99, "EVS_1.mp4"},
                     {kOnVideo, "other/REC_9.mp4", 0, "REC_9.mp4"}};
@@ -199,7 +197,7 @@ private Q_SLOTS:
 private:
     Viewer& viewer() { return *m_viewer; }
 
-    // By then a compositor has answered to the full screen before.
+    // A new window, because the compositor may still change the old one after full screen.
     void renew() {
         cleanup();
         init();
@@ -230,7 +228,5 @@ private:
     std::unique_ptr<Viewer> m_viewer;
 };
 
-} // namespace ql240
-
-QTEST_MAIN(ql240::TestMainWindowInput)
+QTEST_MAIN(TestMainWindowInput)
 #include "test_main_window_input.moc"

@@ -1,7 +1,5 @@
-// The main window when things come late, twice or in another order than usual, over a pipeline that plays
-// what the test says.
+// The main window when answers come late, twice or in an unusual order, over a fake pipeline.
 #include <QPrinter>
-#include <QRegularExpression>
 #include <QSemaphore>
 
 #include "mainwindow/picture_adjustment.h"
@@ -12,16 +10,9 @@
 #include "support/made_card.h"
 #include "support/pdf_page.h"
 
-namespace ql240 {
+using namespace ql240;
 
 using layout::ButtonId;
-
-namespace {
-
-constexpr QPoint kOnVideo(300, 200);
-constexpr QPoint kOnGround(300, 10);
-
-} // namespace
 
 class TestMainWindowOrder : public QObject {
     Q_OBJECT
@@ -45,7 +36,7 @@ private Q_SLOTS:
         QCOMPARE(m_media.liveObjects, 0);
     }
 
-    // What commands, tick, steps and seeks come to, also where the buttons don't show it.
+    // The session after commands, ticks, steps and seeks, also where the buttons don't show it.
     void sessionFollows() {
         const ClipSession& session = viewer().window->session();
         QVERIFY(session.isPlaying());
@@ -70,36 +61,7 @@ private Q_SLOTS:
         QCOMPARE(session.phase(), ClipSession::Phase::Closed);
     }
 
-    // One pixel a move: the picture follows in steps of three, never jumps, and stands once the button is up.
-    void slowPanDrag() {
-        viewer().click(ButtonId::ZoomIn);
-        viewer().click(ButtonId::Pan);
-        m_media.takeLog();
-        QWindow* window = viewer().window->windowHandle();
-        QTest::mousePress(window, Qt::LeftButton, {}, kOnVideo);
-        for (int moved = 1; moved <= 7; ++moved)
-            move(kOnVideo + QPoint(moved, 0), Qt::LeftButton);
-        QCOMPARE(takePlaces(),
-                 QStringList({"window 0 left 3", "window 0 top 0", "window 0 left 6", "window 0 top 0"}));
-        QTest::mouseRelease(window, Qt::LeftButton, {}, kOnVideo + QPoint(7, 0));
-        // Another drag, off a button; the second time the release before it got lost.
-        for (const bool lost : {false, true}) {
-            if (lost)
-                QTest::mousePress(window, Qt::LeftButton, {}, kOnVideo);
-            QTest::mousePress(window, Qt::LeftButton, {},
-                              viewer().window->button(ButtonId::Print)->geometry().center());
-            for (const int x : {300, 310})
-                QTest::mouseMove(window, QPoint(x, 200));
-            QTest::mouseRelease(window, Qt::LeftButton, {}, kOnVideo);
-            QCOMPARE(takePlaces(), QStringList());
-        }
-        for (const QPoint& place : {kOnVideo + QPoint(10, 0), kOnGround, kOnGround + QPoint(0, 9)})
-            move(place, Qt::NoButton);
-        QCOMPARE(takePlaces(), QStringList());
-    }
-
-    // A folder answers while the user is adding a file: nothing plays behind the dialog, and the file is not
-    // taken for one of the folder's clips.
+    // A folder answers under the file dialog: nothing plays behind it, and the file isn't one of its clips.
     void listingUnderAQuestion() {
         HeldJobs late;
         viewer().window->openFolder(m_clips.drive(), "REC_2.mp4");
@@ -117,7 +79,7 @@ private Q_SLOTS:
         QCOMPARE(viewer().list()->item(2)->text(), "EVS_0.mp4");
     }
 
-    // Any key leaves full screen, also while a folder that was dropped on it is being read.
+    // Any key leaves full screen, also while a dropped folder is being read.
     void noteOverTheFullScreen() {
         HeldJobs late;
         viewer().key(Qt::Key_F);
@@ -128,7 +90,7 @@ private Q_SLOTS:
         QVERIFY(viewer().window->isReadingFolder());
     }
 
-    // What was asked before the settings were changed says nothing of them.
+    // An answer to a question from before the settings changed doesn't count.
     void olderAnswerOfTheCard() {
         putAdjustment("\7");
         HeldJobs late;
@@ -147,7 +109,7 @@ private Q_SLOTS:
         }
     }
 
-    // A dying card reader holds up neither the window nor the first clip; its answer counts when it comes.
+    // A slow card reader delays neither the window nor the first clip; its late answer counts.
     void slowCard() {
         putAdjustment("\7");
         QSemaphore answer;
@@ -162,45 +124,7 @@ private Q_SLOTS:
         QCOMPARE(shown.contrast(), 160);
     }
 
-    // A clip plays without its track; once that comes, panel, strip and map show it where the clip then is.
-    void lateTrack() {
-        viewer().loadMap();
-        viewer().sensors.answer = [](std::int64_t ms) {
-            return FakeSensorLibrary::Answer{.latitude = 1000000, .speed = std::int32_t(ms / 100)};
-        };
-        for (const bool paused : {false, true}) {
-            HeldJobs late;
-            viewer().click(ButtonId::NextFile);
-            m_media.setPositionMs(paused ? 3000 : 2000);
-            if (paused)
-                viewer().click(ButtonId::Pause);
-            viewer().window->OnTimeoutUpdate();
-            viewer().updateTimer()->stop();
-            QCOMPARE(viewer().window->session().isPlaying(), !paused);
-            QVERIFY(!viewer().hasTrack() && viewer().panel()->speed() == 0);
-            viewer().pages.takeScripts();
-            late.answer();
-            QVERIFY(viewer().hasTrack() && viewer().panel()->state().hasFix);
-            QCOMPARE(viewer().panel()->speed(), paused ? 30 : 20);
-            QVERIFY(viewer().pages.takeScripts().first().startsWith("setTrack([["));
-        }
-    }
-
-    // The track of a clip that isn't open any more shows nowhere; nor does it keep the window from closing.
-    void trackOfAClosedClip() {
-        HeldJobs late;
-        viewer().click(ButtonId::NextFile);
-        viewer().list()->setCurrentItem(nullptr);
-        late.answer();
-        QVERIFY(!viewer().hasTrack());
-        viewer().list()->setCurrentRow(0);
-        viewer().sensors.path.clear();
-        viewer().window.reset();
-        late.answer();
-        QVERIFY(viewer().sensors.path.endsWith("REC_1.mp4"));
-    }
-
-    // The clip has just come to its end, which the tick finds only after the snapshot has paused it.
+    // The clip has ended, but the tick notices only after the snapshot has paused it.
     void endUnderTheSaveDialog() {
         keepFrames();
         m_media.playToEnd();
@@ -211,7 +135,7 @@ private Q_SLOTS:
         QVERIFY(!viewer().window->isPlaying());
     }
 
-    // What is printed are the frames of the clip that was asked for.
+    // The printed frames are those of the clip that was open when the user asked.
     void anotherClipUnderThePrintDialog() {
         keepFrames();
         const QString pdf = viewer().path("page.pdf");
@@ -226,7 +150,7 @@ private Q_SLOTS:
         QCOMPARE(imagePlaces(pdf).size(), 2);
     }
 
-    // The window manager takes full screen away; before the window has followed, the user asks for it again.
+    // The window manager ends full screen; the user enters it again before the window has followed.
     void fullScreenLeftAndEnteredAgain() {
         MainWindow& window = *viewer().window;
         const QRect before = window.geometry();
@@ -242,8 +166,7 @@ private Q_SLOTS:
         QTRY_COMPARE(window.geometry(), before);
     }
 
-    // A press where the pointer isn't is the window's, as a click on the picture, unless the pointer is at
-    // the screen's left or top edge.
+    // A press away from the pointer is a click on the picture, unless the pointer is at the left or top edge.
     void pressAwayFromPointer() {
         const QPoint centre = viewer().list()->visualItemRect(viewer().list()->item(1)).center();
         for (const QPoint pointer : {QPoint(0, 222), QPoint(222, 0), QPoint(333, 222)}) {
@@ -258,7 +181,7 @@ private Q_SLOTS:
         QVERIFY(viewer().window->isFullScreen());
     }
 
-    // The entry whose clip is open stays marked; the focus alone chooses none.
+    // The open clip's entry stays selected; focus alone selects none.
     void currentEntryStaysMarked() {
         viewer().clickEntry("REC_2.mp4");
         const QPoint entry = viewer().list()->visualItemRect(viewer().list()->item(1)).center();
@@ -276,19 +199,6 @@ private Q_SLOTS:
 
 private:
     Viewer& viewer() { return *m_viewer; }
-
-    // As the window system sends it: to whatever is under the pointer or holds the button.
-    void move(QPoint place, Qt::MouseButtons held) {
-        QWidget* target = viewer().window.get();
-        if (held || layout::kMainView.contains(place))
-            target = viewer().mainView();
-        const QPoint global = viewer().window->mapToGlobal(place);
-        QMouseEvent event(QEvent::MouseMove, target->mapFromGlobal(global), global, Qt::NoButton, held, {});
-        QCoreApplication::sendEvent(target, &event);
-    }
-
-    // Where the picture was put since the last look.
-    QStringList takePlaces() { return m_media.takeLog().filter(QRegularExpression("window 0 (left|top)")); }
 
     void putAdjustment(const QByteArray& value) {
         for (const char* key : {"setting/setbrightvalue.dat", "setting/setcontrastvalue.dat"})
@@ -309,7 +219,5 @@ private:
     std::unique_ptr<Viewer> m_viewer;
 };
 
-} // namespace ql240
-
-QTEST_MAIN(ql240::TestMainWindowOrder)
+QTEST_MAIN(TestMainWindowOrder)
 #include "test_main_window_order.moc"

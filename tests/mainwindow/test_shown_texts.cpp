@@ -1,5 +1,5 @@
-// All windows over a card whose label, folders, files and version are markup, control characters, letters
-// that turn the writing direction, or very long.
+// All windows with a card whose label, folders, files and version are markup, control characters, characters
+// that change the writing direction, or very long.
 #include <sys/inotify.h>
 #include <unistd.h>
 
@@ -16,7 +16,6 @@
 #include <climits>
 
 #include "mainwindow/viewer.h"
-#include "mainwindow/window_dialogs.h"
 #include "platform/linux/desktop_url_opener.h"
 #include "platform/linux/folder_tree_dialog.h"
 #include "support/fake_media.h"
@@ -24,10 +23,10 @@
 #include "support/settings_fixture.h"
 #include "widgets/plain_text.h"
 
-namespace ql240 {
+using namespace ql240;
 namespace {
 
-// A picture in the current folder under the name "trap.png", which nobody is to open.
+// The picture "trap.png" in the current folder, which must not be opened.
 class Trap {
 public:
     Trap() {
@@ -48,7 +47,7 @@ private:
     int m_watch = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
 };
 
-// What is wrong with the texts of all widgets there are.
+// The faults in the texts of all widgets.
 class Walk {
 public:
     explicit Walk(const QString& word) : m_word(word) {
@@ -63,7 +62,7 @@ public:
         }
     }
     QStringList faults;
-    int seen = 0; // texts with the card's word in them
+    int seen = 0; // texts that contain the word from the card
 
 private:
     void check(QWidget& widget) {
@@ -98,7 +97,7 @@ private:
         if (shownText(line, INT_MAX) != line)
             fault(QStringLiteral("steers"), text);
     }
-    // Shown, it springs the trap if it is markup for Qt.
+    // Showing it springs the trap if Qt takes it for markup.
     void hover(const QString& text) {
         letters(QTextDocumentFragment::fromHtml(text).toPlainText().remove(QChar(0x200b)));
         QToolTip::showText(QPoint(), text);
@@ -165,9 +164,11 @@ private Q_SLOTS:
         auto* drives = window.findChild<QComboBox*>();
         rest(*drives, drives->rect().center());
         QVERIFY2(!m_trap->sprung(), "the hover text of the drives has opened what the label names");
-        drives->showPopup();
-        QVERIFY(drives->view()->window()->width() <= window.screen()->geometry().width());
-        drives->hidePopup();
+        for (QComboBox* list : window.findChildren<QComboBox*>()) {
+            list->showPopup();
+            QVERIFY(list->view()->window()->width() <= window.screen()->geometry().width());
+            list->hidePopup();
+        }
         for (int page = 0; page < 7; ++page) {
             ModalAnswer answer([&](QWidget*) { verify(word, "page"); });
             openPage(window, page);
@@ -175,7 +176,7 @@ private Q_SLOTS:
         verify(word, "settings");
     }
 
-    // Letters written from right to left turn neither the brackets round nor the drive in them.
+    // Right-to-left letters change neither the brackets nor the drive between them.
     void labelKeepsItsPlace() {
         SettingsFixture fixture;
         MadeCard card;
@@ -200,10 +201,10 @@ private Q_SLOTS:
         verify(word, "folder dialog");
         dialog.accept();
         QCOMPARE(dialog.result(),
-                 int(QDialog::Accepted)); // a path that is shown otherwise isn't a path typed
+                 int(QDialog::Accepted)); // an escaped path wasn't typed
     }
 
-    // The question whether to write over a file names it.
+    // The question whether to overwrite a file names it.
     void saveDialog() {
         const QString name = "<img src=trap.png>.png";
         QVERIFY(QFile(m_folder->filePath(name)).open(QFile::WriteOnly));
@@ -219,7 +220,7 @@ private Q_SLOTS:
         QVERIFY(asked);
     }
 
-    // Qt's file dialog has lists of paths, with hover texts.
+    // Qt's file dialog has lists of paths with tooltips.
     void listOfQts() {
         QListWidget list;
         auto* item = new QListWidgetItem("x", &list);
@@ -267,13 +268,13 @@ private:
         QTest::newRow("directions") << QStringLiteral("\u202e\u2066\u200f4pm\u061cz");
         QTest::newRow("long") << QString(250, u'W');
     }
-    // The pointer, for the time that a hover text takes.
+    // Rests the pointer until a tooltip appears.
     static void rest(QWidget& widget, QPoint place) {
         QHelpEvent rests(QEvent::ToolTip, place, widget.mapToGlobal(place));
         QCoreApplication::sendEvent(&widget, &rests);
     }
     void verify(const QString& word, const char* where) const {
-        const Walk walk(word.contains(u'<') ? word : word.right(1)); // what is harmless of it
+        const Walk walk(word.contains(u'<') ? word : word.right(1)); // its harmless part
         QVERIFY2(walk.faults.isEmpty(), qPrintable(walk.faults.join(u'\n')));
         QVERIFY2(walk.seen > 0, where);
         QVERIFY(!m_trap->sprung());
@@ -284,7 +285,5 @@ private:
     std::unique_ptr<Trap> m_trap;
 };
 
-} // namespace ql240
-
-QTEST_MAIN(ql240::TestShownTexts)
+QTEST_MAIN(TestShownTexts)
 #include "test_shown_texts.moc"

@@ -1,12 +1,10 @@
-// The main window with the real media pipeline, and a host and a user that the test answers for: what a test
-// of the viewer starts from. Clips are short and carry their frame numbers.
+// The main window with the real media pipeline and a fake host and user. Clips are short and numbered.
 #pragma once
 
 #include <QAbstractButton>
 #include <QCursor>
 #include <QDir>
 #include <QLabel>
-#include <QListWidgetItem>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -30,7 +28,7 @@
 
 namespace ql240 {
 
-inline constexpr int kWaitMs = 15000; // what a busy machine is given
+inline constexpr int kWaitMs = 15000; // enough for a busy machine
 
 struct Viewer {
     QTemporaryDir folder;
@@ -45,7 +43,7 @@ struct Viewer {
 
     Viewer() {
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(folder.filePath(QStringLiteral("config"))));
-        static MediaModule media(QStringLiteral(QL240_MODULES)); // made once in a process
+        static MediaModule media(QStringLiteral(QL240_MODULES)); // created once per process
         Host& table = host();
         table.drives = &drives;
         table.folderDialogs = &folderDialogs;
@@ -68,7 +66,7 @@ struct Viewer {
         QVERIFY(QTest::qWaitForWindowExposed(window.get()));
     }
 
-    // The map's page is asked for only after the window has been seen.
+    // The window creates the map's page only after it was shown.
     void loadMap() {
         QTRY_COMPARE(pages.made, 1);
         pages.events.loadFinished(true);
@@ -84,7 +82,7 @@ struct Viewer {
         return spec;
     }
 
-    // Puts the clip made to `spec` under a name into a sub-folder.
+    // Links the clip made to `spec` into the folder.
     void addClip(const QString& name, const TestClipSpec& spec = shortClip()) const {
         const QString made = makeTestClip(spec);
         QVERIFY(!made.isEmpty());
@@ -92,13 +90,13 @@ struct Viewer {
         QVERIFY(QFile::link(made, path(name)));
     }
 
-    // Waits also where the machine is too busy to read it at once.
+    // Waits longer than the window does, for a busy machine.
     void openFolder(const QString& wanted) const {
         window->openFolder(wanted);
         QTRY_VERIFY_WITH_TIMEOUT(!window->isReadingFolder(), kWaitMs);
     }
     void openCard() const { openFolder(path("card")); }
-    // The window with a card of such clips open.
+    // Opens the window and a card of such clips.
     void playCard(const QStringList& names, const TestClipSpec& spec = shortClip()) {
         for (const QString& name : names)
             addClip("card/" + name, spec);
@@ -113,14 +111,14 @@ struct Viewer {
     MyListWidget* list() const { return child<MyListWidget>(); }
     QTimer* updateTimer() const { return window->findChild<QTimer*>(QStringLiteral("updateTimer")); }
     WidgetProgressA* panel() const { return child<WidgetProgressA>(); }
-    // Made first of the two.
+    // Created before the sub view.
     VideoView* mainView() const { return window->findChildren<VideoView*>().first(); }
     VideoView* subView() const { return window->findChildren<VideoView*>().last(); }
     Player* player() const { return mainView()->player(); }
     bool hasTrack() const { return !panel()->sensorTrack().empty(); }
     bool isAtStart() const { return player()->clip() && player()->positionMs() == 0; }
 
-    // A click by the mouse where the button stands; false when it can't be hit.
+    // Clicks a button that is visible and enabled.
     void click(layout::ButtonId id) const {
         QAbstractButton* button = window->button(id);
         QVERIFY2(button->isVisible() && button->isEnabled(), qPrintable(button->accessibleName()));
@@ -130,11 +128,11 @@ struct Viewer {
     }
     bool isShown(layout::ButtonId id) const { return window->button(id)->isVisible(); }
 
-    // A real button event at a place of the window.
+    // A click of the window system at a place in the window.
     void mouse(Qt::MouseButton button, QPoint place) const {
         QTest::mouseClick(window->windowHandle(), button, {}, place);
     }
-    // The pointer is there too, as it is when a user clicks.
+    // Moves the pointer there, as a user does.
     void clickEntry(const QString& name) const {
         const auto found = list()->findItems(name, Qt::MatchExactly);
         QCOMPARE(found.size(), 1);
@@ -143,7 +141,7 @@ struct Viewer {
         QCursor::setPos(list()->viewport()->mapToGlobal(place));
         mouse(Qt::LeftButton, list()->viewport()->mapTo(window.get(), place));
     }
-    // Where the dashboard's strip stands for a position of a clip.
+    // The place on the dashboard's strip of a position in a clip.
     static QPoint onStrip(int ms, int durationMs) {
         const QRect panel = layout::kProgressPanel;
         const int last = panel.width() - 13; // the clip's very end lies one column outside the strip

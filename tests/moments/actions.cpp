@@ -1,7 +1,5 @@
-#include "moments/actions.h"
-
+// The actions of a run, and how likely each is.
 #include <QAbstractButton>
-#include <QApplication>
 #include <QComboBox>
 #include <QDialog>
 #include <QDropEvent>

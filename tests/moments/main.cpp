@@ -13,7 +13,6 @@
 #include <numeric>
 
 #include "base/language.h"
-#include "moments/pipeline_run.h"
 #include "moments/run.h"
 #include "moments/virtual_time.h"
 #include "widgets/fonts.h"
@@ -59,7 +58,7 @@ std::vector<Step> wantedSteps(const Order& order, quint32 seed) {
     return kept;
 }
 
-// Prints a line before and after each seed, so that the last line of a process that dies names its seed.
+// Prints a line before and after each seed, so that the last line of a crashed process names its seed.
 int work(const Order& order) {
     if (!order.pipeline)
         startVirtualTime();
@@ -188,8 +187,7 @@ int manage(const Order& order) {
 } // namespace
 
 int main(int argc, char** argv) {
-    // Use Qt's own event loop over poll(), which virtual time replaces, and the same hash order in every
-    // process.
+    // Qt's own event loop over poll(), which virtual time replaces, and one hash order for all processes.
     qputenv("QT_NO_GLIB", "1");
     qputenv("QT_HASH_SEED", "0");
     qputenv("ALSOFT_LOGLEVEL", "0");

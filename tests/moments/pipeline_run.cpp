@@ -1,10 +1,8 @@
-#include "moments/pipeline_run.h"
-
 #include <algorithm>
-#include <functional>
 
 #include "mainwindow/viewer.h"
 #include "moments/hands.h"
+#include "moments/steps.h"
 #include "support/frame_code.h"
 
 namespace ql240::moments {
@@ -13,8 +11,7 @@ namespace {
 using layout::ButtonId;
 
 constexpr int kClipMs = 6000;
-// How long a paused picture may take to match its position, even on a busy machine. Less than the pipeline's
-// own timeout for a seek that never ends.
+// How long a paused picture may take, even on a busy machine; less than the pipeline's timeout for a seek.
 constexpr int kMomentMs = 2500;
 
 std::vector<TestClipSpec> clipKinds() {
@@ -71,43 +68,45 @@ private:
     QElapsedTimer m_since;
 };
 
+enum class Effect { Plays, Moves, Navigates }; // at most the play state, the frame, or the clip changes
+
 struct PipelineAction {
     const char* name;
     int weight;
+    Effect effect;
     void (*perform)(PipelineRun&);
-    bool navigates = false;
-    bool moves = false; // to another frame
 };
 
+void seekThereAndBack(PipelineRun& run) {
+    run.seekTo(kClipMs - run.luck.below(60));
+    run.seekTo(run.luck.below(kClipMs / 2));
+    run.beBusy(run.luck.below(300));
+}
+
+void zoomInAndFit(PipelineRun& run) {
+    run.key(Qt::Key_Plus);
+    run.key(Qt::Key_0);
+}
+
+using enum Effect;
+using R = PipelineRun;
 constexpr PipelineAction kActions[] = {
-    {"play or pause", 20, [](PipelineRun& run) { run.key(Qt::Key_Space); }},
-    {"pause", 10, [](PipelineRun& run) { run.press(ButtonId::Pause); }},
-    {"stop", 4, [](PipelineRun& run) { run.press(ButtonId::Stop); }, false, true},
-    {"step", 10, [](PipelineRun& run) { run.key(run.luck.chance(50) ? Qt::Key_Left : Qt::Key_Right); }, false,
-     true},
-    {"hold right", 8, [](PipelineRun& run) { run.key(Qt::Key_Right, run.luck.below(70)); }, false, true},
-    {"hold right long", 3, [](PipelineRun& run) { run.hold(Qt::Key_Right, 40 + run.luck.below(30)); }, false,
-     true},
-    {"hold left", 5, [](PipelineRun& run) { run.key(Qt::Key_Left, run.luck.below(30)); }, false, true},
-    {"seek", 14, [](PipelineRun& run) { run.seekTo(run.luck.below(kClipMs)); }, false, true},
-    {"seek to the end", 6, [](PipelineRun& run) { run.seekTo(kClipMs - run.luck.below(200)); }, false, true},
-    {"seek there and back", 6,
-     [](PipelineRun& run) {
-         run.seekTo(kClipMs - run.luck.below(60));
-         run.seekTo(run.luck.below(kClipMs / 2));
-         run.beBusy(run.luck.below(300));
-     },
-     false, true},
-    {"zoom in and fit", 2,
-     [](PipelineRun& run) {
-         run.key(Qt::Key_Plus);
-         run.key(Qt::Key_0);
-     }},
-    {"next", 3, [](PipelineRun& run) { run.key(Qt::Key_PageDown); }, true},
-    {"previous", 2, [](PipelineRun& run) { run.key(Qt::Key_PageUp); }, true},
-    {"choose", 3, [](PipelineRun& run) { run.choose(run.luck.below(run.clips())); }, true},
-    {"sound", 2, [](PipelineRun& run) { run.key(Qt::Key_M); }},
-    {"wait", 8, [](PipelineRun&) {}},
+    {"play or pause", 20, Plays, [](R& run) { run.key(Qt::Key_Space); }},
+    {"pause", 10, Plays, [](R& run) { run.press(ButtonId::Pause); }},
+    {"stop", 4, Moves, [](R& run) { run.press(ButtonId::Stop); }},
+    {"step", 10, Moves, [](R& run) { run.key(run.luck.chance(50) ? Qt::Key_Left : Qt::Key_Right); }},
+    {"hold right", 8, Moves, [](R& run) { run.key(Qt::Key_Right, run.luck.below(70)); }},
+    {"hold right long", 3, Moves, [](R& run) { run.hold(Qt::Key_Right, 40 + run.luck.below(30)); }},
+    {"hold left", 5, Moves, [](R& run) { run.key(Qt::Key_Left, run.luck.below(30)); }},
+    {"seek", 14, Moves, [](R& run) { run.seekTo(run.luck.below(kClipMs)); }},
+    {"seek to the end", 6, Moves, [](R& run) { run.seekTo(kClipMs - run.luck.below(200)); }},
+    {"seek there and back", 6, Moves, seekThereAndBack},
+    {"zoom in and fit", 2, Plays, zoomInAndFit},
+    {"next", 3, Navigates, [](R& run) { run.key(Qt::Key_PageDown); }},
+    {"previous", 2, Navigates, [](R& run) { run.key(Qt::Key_PageUp); }},
+    {"choose", 3, Navigates, [](R& run) { run.choose(run.luck.below(run.clips())); }},
+    {"sound", 2, Plays, [](R& run) { run.key(Qt::Key_M); }},
+    {"wait", 8, Plays, [](R&) {}},
 };
 
 PipelineRun::PipelineRun(quint32 seed) : m_kinds(clipKinds()) {
@@ -148,9 +147,8 @@ int PipelineRun::shownFrame() const {
     return readFrameNumber(view->grab(fittedRect(view->size(), viewer.player()->videoSize(0))).toImage());
 }
 
-// After a seek or a step, exactly that frame. After a pause during playback, a slow machine may have dropped
-// frames, and the next frame may be on the screen already. A position is truncated to whole milliseconds, so
-// it may be just before its frame.
+// After a seek or a step, exactly that frame. After a pause, a slow machine may have dropped frames or show
+// the next one already. A position is cut to milliseconds and so may be just before its frame.
 bool PipelineRun::showsPosition() const {
     constexpr int kLeftOut = 5;
     const auto times = testClipFrameTimes(kind());
@@ -222,10 +220,10 @@ QString PipelineRun::play(const std::vector<Step>& steps) {
         m_soughtMs.reset();
         m_since.start();
         action.perform(*this);
-        navigated = action.navigates;
-        if (action.moves && !window()->isPlaying())
+        navigated = action.effect == Navigates;
+        if (action.effect == Moves && !window()->isPlaying())
             m_wasPlaying = false;
-        // Where a seek goes, the clip may end soon after it.
+        // The clip may end soon after a seek.
         m_positionMs = m_soughtMs
                            ? *m_soughtMs
                            : std::max<qint64>(viewer.player()->positionMs(), navigated ? 0 : m_positionMs);

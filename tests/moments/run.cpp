@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <string_view>
 
-#include "moments/actions.h"
 #include "moments/virtual_time.h"
 #include "settings/config_window.h"
 
@@ -131,8 +130,7 @@ void Run::check(int quietMs) {
     m_viewer->check(quietMs);
 }
 
-// Closes what is open and waits until everything is idle. Repeatedly, because late answers may open something
-// again.
+// Closes what is open until everything is idle; repeatedly, since late answers may open something again.
 void Run::finish() {
     constexpr int kApartMs = 50;
     if (++m_triesToEnd > kTriesToEnd)

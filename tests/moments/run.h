@@ -1,10 +1,11 @@
-// One run: plays actions one after another on the world's windows and checks the invariants between them.
-// Each action has random numbers of its own, so that leaving some out doesn't change the others. Main thread.
+// One run over fakes: plays actions on the world's windows and checks the invariants between them. Each
+// action has its own random numbers, so that leaving some out doesn't change the others. Main thread.
 #pragma once
 
 #include <QObject>
 
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "moments/card_watch.h"
@@ -15,7 +16,20 @@
 
 namespace ql240::moments {
 
-Plan fakesPlan();
+class Run;
+
+// A run prefers the actions of one theme.
+enum class Theme { Any, Picture, Card, Folder, Transport };
+inline constexpr int kThemes = 5;
+
+struct Action {
+    const char* name;
+    int weight;
+    Theme theme;
+    void (*perform)(Run&);
+    bool navigates = false; // may select another clip
+};
+std::span<const Action> actions();
 
 class Run : public QObject {
 public:

@@ -1,7 +1,10 @@
 // Background jobs that end when the run says: at once, late, or never. Main thread.
 #pragma once
 
+#include <algorithm>
+
 #include "base/background_jobs.h"
+#include "moments/virtual_time.h"
 
 namespace ql240::moments {
 
@@ -14,13 +17,21 @@ public:
     ~SlowJobs() override { setJobRunner(nullptr); }
     Q_DISABLE_COPY_MOVE(SlowJobs)
 
-    void run(std::function<void()> job) override;
-    bool wait(QDeadlineTimer until, const std::function<bool()>& isDone) override;
-
+    void run(std::function<void()> job) override {
+        m_started();
+        if (const int latency = m_latencyMs(); latency >= 0)
+            callAt(nowMs() + latency, std::move(job));
+    }
+    bool wait(QDeadlineTimer until, const std::function<bool()>& isDone) override {
+        const qint64 began = nowMs();
+        const bool done = pass(began + until.remainingTime(), isDone);
+        m_inTurnMs += nowMs() - began;
+        m_longestMs = std::max(m_longestMs, m_inTurnMs);
+        return done;
+    }
     // Called before each job is started.
     void onStart(std::function<void()> hook) { m_started = std::move(hook); }
-    // The longest that the thread has waited for jobs between two iterations of the event loop, since the
-    // last call.
+    // The longest wait for jobs between two iterations of the event loop, since the last call.
     qint64 takeLongestWaitMs() { return std::exchange(m_longestMs, 0); }
     void turnBegins() { m_inTurnMs = 0; }
 

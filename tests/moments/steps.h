@@ -1,5 +1,4 @@
-// The steps of a run, drawn from its seed. Each has random numbers of its own, so that leaving some out
-// doesn't change the others.
+// The steps of a run, drawn from its seed, and the two kinds of run. Main thread.
 #pragma once
 
 #include <QString>
@@ -39,7 +38,7 @@ private:
     std::mt19937 m_engine;
 };
 
-// Whether a stranger's card, which leads elsewhere, is in the reader and the user looks at it.
+// Whether a hostile card is in the reader and the user opens its settings.
 constexpr bool meetsStranger(quint32 seed) {
     return seed % 3 == 0;
 }
@@ -47,7 +46,7 @@ constexpr bool meetsStranger(quint32 seed) {
 struct Step {
     int action = 0; // index in the plan's table
     int delayMs = 0;
-    quint32 luck = 0;
+    quint32 luck = 0; // seed of the step's own random numbers
 };
 
 // One kind of run: over fakes or on the pipeline.
@@ -57,5 +56,10 @@ struct Plan {
     // Plays the steps; returns the first fault found, or an empty text.
     QString (*play)(quint32 seed, const std::vector<Step>& steps);
 };
+
+Plan fakesPlan();
+// On the real pipeline, in real time, with clips that have sound and numbered frames. A paused clip shows the
+// frame at its position; a playing one advances and ends only at its end.
+Plan pipelinePlan();
 
 } // namespace ql240::moments

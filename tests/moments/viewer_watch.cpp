@@ -75,8 +75,8 @@ void ViewerWatch::beforeMove() {
     m_windowBefore = m_world.window->pos();
 }
 
-// A move without a button must move nothing. One with a button may pan the picture by the pointer's distance
-// from the press, or drag the window, or do neither.
+// A move without a button must move nothing; one with a button may pan the picture by exactly the pointer's
+// distance from the press, or drag the window.
 void ViewerWatch::afterMove(const Hands& hands, QPoint global) {
     const QRect picture = m_world.pictureRect();
     const bool pans = picture != m_pictureBefore;
@@ -126,7 +126,7 @@ void ViewerWatch::observe() {
     Sight now = look();
     if (!now.isLike(m_seen))
         m_seenMs = nowMs();
-    // A folder that was read while a dialog is open must not be shown before that closes.
+    // A folder that was read under a dialog must not be shown before the dialog closes.
     if (now.modal && now.modal == m_seen.modal && m_seen.reading && now.row != m_seen.row)
         m_world.fail(QStringLiteral("a folder's first clip was opened behind a dialog"));
     m_played |= now.playing || m_world.media.isRunning();

@@ -1,5 +1,4 @@
-// What must always hold for the viewer, and what must hold once it has been left alone for a while. Intended
-// exceptions are named where they are made. Main thread.
+// What must hold for the viewer always, and what once it has been left alone for a while. Main thread.
 #pragma once
 
 #include <QPoint>
@@ -84,9 +83,8 @@ private:
     bool m_isQuiet = false; // the viewer had been left alone at the last check
     bool m_navigated = false;
     bool m_played = false; // since the last check
-    // Intended exceptions: full screen doesn't update what is shown as playing. A stop leaves strip, speed
-    // and map unchanged until something plays, steps or seeks; so do the end of a folder's only clip and a
-    // pause before a clip's first tick, both at its beginning.
+    // Intended exceptions: full screen doesn't update the play state. Strip, speed and map stay unchanged
+    // after a stop, the end of a folder's only clip, and a pause before a clip's first tick.
     bool m_wasFullScreen = false;
     bool m_stopped = false;
     QString m_action;

@@ -1,6 +1,5 @@
-// Time that passes only while the program waits. In a program that links this file, it replaces the clock and
-// poll functions: a wait of ten seconds takes no time, and a run is reproducible. Off until start() is
-// called. Main thread; other threads keep the real clocks.
+// Time that passes only while the program waits: replaces the clock and poll functions, so that a wait of ten
+// seconds takes no time and a run is reproducible. Main thread; other threads keep the real clocks.
 #pragma once
 
 #include <QtGlobal>
@@ -19,8 +18,7 @@ void callAt(qint64 timeMs, std::function<void()> then);
 // Drops all calls that are still waiting.
 void forgetCalls();
 
-// Advances time to `untilMs` without the event loop, like a thread that blocks. Returns true as soon as
-// `isDone` holds, false if it never does.
+// Advances time to `untilMs` without the event loop, like a blocked thread; true as soon as `isDone` holds.
 bool pass(qint64 untilMs, const std::function<bool()>& isDone);
 
 // Called before each wait of the event loop, when nothing is due any more.

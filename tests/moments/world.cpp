@@ -1,6 +1,5 @@
 #include "moments/world.h"
 
-#include <QApplication>
 #include <QDialog>
 #include <QDir>
 #include <QFile>
@@ -145,8 +144,8 @@ void World::makeCamera(const QString& drive, const QByteArray& version,
               QByteArray(1, static_cast<char>(valueOf(key))));
 }
 
-// Writes values that differ from every default, so that a default on a card must have been written by a save.
-// A hostile card, the last one, links into the home folder.
+// Values differ from every default, so that a default on a card comes from a save. The last card may be
+// hostile and link into the home folder.
 void World::makeCards(bool withStrangers) {
     makeCamera(root.filePath(QStringLiteral("home")), "SECRET SECRET SECRET",
                [](const SettingKey&) { return HostileCard::kSecret; });
@@ -166,7 +165,7 @@ void World::makeCards(bool withStrangers) {
         setInserted(card, (withStrangers && &card == &cards.back()) || luck.chance(60));
 }
 
-// Mostly links that lead there.
+// Mostly links into the home folder.
 void World::setTraps(const QString& drive) {
     constexpr Trapped kParts[] = {Trapped::SettingFolder, Trapped::UpdateFolder, Trapped::Files,
                                   Trapped::FilesAside};

@@ -1,5 +1,5 @@
 // One run's world: cards in a reader, folders of clips, a desktop that answers at random times, and the
-// viewer's real window among them. All randomness comes from the run's seed. Main thread; owned by the run.
+// viewer's real window. All randomness comes from the run's seed. Main thread; owned by the run.
 #pragma once
 
 #include <QTemporaryDir>
@@ -28,7 +28,7 @@ struct SettingKey;
 
 namespace ql240::moments {
 
-// How fast everything answers that is asked off the interface thread.
+// How fast background jobs end.
 enum class Reader { Healthy, Slow, Dead };
 
 struct CardSlot {

@@ -1,4 +1,4 @@
-// Keeping the desktop awake, against services on a bus of the test's own.
+// Keeping the desktop awake, with services on a private bus.
 #include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
@@ -13,7 +13,7 @@
 #include "platform/linux/desktop_inhibitor.h"
 #include "support/private_bus.h"
 
-namespace ql240 {
+using namespace ql240;
 namespace {
 
 constexpr int kLongestMs = 100;
@@ -21,7 +21,7 @@ constexpr char kSession[] = "test-services";
 
 } // namespace
 
-// A service that gives numbers out; it answers when it is told to.
+// A service that hands out numbers, at once or when the test says so.
 class NumberService : public QObject, protected QDBusContext {
     Q_OBJECT
 public:
@@ -138,7 +138,7 @@ private Q_SLOTS:
         QTRY_VERIFY(m_screenSaver.held.isEmpty());
     }
 
-    // A bus that keeps silent, and none any more.
+    // With a silent bus, and without one.
     void neverBlocks() {
         for (const bool running : {true, false}) {
             running ? m_bus.freeze(true) : m_bus.stop();
@@ -159,7 +159,5 @@ private:
     DesktopInhibitor m_inhibitor;
 };
 
-} // namespace ql240
-
-QTEST_GUILESS_MAIN(ql240::TestDesktopInhibitor)
+QTEST_GUILESS_MAIN(TestDesktopInhibitor)
 #include "test_desktop_inhibitor.moc"

@@ -1,4 +1,4 @@
-// The map module with the real web engine: what the page does with the calls that the program makes.
+// The map module with the real web engine: what the page does when the program calls it.
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QRegularExpression>
@@ -16,13 +16,13 @@
 #include "support/child_processes.h"
 #include "support/tile_server.h"
 
-namespace ql240 {
+using namespace ql240;
 namespace {
 
 constexpr double kSeoulLatitude = 37.5665;
 constexpr double kSeoulLongitude = 126.978;
 
-// The base map's two grounds, both to be seen around Seoul.
+// The base map's two colours, both of which appear around Seoul.
 bool showsLandAndSea(const QImage& image) {
     int land = 0;
     int sea = 0;
@@ -52,7 +52,7 @@ private:
         QTRY_VERIFY_WITH_TIMEOUT(m_loaded.has_value(), 20000);
     }
 
-    // The value of a script in the page; waits for it.
+    // Waits for the value of a script in the page.
     QVariant value(const QString& script) {
         std::optional<QVariant> result;
         m_page->runJavaScript(script, [&result](const QVariant& answer) { result = answer; });
@@ -91,7 +91,7 @@ private:
 
 private Q_SLOTS:
     void init() {
-        QTest::failOnWarning(QRegularExpression(".")); // it starts without a word
+        QTest::failOnWarning(QRegularExpression(".")); // even while it starts
         m_window = std::make_unique<QWidget>();
         m_window->resize(325, 210);
         WebPageEvents events;
@@ -118,7 +118,7 @@ private Q_SLOTS:
         QVERIFY(centredOn(kSeoulLatitude + 0.7, kSeoulLongitude - 1));
         m_page->runJavaScript(goScript(-33.86883, -70.5));
         QVERIFY(centredOn(-33.86883, -70.5));
-        // Called again, by the page's own onload for one, it keeps the place.
+        // Further calls, such as the page's own onload, keep the place.
         const QVariant called = value(
             "let called = 0; init();"
             " KORVAMAP.initMap('KorvaMap', 163670, 526934, 12, () => ++called, 2); called");
@@ -128,18 +128,18 @@ private Q_SLOTS:
         QVERIFY(centredOn(kSeoulLatitude, kSeoulLongitude));
     }
 
-    // As damaged clips say them: the car stays, and the track is what is left of it; nothing of an empty one.
+    // Invalid positions, as in damaged clips: the car stays, and the track leaves them out.
     void whatIsNoPlaceOnEarthIsIgnored() {
-        const auto way = [this](const QByteArray& track) {
+        const auto pictureOf = [this](const QByteArray& track) {
             m_page->runJavaScript("setTrack([" + track + "])");
             return value("document.querySelector('.way').toDataURL()").toString();
         };
-        const QString kept = way("[[37.56,126.97],[37.57,126.98]]");
+        const QString kept = pictureOf("[[37.56,126.97],[37.57,126.98]]");
         QVERIFY(kept.size() > 1000);
         const QByteArray places[] = {"37.5,1e20", "90.1,127", "-1e300,127", "NaN,127", "37.5,Infinity"};
         for (const QByteArray& place : places) {
             m_page->runJavaScript("MapMoveToAuto(" + place + ",'9')");
-            QVERIFY2(way("[[37.56,126.97],[" + place + "],[37.57,126.98]]") == kept, place);
+            QVERIFY2(pictureOf("[[37.56,126.97],[" + place + "],[37.57,126.98]]") == kept, place);
             QVERIFY2(centredOn(kSeoulLatitude, kSeoulLongitude), place);
         }
         m_page->runJavaScript(trackScript({}));
@@ -156,8 +156,8 @@ private Q_SLOTS:
         QVERIFY(!onStreets() && value("document.body.innerText").toString().contains(u"Natural Earth"));
     }
 
-    // North, then east.
-    void carPointsAlongTheWayWhicheverWayItMoves() {
+    // The track goes north, then east; the car moves on it in both directions.
+    void carPointsAlongTheTrack() {
         SensorTrack track(20);
         for (int i = 0; i < 20; ++i) {
             track[i].latitude = kSeoulLatitude + std::min(i, 10) * 0.0002;
@@ -193,9 +193,7 @@ private Q_SLOTS:
         QVERIFY(centredOn(52.5, 13.4));
     }
 
-    void tilesTaken_data() {
-        QTest::addColumn<QByteArray>("answer");
-        QTest::addColumn<bool>("taken");
+    void tilesTaken() {
         const auto picture = [](int width, int height, const char* format) {
             return TileServer::picture(QSize(width, height), format);
         };
@@ -203,27 +201,29 @@ private Q_SLOTS:
         const char* drawing = "<svg xmlns='http://www.w3.org/2000/svg' width='256' height='256'/>";
         const auto webP =
             QByteArray::fromBase64("UklGRiQAAABXRUJQVlA4TBgAAAAv/8A/AAfQ//73v/8BAEX6/58i+p/6338=");
-        QTest::newRow("512 a side") << picture(512, 512, "PNG") << true;
-        QTest::newRow("JPEG") << picture(256, 256, "JPG") << true;
-        QTest::newRow("WebP") << webP << true;
-        QTest::newRow("too large") << picture(1024, 1024, "PNG") << false;
-        QTest::newRow("too high") << picture(256, 20000, "PNG") << false;
-        QTest::newRow("too large a JPEG") << picture(2048, 256, "JPG") << false;
-        QTest::newRow("too many bytes") << tile + QByteArray(2 << 20, 'x') << false;
-        QTest::newRow("bitmap") << picture(256, 256, "BMP") << false;
-        QTest::newRow("drawing") << QByteArray(drawing) << false;
-        QTest::newRow("header alone") << tile.left(40) << false;
-        QTest::newRow("nothing") << QByteArray() << false;
-    }
-    void tilesTaken() {
-        QFETCH(QByteArray, answer);
-        TileServer server(Qt::white);
-        server.body = answer;
-        showStreets(server);
-        QTEST(onStreets(), "taken");
+        const std::tuple<const char*, QByteArray, bool> rows[] = {
+            {"512 a side", picture(512, 512, "PNG"), true},
+            {"JPEG", picture(256, 256, "JPG"), true},
+            {"WebP", webP, true},
+            {"too large", picture(1024, 1024, "PNG"), false},
+            {"too high", picture(256, 20000, "PNG"), false},
+            {"too large a JPEG", picture(2048, 256, "JPG"), false},
+            {"too many bytes", tile + QByteArray(2 << 20, 'x'), false},
+            {"bitmap", picture(256, 256, "BMP"), false},
+            {"SVG", drawing, false},
+            {"header alone", tile.left(40), false},
+            {"nothing", "", false}};
+        for (const auto& [name, answer, taken] : rows) {
+            cleanup();
+            init();
+            TileServer server(Qt::white);
+            server.body = answer;
+            showStreets(server);
+            QVERIFY2(onStreets() == taken, name);
+        }
     }
 
-    // Not even to another port of the same host.
+    // Redirects aren't followed, even to another port of the same host.
     void redirectsLeadNowhere() {
         TileServer server(Qt::white), other(Qt::white);
         server.head = "HTTP/1.1 302 Found\r\nLocation: " + other.host().toLatin1() + "/1/2/3.png";
@@ -232,7 +232,7 @@ private Q_SLOTS:
         QCOMPARE(other.requests, QByteArrayList());
     }
 
-    // Pictures from outside are decoded in the engine's sandbox or not at all.
+    // Downloaded pictures are decoded in the engine's sandbox or not at all.
     void withoutASandboxNothingIsAskedFor() {
         TileServer server(Qt::white);
         cleanup();
@@ -244,8 +244,7 @@ private Q_SLOTS:
         QCOMPARE(server.requests, QByteArrayList());
     }
 
-    // Neither a tile server nor a script host that takes requests and never answers keeps the page from
-    // loading.
+    // The page loads although a tile server or script host takes requests and never answers.
     void hostsThatNeverAnswer() {
         TileServer server(Qt::white);
         server.silent = true;
@@ -284,15 +283,13 @@ private Q_SLOTS:
     }
 };
 
-} // namespace ql240
-
 int main(int argc, char** argv) {
-    ql240::prepareWebEngine();
+    prepareWebEngine();
     QApplication application(argc, argv);
-    ql240::MapModule module(QStringLiteral(QL240_MODULES));
+    MapModule module(QStringLiteral(QL240_MODULES));
     module.network = true;
-    ql240::host().webPages = &module;
-    ql240::TestMapModule test;
+    host().webPages = &module;
+    TestMapModule test;
     return QTest::qExec(&test, argc, argv);
 }
 

@@ -5,22 +5,22 @@
 
 namespace {
 
-class ToldMedia final : public ql240::MediaPlatform {
+class RecordingMedia final : public ql240::MediaPlatform {
 public:
     ql240::Status CoCreateInstance(const ql240::Guid&, ql240::IUnknown*, ql240::ClassContext,
                                    const ql240::Guid&, void** object) override {
         *object = nullptr;
-        return static_cast<ql240::Status>(m_told);
+        return static_cast<ql240::Status>(m_calls);
     }
-    void warmUp() override { m_told += 0x10000; }
-    void setOutputVolume(std::uint16_t left, std::uint16_t right) override { m_told = left * 0x100 + right; }
+    void warmUp() override { m_calls += 0x10000; }
+    void setOutputVolume(std::uint16_t left, std::uint16_t right) override { m_calls = left * 0x100 + right; }
 
 private:
-    int m_told = 0;
+    int m_calls = 0;
 };
 
 } // namespace
 
 extern "C" Q_DECL_EXPORT ql240::MediaPlatform* ql240CreateMediaPlatform() {
-    return new ToldMedia;
+    return new RecordingMedia;
 }

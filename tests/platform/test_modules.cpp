@@ -1,4 +1,4 @@
-// The modules behind their stand-ins, there and missing.
+// The modules that are loaded on first use, installed and missing.
 #include <QTest>
 
 #include "platform/modules.h"

@@ -83,13 +83,13 @@ private Q_SLOTS:
         QVERIFY(windows.announceWindow(kTitle, ignored));
     }
 
-    void freedTitleGoesToWhoWaits() {
+    void freedTitleGoesToTheWaitingWindow() {
         LocalRunningWindows windows(m_folder->path());
         Received first;
         Received second;
         auto announced = windows.announceWindow(kTitle, first.handler());
         auto waiting = windows.announceWindow(kTitle, second.handler());
-        // The second attempt must not have taken the socket away.
+        // The second attempt mustn't take over the socket.
         send(windows, kFocusMessage);
         QCOMPARE(first.count, 1);
         QCOMPARE(second.count, 0);
@@ -128,7 +128,7 @@ private Q_SLOTS:
 private:
     QByteArray socketPath() const { return QFile::encodeName(m_folder->filePath("ql240-viewer.sock")); }
 
-    // Bound to the socket path, or connected to the process that is.
+    // Connected to the socket path, or bound to it.
     UniqueFd rawSocket(bool connected) const {
         UniqueFd fd(socket(AF_UNIX, SOCK_STREAM, 0));
         sockaddr_un address{};
@@ -140,7 +140,7 @@ private:
         return result == 0 ? std::move(fd) : UniqueFd();
     }
 
-    // The sender waits for the answer, so it needs a thread beside the announcing one.
+    // The sender waits for the answer, so it needs another thread than the announcing one.
     static void send(LocalRunningWindows& windows, int message) {
         std::atomic<bool> done = false;
         std::thread sender([&] {
@@ -148,7 +148,7 @@ private:
                 window->sendMessage(message);
             done = true;
         });
-        // The thread ends by itself: the wait for an answer has a bound.
+        // The sender's wait has a limit.
         while (!done)
             QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
         sender.join();

@@ -1,5 +1,4 @@
-// The drive list against a service of our own on a private bus, and with a bus or service in every state of
-// absence.
+// The drive list with a test service on a private bus, and without service or bus.
 #include <QTest>
 
 #include "platform/linux/udisks_drives.h"
@@ -32,41 +31,34 @@ private Q_SLOTS:
         qputenv("DBUS_SYSTEM_BUS_ADDRESS", m_bus.address().toUtf8());
     }
 
-    void lists_data() {
-        QTest::addColumn<QStringList>("drives");
-        QTest::addColumn<QStringList>("expected");
-        const auto row = [](const char* name, const QStringList& drives, const QStringList& expected) {
-            QTest::newRow(name) << drives << expected;
-        };
-        row("by device name",
-            {"device=/dev/sdd1,mount=/m/a", "device=/dev/sdb1,mount=/m/c", "device=/dev/sdc1,mount=/m/b"},
-            {"/m/c||vfat", "/m/b||vfat", "/m/a||vfat"});
-        row("label and type", {"mount=/m/a, b,label=카메라 1,type=exfat"}, {"/m/a, b|카메라 1|exfat"});
-        row("fixed disk left out", {"mount=/m/a,removable=0,media-removable=0"}, {});
-        row("card in a fixed reader", {"mount=/m/a,removable=0"}, {"/m/a||vfat"});
-        row("disk at the USB port", {"mount=/m/a,media-removable=0"}, {});
-        row("sticks, whose medium stays in",
-            {"mount=/m/a,media-removable=0,media=thumb", "mount=/m/b,media-removable=0,fits=flash thumb"},
-            {"/m/a||vfat", "/m/b||vfat"});
-        row("discs are no cards",
-            {"mount=/m/a,media=optical_dvd_r", "mount=/m/b,optical=1",
-             "mount=/m/c,fits=optical_cd optical_cd_r", "mount=/m/d,media=flash_sd"},
-            {"/m/d||vfat"});
-        row("not mounted", {"label=A", "mount=/m/b"}, {"/m/b||vfat"});
-        row("first of two mount points", {"mount=/m/a/,mount=/m/b"}, {"/m/a||vfat"});
-        row("the running system is no card", {"mount=/", "mount=/,mount=/m/b"}, {"/m/b||vfat"});
-    }
     void lists() {
-        QFETCH(QStringList, drives);
-        QFETCH(QStringList, expected);
-        QStringList arguments;
-        for (const QString& drive : std::as_const(drives))
-            arguments << "--drive" << drive;
-        QVERIFY(m_bus.startDrives(arguments));
-        QCOMPARE(listed(), expected);
+        const std::pair<QStringList, QStringList> rows[] = {
+            {{"device=/dev/sdd1,mount=/m/a", "device=/dev/sdb1,mount=/m/c", "device=/dev/sdc1,mount=/m/b"},
+             {"/m/c||vfat", "/m/b||vfat", "/m/a||vfat"}},
+            {{"mount=/m/a, b,label=카메라 1,type=exfat"}, {"/m/a, b|카메라 1|exfat"}},
+            {{"mount=/m/a,removable=0,media-removable=0"}, {}},
+            {{"mount=/m/a,removable=0"}, {"/m/a||vfat"}}, // a card in a fixed reader
+            {{"mount=/m/a,media-removable=0"}, {}},       // a USB disk
+            // USB sticks, whose media aren't removable
+            {{"mount=/m/a,media-removable=0,media=thumb", "mount=/m/b,media-removable=0,fits=flash thumb"},
+             {"/m/a||vfat", "/m/b||vfat"}},
+            {{"mount=/m/a,media=optical_dvd_r", "mount=/m/b,optical=1",
+              "mount=/m/c,fits=optical_cd optical_cd_r", "mount=/m/d,media=flash_sd"},
+             {"/m/d||vfat"}},
+            {{"label=A", "mount=/m/b"}, {"/m/b||vfat"}}, // not mounted
+            {{"mount=/m/a/,mount=/m/b"}, {"/m/a||vfat"}},
+            {{"mount=/", "mount=/,mount=/m/b"}, {"/m/b||vfat"}}}; // the running system
+        for (const auto& [drives, expected] : rows) {
+            QStringList arguments;
+            for (const QString& drive : drives)
+                arguments << "--drive" << drive;
+            QVERIFY(m_bus.startDrives(arguments));
+            QCOMPARE(listed(), expected);
+            m_bus.stopDrives();
+        }
     }
 
-    // Nothing is remembered between two questions, not even across a restart of the bus.
+    // Nothing is cached between two calls, not even across a restart of the bus.
     void followsTheService() {
         const QStringList one{"--drive", "mount=/m/a"};
         QVERIFY(m_bus.startDrives(one));
@@ -83,7 +75,7 @@ private Q_SLOTS:
         QCOMPARE(listed().size(), 2);
     }
 
-    // Whoever asks does so where waiting costs nothing: a service that is slow to start is waited for.
+    // Callers are background jobs, so a service that is slow to start is waited for.
     void slowAnswersCount() {
         QVERIFY(m_bus.startDrives({"--drive", "mount=/m/a", "--answer-after", "700"}));
         QCOMPARE(listed(), QStringList("/m/a||vfat"));

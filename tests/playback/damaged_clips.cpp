@@ -1,10 +1,8 @@
-// Opens damaged clips one after the other in one process, plays each for a moment, seeks, steps, grabs and
-// closes it: damaged_clips [COUNT]. Prints a table of what became of them; fails if a clip takes too long or
-// too much memory, or if threads, open files or memory pile up. A clip that ends or stops the process is left
-// in the folder "case" of the working folder.
-// damaged_clips fields [all]: the same with an extreme number in each field that says a size, a count or a
-// dimension, whichever fields those are; "all" tries every number in every field, without it each length and
-// some other fields of each part get one in turn.
+// damaged_clips [COUNT]: opens damaged clips in one process, plays, seeks, steps and grabs each, and prints a
+// table of the results. Fails if a clip takes too long or too much memory, or if threads, open files or
+// memory accumulate. A clip that crashes or hangs the process stays in the folder "case". damaged_clips
+// fields [all]: the same with an extreme number in the fields that may hold a size, count or dimension: one
+// number in each length and some other fields, or with "all" every number in every field.
 #include <unistd.h>
 
 #include <QApplication>
@@ -33,11 +31,11 @@ constexpr int kMostMs = 10000;   // for one clip
 constexpr qint64 kMostMiB = 256; // for one clip
 constexpr int kMomentMs = 100;
 constexpr qint64 kMostGrowthKiB = 48 * 1024;
-constexpr qint64 kGiant = qint64(3) << 30; // as far as a length may reach
+constexpr qint64 kGiant = qint64(3) << 30; // the file's size, so that a length may be as large
 constexpr int kDamages = int(kDamageNames.size());
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kMemoryCounts = false; // freed memory is kept back
+constexpr bool kMemoryCounts = false; // sanitizers keep freed memory
 #else
 constexpr bool kMemoryCounts = true;
 #endif
@@ -51,7 +49,7 @@ struct GoodClip {
 struct Line {
     int clips = 0;
     int opened = 0;
-    int moved = 0; // whose picture came after seeking
+    int moved = 0; // whose picture changed after seeking
     qint64 slowestMs = 0;
 };
 
@@ -112,9 +110,9 @@ public:
         m_second.show();
     }
 
-    // Behind the bytes the file goes on in a hole. False if it took too long or too much memory.
+    // The file has a hole after the bytes, up to `size`. False if it took too long or too much memory.
     bool run(const GoodClip& good, const QByteArray& bytes, qint64 size, Line& line) {
-        // The clip's own name, which decides on the recipe.
+        // The clip's own name, which selects the recipe.
         const QString path = QDir(QStringLiteral("case")).filePath(QFileInfo(good.path).fileName());
         QFile file(path);
         if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.resize(size))
@@ -304,7 +302,7 @@ bool runDamages(const QList<GoodClip>& clips, int clipsWanted) {
     QList<Line> lines(kinds);
     Use before;
     bool fits = true;
-    // Kind by kind would let one that leaks hide in the warm-up.
+    // In turns: otherwise a kind that leaks might hide in the warm-up.
     for (int number = 0; number < count; ++number) {
         for (int kind = 0; kind < kinds; ++kind) {
             const GoodClip& good = clips[kind / kDamages];
@@ -329,7 +327,7 @@ bool runDamages(const QList<GoodClip>& clips, int clipsWanted) {
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
     const bool fields = argc > 1 && qstrcmp(argv[1], "fields") == 0;
-    if (fields) // looking for a sound device takes longer than everything else
+    if (fields) // looking for a sound device takes most of the time
         qputenv("GST_PLUGIN_FEATURE_RANK",
                 "pulsesink:0,pipewiresink:0,alsasink:0,jackaudiosink:0,openalsink:0,osssink:0,oss4sink:0");
     gstreamer::GstMediaPlatform media;

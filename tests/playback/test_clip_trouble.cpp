@@ -1,4 +1,4 @@
-// What the player does with files that are broken, no files, or many: on the real pipeline.
+// Broken and extreme files, and what isn't a file, on the real pipeline.
 #include <QTest>
 
 #include <QDir>
@@ -18,9 +18,11 @@
 #include "playback/video_view.h"
 #include "support/frame_code.h"
 #include "support/peak_memory.h"
+#include "support/sensor_clips.h"
 #include "support/test_clips.h"
 
 using namespace ql240;
+using madeclips::box;
 
 namespace {
 
@@ -38,7 +40,7 @@ QByteArray withoutIndex(QByteArray bytes, const char* index) {
     return bytes.replace(QByteArray(index), QByteArray("junk"));
 }
 
-// Every picture says another size: in the container, or in the Motion-JPEG itself, of the given kind.
+// Clips whose container, parameter set or pictures claim another size.
 QByteArray withSize(QByteArray mp4, quint16 width, quint16 height) {
     char* size = mp4.data() + mp4.indexOf("avc1", mp4.indexOf("stsd")) + 28;
     qToBigEndian(width, size);
@@ -67,7 +69,7 @@ QByteArray withJpegSize(QByteArray avi, bool progressive, quint16 side) {
         avi[at + 1] = progressive ? '\xC2' : '\xC1';
         if (const qsizetype scan = avi.indexOf(QByteArray::fromHex("FFDA000C03"), at);
             progressive && scan > 0)
-            avi[scan + 12] = '\0'; // the first scan alone
+            avi[scan + 12] = '\0'; // only the first scan
     }
     return avi;
 }
@@ -78,9 +80,7 @@ struct Chunk {
 };
 
 QByteArray littleEndian(qsizetype value) {
-    QByteArray bytes(4, '\0');
-    qToLittleEndian(quint32(value), bytes.data());
-    return bytes;
+    return madeclips::littleEndian(static_cast<quint64>(value), 4);
 }
 
 quint32 sizeAt(const QByteArray& avi, qsizetype at) {
@@ -96,7 +96,7 @@ QList<Chunk> mediaOf(const QByteArray& avi) {
     return chunks;
 }
 
-// The index says the last chunk so many times more.
+// The index lists the last chunk `repeats` more times.
 QByteArray withMedia(const QByteArray& avi, const QList<Chunk>& chunks, int repeats = 0) {
     QByteArray media = "movi";
     QByteArray index;
@@ -112,7 +112,7 @@ QByteArray withMedia(const QByteArray& avi, const QList<Chunk>& chunks, int repe
     return made.replace(4, 4, littleEndian(made.size() - 8));
 }
 
-// 440 MB of pictures in a small file, all at the clip's beginning.
+// 440 MB of pictures in a small file, all at the start of the clip.
 QByteArray standingStill(QByteArray avi) {
     avi.replace(avi.indexOf("strh") + 28, 8,
                 littleEndian(1) + littleEndian(1'000'000'000)); // frames a second
@@ -123,7 +123,7 @@ QByteArray standingStill(QByteArray avi) {
     return withMedia(avi, first, int(440'000'000 / first.last().body.size()));
 }
 
-// 60 Mbit/s, the sound of each second behind its pictures.
+// 60 Mbit/s; the sound of each second follows its pictures.
 QByteArray heavy(const QByteArray& avi) {
     QList<Chunk> chunks = mediaOf(avi);
     for (Chunk& chunk : chunks)
@@ -133,12 +133,6 @@ QByteArray heavy(const QByteArray& avi) {
         std::stable_partition(chunks.begin() + i * second, chunks.begin() + (i + 1) * second,
                               [](const Chunk& chunk) { return chunk.name == "00dc"; });
     return withMedia(avi, chunks);
-}
-
-QByteArray box(const QByteArray& name, const QByteArray& body) {
-    QByteArray head(4, '\0');
-    qToBigEndian(quint32(8 + body.size()), head.data());
-    return head + name + body;
 }
 
 // An index that unpacks to a thousand times its size.
@@ -156,7 +150,7 @@ QByteArray boxesInBoxes(const char* name, quint32 depth) {
     return box("ftyp", "isom") + box("moov", boxes) + box("mdat", "x");
 }
 
-// Each track says so many samples, all of one size, for which it needs no table.
+// Each track claims so many samples of one size, which need no table.
 QByteArray withSamples(QByteArray mp4, quint32 samples) {
     for (qsizetype at = mp4.indexOf("stsz"); at >= 0; at = mp4.indexOf("stsz", at + 4)) {
         qToBigEndian(quint32(1), mp4.data() + at + 8);
@@ -165,7 +159,7 @@ QByteArray withSamples(QByteArray mp4, quint32 samples) {
     return mp4;
 }
 
-// An AVI clip of `first`, then of `next` so many times, as pictures of another kind; in a small file.
+// An AVI clip with pictures of another kind: `first`, then `next` repeated, in a small file.
 QByteArray withPictures(QByteArray avi, const char* kind, const QByteArray& first, const QByteArray& next,
                         int times) {
     avi.replace("MJPG", kind);
@@ -175,7 +169,7 @@ QByteArray withPictures(QByteArray avi, const char* kind, const QByteArray& firs
     return withMedia(avi, {{"00dc", first}, *sound, {"00dc", next}}, times);
 }
 
-// Nothing there is a picture.
+// The chunks of that name are zeros.
 QByteArray withoutPictures(const QByteArray& avi, const char* name) {
     QList<Chunk> chunks = mediaOf(avi);
     for (Chunk& chunk : chunks) {
@@ -223,7 +217,7 @@ private Q_SLOTS:
         m_mp4 = makeTestClip({});
         m_avi = makeTestClip(aviTestClip());
         QVERIFY(!m_mp4.isEmpty() && !m_avi.isEmpty());
-        // The first clip of a process finds the plugins, the first of a build lists them.
+        // The first clip of a process is slow: GStreamer looks for its plugins.
         expectGoodClipPlays();
     }
 
@@ -235,8 +229,7 @@ private Q_SLOTS:
         const auto row = [this](const QString& name, const QByteArray& bytes, bool opens) {
             QTest::newRow(qPrintable(name)) << write(name, bytes) << opens;
         };
-        // A broken MP4 clip doesn't open; a broken AVI clip opens empty. What is no regular file opens as
-        // neither.
+        // Broken MP4 clips don't open; broken AVI clips open empty; what isn't a regular file never opens.
         row(QStringLiteral("empty.mp4"), {}, false);
         row(QStringLiteral("empty.avi"), {}, true);
         row(QStringLiteral("zeros.mp4"), QByteArray(100000, '\0'), false);
@@ -250,7 +243,7 @@ private Q_SLOTS:
             withH264Size(mp4, QByteArray::fromHex("6764001eacb2801f4003e8c8")), true);
         row(QStringLiteral("jpeg of 20000 x 20000.avi"), withJpegSize(avi, false, 20000), true);
         row(QStringLiteral("jpeg of 20000 x 20000 in scans.avi"), withJpegSize(avi, true, 20000), true);
-        // Nothing ends there what the parser waits for: large pieces, and many.
+        // The parser waits for an end that never comes: large pieces, and many.
         const QByteArray zeros(8'000'000, '\0');
         const QByteArray h264Slice = QByteArray::fromHex("00000001091000000001419a");
         const std::tuple<const char*, const char*, QByteArray> endless[] = {
@@ -295,13 +288,11 @@ private Q_SLOTS:
         odd.videoStreams = 2;
         odd.sound = false;
         QTest::newRow("second video as sound.avi") << makeTestClip(odd) << true;
-        for (const QString& type : {QStringLiteral(".mp4"), QStringLiteral(".avi")}) {
-            const QString folder = m_folder.filePath(QStringLiteral("folder") + type);
-            const QString fifo = m_folder.filePath(QStringLiteral("fifo") + type);
-            QVERIFY(QDir().mkdir(folder));
-            QCOMPARE(::mkfifo(qPrintable(fifo), 0600), 0);
-            QTest::newRow(qPrintable(QStringLiteral("folder") + type)) << folder << false;
-            QTest::newRow(qPrintable(QStringLiteral("fifo") + type)) << fifo << false;
+        for (const char* name : {"folder.mp4", "folder.avi", "fifo.mp4", "fifo.avi"}) {
+            const QString path = m_folder.filePath(QLatin1String(name));
+            const bool isFolder = QByteArray(name).startsWith("folder");
+            QVERIFY(isFolder ? QDir().mkdir(path) : ::mkfifo(qPrintable(path), 0600) == 0);
+            QTest::newRow(name) << path << false;
         }
         QTest::newRow("missing.mp4") << m_folder.filePath(QStringLiteral("missing.mp4")) << false;
     }
@@ -333,7 +324,7 @@ private Q_SLOTS:
         expectGoodClipPlays();
     }
 
-    // Some devices begin to work as soon as they are opened.
+    // It isn't even opened, since that starts some devices.
     void whatIsNoFileStaysClosed() {
         const QString path = m_folder.filePath(QStringLiteral("device.avi"));
         QCOMPARE(::mkfifo(qPrintable(path), 0600), 0);

@@ -1,5 +1,4 @@
-// The arithmetic on YUY2 frames: worked values, the vector code against the plain one bit for bit, and frames
-// that are shown twice.
+// The arithmetic on YUY2 frames: worked examples, vector code against scalar code, and repeated frames.
 #include <QTest>
 
 #include <array>
@@ -20,8 +19,7 @@ constexpr int kChromaStride = 1;
 
 constexpr int kPairs = 128;
 
-// Every luma once with one U and V: half of them as a pair's first, the other half, in another order, as its
-// second.
+// Every luma once with one U and V: half of them first in a pair, the others, shuffled, second.
 void fillPairs(std::uint8_t* pairs, int u, int v) {
     const int half = (u + v) % 2 * 128;
     for (int i = 0; i < kPairs; ++i) {
@@ -79,7 +77,7 @@ private Q_SLOTS:
         QCOMPARE(rgb, expected);
     }
 
-    // What the settings offer, and what the vector code's lanes don't hold.
+    // The settings' values, and values that overflow the vector code's lanes.
     void vectorEqualsScalar() {
         for (const int brightness : {0, -60, 20, 60}) {
             for (const int contrast : {60, 40, 100, 160})
@@ -91,7 +89,7 @@ private Q_SLOTS:
         }
     }
 
-    void bytesBehindTheLastPairStay() {
+    void bytesAfterTheLastPairStay() {
         for (std::size_t length = 0; length < 140; ++length) {
             std::vector<std::uint8_t> frame(160);
             std::iota(frame.begin(), frame.end(), std::uint8_t{40});
@@ -102,7 +100,6 @@ private Q_SLOTS:
         }
     }
 
-    // Each step: the adjustment, a frame (its luma, length and size), and the luma that comes out.
     void adjustedFramesAreShownTwice() {
         struct Step {
             ImageAdjust adjust;
@@ -116,7 +113,7 @@ private Q_SLOTS:
         const QSize turned(2, 4);
         const Step steps[] = {
             {{}, 16, 16, size, 16},         {brighter, 16, 16, size, 36},   {brighter, 60, 16, size, 36},
-            {brighter, 60, 16, size, 80},   {{}, 99, 16, size, 99}, // neutral forgets the frame to repeat
+            {brighter, 60, 16, size, 80},   {{}, 99, 16, size, 99}, // neutral: drops the frame to repeat
             {brighter, 16, 16, size, 36},   {brighter, 60, 16, turned, 80}, {brighter, 60, 12, turned, 80},
             {brighter, 99, 12, turned, 80},
         };

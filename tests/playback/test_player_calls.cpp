@@ -1,5 +1,4 @@
-// What the player asks of the graph, in which order, and what it answers while the graph refuses or is
-// closed.
+// The player's calls to the graph, in order, and its results while the graph fails or is closed.
 #include <QTest>
 
 #include <functional>
@@ -13,13 +12,11 @@
 
 using namespace ql240;
 
-Q_DECLARE_METATYPE(ql240::FakeClip)
-
 namespace {
 
 constexpr auto kView = static_cast<WindowToken>(7);
 
-// "|" and line ends part the calls.
+// Calls, separated by "|" or line ends.
 constexpr char kAvi[] =
     R"(create graph|create file source|add File Source (Async.)|load /c/1.avi|create AVI splitter|add AVI Splitter
 create video decoder|add ffdshow Video Decoder|create video renderer|add Video Renderer
@@ -91,56 +88,47 @@ private Q_SLOTS:
         }
     }
 
-    void opensStepByStep_data() {
-        QTest::addColumn<FakeClip>("clip");
-        QTest::addColumn<bool>("opens");
-        QTest::addColumn<int>("streams");
-        QTest::addColumn<QStringList>("log");
-        const auto mp4 = [](const char* name, std::vector<std::u16string> pins, bool opens, int streams,
-                            const QStringList& log) {
-            QTest::newRow(name) << FakeClip{.mp4Pins = std::move(pins)} << opens << streams << log;
+    void opensStepByStep() {
+        const auto expect = [this](const Clip& clip, const FakeClip& found, bool opens, int streams,
+                                   const QStringList& log) {
+            m_media.clip = found;
+            for (const Status success : {kStatusOk, Status{1}}) {
+                Player::videoStreamCount = 7;
+                m_media.log.clear();
+                m_media.answers[QStringLiteral("create")] = success;
+                Player player;
+                QCOMPARE(open(player, clip), opens);
+                QCOMPARE(m_media.takeLog(), log);
+                QCOMPARE(Player::videoStreamCount, streams);
+                QCOMPARE(player.clip() != nullptr, opens);
+            }
         };
-        const auto avi = [](const char* name, std::vector<std::u16string> pins, const QStringList& log) {
-            QTest::newRow(name) << FakeClip{.aviPins = std::move(pins)} << true << 1
-                                << log + calls(kAviShown);
+        const auto mp4 = [&](std::vector<std::u16string> pins, bool opens, int streams,
+                             const QStringList& log) {
+            expect(m_mp4, {.mp4Pins = std::move(pins)}, opens, streams, log);
+        };
+        const auto avi = [&](std::vector<std::u16string> pins, const QStringList& log) {
+            expect(m_avi, {.aviPins = std::move(pins)}, true, 1, log + calls(kAviShown));
         };
         const QStringList all = calls(kMp4Source) + calls(kMp4Filters) + calls(kMp4Joins);
         const QStringList both =
             all + calls(kMp4SecondJoins) +
             calls("callback 0 buffer|callback 1 buffer|window 0 autoshow 0|window 1 autoshow 0");
-        mp4("mp4, two", {u"soun", u"vide", u"text", u"VIDE"}, true, 2, both);
-        mp4("mp4, three", {u"vide", u"VIDE", u"soun", u"vide"}, true, 2, both);
-        mp4("mp4", {u"vide", u"soun"}, true, 1, all + calls("callback 0 buffer|window 0 autoshow 0"));
-        mp4("mp4, no video", {u"soun", u"video"}, false, 7, calls(kMp4Source) + calls("stop|graph gone"));
-        mp4("mp4, no sound", {u"vide"}, false, 7,
+        mp4({u"soun", u"vide", u"text", u"VIDE"}, true, 2, both);
+        mp4({u"vide", u"VIDE", u"soun", u"vide"}, true, 2, both);
+        mp4({u"vide", u"soun"}, true, 1, all + calls("callback 0 buffer|window 0 autoshow 0"));
+        mp4({u"soun", u"video"}, false, 7, calls(kMp4Source) + calls("stop|graph gone"));
+        mp4({u"vide"}, false, 7,
             calls(kMp4Source) + calls(kMp4Filters) +
                 calls("join nothing > Audio Decoder:In|stop|graph gone"));
         QStringList log = calls(kAvi);
-        avi("avi", {u"Stream 00", u"Stream 01"}, log);
+        avi({u"Stream 00", u"Stream 01"}, log);
         log.last() = QStringLiteral("render nothing");
-        avi("avi, no sound", {u"STREAM 00"},
-            log.replaceInStrings(QStringLiteral("Stream"), QStringLiteral("STREAM")));
-        avi("avi, no video", {u"Stream 01"},
-            log.mid(0, 17) + calls("join nothing > ffdshow Video Decoder:In"));
-    }
-    void opensStepByStep() {
-        QFETCH(FakeClip, clip);
-        QFETCH(bool, opens);
-        m_media.clip = clip;
-        for (const Status success : {kStatusOk, Status{1}}) {
-            Player::videoStreamCount = 7;
-            m_media.log.clear();
-            m_media.answers[QStringLiteral("create")] = success;
-            Player player;
-            const bool isAvi = QByteArray(QTest::currentDataTag()).startsWith("avi");
-            QCOMPARE(open(player, isAvi ? m_avi : m_mp4), opens);
-            QTEST(m_media.takeLog(), "log");
-            QTEST(Player::videoStreamCount, "streams");
-            QCOMPARE(player.clip() != nullptr, opens);
-        }
+        avi({u"STREAM 00"}, log.replaceInStrings(QStringLiteral("Stream"), QStringLiteral("STREAM")));
+        avi({u"Stream 01"}, log.mid(0, 17) + calls("join nothing > ffdshow Video Decoder:In"));
     }
 
-    // The MP4 recipe's failure is the player's; an AVI clip opens with what there is, if that is a renderer.
+    // An MP4 clip whose recipe fails doesn't open; an AVI clip opens once it has its renderer.
     void everyFailingStepEndsTheRecipe() {
         m_media.clip.mp4Pins = {u"vide", u"VIDE", u"soun"};
         const QStringList recipes[] = {
@@ -164,7 +152,7 @@ private Q_SLOTS:
     }
 
     void unknownSizesAreNone() {
-        // What fails, and whether the clip's size and the frame's are known.
+        // The failing query, and whether the sizes of clip and frame are then known.
         const std::tuple<const Clip*, const char*, bool, bool> rows[] = {
             {&m_mp4, "nothing", true, true},     {&m_mp4, "size", false, false},
             {&m_avi, "nothing", true, true},     {&m_avi, "size", false, false},
@@ -183,7 +171,7 @@ private Q_SLOTS:
         }
     }
 
-    // What each operation asks, answers and leaves as flags, when the graph is willing and when it isn't.
+    // Each operation's call, result and flags, when the graph succeeds and when it fails.
     void transport() {
         struct Case {
             const char* call;
@@ -234,7 +222,7 @@ private Q_SLOTS:
         QCOMPARE(player.durationMs(), 0);
         QVERIFY(!player.isRunning());
         QVERIFY(!player.play() && !player.pause() && !player.stop() && !player.rewind());
-        QVERIFY(player.isStopped() && !player.isPaused()); // as closing has left them
+        QVERIFY(player.isStopped() && !player.isPaused()); // unchanged by calls on a closed player
         QVERIFY(!player.attachWindow(kView, {1, 1, 2, 2}, false) && !player.hideWindow(0));
         player.moveWindow(kView, 1, 1, false);
         player.resizeWindow(kView, 1, 1, false);
@@ -290,7 +278,7 @@ private Q_SLOTS:
             "window 1 drain 1");
         QVERIFY(m_media.windows[0].owner == kView && m_media.windows[0].drain == kView);
 
-        // Only the last step decides.
+        // Only the last call decides.
         fail("window 0 owner");
         QVERIFY(player.attachWindow(kView, {1, 1, 2, 2}, false));
         fail("window 0 visible");

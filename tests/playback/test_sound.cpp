@@ -1,5 +1,4 @@
-// The sound of clips as a sound server of the test's own gets it, its volume, and a server that dies or
-// hangs.
+// The sound of clips as a private sound server receives it, its volume, and a server that dies or hangs.
 #include <QTest>
 
 #include <QElapsedTimer>
@@ -36,9 +35,9 @@ namespace {
 constexpr int kPatienceMs = 15000;
 constexpr int kRate = 32000;
 constexpr double kTone = 440;              // of the clips
-constexpr std::size_t kWindow = kRate / 4; // samples that are judged at a time
+constexpr std::size_t kWindow = kRate / 4; // samples that are measured at a time
 
-// A PulseAudio daemon whose only output is a pipe: what programs play can be read from it as it is played.
+// A PulseAudio daemon whose only output is a pipe, from which the test reads what is played.
 class SoundServer {
 public:
     ~SoundServer() { die(); }
@@ -74,7 +73,7 @@ public:
             ::close(std::exchange(m_pipe, -1));
     }
 
-    // How loud a tone was in the last quarter of a second: the sine's amplitude, 1 being full scale.
+    // The tone's amplitude in the last quarter of a second; 1 is full scale.
     double amplitude() {
         readPipe();
         if (m_samples.size() < kWindow)
@@ -89,7 +88,7 @@ public:
         return 2 * std::hypot(re, im) / kWindow / 32768;
     }
 
-    // What was played so far is judged no more.
+    // Drops what was played so far.
     void forget() {
         readPipe();
         m_samples.clear();
@@ -148,7 +147,7 @@ struct PlayedClip {
 
 } // namespace
 
-// Judged once: a moment later the server may be late.
+// Evaluated once per try: a moment later the server may be late.
 #define TRY_AMPLITUDE(expected) \
     QVERIFY(QTest::qWaitFor(    \
         [&] { return std::abs(m_server->amplitude() - (expected)) < 0.05 * (expected); }, kPatienceMs))
@@ -164,7 +163,7 @@ private:
 private Q_SLOTS:
     void initTestCase() {
         if (QStandardPaths::findExecutable(QStringLiteral("pulseaudio")).isEmpty())
-            QSKIP("The package pulseaudio isn't installed: nothing would hear the clips.");
+            QSKIP("pulseaudio isn't installed");
         host().media = &m_media;
         host().waveOut = &m_volume;
     }
@@ -229,7 +228,7 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(player.positionMs() > 500, kPatienceMs);
     }
 
-    // At 1 Hz the conversion for a device of 48 kHz takes 58 GB.
+    // Converting sound of 1 Hz for a device of 48 kHz takes 58 GB.
     void soundOfNoCommonRateIsSilent() {
         TestClipSpec spec = longClip(aviTestClip());
         QFile clip(makeTestClip(spec));
@@ -248,13 +247,13 @@ private Q_SLOTS:
         QCOMPARE(m_server->loudestSample(), 0);
     }
 
-    // Whatever is done with the clip while the server stands still, and afterwards.
+    // All operations on the clip while the server hangs, and afterwards.
     void serverThatHangsMeanwhileHoldsUpNothing() {
         PlayedClip played(longClip());
         Player& player = played.player;
         TRY_AMPLITUDE(0.125);
         const auto inTime = [this](const std::function<bool()>& act) {
-            // A server that is waited for goes on some time.
+            // Ends a wait for the server.
             std::promise<void> done;
             const auto rescue = std::async(std::launch::async, [this, &done] {
                 if (done.get_future().wait_for(5s) == std::future_status::timeout)

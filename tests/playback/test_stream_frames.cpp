@@ -1,25 +1,31 @@
-// Frames on the pipeline's threads: which one a clipper lets through, and that a slot never turns back.
+// Frames on the pipeline's threads: clipper, slot and rows, shrinking, and the guards against extreme clips.
 #include <QTest>
-#include <QtEndian>
 
+#include <algorithm>
 #include <memory>
+#include <random>
 #include <vector>
 
 #include <gst/app/gstappsrc.h>
 
 #include "platform/gstreamer/frame_allocator.h"
 #include "platform/gstreamer/frame_clipper.h"
+#include "platform/gstreamer/frame_row.h"
 #include "platform/gstreamer/frame_slot.h"
 #include "platform/gstreamer/index_guard.h"
 #include "platform/gstreamer/picture_gate.h"
+#include "platform/gstreamer/shrink_row.h"
 #include "platform/gstreamer/yuy2_packer.h"
 #include "platform/limits.h"
+#include "support/sensor_clips.h"
 
 using namespace ql240::gstreamer;
+using ql240::madeclips::bigEndian;
+using ql240::madeclips::box;
 
 namespace {
 
-// A clipper around something that decodes nothing; times in ms.
+// A clipper around an element that only passes frames on; times in ms.
 class ClippedStream {
 public:
     ClippedStream() : m_decoder(makeElement("identity")) {
@@ -101,7 +107,26 @@ private:
     ElementHandle m_pipeline;
 };
 
-// What an open gate says to one buffer of a stream.
+// Times in ms.
+struct Row : FrameRow {
+    void put(int begin, int duration = 100, int wanted = 0, gsize size = 4) {
+        static std::uint8_t bytes[4]; // never read
+        GstBuffer* frame =
+            gst_buffer_new_wrapped_full(GST_MEMORY_FLAG_READONLY, bytes, size, 0, size, nullptr, nullptr);
+        GST_BUFFER_PTS(frame) = begin * GST_MSECOND;
+        GST_BUFFER_DURATION(frame) = duration * GST_MSECOND;
+        add(BufferHandle(frame), wanted * GST_MSECOND);
+    }
+    QString shownAt(int ms) const {
+        const auto shown = at(ms * GST_MSECOND);
+        return shown
+                   ? QStringLiteral("%1 to %2").arg(shown->begin / GST_MSECOND).arg(shown->end / GST_MSECOND)
+                   : QStringLiteral("to come");
+    }
+    bool reaches(int ms) const { return reachesBackTo(ms * GST_MSECOND); }
+};
+
+// The gate's result for one buffer of a stream.
 GstFlowReturn passGate(const QByteArray& caps, const QByteArray& bytes) {
     const ElementHandle decoder = makeElement("identity");
     const ElementHandle sink = makeElement("fakesink");
@@ -140,12 +165,12 @@ private Q_SLOTS:
             stream.decode(begin);
         QCOMPARE(stream.passed.value(0), 2500);
 
-        stream.beginAt(3000, 3000, 7500); // behind the stream's end
+        stream.beginAt(3000, 3000, 7500); // after the stream's end
         stream.send(gst_event_new_eos());
         QCOMPARE(stream.clipper.starvedAtEnd(), 2000 * GST_MSECOND);
     }
 
-    // One to either side of the last that was let through is where a pause may find the clip.
+    // A pause may find the clip up to one frame before or after the last one passed.
     void isOffByMoreThanOneFrame() {
         ClippedStream stream;
         stream.beginAt(0, 3000, 0);
@@ -173,11 +198,8 @@ private Q_SLOTS:
         gst_element_set_state(pipeline.get(), GST_STATE_NULL);
     }
 
-    // The parser's own word is the last of these; a decoder goes by whichever it likes.
-    void largestParameterSetCounts_data() {
-        QTest::addColumn<QByteArray>("caps");
-        QTest::addColumn<QByteArray>("bytes"); // in hexadecimal
-        QTest::addColumn<bool>("passes");
+    // A decoder may use any of several parameter sets, whatever the parser reports.
+    void largestParameterSetCounts() {
         const QByteArray start = "00000001";
         const QByteArray small = "674200335680a03d90";
         const QByteArray large = "67420033da003e8007d190";
@@ -195,8 +217,9 @@ private Q_SLOTS:
         const auto sized = [](const QByteArray& nal, int digits) {
             return QByteArray::number(nal.size() / 2, 16).rightJustified(digits, '0') + nal;
         };
-        const auto row = [](const char* name, const QByteArray& caps, const QByteArray& bytes, bool passes) {
-            QTest::newRow(name) << caps << bytes << passes;
+        const auto row = [](const char* name, const QByteArray& caps, const QByteArray& hex, bool passes) {
+            const GstFlowReturn expected = passes ? GST_FLOW_OK : GST_FLOW_ERROR;
+            QVERIFY2(passGate(caps, QByteArray::fromHex(hex)) == expected, name);
         };
         row("H.264, small", h264, start + small + start + slice, true);
         row("H.264, small and large", h264, start + small + start + large + start + slice, false);
@@ -234,14 +257,7 @@ private Q_SLOTS:
         row("hvc1, large", hvc + sized(narrow, 4), sized("2601af", 8) + sized(wide, 8), false);
     }
 
-    void largestParameterSetCounts() {
-        QFETCH(QByteArray, caps);
-        QFETCH(QByteArray, bytes);
-        QFETCH(bool, passes);
-        QCOMPARE(passGate(caps, QByteArray::fromHex(bytes)), passes ? GST_FLOW_OK : GST_FLOW_ERROR);
-    }
-
-    // What isn't granted is null, and what comes back is granted again.
+    // Past the limit the allocator returns null; freed memory is available again.
     void decodedFramesAreBounded() {
         const auto allocator = newFrameAllocator();
         const auto allocate = [&](gsize size) { return gst_allocator_alloc(allocator.get(), size, nullptr); };
@@ -266,16 +282,10 @@ private Q_SLOTS:
         gst_memory_unref(most);
     }
 
-    // The window changes its size while a frame is converted and the next one waits.
-    // In whichever order the splitter reads the index: its end first, a header alone, the same box twice.
+    // In any order in which the splitter reads the index: its end first, a header alone, the same box twice.
     void indexIsCountedWhereverItStands() {
-        const auto box = [](const char* name, const QByteArray& body) {
-            QByteArray head(4, '\0');
-            qToBigEndian(quint32(8 + body.size()), head.data());
-            return head + name + body;
-        };
-        QByteArray run(12, '\0');
-        qToBigEndian(quint32(ql240::limits::kClipSamples / 2 + 1), run.data() + 4);
+        const auto number = [](quint64 value) { return bigEndian(value, 4); };
+        const QByteArray run = number(0) + number(ql240::limits::kClipSamples / 2 + 1) + number(0);
         const QByteArray fragment = box("moof", box("traf", box("trun", run)));
         const QByteArray track = box("trak", box("tkhd", QByteArray(4, '\0')));
         QByteArray index = box("moov", track.repeated(qsizetype(ql240::limits::kTracks) + 10));
@@ -292,12 +302,7 @@ private Q_SLOTS:
         QVERIFY(!tidy(500, fragment, fragment.size()));
 
         // An hour of raw sound, whose table of sizes counts single values; of other sound each is a sample.
-        const auto sound = [&box](const char* format, quint32 chunkCount) {
-            const auto number = [](quint32 value) {
-                QByteArray bytes(4, '\0');
-                qToBigEndian(value, bytes.data());
-                return bytes;
-            };
+        const auto sound = [&number](const char* format, quint32 chunkCount) {
             const QByteArray handler = box("hdlr", number(0) + number(0) + "soun" + number(0));
             const QByteArray formats = box("stsd", number(0) + number(1) + box(format, QByteArray(28, '\0')));
             const QByteArray sizes = box("stsz", number(0) + number(2) + number(3600 * 48000));
@@ -316,6 +321,7 @@ private Q_SLOTS:
         }
     }
 
+    // The window is resized while a frame is converted and the next one waits.
     void newerPictureStays() {
         const auto target = [](int width) {
             return PictureTarget{QSize(width, 1080), QRect(0, 0, width, 1080)};
@@ -329,6 +335,59 @@ private Q_SLOTS:
             frames.slot->setTarget(&window, target(1900));
             QTRY_COMPARE(qGray(frames.slot->takePicture().pixel(9, 9)), 255);
             frames.slot->setTarget(nullptr, {});
+        }
+    }
+
+    void frameLastsUntilTheNextOne() {
+        Row row;
+        QCOMPARE(row.shownAt(0), "to come");
+        for (const int begin : {100, 200, 301, 600})
+            row.put(begin);
+        const std::pair<int, const char*> shown[] = {
+            {50, "100 to 200"},  {100, "100 to 200"}, {199, "100 to 200"}, {300, "301 to 401"},
+            {450, "301 to 600"}, {600, "600 to 700"}, {700, "to come"}};
+        for (const auto& [ms, expected] : shown)
+            QCOMPARE(row.shownAt(ms), QLatin1String(expected));
+        QCOMPARE(row.last(9).begin, GstClockTime(600 * GST_MSECOND));
+        QCOMPARE(row.last(9).end, GstClockTime(9));
+    }
+
+    void oldestGoFirst() {
+        Row row;
+        QVERIFY(!row.reaches(1000));
+        for (int i = 0; i < 10; ++i)
+            row.put(100 * i);
+        QVERIFY(row.reaches(200) && !row.reaches(199));
+        for (const int begin : {1000, 1100, 1200}) // each as large as the limit of the row
+            row.put(begin, 100, 0, ql240::limits::kFrameRowBytes);
+        QVERIFY(row.reaches(1100) && !row.reaches(1099));
+    }
+
+    void onlyTheNewestStaysFarBeforeWhatIsWanted() {
+        Row row;
+        row.put(0, 100, 900);
+        row.put(100, 100, 900);
+        QVERIFY(row.reaches(0));
+        row.put(200, 100, 1101);
+        QVERIFY(row.reaches(200) && !row.reaches(199));
+    }
+
+    void shrunkRowIsTheScalarOne() {
+        std::mt19937 random(5);
+        std::vector<std::uint8_t> upper(800);
+        std::vector<std::uint8_t> lower(upper.size());
+        for (auto* row : {&upper, &lower})
+            std::generate(row->begin(), row->end(), [&] { return static_cast<std::uint8_t>(random()); });
+        for (const RgbMatrix& matrix : {kStudio601, kStudio709, kFull601, kFull709}) {
+            for (int width = 1; width < 70; ++width) {
+                std::vector<std::int32_t> pairs(static_cast<std::size_t>(width));
+                std::generate(pairs.begin(), pairs.end(), [&] { return static_cast<int>(random() % 200); });
+                std::vector<std::uint32_t> vector(pairs.size() + 1, 7); // one more, which must not change
+                std::vector<std::uint32_t> scalar = vector;
+                shrinkRow(upper.data(), lower.data(), pairs.data(), width, matrix, vector.data());
+                shrinkRowScalar(upper.data(), lower.data(), pairs.data(), width, matrix, scalar.data());
+                QCOMPARE(vector, scalar);
+            }
         }
     }
 };

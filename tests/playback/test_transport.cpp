@@ -1,4 +1,4 @@
-// The transport's states over streams that answer when and as the test wants.
+// The transport's states over streams whose answers the test controls.
 #include <QTest>
 
 #include "platform/gstreamer/transport.h"
@@ -37,9 +37,9 @@ struct FakeStreams final : Streams {
 
     bool accepts = true;
     bool pauseIsAwaited = false;
-    std::int64_t lastPicture = -1; // where a stream has ended
+    std::int64_t lastPicture = -1; // of a stream that has ended
     std::int64_t playedTo = 0;
-    std::int64_t lateStopBy = 0; // how far time goes on while they stop
+    std::int64_t lateStopBy = 0; // how far they play on while stopping
     std::int64_t picture = 1000; // on display
     QStringList log;
     QString stood;
@@ -67,7 +67,7 @@ class TestTransport : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void whatWasSaidBeforeCountsForNothing() {
+    void answersToOlderSeeksAreDropped() {
         Paused clip;
         clip.transport.setState(GraphState::Running);
         const std::uint32_t before = clip.streams.number;
@@ -92,14 +92,14 @@ private Q_SLOTS:
         QCOMPARE(clip.streams.log, QStringList({"seek 100", "seek 999"}));
     }
 
-    // Wherever the picture comes from: all streams play on from the position.
+    // Whatever showed the picture, all streams play on from the position.
     void playsOnFromThePosition() {
         const std::tuple<int, int, bool, QString> rows[] = {
             {700, -1, true, "seek 700, run"},
             {700, -1, false, "seek 700, run"},
             {550, -1, true, "move 550, seek 550, run"},
             {550, -1, false, "move 550, run, seek 550"},
-            {700, 600, true, "seek 700, seek 600, seek 700, run"}, // behind a stream
+            {700, 600, true, "seek 700, seek 600, seek 700, run"}, // after a stream's end
             {700, 600, false, "seek 700, seek 600, run, seek 700"},
         };
         for (const auto& [target, lastPicture, hasArrived, log] : rows) {
@@ -122,8 +122,8 @@ private Q_SLOTS:
         }
     }
 
-    // The streams hold a picture from far before the position, or behind it; a seek in between has its own.
-    void strayPictureIsMadeUpForAtAPause() {
+    // The streams paused far before the position or after it; a seek in between replaces the correction.
+    void strayPictureIsCorrectedAtAPause() {
         for (const auto& [picture, sought] : {std::pair(600, false), {600, true}, {660, false}}) {
             Paused clip;
             clip.transport.setState(GraphState::Running);
@@ -152,7 +152,7 @@ private Q_SLOTS:
         QCOMPARE(streams.log, QStringList({"seek 0", "pause"}));
     }
 
-    void refusedTargetsAreSaidSo() {
+    void refusedTargetsAreReported() {
         Paused clip;
         clip.streams.accepts = false;
         for (int i = 0; i < 2; ++i) {
@@ -175,7 +175,7 @@ private Q_SLOTS:
         QCOMPARE(clip.streams.log, QStringList({"seek 900", "seek 900"}));
     }
 
-    // With no further call.
+    // Without a further call.
     void moveThatNeverArrivesBecomesASeek() {
         Paused clip;
         clip.transport.seek(550);

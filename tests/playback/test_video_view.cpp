@@ -1,4 +1,4 @@
-// The view on a pipeline that plays nothing: where the picture goes, zoom and pan, hidden pictures.
+// The view on a fake pipeline: the picture's place, zoom and pan, hidden pictures.
 #include <QMouseEvent>
 #include <QSignalSpy>
 #include <QTest>
@@ -42,7 +42,7 @@ private:
         return view;
     }
 
-    // What the zoom and the pan have asked for since the last look: "stream:value" of each side.
+    // The calls of zoom and pan since the last look, as "stream:value".
     QString takePlace() {
         QStringList numbers;
         for (const QString& call : m_media.takeLog()) {
@@ -106,7 +106,7 @@ private Q_SLOTS:
         QVERIFY(m_view->openClip(&m_clip));
         QVERIFY(m_view->zoom() == 1.0F);
         QCOMPARE(opened.size(), 1);
-        // The clip that was is closed first; the picture is placed last.
+        // The previous clip is closed first; the picture is placed last.
         QCOMPARE(m_media.log.mid(2, 3), QStringList({"stop", "graph gone", "create graph"}));
         QCOMPARE(m_media.log.mid(m_media.log.size() - 5), attached(0));
         m_media.answers[QStringLiteral("load")] = kStatusFail;
@@ -134,7 +134,7 @@ private Q_SLOTS:
         QVERIFY(m_second->zoom() == 1.3F);
     }
 
-    // Floats that drift: ten steps there and ten back don't meet.
+    // Floats drift: ten steps in and ten out don't meet.
     void zoomSums() {
         const auto zoomBy = [this](int steps) {
             for (int i = 0; i < std::abs(steps); ++i)
@@ -160,27 +160,27 @@ private Q_SLOTS:
         QVERIFY(m_view->hasFocus());
         m_second->zoomStep(1);
         QCOMPARE(takePlace(), "1:832 1:467 1:-96 1:-53");
-        m_view->resize(1280, 720); // on the nominal size, whatever the view's own
+        m_view->resize(1280, 720); // the slack counts from the nominal size
         m_view->zoomStep(1);
         QCOMPARE(takePlace(), "0:1664 0:935 0:-512 0:-287");
         m_view->zoomStep(0);
         QVERIFY(m_view->zoom() == 1.0F);
         QCOMPARE(m_media.takeLog(), attached(0, "6,1 1268x719"));
-        // Without its second stream the second view's own player is the target, which is closed.
+        // A hidden second view has only its own player, which is closed.
         m_second->setVideoVisible(false);
         m_media.takeLog();
         m_second->zoomStep(1);
         QVERIFY(m_media.log.isEmpty());
     }
 
-    void dragOutsideZoomWindowModeIsTheWindows() {
+    void dragOutsideZoomWindowModeIsIgnored() {
         m_view->zoomStep(1);
         m_media.takeLog();
         QVERIFY(!press({100, 100}) && !move({140, 140}));
         QVERIFY(m_media.log.isEmpty());
     }
 
-    // 832 x 467.99998 in 640 x 360, 50 of slack.
+    // 832 × 467.99998 in 640 × 360, with 50 pixels of slack.
     void panEndsAtTheEdges() {
         const auto placeAt = [this](const QPoint& offset) {
             press({300, 200});
@@ -208,7 +208,7 @@ private Q_SLOTS:
         QCOMPARE(placeAt({103, 100}), "0:3 0:0");
         QCOMPARE(placeAt({101, 102}), "");
         QCOMPARE(placeAt({103, 97}), "0:3 0:-3");
-        QCOMPARE(placeAt({190, 97}), ""); // refused: counts from where it was
+        QCOMPARE(placeAt({190, 97}), ""); // refused, and doesn't count
         QCOMPARE(placeAt({105, 97}), "");
     }
 
@@ -224,7 +224,7 @@ private Q_SLOTS:
                 m_media.deliver(stream, {16, 128, 16, 128});
         });
         streaming.join();
-        QVERIFY(m_media.log.isEmpty()); // for the interface thread to do
+        QVERIFY(m_media.log.isEmpty()); // left to the interface thread
         QCoreApplication::processEvents();
         QCOMPARE(m_media.takeLog(), attached(0));
         m_second->setVideoVisible(true);

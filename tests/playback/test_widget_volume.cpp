@@ -1,4 +1,4 @@
-// The volume gauge: the level that it shows, and the volume that it sets.
+// The volume gauge: the level it shows and the volume it sets.
 #include <QMouseEvent>
 #include <QTest>
 

@@ -1,6 +1,5 @@
 #include <QFile>
 #include <QLocale>
-#include <QPainter>
 #include <QTest>
 #include <QTimer>
 #include <clocale>
@@ -9,24 +8,15 @@
 
 #include "base/preferences.h"
 #include "platform/host.h"
-#include "platform/url_opener.h"
 #include "sensors/map_page.h"
 #include "sensors/map_view.h"
 #include "support/fake_web_pages.h"
 
-namespace ql240 {
+using namespace ql240;
 namespace {
 
 constexpr double kStartLatitude = 37.409571;
 constexpr double kStartLongitude = 127.129253;
-
-struct Browser : UrlOpener {
-    QStringList addresses;
-    bool openUrl(const QString& address) override {
-        addresses.append(address);
-        return true;
-    }
-};
 
 SensorSample sampleAt(double latitude, double longitude) {
     SensorSample sample;
@@ -42,11 +32,11 @@ class TestMapView : public QObject {
 
 private:
     FakeWebPages m_pages;
-    Browser m_browser;
+    FakeUrlOpener m_browser;
     std::unique_ptr<QWidget> m_window;
     MapView* m_map = nullptr;
 
-    // A map in a window that has been painted, its page loaded, and the calls so far forgotten.
+    // Shows the window, loads the map's page and drops the calls so far.
     void showLoaded() {
         m_window->show();
         QTRY_COMPARE(m_pages.texts.size(), 1);
@@ -79,7 +69,7 @@ private Q_SLOTS:
         QCOMPARE(goScript(-33.868831, -0.000004), "go(-33.86883,-0.00000)");
         QCOMPARE(goScript(0.00000123, 179.999999), "go(0.00000,180.00000)"); // no exponent
         QCOMPARE(trackScript({}), "setTrack([])");
-        // A tunnel parts the track, and so does what is no place; a stop is one point.
+        // Samples without a valid position split the track; a stop is one point.
         QCOMPARE(trackScript({sampleAt(1, 2), sampleAt(1, 3), sampleAt(0, 3), sampleAt(1, 4)}),
                  "setTrack([[[1.00000,2.00000],[1.00000,3.00000]],[[1.00000,4.00000]]])");
         QCOMPARE(trackScript({sampleAt(1, 2), sampleAt(std::nan(""), 2), sampleAt(1, 3), sampleAt(1, 999)}),
@@ -91,8 +81,8 @@ private Q_SLOTS:
                  "{bytes:1048576,sides:[256,512]})");
     }
 
-    // The C library's locale determines printf's decimal point, Qt's that of its own texts.
-    void numbersAreFreeOfTheLocale() {
+    // The C library's locale determines printf's decimal point, Qt's that of its own formatting.
+    void numbersIgnoreTheLocale() {
         const QLocale before;
         QLocale::setDefault(QLocale(QLocale::German));
         std::setlocale(LC_NUMERIC, "de_DE.UTF-8");
@@ -203,7 +193,7 @@ private Q_SLOTS:
         QVERIFY(!m_pages.scripts.contains(goScript(1, 2)));
     }
 
-    // What goes wrong with the page shows the backdrop, then the page is set again.
+    // When the page fails the backdrop is shown, then the page is loaded again.
     void lostPageComesBack() {
         const std::function<void()> troubles[] = {
             [&] { m_pages.events.loadFinished(false); },
@@ -228,8 +218,7 @@ private Q_SLOTS:
         }
     }
 
-    // Waits grow from trouble to trouble, each of which may be reported twice, until a page has stood for a
-    // while.
+    // Each failure, which may be reported twice, doubles the wait, until a page has worked for a while.
     void longWaitsEnd() {
         showLoaded();
         QTimer* const revive = m_map->findChild<QTimer*>("reviveTimer");
@@ -251,11 +240,9 @@ private Q_SLOTS:
     void linksGoToTheBrowser() {
         showLoaded();
         m_pages.events.linkClicked(QUrl("https://www.openstreetmap.org/copyright"));
-        QCOMPARE(m_browser.addresses, QStringList{"https://www.openstreetmap.org/copyright"});
+        QCOMPARE(m_browser.opened, QStringList{"https://www.openstreetmap.org/copyright"});
     }
 };
 
-} // namespace ql240
-
-QTEST_MAIN(ql240::TestMapView)
+QTEST_MAIN(TestMapView)
 #include "test_map_view.moc"

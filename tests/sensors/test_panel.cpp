@@ -1,11 +1,11 @@
-// The panel's arithmetic and what it puts where, painted with stand-in pictures of one colour each.
+// The panel's arithmetic and layout, painted with pictures of one colour each.
 #include <QImage>
 #include <QPainter>
 #include <QTest>
 
 #include "sensors/panel_painting.h"
 
-namespace ql240 {
+using namespace ql240;
 namespace {
 
 QPixmap plain(QSize size, QColor colour) {
@@ -16,8 +16,7 @@ QPixmap plain(QSize size, QColor colour) {
 
 const QColor kMph(30, 0, 0);
 
-// Segment i is (10, i, 0), digit i (20, i, 0). The other pictures' places are seen on the windows' kept
-// pictures.
+// Segment i is (10, i, 0), digit i (20, i, 0). The golden pictures show the other pictures.
 QImage paint(const PanelState& state) {
     PanelImages images;
     for (int i = 0; i < panel::kSegmentCount; ++i)
@@ -86,7 +85,7 @@ private Q_SLOTS:
             state.progressMaximum = maximum;
             QCOMPARE(extent(paint(state), Qt::white), x < 642 ? QRect(x, 2, 1, 33) : QRect());
         }
-        QCOMPARE(panel::seekTarget(629, 0, 10800000, 642), 10782802); // past 32 bits on the way
+        QCOMPARE(panel::seekTarget(629, 0, 10800000, 642), 10782802); // needs more than 32 bits on the way
     }
 
     void texts() {
@@ -101,7 +100,7 @@ private Q_SLOTS:
     }
 
     void tracePlaces() {
-        // Below 11 lost by whole-number division; the last below the cap, the cap, the smallest.
+        // Integer division loses values below 11; then the last below the cap, the cap, the smallest.
         const std::pair<int, int> heights[] = {{10, 18},  {11, 19},  {128, 30},   {-128, 30},
                                                {211, 37}, {212, 38}, {-32768, 38}};
         for (const auto& [acceleration, y] : heights)
@@ -111,24 +110,7 @@ private Q_SLOTS:
         QCOMPARE(panel::traceX(3, 3, 642), 640);
         QCOMPARE(panel::traceX(1, 1280, 642), 1); // half rounds up
     }
-
-    // Two samples: every axis starts at rest, the later axis covers the earlier one.
-    void trace() {
-        QImage picture(642, 41, QImage::Format_RGB32);
-        picture.fill(Qt::black);
-        QPainter painter(&picture);
-        paintTrace(painter, {{0, 0, 128, 128, 0, 0, 0}, {100, 0, 128, -211, 0, 0, 0}}, 642);
-        painter.end();
-        QCOMPARE(picture.pixelColor(0, 18), QColor(0, 0, 255));
-        QCOMPARE(picture.pixelColor(310, 18), QColor(255, 0, 0));
-        QCOMPARE(picture.pixelColor(310, 29), QColor(0, 0, 255));
-        QCOMPARE(picture.pixelColor(630, 30), QColor(255, 255, 0));
-        QCOMPARE(picture.pixelColor(640, 37), QColor(0, 0, 255));
-        QCOMPARE(picture.pixelColor(641, 37), QColor(Qt::black));
-    }
 };
 
-} // namespace ql240
-
-QTEST_MAIN(ql240::TestPanel)
+QTEST_MAIN(TestPanel)
 #include "test_panel.moc"

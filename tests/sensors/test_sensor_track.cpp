@@ -4,7 +4,7 @@
 #include "support/fake_sensor_library.h"
 #include "support/made_card.h"
 
-namespace ql240 {
+using namespace ql240;
 namespace {
 
 QByteArray trailerLines(int count) {
@@ -32,33 +32,24 @@ private:
     }
 
 private Q_SLOTS:
-    void trailerTimes_data() {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<int>("lines");
-        QTest::addColumn<qint64>("durationMs");
-        QTest::addColumn<int>("samples");
-        QTest::addColumn<int>("stepMs");
-        QTest::newRow("driving clip") << "REC_a.avi" << 600 << qint64(60000) << 600 << 100;
-        QTest::newRow("event clip") << "EVT_a.avi" << 600 << qint64(60000) << 801 << 75;
-        QTest::newRow("motion clip of two lines") << "MOT_b.avi" << 2 << qint64(900) << 4 << 250;
-        QTest::newRow("event clip of one line") << "EVT_c.avi" << 1 << qint64(900) << 2 << 500;
-        QTest::newRow("half rounds up") << "REC_d.avi" << 40 << qint64(4080) << 40 << 105;
-        QTest::newRow("just below half") << "REC_e.avi" << 40 << qint64(4079) << 40 << 104;
-        QTest::newRow("past 32 bits") << "REC_f.avi" << 2 << qint64(4000000000) << 2 << 2000000050;
-    }
+    // Event and motion clips are padded in front; half a millisecond rounds up; times wrap at 32 bits.
     void trailerTimes() {
-        QFETCH(QString, name);
-        QFETCH(int, lines);
-        QFETCH(qint64, durationMs);
-        QFETCH(int, samples);
-        QFETCH(int, stepMs);
-        SensorTrack track;
-        QVERIFY(appendTrailer(track, writeClip(name, clipWithTrailer(trailerLines(lines))), durationMs));
-        QCOMPARE(int(track.size()), samples);
-        const int padding = samples - lines;
-        for (int i = 0; i < samples; ++i) {
-            QCOMPARE(track[i].timeMs, qint32(quint32(i) * quint32(stepMs)));
-            QCOMPARE(track[i].speed, std::max(i - padding, 0) % 200);
+        const std::tuple<const char*, int, qint64, int, int> rows[] = {
+            {"REC_a.avi", 600, 60000, 600, 100},
+            {"EVT_a.avi", 600, 60000, 801, 75},
+            {"MOT_b.avi", 2, 900, 4, 250},
+            {"EVT_c.avi", 1, 900, 2, 500},
+            {"REC_d.avi", 40, 4080, 40, 105},
+            {"REC_e.avi", 40, 4079, 40, 104},
+            {"REC_f.avi", 2, 4000000000, 2, 2000000050}};
+        for (const auto& [name, lines, durationMs, samples, stepMs] : rows) {
+            SensorTrack track;
+            QVERIFY(appendTrailer(track, writeClip(name, clipWithTrailer(trailerLines(lines))), durationMs));
+            QCOMPARE(int(track.size()), samples);
+            for (int i = 0; i < samples; ++i) {
+                QCOMPARE(track[i].timeMs, qint32(quint32(i) * quint32(stepMs)));
+                QCOMPARE(track[i].speed, std::max(i - (samples - lines), 0) % 200);
+            }
         }
     }
 
@@ -78,32 +69,28 @@ private Q_SLOTS:
         }
     }
 
-    void whereTheMarkerCounts_data() {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<int>("samples"); // −1: no marker found
-        const QByteArray tail = "ETKLP1\n" + trailerLines(3);
-        const auto inTail = [&](int before, qsizetype tailSize) {
-            return QByteArray(before, 'v') + tail + QByteArray(tailSize - tail.size(), '\n');
-        };
-        QTest::newRow("first byte of the file") << "a.avi" << tail << -1;
-        QTest::newRow("second byte of the file") << "a.avi" << 'v' + tail << 3;
-        QTest::newRow("first byte of the searched tail") << "a.avi" << inTail(50000, 33006) << -1;
-        QTest::newRow("second byte of the searched tail") << "a.avi" << inTail(50000, 33005) << 3;
-        QTest::newRow("marker ends the file") << "a.avi" << QByteArray("vvETKLP1") << 0;
-        QTest::newRow("empty file") << "a.avi" << QByteArray() << -1;
-        QTest::newRow("no avi in the name") << "a.mp4" << 'v' + tail << -1;
-        QTest::newRow("name in capitals") << "a.AVI" << 'v' + tail << -1;
-        const QByteArray shortLines = "vETKLP1\n\r\n\nshort,1,2\n" + trailerLines(1) + "x,1,2,3,4,5";
-        QTest::newRow("empty and short lines") << "a.avi" << shortLines << 1;
-    }
     void whereTheMarkerCounts() {
-        QFETCH(QString, name);
-        QFETCH(QByteArray, bytes);
-        QFETCH(int, samples);
-        SensorTrack track;
-        QCOMPARE(appendTrailer(track, writeClip(name, bytes), 60000), samples >= 0);
-        QCOMPARE(int(track.size()), std::max(samples, 0));
+        constexpr int kNoMarker = -1;
+        const QByteArray tail = "ETKLP1\n" + trailerLines(3);
+        const auto inTail = [&](qsizetype tailSize) {
+            return QByteArray(50000, 'v') + tail + QByteArray(tailSize - tail.size(), '\n');
+        };
+        const QByteArray shortLines = "vETKLP1\n\r\n\nshort,1,2\n" + trailerLines(1) + "x,1,2,3,4,5";
+        const std::tuple<const char*, QByteArray, int> rows[] = {
+            {"a.avi", tail, kNoMarker}, // the file's first byte doesn't count
+            {"a.avi", 'v' + tail, 3},
+            {"a.avi", inTail(33006), kNoMarker}, // nor does that of the searched tail
+            {"a.avi", inTail(33005), 3},
+            {"a.avi", "vvETKLP1", 0},
+            {"a.avi", "", kNoMarker},
+            {"a.mp4", 'v' + tail, kNoMarker},
+            {"a.AVI", 'v' + tail, kNoMarker},
+            {"a.avi", shortLines, 1}};
+        for (const auto& [name, bytes, samples] : rows) {
+            SensorTrack track;
+            QCOMPARE(appendTrailer(track, writeClip(name, bytes), 60000), samples != kNoMarker);
+            QCOMPARE(int(track.size()), std::max(samples, 0));
+        }
     }
 
     void unreadableClips() {
@@ -114,7 +101,7 @@ private Q_SLOTS:
         QVERIFY(!appendTrailer(track, ".avi", 1000));
     }
 
-    // A load appends: padding and times are worked out over all samples, the ones from before included.
+    // Loading appends; padding and times then count all samples, including the earlier ones.
     void loadingTwiceAppends() {
         const QString path = writeClip("EVT_twice.avi", clipWithTrailer(trailerLines(4)));
         SensorTrack track;
@@ -125,7 +112,7 @@ private Q_SLOTS:
         QCOMPARE(track[1].timeMs, 71);
     }
 
-    // Both questions are asked in every round, and the first that isn't answered ends it.
+    // Each round asks for position and acceleration; the first without an answer is the last.
     void library() {
         const std::array<int, 4> rows[] = {
             {1000000, 1000000, 611, 611}, {30000, 1000000, 301, 302}, {30000, 200, 3, 4}, {-1, -1, 0, 1}};
@@ -169,7 +156,5 @@ private Q_SLOTS:
     }
 };
 
-} // namespace ql240
-
-QTEST_GUILESS_MAIN(ql240::TestSensorTrack)
+QTEST_GUILESS_MAIN(TestSensorTrack)
 #include "test_sensor_track.moc"

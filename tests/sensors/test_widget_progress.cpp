@@ -1,7 +1,5 @@
-#include <QDate>
 #include <QElapsedTimer>
 #include <QMouseEvent>
-#include <QPainter>
 #include <QScopeGuard>
 #include <QSemaphore>
 #include <QSignalSpy>
@@ -15,10 +13,10 @@
 #include "support/held_jobs.h"
 #include "support/made_card.h"
 
-namespace ql240 {
+using namespace ql240;
 namespace {
 
-// Sends the event as the main window does, straight to the handler; true when it was accepted.
+// Calls the event's handler, as the main window does; true if the event was accepted.
 bool send(WidgetProgressA& panel, QEvent::Type type, QPoint place, Qt::MouseButton button = Qt::LeftButton) {
     QMouseEvent event(type, QPointF(place), QPointF(place), button, button, Qt::NoModifier);
     event.setAccepted(true);
@@ -35,7 +33,7 @@ constexpr auto kPress = QEvent::MouseButtonPress;
 constexpr auto kMove = QEvent::MouseMove;
 constexpr auto kRelease = QEvent::MouseButtonRelease;
 
-// How many pixels of this colour the strip has.
+// Number of pixels of this colour in the strip.
 int coloured(const QImage& strip, QColor colour) {
     int count = 0;
     for (int x = 0; x < strip.width(); ++x)
@@ -80,7 +78,7 @@ private Q_SLOTS:
         expect("01:01/02:05", 125000, 61500);
         panel.setRange(0, 60000);
         expect("01:01/01:00", 60000, 61500);
-        panel.setValue(61501); // let through since the range changed after the last paint
+        panel.setValue(61501); // allowed because the range changed after the last paint
         panel.setRange(0, 60000);
         panel.grab();
         panel.setValue(61502);
@@ -91,10 +89,9 @@ private Q_SLOTS:
         QCOMPARE(panel.state().timeText, "00:00/00:00");
     }
 
-    // A card reader that doesn't answer holds up nothing; the text follows when it does, and stays without a
-    // card.
+    // A card reader that doesn't answer delays nothing; its late answer is shown, and stays without a card.
     void hangingCardReader() {
-        // They outlive the panel, for a look that nobody waits for any more.
+        // Shared with a look that may outlive the panel.
         const auto answers = std::make_shared<QSemaphore>();
         const auto looks = std::make_shared<std::atomic<int>>(0);
         QElapsedTimer timer;
@@ -107,11 +104,11 @@ private Q_SLOTS:
         });
         for (int i = 0; i < 100; ++i)
             panel.setClipPath("a.mp4");
-        QVERIFY(timer.elapsed() < 5000); // a hundred waits of the constructor's would be more
+        QVERIFY(timer.elapsed() < 5000); // less than a hundred waits
         QCOMPARE(panel.state().modelText, "unknown");
         answers->release();
         QTRY_COMPARE(panel.state().modelText, "QL240");
-        answers->release(); // one more look for all the clips
+        answers->release(); // one more look for all clips together
         QTRY_COMPARE(looks->load(), 2);
         panel.setClipPath("b.mp4");
         QTRY_COMPARE(looks->load(), 3); // the one before has answered
@@ -147,7 +144,7 @@ private Q_SLOTS:
         QCOMPARE(panel.sampleAt(0).timeMs, -1);
     }
 
-    // A slow track comes later, unless the panel was cleared, told to stop or given another clip meanwhile.
+    // A slow track arrives later, unless the panel was cleared, stopped or given another clip meanwhile.
     void lateTrack() {
         const std::pair<std::function<void(WidgetProgressA&)>, int> rows[] = {
             {[](WidgetProgressA&) {}, 1},
@@ -168,8 +165,7 @@ private Q_SLOTS:
         }
     }
 
-    // A clip that doesn't answer keeps neither the next one waiting nor the panel from its end; its thread
-    // goes on with what it has.
+    // A clip that doesn't answer delays neither the next one nor the panel's end.
     void hangingClip() {
         QSemaphore gate;
         std::atomic<int> asked = 0;
@@ -188,11 +184,11 @@ private Q_SLOTS:
             panel.loadSensorData(500);
             QTRY_COMPARE(panel.sensorTrack().size(), size_t(611));
         }
-        m_library.reset(); // waits for the one that hung
+        m_library.reset(); // waits for the thread that hung
         QCOMPARE(asked.load(), 2 * 2 * 611);
     }
 
-    // A clip without data clears the readings; one whose trailer is found keeps them until the next look-up.
+    // A clip without data clears the readings; one with a trailer keeps them until the next look-up.
     void readingsAcrossClips() {
         PromptJobs prompt;
         WidgetProgressA panel;
@@ -242,46 +238,31 @@ private Q_SLOTS:
         QCOMPARE(panel.state().accZ, 0);
     }
 
-    void clicks_data() {
-        QTest::addColumn<QPoint>("pressed");
-        QTest::addColumn<QPoint>("released");
-        QTest::addColumn<bool>("pressTaken");
-        QTest::addColumn<int>("target");
-        const auto row = [](const char* name, QPoint pressed, QPoint released, bool pressTaken, int target) {
-            QTest::newRow(name) << pressed << released << pressTaken << target;
-        };
-        row("dragged", {316, 20}, {2, 40}, true, 0);
-        row("right end", {629, 1}, {629, 1}, true, 59904);
-        row("pressed right of the area", {630, 20}, {316, 20}, false, -1);
-        row("pressed above the area", {316, 0}, {316, 20}, false, -1);
-        row("pressed below the strip", {316, 41}, {316, 20}, false, -1);
-        row("released left of the area", {316, 20}, {1, 20}, true, -1);
-        row("released below the strip", {316, 20}, {316, 41}, true, -1);
-    }
     void clicks() {
-        QFETCH(QPoint, pressed);
-        QFETCH(QPoint, released);
-        QFETCH(bool, pressTaken);
-        QFETCH(int, target);
-        WidgetProgressA panel;
-        panel.setActive(false); // the strip works all the same
-        panel.setRange(0, 60000);
-        const QSignalSpy spy(&panel, &WidgetProgressA::clicked);
-        QVERIFY(!send(panel, kMove, released));
-        QVERIFY(!send(panel, kPress, pressed, Qt::RightButton));
-        QCOMPARE(send(panel, kPress, pressed), pressTaken);
-        QVERIFY(!send(panel, kRelease, released, Qt::RightButton));
-        QCOMPARE(send(panel, kMove, QPoint(50, 20)), pressTaken);
-        QCOMPARE(send(panel, kRelease, released), target >= 0);
-        QCOMPARE(spy.count(), target >= 0 ? 1 : 0);
-        if (target >= 0)
-            QCOMPARE(spy.at(0).at(0).toInt(), target);
-        // The drag goes on only when the button was let go below the strip.
-        QCOMPARE(send(panel, kMove, QPoint(50, 20)), pressTaken && released.y() > 40);
+        const std::tuple<QPoint, QPoint, bool, int> rows[] = {
+            {{316, 20}, {2, 40}, true, 0},     {{629, 1}, {629, 1}, true, 59904},
+            {{630, 20}, {316, 20}, false, -1}, {{316, 0}, {316, 20}, false, -1},
+            {{316, 41}, {316, 20}, false, -1}, {{316, 20}, {1, 20}, true, -1},
+            {{316, 20}, {316, 41}, true, -1}};
+        for (const auto& [pressed, released, pressTaken, target] : rows) {
+            WidgetProgressA panel;
+            panel.setActive(false); // the strip works nevertheless
+            panel.setRange(0, 60000);
+            const QSignalSpy spy(&panel, &WidgetProgressA::clicked);
+            QVERIFY(!send(panel, kMove, released));
+            QVERIFY(!send(panel, kPress, pressed, Qt::RightButton));
+            QCOMPARE(send(panel, kPress, pressed), pressTaken);
+            QVERIFY(!send(panel, kRelease, released, Qt::RightButton));
+            QCOMPARE(send(panel, kMove, QPoint(50, 20)), pressTaken);
+            QCOMPARE(send(panel, kRelease, released), target >= 0);
+            QCOMPARE(spy.count(), target >= 0 ? 1 : 0);
+            QCOMPARE(spy.value(0).value(0).toInt(), std::max(target, 0));
+            // The drag goes on only if the button was released below the strip.
+            QCOMPARE(send(panel, kMove, QPoint(50, 20)), pressTaken && released.y() > 40);
+        }
     }
 
-    // A release that the panel has seen below the strip leaves the drag on; one that got lost ends it with
-    // the next press.
+    // A release below the strip keeps the drag; after a lost one, the next press ends it.
     void lostRelease() {
         WidgetProgressA panel;
         panel.setRange(0, 60000);
@@ -315,7 +296,5 @@ private Q_SLOTS:
     }
 };
 
-} // namespace ql240
-
-QTEST_MAIN(ql240::TestWidgetProgress)
+QTEST_MAIN(TestWidgetProgress)
 #include "test_widget_progress.moc"

@@ -1,5 +1,4 @@
-// Saving under every kind of bad luck: each file of the card is afterwards as it was or new, never empty, and
-// nothing is left over.
+// Saving when something fails: each file stays as it was or is new, never empty, and nothing is left over.
 #include <sys/mount.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -17,25 +16,23 @@ using namespace ql240;
 
 namespace {
 
-bool g_ownMounts = false;
-
 constexpr int kByteFiles = 26;
 const QByteArray kClock = "2031-07-31-18-05-09";
 
-// What a save has no business with.
+// Files that a save must not change.
 const std::pair<QString, QByteArray> kUntouched[] = {
     {"setting.dat", "framevalue:2\nunknownvalue:7\n"},
     {"setspeedunit.dat", "\x01"},
 };
 
-// What one run made of the card: each file is new, as it was, or neither.
+// The card after one save.
 struct Outcome {
     int notNew = 0;
-    int mixed = 0; // of those, neither new nor as they were
-    QString error; // a file that is neither old nor new, or that should not be there
+    int mixed = 0; // of those, changed
+    QString error; // the mixed files, and files that should not be there
 };
 
-// What the card holds before a save.
+// The card before a save.
 enum class Before { NoFolder, NoFiles, OneByteFiles, LongFiles, EmptyFiles, UpperCaseFiles };
 
 struct CardOfFiles {
@@ -75,7 +72,7 @@ struct CardOfFiles {
     }
 };
 
-// A record of which every value differs from what the card holds.
+// A record in which every value differs from the card's.
 DeviceSettings changedRecord(const QString& folder, CardFiles& files = systemCardFiles()) {
     DeviceSettings record(folder, files);
     int index = 0;
@@ -91,11 +88,11 @@ char newByte(const SettingKey& key, int index) {
                                                       : char(50 + index);
 }
 
-// A file that is overwritten has its new byte before it has its new length; in the end both count.
+// An overwritten file gets its new byte before its new length; after the last save both must be right.
 Outcome outcome(const CardOfFiles& files, bool atTheEnd = false) {
     Outcome result;
     QStringList rest = files.card.files("setting");
-    const auto judge = [&](const QString& plainName, const std::optional<QByteArray>& old,
+    const auto check = [&](const QString& plainName, const std::optional<QByteArray>& old,
                            const QByteArray& fresh, bool firstByteCounts) {
         const QString name = files.fileName(plainName);
         const auto bytes = files.card.bytes("setting/" + name);
@@ -111,12 +108,12 @@ Outcome outcome(const CardOfFiles& files, bool atTheEnd = false) {
     int index = 0;
     for (const SettingKey& key : kSettingKeys) {
         if (key.files & kByteWritten) {
-            judge(QStringLiteral("set%1.dat").arg(key.name), files.oldByte(index),
+            check(QStringLiteral("set%1.dat").arg(key.name), files.oldByte(index),
                   QByteArray(1, newByte(key, index)), true);
         }
         ++index;
     }
-    judge("settime.dat", files.oldClock(), kClock, false);
+    check("settime.dat", files.oldClock(), kClock, false);
     for (const auto& [name, bytes] : kUntouched) {
         rest.removeOne(name);
         if (files.before != Before::NoFolder && files.card.bytes("setting/" + name) != bytes)
@@ -171,7 +168,7 @@ constexpr std::pair<Fault, const char*> kFaults[] = {{Fault::FailOne, "one opera
                                                      {Fault::FailFromThere, "the card is pulled out"},
                                                      {Fault::Kill, "the process is killed"}};
 
-// Sums up runs as a line of the page that publishes them.
+// The sum of all runs of a kind, as a line of docs/card-faults.md.
 struct TableLine {
     int runs = 0, fresh = 0, old = 0, mixed = 0, rests = 0;
 
@@ -182,7 +179,7 @@ struct TableLine {
         mixed += outcome.mixed;
         rests += int(outcome.error.count(u".new"));
     }
-    // Empty where the page has it, else the line that it should have.
+    // The line, unless the page has it.
     QString missing(const char* name) const {
         QFile page(QStringLiteral(QL240_DOCS "/card-faults.md"));
         const QString head = QString::fromLatin1(name).replace(", ", " | ");
@@ -253,8 +250,8 @@ private Q_SLOTS:
                 saveWith(card.path("setting"), fault, at);
             const Outcome result = outcome(cardFiles);
             sums.add(result);
-            // One operation costs one file at most, unless the folder itself couldn't be had; what ends the
-            // save may leave the one file that was being written aside, until the next save.
+            // A failed operation costs one file at most, unless it was on the folder. What ends the save may
+            // leave one temporary file, until the next save.
             const bool few = result.notNew <= 1 || result.notNew == kByteFiles + 1;
             const bool isWell =
                 fault == Fault::FailOne ? result.error.isEmpty() && few : hasOneRestAtMost(result);
@@ -267,14 +264,14 @@ private Q_SLOTS:
         QCOMPARE(sums.missing(QTest::currentDataTag()), QString());
     }
 
-    // Each new file needs a page; those that are there need none.
+    // Each new file needs a page of the file system, existing ones don't.
     void fileSystemIsFull() {
         const std::tuple<Before, int, int, const char*> rows[] = {
             {Before::NoFiles, 0, 27, "no files, no room"},
             {Before::NoFiles, 10, 17, "no files, room for ten"},
             {Before::NoFiles, 27, 0, "no files, room for all"},
             {Before::OneByteFiles, 0, 0, "files of one byte, no room"},
-            {Before::LongFiles, 1, 0, "longer files, no room but for the clock's"},
+            {Before::LongFiles, 1, 0, "longer files, room for the clock's"},
             {Before::LongFiles, 0, 1, "longer files, no room"},
             {Before::EmptyFiles, 3, 24, "empty files, room for three"},
         };
@@ -297,18 +294,14 @@ private:
         const auto unmount = qScopeGuard([&] { ::umount2(place.constData(), MNT_DETACH); });
         const CardOfFiles files{card, before};
         files.make();
-        QVERIFY(freePages < 0 ? makeReadOnly(folder) : fillUp(folder, freePages));
+        QVERIFY(freePages < 0 ? makeReadOnly(place) : fillUp(folder, freePages));
         (void)changedRecord(folder).save();
         const Outcome result = outcome(files, true);
         QVERIFY2(result.error.isEmpty() && result.notNew == notNew, name);
     }
 };
 
-// The namespace has to be entered before there is a second thread.
 int main(int argc, char** argv) {
-    g_ownMounts = enterOwnMounts();
-    QCoreApplication app(argc, argv);
-    TestCardSaving test;
-    return QTest::qExec(&test, argc, argv);
+    return runOnOwnMounts<QCoreApplication, TestCardSaving>(argc, argv);
 }
 #include "test_card_saving.moc"

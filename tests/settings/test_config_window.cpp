@@ -8,7 +8,6 @@
 #include <QWindow>
 
 #include "settings/config_layout.h"
-#include "settings/config_window.h"
 #include "settings/window_gmt.h"
 #include "settings/window_pages.h"
 #include "support/modal.h"
@@ -48,7 +47,7 @@ class TestConfigWindow : public QObject {
 private Q_SLOTS:
     void init() { m_fixture.emplace(); }
 
-    // The last card comes first into view; another drive is there for the choosing.
+    // The last card is shown first; the user picks another drive.
     void changingTheDrive() {
         const MadeCard first, second;
         makeCamera(first, "QL240 1.1 2.0");
@@ -92,7 +91,7 @@ private Q_SLOTS:
         }
     }
 
-    // A line end belongs to its field.
+    // A line end is part of its field.
     void batterySystem() {
         const std::tuple<QByteArray, bool, bool> rows[] = {
             {"QL240 1.02 1.00 12V", true, false},      {"QL240 1.02 1.00 24V more", false, true},
@@ -109,7 +108,7 @@ private Q_SLOTS:
 
     void partitionAsks() {
         putByte(m_fixture->camera(), "partitionvalue", 2);
-        // The one it has; another, refused; and confirmed.
+        // The current one; another one, refused, then confirmed.
         for (const auto& [x, confirmed, value] :
              {std::tuple(270, true, 2), {370, false, 2}, {370, true, 3}}) {
             ReadyWindow window;
@@ -123,7 +122,7 @@ private Q_SLOTS:
         }
     }
 
-    // Until the drives are known there is nothing to edit, and what the card holds stays; OK waits for them.
+    // Until the drives answer nothing can be edited, and OK waits; the card's values stay.
     void lateDrives() {
         const MadeCard& card = m_fixture->camera();
         for (const bool left : {true, false}) {
@@ -162,7 +161,7 @@ private Q_SLOTS:
         }
     }
 
-    // A page that is confirmed after another drive was read changes nothing but what it shows.
+    // A page confirmed after another drive was read changes only its own values.
     void pagesHandBackTheirOwn() {
         const MadeCard first, second;
         for (const MadeCard* card : {&first, &second})
@@ -195,19 +194,7 @@ private Q_SLOTS:
         QVERIFY(answer.seen());
     }
 
-    void tickBoxAlone() {
-        ReadyWindow window;
-        for (const auto& [point, ticked] :
-             {std::pair(QPoint(133, 256), 1), {QPoint(152, 274), 0}, {QPoint(153, 265), 0}}) {
-            QCOMPARE(clockField(window)->isEnabled(), window.values().setsClock == 1);
-            click(window, point);
-            QCOMPARE(window.values().setsClock, ticked);
-        }
-        QVERIFY(!clockField(window)->isEnabled());
-        QVERIFY(!buttonAt(window, {200, 330})->isEnabled()); // the time zone's, never enabled
-    }
-
-    // Every value that the dialog edits, changed by clicks, written, and read by another dialog.
+    // Every value that the dialog edits: changed by clicks, saved, and read by another dialog.
     void savesAndReadsBack() {
         const MadeCard& card = m_fixture->camera();
         card.put("setting/setting.dat",
@@ -237,28 +224,22 @@ private Q_SLOTS:
         QVERIFY(again.values() == saved && !(saved == RowValues()));
     }
 
-    void makesTheFolder() {
-        const MadeCard stick;
-        m_fixture->insert(stick);
+    // To a drive without settings; the clock only when ticked.
+    void firstSave() {
+        const MadeCard& card = m_fixture->camera();
         ReadyWindow window;
         click(window, {170, 200}); // the speaker off
-        window.OnSlotsOK();
-        QCOMPARE(stick.files("setting").size(), 26);
-        QCOMPARE(byteOf(stick, "speakervalue"), 0);
-        QCOMPARE(byteOf(stick, "mutevalue"), 1);
-    }
-
-    void clockIsWrittenWhenTicked() {
-        const MadeCard& card = m_fixture->camera();
-        const QByteArray before = "2012-07-31-18-05-09";
-        card.put("setting/settime.dat", before);
-        ReadyWindow window;
         clockField(window)->setDateTime({{2031, 2, 3}, {4, 5, 6}});
-        for (const QByteArray& written : {before, QByteArray("2031-02-03-04-05-06")}) {
+        for (const QByteArray written : {"", "2031-02-03-04-05-06"}) {
+            QCOMPARE(clockField(window)->isEnabled(), !written.isEmpty());
             window.Onapply();
             QCOMPARE(card.bytes("setting/settime.dat").value_or(""), written);
             click(window, kTick);
         }
+        QCOMPARE(card.files("setting").size(), 26 + 1);
+        QCOMPARE(byteOf(card, "speakervalue"), 0);
+        QCOMPARE(byteOf(card, "mutevalue"), 1);
+        QVERIFY(!buttonAt(window, {200, 330})->isEnabled()); // the time zone's, never enabled
         window.OnSlotsGetTime();
         QVERIFY(qAbs(clockField(window)->dateTime().secsTo(QDateTime::currentDateTime())) < 60);
     }

@@ -1,4 +1,4 @@
-// Which drive becomes the card in whatever order the drives answer, and what OK waits for.
+// Which drive becomes the card, in whatever order the drives answer, and what OK waits for.
 #include <QSemaphore>
 #include <QSignalSpy>
 #include <QTest>
@@ -16,8 +16,7 @@ namespace {
 
 constexpr int kBoundMs = 10000;
 
-// Drives that are read when the test says so. A name that begins with c has a version file; the frame rate is
-// how often the drive has been read before.
+// Drives that wait for the test. Those named c… have a version file; the frame rate counts the readings.
 struct HeldDrives {
     struct Gate {
         QSemaphore answers;
@@ -62,13 +61,12 @@ class TestDialogCard : public QObject {
 
 private Q_SLOTS:
     void picksTheCard() {
-        // The drives, the order in which they answer, and which is picked with the last answer, and not
-        // before.
+        // The drives, the order of their answers, and the drive picked with the last answer, not before.
         const std::tuple<const char*, const char*, int> rows[] = {
             {"sc", "01", 1},
-            {"csc", "2", 2},  // a card at the end decides at once
-            {"cs", "01", 0},  // a card waits for what comes behind it
-            {"scs", "21", 1}, // but not for what comes before
+            {"csc", "2", 2},  // the last drive, a card, decides at once
+            {"cs", "01", 0},  // a card waits for later drives
+            {"scs", "21", 1}, // but not for earlier ones
             {"ss", "10", 0}};
         for (const auto& [drives, order, picked] : rows) {
             HeldDrives held(drives);
@@ -84,7 +82,7 @@ private Q_SLOTS:
         }
     }
 
-    // What answered so far is shown, and locked; the card takes its place when it comes.
+    // The drive that answered is shown, locked; the card replaces it when it answers.
     void lateCard() {
         HeldDrives held(QStringLiteral("sc"));
         DialogCard card(&held.list, held.access());
@@ -95,7 +93,7 @@ private Q_SLOTS:
         QVERIFY(lookFor(known, Phase::Shown));
         held.answer(0);
         QVERIFY(lookFor(card, Phase::NoAnswer));
-        QCOMPARE(known.phase(), Phase::Shown); // its own deadline is over as well
+        QCOMPARE(known.phase(), Phase::Shown); // past its own deadline too
         QCOMPARE(card.current(), 0);
         QVERIFY(card.contents() && card.standsIn() && !card.isEditable());
         QCOMPARE(card.unanswered(), QList<int>{1});
@@ -106,7 +104,7 @@ private Q_SLOTS:
         QCOMPARE(loaded.size(), 2);
     }
 
-    // The user's choice ends the search, and each choice the one before.
+    // The user's choice ends the search and replaces an earlier choice.
     void answersToOlderQuestions() {
         HeldDrives held(QStringLiteral("sc"));
         DialogCard card(&held.list, held.access());
@@ -148,8 +146,7 @@ private Q_SLOTS:
         }
     }
 
-    // Cancel closes the last window, and the program's end ends every event loop; an answer in the same turn
-    // must not turn the wait into an OK.
+    // Cancel closes the last window and so ends all event loops; an answer in the same iteration is no OK.
     void cancelEndsTheProgram() {
         HeldDrives held(QStringLiteral("c"));
         DialogCard card(&held.list, held.access());
@@ -171,8 +168,7 @@ private Q_SLOTS:
         QVERIFY(!settled);
     }
 
-    // A save that was left goes on; the next one, of another dialog, comes after it. What is read meanwhile
-    // would be half of it.
+    // A save whose dialog was cancelled goes on; another dialog's save or reading waits for its end.
     void savesKeepTheirOrder() {
         HeldDrives held(QStringLiteral("c"));
         for (int reads = 0; reads < 3; ++reads)
@@ -213,7 +209,7 @@ private Q_SLOTS:
         QCOMPARE(log->written.last(), 2);
     }
 
-    // Threads end with the program, in the middle of a card.
+    // Otherwise the save's thread would end with the program, halfway.
     void programWaitsForSaves() {
         HeldDrives held("c");
         held.answer(0);

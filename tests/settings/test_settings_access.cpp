@@ -1,9 +1,7 @@
-// The settings windows without a mouse, for a screen reader, and in every language.
-#include <QAccessible>
+// The settings windows by keyboard, with a screen reader, and in every language.
 #include <QSignalSpy>
 
 #include "settings/config_layout.h"
-#include "settings/config_window.h"
 #include "settings/page_layout.h"
 #include "settings/window_gmt.h"
 #include "settings/window_pages.h"
@@ -18,11 +16,7 @@ namespace {
 
 QString nameOf(QObject* object) {
     QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(object);
-    if (!interface)
-        return {};
-    // A list is called by its label, everything else by itself.
-    const auto labels = interface->relations(QAccessible::Label);
-    return (labels.isEmpty() ? interface : labels.first().first)->text(QAccessible::Name).simplified();
+    return interface ? AccessibleTree::nameOf(interface) : QString();
 }
 
 ChoiceRow* rowOf(const QWidget& window, int RowValues::*value) {
@@ -110,7 +104,7 @@ private Q_SLOTS:
         }
     }
 
-    // From the dialog to a page, a choice there, and back, by keys only; the focus can be seen.
+    // From the dialog to a page, a choice there, and back, by keyboard; the focus is visible.
     void pageByKeyboard() {
         ReadyWindow window;
         showActive(window);
@@ -133,7 +127,7 @@ private Q_SLOTS:
         QCOMPARE(window.values().brightvalue, 5);
     }
 
-    // Whoever presses Enter at once hasn't read the warning.
+    // A user who presses Enter at once hasn't read the warning.
     void enterRefusesFormatting() {
         for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
             WindowBtn7 warning(nullptr);
@@ -194,15 +188,15 @@ private Q_SLOTS:
         }
     }
 
-    // No painted text reaches into what stands beside it, no button's text over its edge.
+    // No painted text overlaps its neighbour, no button's text its edge.
     void textsFit() {
         const auto fits = [](const QFont& font, const QString& text, int room) {
             const int width = QFontMetrics(fittingFont(font, text, room)).horizontalAdvance(text);
             QVERIFY2(width <= room,
                      qPrintable(QStringLiteral("%1: %2 in %3").arg(text).arg(width).arg(room)));
         };
-        for (const char* language : {"kr", "en", "ru", "ch", "es"}) {
-            setCurrentLanguage(language);
+        for (const InterfaceLanguage& language : kInterfaceLanguages) {
+            setCurrentLanguage(language.code);
             ConfigWindow window;
             window.ensurePolished();
             for (const OptionRow& row : config::kRows) {

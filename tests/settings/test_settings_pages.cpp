@@ -1,9 +1,7 @@
 // The small pages and the time-zone window.
 #include <QComboBox>
-#include <QSignalSpy>
 #include <QToolButton>
 
-#include "settings/config_window.h"
 #include "settings/page_layout.h"
 #include "settings/time_zones.h"
 #include "settings/window_gmt.h"
@@ -31,7 +29,7 @@ class TestSettingsPages : public QObject {
 private Q_SLOTS:
     void init() { m_fixture.emplace(); }
 
-    // Where a click sets which value; where the marks are, the kept pictures say.
+    // Which value a click sets; the golden pictures show where the marks are.
     void clicks() {
         struct Row {
             const char* name;
@@ -54,24 +52,21 @@ private Q_SLOTS:
         }
     }
 
-    // OK confirms; every other way out takes back what was confirmed before.
+    // OK confirms; closing in any other way withdraws an earlier confirmation.
     void waysOut() {
         for (const auto& make : kMakers) {
             const auto page = make();
             const QPoint corner(page->width(), page->height());
             page->show();
-            click(*page->childAt(corner - QPoint(60, 25)), {3, 3});
+            const auto press = [&page](QPoint place) { click(*page->childAt(place), {3, 3}); };
+            press(corner - QPoint(60, 25));
             QVERIFY(!page->isVisible() && page->isConfirmed());
-            const std::function<void()> ways[] = {
-                [&] {
-                    click(*page->childAt(corner - QPoint(125, 25)), {3, 3});
-                },
-                [&] {
-                    click(*page->childAt(corner.x() - 35, 20), {3, 3});
-                },
-                [&] { QTest::keyClick(page.get(), Qt::Key_Escape); },
-                [&] { page->close(); },
-            };
+            const std::function<void()> ways[] = {[&] { press(corner - QPoint(125, 25)); },
+                                                  [&] {
+                                                      press({corner.x() - 35, 20});
+                                                  },
+                                                  [&] { QTest::keyClick(page.get(), Qt::Key_Escape); },
+                                                  [&] { page->close(); }};
             for (const auto& leave : ways) {
                 page->OnSlotsApply();
                 page->show();
@@ -131,8 +126,7 @@ private Q_SLOTS:
         QCOMPARE(window.values().timeoffvalue, 1);
     }
 
-    // A zone chooses the bar that stands for it, a bar the zone: those of one offset share one, and +12
-    // passes over Fiji.
+    // A zone selects its bar and a bar a zone; zones of one offset share a bar, and +12 skips Fiji.
     void barsAndZones() {
         WindowGMT window(nullptr);
         window.preselect("0xFFF", QString()); // none

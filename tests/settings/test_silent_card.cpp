@@ -1,5 +1,5 @@
-// The settings dialog and a card reader that stops answering, or whose card is gone: the dialog opens at
-// once, stays usable, and writes nothing that it could not read.
+// The settings dialog with a card reader that stops answering, or whose card is gone: it opens at once, stays
+// usable, and saves nothing to a card that it couldn't read.
 #include <sys/mount.h>
 
 #include <QComboBox>
@@ -14,9 +14,7 @@ using namespace ql240;
 
 namespace {
 
-bool g_ownMounts = false;
-
-// Whoever waits for a silent reader waits for ever, so there is room for a busy machine.
+// Long enough for a busy machine: a wait for a silent reader never ends.
 constexpr qint64 kSoonMs = 5000;
 constexpr int kGivesUpMs = 10000;
 constexpr QPoint kVga(170, 65);
@@ -32,13 +30,11 @@ class TestSilentCard : public QObject {
 
 private Q_SLOTS:
     void init() {
-        if (!g_ownMounts)
-            QSKIP("a silent file system needs root or a user namespace");
         m_fixture.emplace();
         m_card.emplace();
         m_reader = std::make_unique<SilentFileSystem>(m_card->drive());
         if (!m_reader->isMounted())
-            QSKIP("this machine mounts no FUSE file system");
+            QSKIP(SilentFileSystem::kNeeds);
         m_fixture->insert(*m_card);
     }
 
@@ -59,7 +55,7 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(driveList(window)->toolTip().contains(u"does not answer"), kGivesUpMs);
         QVERIFY(time.elapsed() >= 1900);
 
-        // What would be saved to the card can't be changed; what is the viewer's can.
+        // The card's settings are locked, the viewer's own aren't.
         click(window, kVga);
         QCOMPARE(window.values().resolutionvalue, 3);
         click(window, {320, 675});
@@ -90,7 +86,7 @@ private Q_SLOTS:
         QCOMPARE(byteOf(camera, "framevalue"), 1);
     }
 
-    // The card is gone, and what lies under its folder now is the machine's own disk, or another card.
+    // The card is gone: its folder is now on the system's disk, or another card's.
     void otherFileSystemIsLeftAlone() {
         const QByteArray folder = QFile::encodeName(m_card->drive());
         const auto mountCard = [&] {
@@ -121,7 +117,7 @@ private Q_SLOTS:
         QSignalSpy rejected(&window, &QDialog::rejected);
         bool usable = false;
         QTimer::singleShot(500, &window, [&] {
-            // OK is being waited for; the window still lives, and Cancel is still there.
+            // OK is waiting; the window still responds to Cancel.
             usable = window.isVisible();
             click(*window.childAt(430, 700), {5, 5});
         });
@@ -141,11 +137,7 @@ private:
     std::unique_ptr<SilentFileSystem> m_reader;
 };
 
-// The namespace has to be entered before there is a second thread.
 int main(int argc, char** argv) {
-    g_ownMounts = enterOwnMounts();
-    QApplication app(argc, argv);
-    TestSilentCard test;
-    return QTest::qExec(&test, argc, argv);
+    return runOnOwnMounts<QApplication, TestSilentCard>(argc, argv);
 }
 #include "test_silent_card.moc"

@@ -14,16 +14,18 @@ struct AccessibleTree {
 
     explicit AccessibleTree(QObject* window) { walk(QAccessible::queryAccessibleInterface(window)); }
 
+    // Lists are named by their label.
+    static QString nameOf(QAccessibleInterface* part) {
+        const auto labels = part->relations(QAccessible::Label);
+        return (labels.isEmpty() ? part : labels.first().first)->text(QAccessible::Name).simplified();
+    }
+
 private:
     // Parts of lists and fields that are described by their parent.
     static bool speaksThroughParent(QAccessible::Role role) {
         static const QSet<int> roles{QAccessible::ScrollBar, QAccessible::Client,     QAccessible::Grip,
                                      QAccessible::Indicator, QAccessible::Whitespace, QAccessible::PopupMenu};
         return roles.contains(role);
-    }
-    static QString nameOf(QAccessibleInterface* part) {
-        const auto labels = part->relations(QAccessible::Label);
-        return (labels.isEmpty() ? part : labels.first().first)->text(QAccessible::Name).simplified();
     }
     void walk(QAccessibleInterface* part) {
         if (!part || part->state().invisible)

@@ -13,8 +13,7 @@ enum class Damage { Cut, Flip, Drop, Swap, Length };
 inline constexpr std::array kDamageNames{"cut off", "one byte changed", "a part dropped", "two parts swapped",
                                          "a length changed"};
 
-// `clip` with damage `number` of `count` of its kind: cuts are spread over the file, everything else is
-// random.
+// `clip` with damage `number` of `count`: cuts are spread over the file, everything else is random.
 QByteArray damaged(const QByteArray& clip, Damage damage, int number, int count);
 
 // A field of 4 bytes in the head of a structural part.

@@ -1,6 +1,5 @@
-// A media pipeline that plays nothing: it logs every call in order, returns preset results, and exposes the
-// state that the program has set. One clip at a time; its state can still be inspected after it was closed.
-// Interface thread, except deliver().
+// A media pipeline that plays nothing: logs every call in order, returns preset results, and keeps the state
+// of the clip, also after it was closed. One clip at a time. Interface thread, except deliver().
 #pragma once
 
 #include <QRect>
@@ -28,8 +27,7 @@ struct FakeClip {
     static FakeClip twoStreams() { return {.mp4Pins = {u"vide", u"vide", u"soun"}}; }
 };
 
-// The clip as the graph plays it. Tests set the position, the program's calls everything else. Units of 100
-// ns.
+// The clip as the graph plays it, in units of 100 ns. Tests set the position, the program everything else.
 struct FakeTransport {
     GraphState state = GraphState::Stopped;
     std::int64_t position = 0;
@@ -53,15 +51,13 @@ class FakeMedia : public MediaPlatform {
 public:
     FakeClip clip;
 
-    // The calls in order, such as "add AVI Splitter", "join AVI Splitter:Stream 00 > ffdshow Video
-    // Decoder:In", "run", "seek 10000", "window 0 visible 1". A second filter with the same name gets the
-    // suffix " 2". Queries are not logged.
+    // The calls in order, such as "add AVI Splitter", "run", "seek 10000", "window 0 visible 1"; queries
+    // aren't logged. A second filter with the same name gets the suffix " 2".
     QStringList log;
     QStringList takeLog() { return std::exchange(log, {}); }
 
-    // Results of calls in place of success, by the beginning of their log text; queries are "size 0", "graph
-    // size", "type 0", "buffer 0", "fetch 0", "positions", "position", "duration", "state" and "pins". A
-    // failed call changes nothing.
+    // Results by the start of a call's log text, or of queries: "size 0", "graph size", "type 0", "buffer 0",
+    // "fetch 0", "positions", "position", "duration", "state", "pins". A failed call changes nothing.
     std::map<QString, Status> answers;
     // The index of one logged call that fails, counted from 0 since the log was last cleared.
     int failsAt = -1;
@@ -74,8 +70,7 @@ public:
 
     void setPositionMs(std::int64_t ms) { transport.position = ms * 10000; }
     void playToEnd() { transport.position = transport.duration; }
-    // Passes a decoded YUY2 frame of a stream through its grabber, which keeps it; returns what goes on to
-    // the renderer. Any thread.
+    // Passes a YUY2 frame through a stream's grabber; returns what the renderer gets. Any thread.
     std::vector<std::uint8_t> deliver(int stream, std::vector<std::uint8_t> frame);
 
     // Graphs, filters and enumerators that are still referenced.

@@ -1,5 +1,5 @@
-// A sensor library that answers from a function of time, up to `lastMs`, and logs its calls. It is lent to
-// the threads that read clips; its end waits for them.
+// A sensor library that answers from a function of time, up to `lastMs`, and logs its calls. Its destructor
+// waits for the threads that read clips with it.
 #pragma once
 
 #include <QByteArray>

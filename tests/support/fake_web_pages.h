@@ -1,13 +1,22 @@
-// Web pages that record what they are given and answer only when the test says so.
+// Web pages and a browser that record what they get. Pages answer only when the test says so.
 #pragma once
 
 #include <QPointer>
 #include <QStringList>
 #include <QWidget>
 
+#include "platform/url_opener.h"
 #include "platform/web_pages.h"
 
 namespace ql240 {
+
+struct FakeUrlOpener : UrlOpener {
+    QStringList opened;
+    bool openUrl(const QString& address) override {
+        opened << address;
+        return true;
+    }
+};
 
 struct FakeWebPages : WebPages {
     // Of the page created last.

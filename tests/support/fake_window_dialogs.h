@@ -6,17 +6,8 @@
 
 #include "mainwindow/window_dialogs.h"
 #include "platform/folder_dialogs.h"
-#include "platform/url_opener.h"
 
 namespace ql240 {
-
-struct FakeUrlOpener : UrlOpener {
-    QStringList opened;
-    bool openUrl(const QString& address) override {
-        opened << address;
-        return true;
-    }
-};
 
 // A folder dialog whose user has already decided.
 struct FakeFolderDialogs : FolderDialogs {
@@ -29,7 +20,7 @@ struct FakeFolderDialogs : FolderDialogs {
     }
 };
 
-// What the window asked, and the answers it gets.
+// What the window asked, and the user's answers.
 struct Answers {
     QStringList warnings; // "title: text"
     QString openFile;

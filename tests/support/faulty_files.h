@@ -13,7 +13,7 @@ enum class Fault { None, FailOne, FailFromThere, Kill };
 
 class FaultyFiles : public CardFiles {
 public:
-    // Operation number `at`, counted from 0 and from now on, fails.
+    // Operation `at` from now on, counted from 0, fails.
     void arm(Fault fault, int at) {
         m_fault = fault;
         m_at = at;
@@ -35,8 +35,7 @@ public:
     }
     off_t size(int file) override { return fails() ? -1 : CardFiles::size(file); }
     int cut(int file, off_t size) override { return fails() ? -1 : CardFiles::cut(file, size); }
-    // Only counted: real syncing would cost the tests seconds, and the disk's contents after a power cut
-    // aren't tested.
+    // Only counted: real syncing costs seconds, and power cuts aren't tested.
     int sync(int) override { return fails() ? -1 : 0; }
     int rename(int folder, const QByteArray& from, const QByteArray& to) override {
         return fails() ? -1 : CardFiles::rename(folder, from, to);

@@ -1,6 +1,5 @@
 #include "support/frame_code.h"
 
-#include <QtGui/QColor>
 #include <algorithm>
 
 namespace ql240 {

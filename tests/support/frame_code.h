@@ -1,9 +1,8 @@
 #pragma once
 
-// The bar code in every frame of the test clips: a strip of black and white cells across the whole width with
-// the frame number and the video stream, and below it five grey patches of known brightness. It survives
-// compression, conversion, scaling down to a width of about 120 pixels, and any picture adjustment that keeps
-// white brighter than black.
+// The bar code in every frame of the test clips: a strip of black and white cells with the frame number and
+// the stream, and below it five grey patches. It survives compression, scaling down to a width of about 120
+// pixels, and any adjustment that keeps white brighter than black.
 
 #include <QtGui/QImage>
 #include <array>
@@ -27,7 +26,7 @@ void paintFrameLuma(std::span<uchar> luma, int width, int height, FrameMark mark
 // Nothing if the strip's markers or check bits don't match.
 std::optional<FrameMark> readFrameMark(const QImage& frame);
 
-// Only the number; -1 or nothing without a readable code.
+// Only the number; -1 without a readable code.
 int readFrameNumber(const QImage& frame);
 
 // The mean grey of each patch (0 … 255).

@@ -1,6 +1,5 @@
-// Compares a painted picture with the reference under tests/golden. Fonts and frames may differ slightly
-// between versions; the smallest button moved by one pixel, 8 pixels in all, must fail. A failure saves the
-// actual picture, the reference and their difference to the build folder and prints the path.
+// Compares a picture with its reference in tests/golden. Fonts and frames may differ slightly; the smallest
+// button moved by a pixel, 8 pixels in all, fails. A failure saves both pictures and their difference.
 #pragma once
 
 #include <QDir>
@@ -36,8 +35,7 @@ inline QImage differenceOf(const QImage& a, const QImage& b) {
     return difference;
 }
 
-// Use as QVERIFY2(matchesGolden(…), goldenReport(…)). With QL240_UPDATE_GOLDEN set, writes the reference
-// instead.
+// With QL240_UPDATE_GOLDEN set, writes the reference instead.
 inline bool matchesGolden(const QImage& painted, const QString& name, QByteArray& report) {
     const QString kept = QStringLiteral(QL240_GOLDEN_FOLDER "/%1.png").arg(name);
     QImage actual = painted.convertToFormat(QImage::Format_RGB32);

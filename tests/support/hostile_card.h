@@ -1,5 +1,4 @@
-// A hostile card, and beside it the target of its links: a decoy of the user's home folder, laid out like a
-// card, with contents that no card here has.
+// A hostile card, and the target of its links: a decoy home folder with contents that no card has.
 #pragma once
 
 #include <QByteArray>
@@ -10,18 +9,16 @@
 
 namespace ql240 {
 
-// What takes the place of a file or folder. `set` gets the path on the card and the same path in the home;
-// false if the machine doesn't allow it.
+// What replaces a file or folder. `set` gets its path on the card and in the home; false if not allowed.
 struct Trap {
     const char* name;
     bool (*set)(const QByteArray& place, const QByteArray& atHome);
 };
 const std::vector<Trap>& traps();
 
-// Which part of the card is trapped; the rest is an ordinary camera's card.
+// Which part of the card is replaced; the rest is an ordinary camera's card.
 enum class Trapped { SettingFolder, UpdateFolder, ImageFolder, Files, FilesAside };
 
-// False if the machine doesn't allow it.
 bool setTrap(const Trap& trap, Trapped part, const QString& cardDrive, const QString& homeFolder);
 
 struct HostileCard {

@@ -1,6 +1,5 @@
-// Excludes from the leak check what libraries allocate while they are loaded: GLib deliberately leaks its
-// first name table (16 KiB) when it grows. A suppression couldn't tell it from GLib's other allocations.
-// Linked only into the tests of the asan preset; the program's own memory is all checked.
+// Excludes from the leak check what libraries allocate while they are loaded: GLib leaks its first name table
+// (16 KiB) on purpose, and a suppression couldn't distinguish it. Only for the tests of the asan preset.
 extern "C" void __lsan_disable();
 extern "C" void __lsan_enable();
 

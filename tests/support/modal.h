@@ -5,12 +5,10 @@
 #include <QTimer>
 #include <QWidget>
 #include <functional>
-#include <memory>
 
 namespace ql240 {
 
-// Calls `answer` once a modal window is shown; `seen()` says whether one was. If `answer` leaves the window
-// open, it is closed.
+// Calls `answer` once a modal window is shown, then closes the window if it is still open.
 class ModalAnswer {
 public:
     explicit ModalAnswer(std::function<void(QWidget*)> answer) : m_answer(std::move(answer)) {

@@ -1,5 +1,4 @@
-// Accelerations of made drives: gravity, the noise of a road, impacts and potholes drawn from a seed. For the
-// tests and the benchmark of the shock finder.
+// Accelerations from a seed: gravity, road noise, impacts and potholes. To test and measure the shock finder.
 #pragma once
 
 #include <algorithm>
@@ -23,7 +22,7 @@ struct DriveScore {
     int falseOnes = 0;
 };
 
-// So many seconds of a car at rest.
+// A car at rest.
 inline SeededDrive quietDrive(int rate, int seconds) {
     SeededDrive drive;
     for (int i = 0; i < rate * seconds; ++i)
@@ -41,8 +40,7 @@ inline void addHalfSine(SeededDrive& drive, double startS, double lengthS, doubl
     }
 }
 
-// A minute with up to three impacts of 80 to 200 ms and 0.6 to 6 g, noise of 0.2 g, two potholes of up to 20
-// ms and 1.5 g.
+// A minute with up to three impacts (80–200 ms, 0.6–6 g), noise of 0.2 g and two potholes (to 20 ms, 1.5 g).
 inline SeededDrive seededDrive(int rate, unsigned seed) {
     std::mt19937 random(seed);
     const auto between = [&random](double low, double high) {

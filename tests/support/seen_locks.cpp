@@ -1,6 +1,5 @@
-// Tells the thread sanitizer about GLib's locks. They use futexes, which it doesn't know, so data that
-// GStreamer passes between threads under them would be reported as races. Linked only into the tests of the
-// tsan preset, in front of GLib's own functions, which still do the locking.
+// Reports GLib's locks to the thread sanitizer, which doesn't know their futexes and would report the data
+// under them as races. Only for the tests of the tsan preset.
 #include <dlfcn.h>
 #include <glib.h>
 #include <sanitizer/tsan_interface.h>

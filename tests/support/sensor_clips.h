@@ -1,5 +1,4 @@
-// Makes clips with sensor data, byte by byte. For tests and benchmarks only; written independently of the
-// readers.
+// Makes clips with sensor data, byte by byte and independently of the readers. For tests and benchmarks.
 #pragma once
 
 #include <QByteArray>
@@ -29,8 +28,7 @@ struct Track {
     qint32 mediaStart = -1; // ticks; negative: no such edit
 };
 
-// An MP4 file: start, picture data, samples, the movie's boxes and anything added. Large picture data is not
-// stored but belongs between `before` and `after`.
+// An MP4 file; its picture data belongs between `before` and `after`.
 struct Mp4 {
     QByteArray before;
     qint64 picture;
@@ -65,8 +63,7 @@ QByteArray textSample(const QByteArray& text);
 
 QByteArray gps0Record(double latitude, double longitude, int kmh, const QList<int>& clock);
 
-// One short clip in each format: a few seconds of a drive with everything that the format can store. The
-// fuzzer starts from the same.
+// A few seconds of a drive in each format, with everything that it can store: the fuzzer's corpus.
 struct NamedClip {
     QByteArray name;
     QByteArray bytes;

@@ -1,9 +1,7 @@
-// Shared by the tests of the settings windows: drives made from temporary cards, preferences in a temporary
-// folder, the program's style.
+// For tests of the settings windows: drives with temporary cards, temporary preferences, the program's fonts.
 #pragma once
 
 #include <QApplication>
-#include <QMouseEvent>
 #include <QSemaphore>
 #include <QTest>
 #include <memory>
@@ -30,7 +28,7 @@ public:
         installFontSubstitutes();
         const QString ini = localIniPath();
         QFile::remove(ini);
-        QDir().rmdir(QFileInfo(ini).path()); // which has to be made again
+        QDir().rmdir(QFileInfo(ini).path()); // the program makes it
         setCurrentLanguage("en");
     }
     ~SettingsFixture() { host().drives = nullptr; }
@@ -40,7 +38,7 @@ public:
         m_drives.drives.append({card.drive(), label, "vfat"});
     }
 
-    // From now on the list of drives is returned only after `answer` was called, once per query.
+    // From now on each query of the drives waits for one call of answer().
     void holdDrives() {
         m_drives.before = [answers = m_answers] { answers->acquire(); };
     }
@@ -69,12 +67,12 @@ inline int byteOf(const MadeCard& card, const QString& key) {
     return bytes && bytes->size() == 1 ? int(uchar(bytes->at(0))) : -1;
 }
 
-// A busy machine may need longer than the dialog waits before it goes on without the card.
+// Waits longer than the dialog does, for a busy machine.
 inline bool waitForCard(const ConfigWindow& window) {
     return QTest::qWaitFor([&] { return !window.settingFolder().isEmpty(); }, 10000);
 }
 
-// A dialog that has its answer: the values of a drive, or that there is none.
+// A dialog that can be edited: with a drive's values, or without a drive.
 class ReadyWindow : public ConfigWindow {
 public:
     ReadyWindow() {

@@ -194,7 +194,7 @@ QString makeTestClip(const TestClipSpec& spec) {
     const QString made = workshop.filePath(clipName(spec));
     if (!workshop.isValid() || !makeClipFile(spec, made))
         return {};
-    // Another test program may have been faster; its file is just as good.
+    // Another test program may have been faster.
     return QFile::rename(made, path) || QFile::exists(path) ? path : QString();
 }
 

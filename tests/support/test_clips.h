@@ -1,9 +1,8 @@
 #pragma once
 
-// Makes small clips whose frames carry their number as a bar code (frame_code.h), through the ffmpeg command
-// line. A clip is made once for each spec and kept in $QL240_TEST_CLIPS, or else in the build folder's
-// tests/clips. Several test programs may ask for the same clip at the same time. Copy or link a clip to give
-// it another name.
+// Makes small clips whose frames carry their numbers (frame_code.h), with the ffmpeg command line. Each is
+// made once and kept in $QL240_TEST_CLIPS, or else in the build folder. Several test programs may ask for the
+// same clip at once. Copy or link a clip to give it another name.
 
 #include <QtCore/QList>
 #include <QtCore/QSize>
@@ -30,7 +29,7 @@ struct TestClipSpec {
     bool faststart = true;     // MP4: index before the media
     bool fullRange = false;    // Motion-JPEG is always full range
     bool sound = true;         // a tone of 440 Hz; MP4: AAC; AVI: 16-bit PCM
-    QString soundCodec{};      // instead of that
+    QString soundCodec{};      // another codec
 };
 
 // The camera's usual AVI clip: Motion-JPEG at 15 frames per second, with PCM sound.

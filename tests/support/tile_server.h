@@ -1,10 +1,8 @@
-// A tile server on a local port: answers every request with one picture or another preset reply, or accepts
-// it and never answers.
+// A tile server on a local port: answers every request with a picture or another preset reply, or never.
 #pragma once
 
 #include <QBuffer>
 #include <QImage>
-#include <QStringList>
 #include <QTcpServer>
 #include <QTcpSocket>
 

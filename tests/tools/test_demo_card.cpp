@@ -1,4 +1,4 @@
-// The demo card: its files, the clips' containers, and what happens to a folder that is there already.
+// The demo card: its files, the clips' streams, and what happens to an existing folder.
 
 #include <QtCore/QDir>
 #include <QtCore/QProcess>
@@ -49,7 +49,7 @@ class TestDemoCard : public QObject {
 private Q_SLOTS:
     void init() { m_folder = std::make_unique<MadeCard>(); }
 
-    void theViewerFindsItsWayOnTheCard() {
+    void theViewerReadsTheCard() {
         const QString card = path("card");
         Progress progress;
         const ClipPlan clip = shortened(demoClips().last(), 0.4);
@@ -86,7 +86,7 @@ private Q_SLOTS:
         }
     }
 
-    // The shock finder finds the impacts, and nothing else in any clip.
+    // The shock finder finds exactly the impacts.
     void impactsAreTheOnlyShocks() {
         for (const ClipPlan& clip : demoClips()) {
             const Drive drive(clip.drive);
@@ -143,13 +143,13 @@ private Q_SLOTS:
             QCOMPARE(runTool({"--force", folder}), 1);
             QCOMPARE(*m_folder->bytes("holiday.jpg"), QByteArray("dear"));
         }
-        // A card that is there is kept, and its clips' folder is named.
+        // An existing card is kept, and its clips' folder is printed.
         QVERIFY(QDir().mkpath(path("card")) && writeCardFiles(path("card")));
         QCOMPARE(outputOf(QStringLiteral(QL240_DEMO_CARD), {path("card")}).trimmed(),
                  path("card/VIDEO").toUtf8());
     }
 
-    // The folder that the user chose stays.
+    // A folder that the user chose stays.
     void theCardIsOfferedOnlyWhereNoFolderIsRemembered() {
         QString remembered;
         QCOMPARE(runTool({"--offer", path("card")}), 1);

@@ -1,4 +1,4 @@
-// What the build would pass over: pictures that are missing or unused. What is reported wrongly shows there.
+// Missing and unused pictures that the build would overlook; what it reports wrongly shows there.
 #include <QTest>
 
 #include "skin_compiler/usage_check.h"
@@ -22,7 +22,7 @@ const QString kTable = QStringLiteral(
 class TestUsageCheck : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void report();
+    void report(); // not defined here: moc doesn't read all raw strings
 };
 
 void TestUsageCheck::report() {

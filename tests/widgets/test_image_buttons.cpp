@@ -68,7 +68,7 @@ private Q_SLOTS:
         QTRY_VERIFY(looks(Qt::green));
     }
 
-    // The press of a disabled control belongs to the window, which is dragged by it.
+    // The window gets the presses of a disabled control, and is dragged by them.
     void hoverTextAndPress() {
         PressCounter window;
         window.resize(60, 60);

@@ -44,7 +44,7 @@ private Q_SLOTS:
         }
     }
 
-    // A modal window or another grab has kept the release.
+    // A modal window or another grab has received the release.
     void dragEndsWithItsButton() {
         press(Qt::LeftButton, {50, 60});
         for (const Qt::MouseButtons buttons : {Qt::RightButton, Qt::LeftButton}) {

@@ -175,7 +175,7 @@ QTreeWidgetItem* FolderTreeDialog::placeAbove(const QString& path) const {
     return best;
 }
 
-// Hidden folders aren't listed until they are asked for by name.
+// Hidden folders are listed only when requested by name.
 QTreeWidgetItem* FolderTreeDialog::childNamed(QTreeWidgetItem* item, const QString& name) {
     const QString path = QDir(pathOf(item)).filePath(name);
     for (int i = 0; i < item->childCount(); ++i) {

@@ -112,8 +112,8 @@ QString mountPoint(const QVariant& value) {
     return found;
 }
 
-// Whether the drive takes cards or is a USB stick; many sticks report their medium as not removable. Whether
-// the drive itself can be unplugged says little: so can a USB hard disk.
+// Whether the drive takes cards or is a USB stick; many sticks report their medium as not removable. That
+// the drive itself can be unplugged doesn't matter: so can a USB hard disk.
 bool isRemovable(const Interfaces& drive) {
     const QVariantMap properties = drive.value(QStringLiteral("org.freedesktop.UDisks2.Drive"));
     QStringList media = properties.value(QStringLiteral("MediaCompatibility")).toStringList();

@@ -1,20 +1,70 @@
-// What a record takes from the card's files, well-formed and hostile.
+// Which drive is the card, its version text, and what a record reads from its files, well-formed or hostile.
 #include <sys/stat.h>
-
+#include <sys/sysmacros.h>
 #include <QTest>
 
 #include "platform/limits.h"
+#include "settings/card.h"
+#include "settings/card_jobs.h"
 #include "settings/device_settings.h"
+#include "support/fake_drives.h"
 #include "support/made_card.h"
 
 using namespace ql240;
 
-class TestDeviceSettings : public QObject {
+class TestCardReading : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    // The last drive with a version file is the card; the first with a settings folder adjusts the picture.
+    void rules() {
+        const MadeCard stick, first, second, empty;
+        stick.put("Setting/other.txt", {});
+        first.put("UPDATE/Version.TXT", {});
+        first.put("setting/setting.dat", {});
+        second.put("update/version.txt", "QL240");
+        QDir().mkpath(empty.path("update/version.txt"));
+        m_drives.drives.clear();
+        for (const MadeCard* card : {&stick, &first, &second, &empty})
+            m_drives.drives.append({card->drive(), "LABEL", "vfat"});
+
+        QCOMPARE(listRemovableDrives(&m_drives).size(), 4);
+        QCOMPARE(findCardDrive(&m_drives), second.drive());
+        QCOMPARE(firstSettingFolder(&m_drives), stick.path("Setting"));
+        QCOMPARE(settingFolder(second.drive()), second.path("setting"));
+        QCOMPARE(updateFolder(first.drive()), first.path("UPDATE"));
+        QCOMPARE(openVersionText(updateFolder(first.drive())), std::optional<QString>(QString()));
+        QCOMPARE(openVersionText(updateFolder(empty.drive())), std::nullopt);
+        QCOMPARE(readVersionText(updateFolder(stick.drive())), QString());
+        QCOMPARE(cardVersionText(&m_drives), std::optional<QString>("QL240"));
+        m_drives.drives.clear();
+        QCOMPARE(findCardDrive(&m_drives), QString());
+        QCOMPARE(firstSettingFolder(&m_drives), QString());
+        QVERIFY(listRemovableDrives(nullptr).isEmpty() && !cardVersionText(nullptr));
+    }
+
+    void versionText() {
+        const std::pair<QByteArray, const char*> rows[] = {{"QL240 1.02\n", "QL240 1.02"},
+                                                           {"QL240\r\n1.02\r\n", "QL240\n1.02"},
+                                                           {"\nQL240\n\n", "\nQL240\n"},
+                                                           {"QL240  1.02", "QL240  1.02"},
+                                                           {"\xef\xbb\xbfQL240 1.02", "QL240 1.02"}};
+        for (const auto& [file, text] : rows) {
+            const MadeCard card;
+            card.put("update/version.txt", file);
+            QCOMPARE(readVersionText(card.path("update")), text);
+        }
+    }
+
+    void uuidOfTheDevice() {
+        const MadeCard udev;
+        udev.put("b8:17", "S:disk/by-uuid/x\nE:ID_FS_UUID_ENC=x\nE:ID_FS_UUID=A1B2-C3D4\nG:systemd\n");
+        QCOMPARE(fileSystemUuid(makedev(8, 17), udev.drive()), "A1B2-C3D4");
+        QCOMPARE(fileSystemUuid(makedev(8, 18), udev.drive()), "");
+    }
+
     void textLines() {
-        // What is changed: "key value key value", all others at their defaults.
+        // The values that aren't at their defaults: "key value key value".
         const std::pair<QByteArray, const char*> rows[] = {
             {"framevalue:1", "framevalue 1"},
             {"RESOLUTIONVALUE:1\r\n", "resolutionvalue 1"},
@@ -32,7 +82,8 @@ private Q_SLOTS:
             {"batteryvalue1:99999999999999999999\n", "batteryvalue1 0"},
             {"batteryvalue1:000000000000000000000000000000119\n", "batteryvalue1 119"},
             {QByteArray("batteryvalue1:11\0 9\n", 20), "batteryvalue1 0"},
-            {"sensitivityvalue2:5\n", "sensitivityvalue 5 sensitivityvalue2 5"}, // a key's beginning counts
+            {"sensitivityvalue2:5\n",
+             "sensitivityvalue 5 sensitivityvalue2 5"}, // a key may be followed by more letters
             {"hourvalue:5\nhourvalue:9\n", "hourvalue 9"},
             {"reversalvalue:1\nsharpnessvalue:1\n", ""}, // keys of bytes only
             {"\n\nfoo:1\n brightvalue:1\nmutevalue:1\n", "mutevalue 1"},
@@ -51,7 +102,7 @@ private Q_SLOTS:
         }
     }
 
-    // The first byte counts, signed or not as the key has it.
+    // The first byte counts; whether it is signed depends on the key.
     void byteFiles() {
         const std::tuple<int, QByteArray, int> rows[] = {{1, "\x79", 121},
                                                          {1, "\xf2", -14},
@@ -67,7 +118,7 @@ private Q_SLOTS:
         }
     }
 
-    // Without the brightness the contrast isn't opened.
+    // Without the brightness, the contrast isn't read.
     void loadBytesResult() {
         for (const auto& [bright, contrast, contrastRead] :
              {std::tuple(false, false, 4), {true, false, 4}, {false, true, 4}, {true, true, 7}}) {
@@ -84,8 +135,7 @@ private Q_SLOTS:
         }
     }
 
-    // No card, an empty folder, and names that are no files: the defaults stand, and nothing waits for a
-    // pipe's writer.
+    // No card, an empty folder, folders and a pipe in place of files: all defaults, and no wait for a writer.
     void withoutFiles() {
         const MadeCard card;
         QDir().mkpath(card.path("odd/setting.dat"));
@@ -110,11 +160,11 @@ private Q_SLOTS:
         const DeviceSettings settings(card.path("setting"));
         QCOMPARE(settings.framevalue, 1);
         QCOMPARE(settings.speedValue, 2);
-        QCOMPARE(settings.brightvalue, 1); // a byte file goes over the text
+        QCOMPARE(settings.brightvalue, 1); // a byte file overrides the text
         QCOMPARE(settings.contrastvalue, 3);
     }
 
-    // What lies past the limit isn't read, and what it cuts off counts for nothing.
+    // Nothing past the limit is read, and a line that it cuts off doesn't count.
     void hugeText() {
         const std::tuple<QByteArray, QByteArray, QByteArray, int> rows[] = {
             {"framevalue", "x", ":1\n", 3},
@@ -130,7 +180,11 @@ private Q_SLOTS:
         card.put("setting/setting.dat", QByteArray(limits::kSettingFileBytes - last.size(), 'x') + last);
         QCOMPARE(DeviceSettings(card.path("setting")).framevalue, 1);
     }
+
+private:
+    FakeDrives m_drives;
 };
 
-QTEST_GUILESS_MAIN(TestDeviceSettings)
-#include "test_device_settings.moc"
+QTEST_GUILESS_MAIN(TestCardReading)
+
+#include "test_card_reading.moc"
