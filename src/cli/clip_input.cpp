@@ -10,6 +10,7 @@
 #include <cstring>
 #include <memory>
 
+#include "base/regular_file.h"
 #include "clips/clip.h"
 #include "clips/clip_folder.h"
 
@@ -56,18 +57,8 @@ std::unique_ptr<QIODevice> openStandardInput(QString& reason) {
 }
 
 std::unique_ptr<QIODevice> openFile(const QString& name, QString& reason) {
-    const QFileInfo file(name);
-    // Reading anything else may block or never end.
-    if (file.exists() && !file.isFile()) {
-        reason = QStringLiteral("no regular file");
-        return nullptr;
-    }
     auto input = std::make_unique<QFile>(name);
-    if (!input->open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-        reason = input->errorString();
-        return nullptr;
-    }
-    return input;
+    return openRegularFile(*input, reason) ? std::move(input) : nullptr;
 }
 
 } // namespace

@@ -10,12 +10,20 @@
 namespace ql240::cli {
 
 QString shown(const QString& text) {
-    QString safe = text;
-    for (QChar& c : safe) {
-        if (c.category() == QChar::Other_Control || c.category() == QChar::Other_Format)
-            c = u'?';
+    QList<uint> safe = text.toUcs4();
+    for (uint& c : safe) {
+        switch (QChar::category(c)) {
+            case QChar::Other_Control:
+            case QChar::Other_Format:
+            case QChar::Separator_Line:
+            case QChar::Separator_Paragraph:
+                c = u'?';
+                break;
+            default:
+                break;
+        }
     }
-    return safe;
+    return QString::fromUcs4(reinterpret_cast<const char32_t*>(safe.constData()), safe.size());
 }
 
 QByteArray forTerminal(const QString& text) {

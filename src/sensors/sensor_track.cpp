@@ -1,10 +1,10 @@
 #include "sensors/sensor_track.h"
 
 #include <QFile>
-#include <QFileInfo>
 #include <algorithm>
 #include <array>
 
+#include "base/regular_file.h"
 #include "clips/formats/trailer.h"
 #include "platform/logging.h"
 #include "platform/sensor_library.h"
@@ -21,7 +21,8 @@ constexpr std::int64_t kLibraryEndMs = 61000;
 // The last `kTrailerBytes` bytes of a regular file; empty if it can't be read.
 QByteArray readTail(const QString& path) {
     QFile file(path);
-    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+    QString problem;
+    if (!openRegularFile(file, problem))
         return {};
     file.seek(std::max<std::int64_t>(0, file.size() - kTrailerBytes));
     return file.read(kTrailerBytes);

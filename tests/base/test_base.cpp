@@ -1,10 +1,13 @@
 // Preferences, languages, and background jobs: which answers count, and how long they may block the thread.
+#include <sys/stat.h>
+
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include "base/language.h"
 #include "base/preferences.h"
+#include "base/regular_file.h"
 #include "support/held_jobs.h"
 
 using namespace ql240;
@@ -37,6 +40,26 @@ private Q_SLOTS:
     void init() {
         m_config = std::make_unique<QTemporaryDir>();
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(m_config->path()));
+    }
+
+    void regularFilesOnly() {
+        const QString fifo = m_config->filePath("fifo");
+        QCOMPARE(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+        writeFile("text");
+        const std::pair<QString, const char*> names[] = {{fifo, "no regular file"},
+                                                         {"/dev/zero", "no regular file"},
+                                                         {m_config->path(), "no regular file"},
+                                                         {fifo + "2", "No such file or directory"}};
+        for (const auto& [name, expected] : names) {
+            QFile file(name);
+            QString problem;
+            QVERIFY(!openRegularFile(file, problem));
+            QCOMPARE(problem, expected);
+        }
+        QFile file(localIniPath());
+        QString problem;
+        QVERIFY2(openRegularFile(file, problem), qPrintable(problem));
+        QCOMPARE(file.readAll(), "text");
     }
 
     void handEditedFile() {

@@ -120,6 +120,7 @@ private Q_SLOTS:
             "ql240-clip: card/REC_2013_04_05_21_30_00.mp4: old.gpx: it exists; --force writes over it\n");
         row("info mute.mp4 card", 0, "");
         row("info no\x1b[2J.mp4", 1, "ql240-clip: no?[2J.mp4: No such file or directory\n");
+        row("info no\u2028\U000E0041.mp4", 1, "ql240-clip: no??.mp4: No such file or directory\n");
         row("info nowhere.mp4", 1, "ql240-clip: nowhere.mp4: No such file or directory\n");
         row("info /dev/null zero.mp4 text.mp4 wave.avi empty card", 1,
             "ql240-clip: empty: no clip in it\n"

@@ -5,7 +5,9 @@
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <QTest>
+#include <QtEndian>
 
 #include "clips/containers/avi_writer.h"
 #include "support/clip_damage.h"
@@ -33,6 +35,28 @@ std::optional<QByteArray> rewritten(const QByteArray& bytes) {
         return QByteArray("unwritten");
     eachSample(file, [](ByteRange) {});
     return writtenBack(file, to);
+}
+
+// Why its movie isn't accepted.
+QString problemOf(QFile& file) {
+    QString problem;
+    ByteSource source(file, kWholeClip);
+    Mp4File boxes;
+    AviFile chunks;
+    if (isRiff(file) ? readAviChunks(source, chunks, problem) : readMp4Boxes(source, boxes, problem))
+        isRiff(file) ? void(readAviMovie(source, chunks, problem))
+                     : void(readMp4Movie(source, boxes, problem));
+    return problem;
+}
+
+// With a box of so many bytes added to the "trak" box at `at`, within "moov" at the end.
+QByteArray withHeaders(QByteArray bytes, qsizetype at, const QByteArray& content) {
+    const QByteArray box = madeclips::box("udta", content);
+    for (const qsizetype start : {at, bytes.lastIndexOf("moov") - 4}) {
+        const auto size = qFromBigEndian<quint32>(bytes.constData() + start);
+        bytes.replace(start, 4, madeclips::bigEndian(size + quint32(box.size()), 4));
+    }
+    return bytes.insert(at + 8, box);
 }
 
 QMap<QByteArray, QByteArray> clips() {
@@ -107,6 +131,40 @@ private Q_SLOTS:
             }
         }
         QVERIFY(accepted > 0);
+    }
+
+    // Samples and headers of all tracks together; an index that each stream's chunks are looked for in.
+    void tooMuch() {
+        const QByteArray mp4 = bytesOf(makeTestClip({.faststart = false}));
+        const QByteArray avi = bytesOf(makeTestClip(aviTestClip()));
+        const auto replaced = [](QByteArray bytes, const char* name, int at, const QByteArray& by) {
+            for (qsizetype i = bytes.indexOf(name); i >= 0; i = bytes.indexOf(name, i + 4))
+                bytes.replace(i + at, by.size(), by);
+            return bytes;
+        };
+        const QByteArray half = madeclips::bigEndian(limits::kClipSamples / 2 + 1, 4);
+        QByteArray heavy = mp4;
+        for (qsizetype at = mp4.lastIndexOf("tkhd"); at >= 0; at = mp4.lastIndexOf("tkhd", at - 1))
+            heavy = withHeaders(heavy, at - 12, QByteArray(limits::kHeaderBytes * 2 / 3, '\0'));
+        const struct {
+            QByteArray bytes;
+            qint64 size;
+            const char* reason;
+        } rows[] = {{mp4, mp4.size(), ""},
+                    {avi, avi.size(), ""},
+                    {replaced(replaced(mp4, "stsz", 8, madeclips::bigEndian(1, 4) + half), "stts", 12, half),
+                     mp4.size(), "more samples"},
+                    {heavy, heavy.size(), "more headers"},
+                    {replaced(replaced(avi, "idx1", 4, QByteArray("\0\0\0\x20", 4)), "RIFF", 4,
+                              QByteArray("\0\0\0\x21", 4)),
+                     INT64_C(0x22000000), "more chunks"}};
+        for (const auto& row : rows) {
+            QTemporaryFile file;
+            QVERIFY(file.open() && file.write(row.bytes) == row.bytes.size() && file.resize(row.size));
+            const QString problem = problemOf(file);
+            QVERIFY2(row.reason[0] == '\0' ? problem.isEmpty() : problem.contains(row.reason),
+                     qPrintable(problem));
+        }
     }
 
     // Rewritten in lists of 200 KB, it has the same packets, by its index and to another program.

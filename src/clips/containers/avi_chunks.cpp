@@ -1,8 +1,6 @@
 #include "clips/containers/avi_chunks.h"
 
-#include <QLocale>
 #include <QtEndian>
-#include <algorithm>
 #include <limits>
 
 #include "platform/limits.h"
@@ -112,9 +110,7 @@ private:
     }
 
     bool fail(std::int64_t offset, const char* reason) {
-        m_problem = QStringLiteral("byte %1: %2")
-                        .arg(QLocale(QLocale::English).toString(static_cast<qlonglong>(offset)),
-                             QLatin1StringView(reason));
+        m_problem = atByte(offset, reason);
         return false;
     }
 
@@ -126,24 +122,8 @@ private:
 
 template <typename Chunks>
 auto* findIn(Chunks& chunks, std::uint32_t type) {
-    const auto found = std::find_if(chunks.begin(), chunks.end(), [type](const AviChunk& chunk) {
-        return type == (chunk.isList() ? chunk.kind : chunk.name);
-    });
-    return found != chunks.end() ? &*found : nullptr;
-}
-
-bool load(ByteSource& source, AviChunk& chunk) {
-    for (AviChunk& inner : chunk.inner) {
-        if (!load(source, inner))
-            return false;
-    }
-    const auto* const range = std::get_if<ByteRange>(&chunk.content);
-    if (range == nullptr)
-        return true;
-    QByteArray bytes(range->size, '\0');
-    const bool isThere = bytes.isEmpty() || source.read(range->start, bytes) == bytes.size();
-    chunk.content = std::move(bytes);
-    return isThere;
+    return firstOf(
+        chunks, [type](const AviChunk& chunk) { return type == (chunk.isList() ? chunk.kind : chunk.name); });
 }
 
 } // namespace
@@ -178,7 +158,7 @@ bool readAviChunks(ByteSource& source, AviFile& file, QString& problem) {
 bool loadChunk(ByteSource& source, AviChunk& chunk, QString& problem) {
     if (chunk.size() > limits::kHeaderBytes)
         problem = QStringLiteral("more headers than a clip can have");
-    else if (!load(source, chunk))
+    else if (!loadContents(source, chunk))
         problem = QStringLiteral("the headers can't be read");
     return problem.isEmpty();
 }
@@ -190,11 +170,6 @@ AviChunk newChunk(std::uint32_t name, QByteArray content) {
         chunk.pad = '\0';
     chunk.content = std::move(content);
     return chunk;
-}
-
-QByteArray loadedContent(const AviChunk* chunk) {
-    const auto* const bytes = chunk != nullptr ? std::get_if<QByteArray>(&chunk->content) : nullptr;
-    return bytes != nullptr ? *bytes : QByteArray();
 }
 
 void writeChunk(const AviChunk& chunk, Copier& to) {

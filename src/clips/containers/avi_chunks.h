@@ -5,7 +5,7 @@
 
 #include <vector>
 
-#include "clips/containers/copier.h"
+#include "clips/containers/tree.h"
 
 namespace ql240::containers {
 
@@ -41,8 +41,6 @@ bool readAviChunks(ByteSource& source, AviFile& file, QString& problem);
 bool loadChunk(ByteSource& source, AviChunk& chunk, QString& problem);
 
 AviChunk newChunk(std::uint32_t name, QByteArray content);
-// The content of a loaded chunk, otherwise empty.
-QByteArray loadedContent(const AviChunk* chunk);
 
 // Write failures are reported by the copier's finish().
 void writeChunk(const AviChunk& chunk, Copier& to);

@@ -15,6 +15,7 @@ constexpr std::uint32_t kKeyFlag = 0x10;           // in "idx1"
 constexpr std::uint32_t kNotKeyBit = 0x80000000U;  // in the size, in OpenDML segments
 constexpr std::int64_t kSegmentHeadBytes = 8 + 24; // headers of the chunk and the index
 constexpr std::uint8_t kIndexOfIndexes = 0;
+constexpr std::uint32_t kMostSegments = 4096; // writers begin one per gigabyte
 
 std::uint32_t u32At(const std::array<char, 24>& bytes, std::size_t at) {
     return qFromLittleEndian<std::uint32_t>(bytes.data() + at);
@@ -23,7 +24,8 @@ std::uint32_t u32At(const std::array<char, 24>& bytes, std::size_t at) {
 // The number of entries in the super index; moves the reader past its header.
 std::uint32_t segmentsIn(RangeReader& superIndex) {
     std::array<char, 24> head{};
-    return superIndex.read(head) && head[3] == kIndexOfIndexes ? u32At(head, 4) : 0;
+    const bool isThere = superIndex.read(head) && head[3] == kIndexOfIndexes;
+    return isThere ? std::min(u32At(head, 4), kMostSegments) : 0;
 }
 
 } // namespace

@@ -8,6 +8,9 @@ namespace ql240::containers {
 namespace {
 
 constexpr qsizetype kStartAt = 28; // in "strh"
+constexpr std::int64_t kIndexEntryBytes = 16;
+// Each stream's chunks are looked for in the whole index; cameras write three streams.
+constexpr std::uint64_t kMostIndexSteps = 8 * limits::kClipSamples;
 // Up to the last fields that change in a new file.
 constexpr qsizetype kMainHeaderBytes = 28;   // of "avih"
 constexpr qsizetype kStreamHeaderBytes = 36; // of "strh"
@@ -135,6 +138,11 @@ std::optional<AviMovie> readAviMovie(ByteSource& source, const AviFile& file, QS
         return std::nullopt;
     }
     takeMedia(file, movie);
+    if (static_cast<std::uint64_t>(movie.index.size / kIndexEntryBytes) >
+        kMostIndexSteps / movie.streams.size()) {
+        problem = QStringLiteral("more chunks than a clip can have");
+        return std::nullopt;
+    }
     takeChunkNames(source, movie);
     return movie;
 }

@@ -1,8 +1,6 @@
 #include "clips/containers/mp4_boxes.h"
 
-#include <QLocale>
 #include <QtEndian>
-#include <algorithm>
 #include <limits>
 #include <span>
 
@@ -76,9 +74,7 @@ private:
     }
 
     bool fail(std::int64_t offset, const char* reason) {
-        m_problem = QStringLiteral("byte %1: %2")
-                        .arg(QLocale(QLocale::English).toString(static_cast<qlonglong>(offset)),
-                             QLatin1StringView(reason));
+        m_problem = atByte(offset, reason);
         return false;
     }
 
@@ -89,25 +85,15 @@ private:
 
 template <typename Boxes>
 auto* findIn(Boxes& boxes, std::uint32_t type) {
-    const auto found =
-        std::find_if(boxes.begin(), boxes.end(), [type](const Mp4Box& b) { return b.type == type; });
-    return found != boxes.end() ? &*found : nullptr;
+    return firstOf(boxes, [type](const Mp4Box& b) { return b.type == type; });
 }
 
-bool load(ByteSource& source, Mp4Box& box) {
+// In a new file, others may follow a box that extends to the end of its parent.
+void giveSizes(Mp4Box& box) {
     if (box.sizeField == Mp4Box::SizeField::ToEnd)
-        box.sizeField = Mp4Box::SizeField::Narrow; // others may follow it in the new file
-    for (Mp4Box& inner : box.inner) {
-        if (!load(source, inner))
-            return false;
-    }
-    const auto* const range = std::get_if<ByteRange>(&box.content);
-    if (range == nullptr)
-        return true;
-    QByteArray bytes(range->size, '\0');
-    const bool isThere = bytes.isEmpty() || source.read(range->start, bytes) == bytes.size();
-    box.content = std::move(bytes);
-    return isThere;
+        box.sizeField = Mp4Box::SizeField::Narrow;
+    for (Mp4Box& inner : box.inner)
+        giveSizes(inner);
 }
 
 } // namespace
@@ -148,9 +134,10 @@ bool readMp4Boxes(ByteSource& source, Mp4File& file, QString& problem) {
 }
 
 bool loadBox(ByteSource& source, Mp4Box& box, QString& problem) {
+    giveSizes(box);
     if (box.size() > limits::kHeaderBytes)
         problem = QStringLiteral("the index has more headers than a clip can have");
-    else if (!load(source, box))
+    else if (!loadContents(source, box))
         problem = QStringLiteral("the index can't be read");
     return problem.isEmpty();
 }
@@ -160,11 +147,6 @@ Mp4Box newBox(std::uint32_t type, QByteArray content) {
     box.type = type;
     box.content = std::move(content);
     return box;
-}
-
-QByteArray loadedContent(const Mp4Box* box) {
-    const auto* const bytes = box != nullptr ? std::get_if<QByteArray>(&box->content) : nullptr;
-    return bytes != nullptr ? *bytes : QByteArray();
 }
 
 void writeBox(const Mp4Box& box, Copier& to) {

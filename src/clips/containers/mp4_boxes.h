@@ -5,7 +5,7 @@
 
 #include <vector>
 
-#include "clips/containers/copier.h"
+#include "clips/containers/tree.h"
 
 namespace ql240::containers {
 
@@ -44,8 +44,6 @@ bool readMp4Boxes(ByteSource& source, Mp4File& file, QString& problem);
 bool loadBox(ByteSource& source, Mp4Box& box, QString& problem);
 
 Mp4Box newBox(std::uint32_t type, QByteArray content);
-// The content of a loaded box, otherwise empty.
-QByteArray loadedContent(const Mp4Box* box);
 
 // Write failures are reported by the copier's finish().
 void writeBox(const Mp4Box& box, Copier& to);

@@ -40,7 +40,9 @@ std::uint32_t numberAfterTimes(const QByteArray& fullBox) {
     return bigEndianAt(fullBox, fullBox.startsWith('\1') ? 20 : 12);
 }
 
-std::optional<Mp4Track> readTrack(ByteSource& source, const Mp4Box& box, QString& problem) {
+// `headerBytes`: those of the tracks so far.
+std::optional<Mp4Track> readTrack(ByteSource& source, const Mp4Box& box, std::int64_t& headerBytes,
+                                  QString& problem) {
     Mp4Track track;
     const std::int64_t start = box.offset + box.headSize();
     track.layout = sensorfiles::readTrackLayout(source, {start, box.offset + box.size() - start});
@@ -51,7 +53,10 @@ std::optional<Mp4Track> readTrack(ByteSource& source, const Mp4Box& box, QString
         return std::nullopt;
     }
     dropTables(*tables);
-    if (!loadBox(source, track.box, problem))
+    headerBytes += track.box.size();
+    if (headerBytes > limits::kHeaderBytes)
+        problem = QStringLiteral("the tracks have more headers than a clip can have");
+    if (!problem.isEmpty() || !loadBox(source, track.box, problem))
         return std::nullopt;
     track.id = numberAfterTimes(loadedContent(track.box.find(fourCc("tkhd"))));
     return track;
@@ -62,6 +67,20 @@ std::optional<Mp4Track> readTrack(ByteSource& source, const Mp4Box& box, QString
 bool Mp4Track::hasRuns() const {
     return isSound() && layout.constantSize > 0 && layout.times.size == 8 && layout.compositions.isEmpty() &&
            !layout.hasSyncTable && layout.length == layout.sampleCount;
+}
+
+// With runs, each chunk begins one.
+std::uint64_t Mp4Track::steps() const {
+    constexpr std::int64_t kLeastEntryBytes = 4;
+    const auto chunks = static_cast<std::uint64_t>(layout.chunkOffsets.size / kLeastEntryBytes);
+    return hasRuns() ? chunks + layout.sampleCount / kRunSamples : layout.sampleCount;
+}
+
+std::uint64_t Mp4Movie::steps() const {
+    std::uint64_t steps = 0;
+    for (const Mp4Track& track : tracks)
+        steps += track.steps();
+    return steps;
 }
 
 QByteArray Mp4Track::descriptions() const {
@@ -83,10 +102,11 @@ std::optional<Mp4Movie> readMp4Movie(ByteSource& source, const Mp4File& file, QS
     if (!loadBox(source, movie.box, problem))
         return std::nullopt;
     movie.timescale = numberAfterTimes(loadedContent(movie.box.find(fourCc("mvhd"))));
+    std::int64_t headerBytes = 0;
     for (const Mp4Box& box : index->inner) {
         if (box.type != fourCc("trak"))
             continue;
-        std::optional<Mp4Track> track = readTrack(source, box, problem);
+        std::optional<Mp4Track> track = readTrack(source, box, headerBytes, problem);
         if (track && movie.tracks.size() >= limits::kTracks)
             problem = QStringLiteral("more tracks than a clip can have");
         if (!problem.isEmpty())
@@ -95,6 +115,8 @@ std::optional<Mp4Movie> readMp4Movie(ByteSource& source, const Mp4File& file, QS
     }
     if (movie.timescale == 0)
         problem = QStringLiteral("the index has no time scale");
+    else if (movie.steps() > limits::kClipSamples)
+        problem = QStringLiteral("more samples than a clip can have");
     return problem.isEmpty() ? std::optional(std::move(movie)) : std::nullopt;
 }
 

@@ -39,6 +39,8 @@ struct Mp4Track {
     bool isSound() const { return layout.handler == fourCc("soun"); }
     // Uncompressed sound: all samples have one size and a duration of one tick.
     bool hasRuns() const;
+    // At most so many steps of a cursor.
+    std::uint64_t steps() const;
     // The body of "stsd".
     QByteArray descriptions() const;
 };
@@ -49,6 +51,8 @@ struct Mp4Movie {
     // The "moov" box, loaded, without its tracks.
     Mp4Box box;
     bool isFragmented = false; // the samples are listed in fragments
+
+    std::uint64_t steps() const;
 };
 
 // Nothing, with the reason in `problem`, if the index is missing or invalid.

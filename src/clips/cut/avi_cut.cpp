@@ -104,6 +104,7 @@ private:
     AviFile m_chunks;
     AviMovie m_movie;
     std::int64_t m_clipUs = 0; // length of the longest stream
+    std::uint64_t m_chunksOfClip = 0;
     std::vector<Part> m_parts;
     std::vector<AviChunk> m_before; // before the media
     std::vector<AviChunk> m_after;
@@ -173,6 +174,7 @@ bool AviPieceOfClip::addPart(std::size_t number, bool isKept, QString& problem) 
     Part part;
     part.stream = number;
     const bool isRead = forEachChunk(m_file, m_movie, number, problem, [&](const TimedPiece& chunk) {
+        ++m_chunksOfClip;
         m_clipUs = std::max(m_clipUs, chunk.endUs);
         const std::int64_t halfUs = (chunk.endUs - chunk.startUs) / 2;
         const bool canBegin =
@@ -186,7 +188,9 @@ bool AviPieceOfClip::addPart(std::size_t number, bool isKept, QString& problem) 
         part.count = chunk.number - part.first + 1;
         part.bytes += chunk.piece.body.size + kChunkBytes;
     });
-    if (!isRead)
+    if (isRead && m_chunksOfClip > limits::kClipSamples)
+        problem = QStringLiteral("more chunks than a clip can have");
+    if (!problem.isEmpty())
         return false;
     if (part.count > 0 && isKept) {
         m_parts.push_back(part);

@@ -4,6 +4,7 @@
 #include <QFileInfo>
 #include <algorithm>
 
+#include "base/regular_file.h"
 #include "clips/clip_name.h"
 #include "clips/containers/new_file.h"
 #include "clips/cut/avi_cut.h"
@@ -14,6 +15,7 @@ namespace ql240 {
 namespace {
 
 constexpr std::int64_t kUsPerMs = 1000;
+constexpr std::int64_t kMostTableBytes = INT64_C(1) << 20;
 constexpr qsizetype kPrefixLength = 4; // "REC_"
 constexpr qsizetype kStampLength = 19;
 
@@ -30,16 +32,6 @@ std::unique_ptr<ClipPiece> pieceOf(QFile& file, const CutRequest& request, QStri
     if (!isRiff(file))
         return cut::pieceOfMp4(file, request.range, request.keepsSound, problem);
     return cut::pieceOfAvi(file, request.range, request.keepsSound, startsLate(request.clip), problem);
-}
-
-bool openClip(QFile& file, QString& problem) {
-    const QFileInfo info(file.fileName());
-    // Reading anything else might block or never end.
-    if (info.exists() && !info.isFile())
-        problem = QStringLiteral("no regular file");
-    else if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
-        problem = file.errorString();
-    return problem.isEmpty();
 }
 
 void writePiece(QFile& clip, ClipPiece& piece, containers::NewFile& output, const CutProgress& progress,
@@ -79,7 +71,7 @@ CutResult cutClip(const CutRequest& request, const CutProgress& progress) {
     CutResult result;
     result.output = request.output;
     QFile clip(request.clip);
-    if (!openClip(clip, result.reason))
+    if (!openRegularFile(clip, result.reason))
         return result;
     if (request.range.fromUs < 0 || request.range.fromUs > request.range.toUs) {
         result.reason = QStringLiteral("the piece ends before it begins");
@@ -88,6 +80,11 @@ CutResult cutClip(const CutRequest& request, const CutProgress& progress) {
     const std::unique_ptr<ClipPiece> piece = pieceOf(clip, request, result.reason);
     if (!piece)
         return result;
+    // Tables with lies in them can name the same bytes again and again.
+    if (piece->bytes() > 2 * clip.size() + kMostTableBytes) {
+        result.reason = QStringLiteral("its piece would be larger than the clip");
+        return result;
+    }
     result.range = piece->range();
     result.remarks = piece->remarks();
     if (result.output.isEmpty())

@@ -1,11 +1,11 @@
 #include "clips/formats/sensor_file_library.h"
 
 #include <QFile>
-#include <QFileInfo>
 #include <QTimeZone>
 #include <cstdlib>
 #include <cstring>
 
+#include "base/regular_file.h"
 #include "clips/formats/sensor_formats.h"
 #include "platform/logging.h"
 
@@ -43,9 +43,9 @@ SensorLibrary::Handle SensorFileLibrary::getInformationData(const char* path) {
     m_records = {};
     const QString name = QString::fromLocal8Bit(path);
     QFile file(name);
-    // Only a regular file: anything else may block or never end.
-    if (!QFileInfo(name).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-        qCWarning(lcSensors) << name << "doesn't open:" << file.errorString();
+    QString problem;
+    if (!openRegularFile(file, problem)) {
+        qCWarning(lcSensors) << name << "doesn't open:" << problem;
         return 0;
     }
     qCDebug(lcSensors) << "reading" << name;

@@ -3,15 +3,20 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include "base/regular_file.h"
 #include "clips/containers/new_file.h"
 #include "clips/repair/avi_repair.h"
 #include "clips/repair/pattern_choice.h"
+#include "platform/limits.h"
 
 namespace ql240 {
 
 using namespace repair;
 
 namespace {
+
+// For the choice of a pattern: of the longest clip, and of many usual ones.
+constexpr std::uint64_t kTriedSamples = 2 * limits::kClipSamples;
 
 enum class Damage { None, Mp4, Avi };
 
@@ -36,9 +41,10 @@ std::unique_ptr<Mp4Pattern> patternFor(const RepairOrder& order, QFile& from, Re
         result = failed(RepairStatus::NothingFound, QStringLiteral("no pictures in it"));
         return nullptr;
     }
+    std::uint64_t samplesLeft = kTriedSamples;
     if (!order.pattern.isEmpty()) {
         result.pattern = order.pattern;
-        std::unique_ptr<Mp4Pattern> pattern = fittingPattern(order.pattern, from, problem);
+        std::unique_ptr<Mp4Pattern> pattern = fittingPattern(order.pattern, from, samplesLeft, problem);
         if (!pattern)
             result = failed(RepairStatus::NoPattern,
                             QStringLiteral("%1 can't be the pattern: %2").arg(order.pattern, problem));
@@ -52,7 +58,7 @@ std::unique_ptr<Mp4Pattern> patternFor(const RepairOrder& order, QFile& from, Re
         }
         problem.clear();
         result.pattern = candidate;
-        if (std::unique_ptr<Mp4Pattern> pattern = fittingPattern(candidate, from, problem))
+        if (std::unique_ptr<Mp4Pattern> pattern = fittingPattern(candidate, from, samplesLeft, problem))
             return pattern;
     }
     result = failed(RepairStatus::NoPattern, QStringLiteral("it needs a pattern: ") + wantedKind(from));
@@ -104,10 +110,9 @@ RepairResult repairInto(const RepairOrder& order, QFile& from, Damage damage, co
 
 RepairResult repairClip(const RepairOrder& order) {
     QFile from(order.clip);
-    if (QFileInfo(order.clip).exists() && !QFileInfo(order.clip).isFile())
-        return failed(RepairStatus::ReadFailed, QStringLiteral("no regular file"));
-    if (!from.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
-        return failed(RepairStatus::ReadFailed, from.errorString());
+    QString problem;
+    if (!openRegularFile(from, problem))
+        return failed(RepairStatus::ReadFailed, problem);
     const Damage damage = damageOf(from);
     if (damage == Damage::None)
         return failed(RepairStatus::NotNeeded, QStringLiteral("it has its index, or is no clip"));
@@ -116,7 +121,6 @@ RepairResult repairClip(const RepairOrder& order) {
     if (containers::isSameFile(order.output, order.pattern))
         return failed(RepairStatus::WriteFailed, QStringLiteral("it is the pattern"));
     containers::NewFile output(order.output, order.replaces);
-    QString problem;
     if (!output.open(problem))
         return failed(RepairStatus::WriteFailed, problem);
     return repairInto(order, from, damage, output);
@@ -124,8 +128,8 @@ RepairResult repairClip(const RepairOrder& order) {
 
 bool needsRepair(const QString& clip) {
     QFile file(clip);
-    return QFileInfo(clip).isFile() && file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) &&
-           damageOf(file) != Damage::None;
+    QString problem;
+    return openRegularFile(file, problem) && damageOf(file) != Damage::None;
 }
 
 QString repairedName(const QString& fileName) {

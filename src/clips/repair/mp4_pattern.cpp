@@ -18,6 +18,7 @@ using containers::Mp4SampleCursor;
 namespace {
 
 constexpr std::size_t kMostShapes = 16;
+constexpr std::size_t kMostRunLengths = 4096; // of which the most frequent 64 are kept
 constexpr std::int64_t kLearnedPictures = 600;
 
 Bytes bytesOf(const QByteArray& bytes) {
@@ -78,8 +79,10 @@ std::optional<TrackPattern> patternOf(const containers::Mp4Track& track) {
 // Learns from a track's samples in one pass.
 class TrackLearner {
 public:
-    TrackLearner(ByteSource& source, FileWindow& window, TrackPattern& pattern, ByteRange& media)
-        : m_source(source), m_window(window), m_pattern(pattern), m_media(media) {}
+    // `bytesLeft`: of the file, besides the samples of other tracks.
+    TrackLearner(ByteSource& source, FileWindow& window, TrackPattern& pattern, ByteRange& media,
+                 std::int64_t& bytesLeft)
+        : m_source(source), m_window(window), m_pattern(pattern), m_media(media), m_bytesLeft(bytesLeft) {}
 
     // False, with the reason, if the track's samples couldn't be found without an index.
     bool learn(QString& problem);
@@ -95,6 +98,7 @@ private:
     FileWindow& m_window;
     TrackPattern& m_pattern;
     ByteRange& m_media;
+    std::int64_t& m_bytesLeft;
     std::optional<PictureFinder> m_pictures;
     std::int64_t m_end = -1; // of the preceding sample
     std::uint32_t m_run = 0;
@@ -117,7 +121,8 @@ void TrackLearner::endRun(bool isLast) {
     if (!isLast || m_runs == 0)
         m_pattern.shortestRun = m_runs == 0 ? m_run : std::min(m_pattern.shortestRun, m_run);
     m_pattern.longestRun = std::max(m_pattern.longestRun, m_run);
-    ++m_runsOfBytes[m_runBytes];
+    if (m_runsOfBytes.size() < kMostRunLengths || m_runsOfBytes.contains(m_runBytes))
+        ++m_runsOfBytes[m_runBytes];
     ++m_runs;
     m_run = 0;
     m_runBytes = 0;
@@ -173,7 +178,10 @@ const char* TrackLearner::learnSample(const Mp4Sample& sample) {
             m_areKeysRegular && (m_pattern.keyInterval == 0 || m_pattern.keyInterval == m_index - m_lastKey);
         m_pattern.keyInterval = m_index - std::exchange(m_lastKey, m_index);
     }
-    const char* reason = sample.description == 1 ? nullptr : "samples of more than one description";
+    m_bytesLeft -= sample.size;
+    const char* reason = m_bytesLeft < 0           ? "samples that share their bytes"
+                         : sample.description == 1 ? nullptr
+                                                   : "samples of more than one description";
     if (!reason && m_pattern.kind == Kind::Motion)
         reason = learnShape(sample, m_lastShape);
     else if (!reason && m_pattern.kind == Kind::Units)
@@ -241,8 +249,9 @@ void addPlaces(TrackPattern& pattern) {
     }
 }
 
-std::optional<containers::Mp4Movie> readWhole(ByteSource& source, containers::Mp4File& file,
+std::optional<containers::Mp4Movie> readWhole(ByteSource& source, std::uint64_t& samplesLeft,
                                               QString& problem) {
+    containers::Mp4File file;
     if (!containers::readMp4Boxes(source, file, problem))
         return std::nullopt;
     std::optional<containers::Mp4Movie> movie = containers::readMp4Movie(source, file, problem);
@@ -250,6 +259,9 @@ std::optional<containers::Mp4Movie> readWhole(ByteSource& source, containers::Mp
         problem = QStringLiteral("it is made of fragments");
     else if (movie && movie->tracks.empty())
         problem = QStringLiteral("no track in it");
+    else if (movie && movie->steps() > samplesLeft)
+        problem = QStringLiteral("too many samples, with those of the other clips");
+    samplesLeft -= problem.isEmpty() ? movie->steps() : 0;
     return problem.isEmpty() ? std::move(movie) : std::nullopt;
 }
 
@@ -260,14 +272,14 @@ std::int64_t TrackPattern::mostBytes() const {
     return std::clamp<std::int64_t>(static_cast<std::int64_t>(largest) * 8, kUsual, limits::kPieceBytes);
 }
 
-std::optional<Mp4Pattern> readMp4Pattern(QFileDevice& from, QString& problem) {
+std::optional<Mp4Pattern> readMp4Pattern(QFileDevice& from, std::uint64_t& samplesLeft, QString& problem) {
     ByteSource source(from, {std::numeric_limits<std::int64_t>::max(), limits::kRecordReads});
-    containers::Mp4File file;
-    std::optional<containers::Mp4Movie> movie = readWhole(source, file, problem);
+    std::optional<containers::Mp4Movie> movie = readWhole(source, samplesLeft, problem);
     if (!movie)
         return std::nullopt;
     Mp4Pattern pattern;
     FileWindow window(from);
+    std::int64_t bytesLeft = source.size();
     pattern.media = {source.size(), 0};
     for (const containers::Mp4Track& track : movie->tracks) {
         if (track.layout.sampleCount == 0)
@@ -278,7 +290,7 @@ std::optional<Mp4Pattern> readMp4Pattern(QFileDevice& from, QString& problem) {
                           .arg(sensorfiles::typeText(track.layout.format));
             return std::nullopt;
         }
-        if (!TrackLearner(source, window, *found, pattern.media).learn(problem))
+        if (!TrackLearner(source, window, *found, pattern.media, bytesLeft).learn(problem))
             return std::nullopt;
         sortShapes(*found);
         if (found->kind == TrackPattern::Kind::Motion)
@@ -286,11 +298,8 @@ std::optional<Mp4Pattern> readMp4Pattern(QFileDevice& from, QString& problem) {
         pattern.tracks.push_back(std::move(*found));
     }
     pattern.media.size -= pattern.media.start;
-    containers::Mp4Box type = file.boxes.front();
-    if (type.type == fourCc("ftyp") && containers::loadBox(source, type, problem))
-        pattern.type = containers::loadedContent(&type);
     pattern.movie = std::move(*movie);
-    return problem.isEmpty() ? std::optional(std::move(pattern)) : std::nullopt;
+    return pattern;
 }
 
 } // namespace ql240::repair

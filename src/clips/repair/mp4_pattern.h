@@ -51,7 +51,6 @@ struct SecondsApart {
 struct Mp4Pattern {
     containers::Mp4Movie movie;
     std::vector<TrackPattern> tracks;
-    QByteArray type;         // the body of "ftyp"
     ByteRange media;         // from the first sample's start to the last one's end
     bool hasPadding = false; // between samples
     SecondsApart apart;
@@ -59,7 +58,7 @@ struct Mp4Pattern {
 };
 
 // Nothing, with the reason in `problem`, if the clip is damaged or contains samples that can't be found
-// without an index. The file is open.
-std::optional<Mp4Pattern> readMp4Pattern(QFileDevice& file, QString& problem);
+// without an index, or more samples than `samplesLeft`, from which they are subtracted. The file is open.
+std::optional<Mp4Pattern> readMp4Pattern(QFileDevice& file, std::uint64_t& samplesLeft, QString& problem);
 
 } // namespace ql240::repair

@@ -279,7 +279,7 @@ Saved Mp4Saver::save() {
 
 std::optional<OuterBoxes::Part> OuterBoxes::next() {
     const Bytes head = m_window.at(m_at, 16);
-    if (head.size() < 8 || !isBoxType(bigEndian32(head.subspan(4))))
+    if (++m_count > limits::kIndexBoxes || head.size() < 8 || !isBoxType(bigEndian32(head.subspan(4))))
         return std::nullopt;
     Part part;
     part.type = bigEndian32(head.subspan(4));

@@ -25,7 +25,7 @@ public:
     };
 
     explicit OuterBoxes(FileWindow& window) : m_window(window) {}
-    // Nothing at the end, or if no box begins.
+    // Nothing at the end, if no box begins, or after as many as a clip can have.
     std::optional<Part> next();
     // Continues at the actual end of the media.
     void moveTo(std::int64_t offset) { m_at = offset; }
@@ -33,6 +33,7 @@ public:
 private:
     FileWindow& m_window;
     std::int64_t m_at = 0;
+    std::size_t m_count = 0;
 };
 
 // Whether it has the boxes of an MP4 clip, and no complete index among them, or one.

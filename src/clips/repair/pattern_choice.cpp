@@ -6,6 +6,7 @@
 #include <limits>
 #include <tuple>
 
+#include "base/regular_file.h"
 #include "clips/clip_folder.h"
 #include "clips/clip_name.h"
 #include "clips/repair/mp4_repair.h"
@@ -32,6 +33,13 @@ QByteArray typeOf(FileWindow& window) {
         return {};
     const Bytes bytes = window.at(first->body.start, static_cast<std::size_t>(first->body.size));
     return {reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size())};
+}
+
+bool isSameType(QFileDevice& damaged, QFileDevice& healthy) {
+    FileWindow ofDamaged(damaged);
+    FileWindow ofHealthy(healthy);
+    const QByteArray type = typeOf(ofDamaged);
+    return type.isEmpty() || type == typeOf(ofHealthy);
 }
 
 // Runs of uncompressed sound are longer than the cursor's.
@@ -134,7 +142,8 @@ bool isFoundIn(QFileDevice& damaged, const Mp4Pattern& pattern) {
 // Around a crash, the nearest clips may be damaged as well.
 bool isHealthy(const QString& clip) {
     QFile file(clip);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+    QString problem;
+    if (!openRegularFile(file, problem))
         return false;
     FileWindow window(file);
     return hasMp4Index(window);
@@ -153,21 +162,21 @@ QDateTime startOf(const QFileInfo& file) {
 
 } // namespace
 
-std::unique_ptr<Mp4Pattern> fittingPattern(const QString& healthy, QFileDevice& damaged, QString& problem) {
+std::unique_ptr<Mp4Pattern> fittingPattern(const QString& healthy, QFileDevice& damaged,
+                                           std::uint64_t& samplesLeft, QString& problem) {
     QFile file(healthy);
-    if (!QFileInfo(healthy).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-        problem = QFileInfo(healthy).isFile() ? file.errorString() : QStringLiteral("no regular file");
+    if (!openRegularFile(file, problem))
+        return nullptr;
+    if (!isSameType(damaged, file)) {
+        problem = QStringLiteral("it is of another kind");
         return nullptr;
     }
-    std::optional<Mp4Pattern> pattern = readMp4Pattern(file, problem);
+    std::optional<Mp4Pattern> pattern = readMp4Pattern(file, samplesLeft, problem);
     if (!pattern)
         return nullptr;
-    FileWindow window(damaged);
-    const QByteArray type = typeOf(window);
-    const bool isSameType = type.isEmpty() || type == pattern->type;
     if (!findsItself(file, *pattern))
         problem = QStringLiteral("its samples can't be distinguished without an index");
-    else if (!isSameType || !isFoundIn(damaged, *pattern))
+    else if (!isFoundIn(damaged, *pattern))
         problem = QStringLiteral("it is of another kind");
     const QDateTime start = clipStart(QFileInfo(healthy).fileName());
     const QDateTime damagedStart = clipStart(QFileInfo(damaged.fileName()).fileName());

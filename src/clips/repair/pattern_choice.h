@@ -9,8 +9,9 @@
 namespace ql240::repair {
 
 // The pattern from a healthy clip; nothing, with the reason in `problem`, if it doesn't fit `damaged`, which
-// is open.
-std::unique_ptr<Mp4Pattern> fittingPattern(const QString& healthy, QFileDevice& damaged, QString& problem);
+// is open, or has more samples than `samplesLeft`, from which they are subtracted.
+std::unique_ptr<Mp4Pattern> fittingPattern(const QString& healthy, QFileDevice& damaged,
+                                           std::uint64_t& samplesLeft, QString& problem);
 
 // The other MP4 clips with an index in a clip's folder: those with similar names first, then by distance in
 // recording time. At most 32.
