@@ -21,7 +21,7 @@ namespace {
 
 const QString kViewer = QStringLiteral("QL240 Viewer");
 const QString kSetting = QStringLiteral("QL240 Setting");
-constexpr int kBoundMs = 15000;
+constexpr int kBoundMs = 60000;
 
 // The activation requests of windows to the X11 window manager.
 class ActivationRequests {
