@@ -136,7 +136,9 @@ QString textIn(ByteSource& source, ByteRange body, bool hasLanguage) {
         if (length <= bytes.size() - 4)
             bytes = bytes.mid(4, length);
     }
-    return QString::fromUtf8(bytes.constData(), qstrnlen(bytes.constData(), bytes.size())).trimmed();
+    if (const auto end = bytes.indexOf('\0'); end >= 0)
+        bytes.truncate(end);
+    return QString::fromUtf8(bytes).trimmed();
 }
 
 CameraText readUserData(ByteSource& source, ByteRange area) {
