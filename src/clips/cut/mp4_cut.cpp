@@ -32,13 +32,18 @@ struct Part {
 // GStreamer's demuxer ends a track at a key frame whose time in the media is past the movie's length,
 // without regard to what the edit list hides before. So the few key frames there aren't marked as such;
 // players find an earlier one.
+//
+// FFmpeg 7 takes a text track's length from its samples, not from its edit list. So the last record ends with
+// the piece.
 class Lane {
 public:
-    // `length`: the piece's, in ticks of the track.
-    Lane(QFileDevice& file, const Part& part, std::int64_t length)
+    // The piece's end and its length, in ticks of the track.
+    Lane(QFileDevice& file, const Part& part, std::int64_t end, std::int64_t length)
         : m_source(file, kBudget),
           m_cursor(m_source, *part.track),
           m_isVideo(part.track->isVideo()),
+          m_isRecords(!m_isVideo && !part.track->isSound()),
+          m_end(end),
           m_lastKey(part.stretch.decodeStart + length),
           m_left(part.stretch.count) {
         for (std::int64_t i = 0; i < part.stretch.first; ++i)
@@ -52,12 +57,17 @@ public:
         --m_left;
         if (m_sample && m_isVideo && m_sample->time + m_sample->compositionOffset >= m_lastKey)
             m_sample->isSync = false;
+        if (m_sample && m_isRecords)
+            m_sample->duration = static_cast<std::uint32_t>(
+                std::clamp<std::int64_t>(m_end - m_sample->time, 0, m_sample->duration));
     }
 
 private:
     ByteSource m_source;
     Mp4SampleCursor m_cursor;
     bool m_isVideo;
+    bool m_isRecords;
+    std::int64_t m_end;
     std::int64_t m_lastKey;
     std::int64_t m_left;
     std::optional<Mp4Sample> m_sample;
@@ -314,7 +324,7 @@ void Mp4Piece::write(Copier& to) {
 void Mp4Piece::copyMedia(Mp4Writer& writer) {
     std::vector<std::unique_ptr<Lane>> lanes;
     for (const Part& part : m_parts)
-        lanes.push_back(std::make_unique<Lane>(m_file, part, ticksOf(part)));
+        lanes.push_back(std::make_unique<Lane>(m_file, part, part.clock.toTrack(m_to), ticksOf(part)));
     std::vector<std::pair<std::int64_t, ByteRange>> blocks;
     for (;;) {
         std::size_t next = lanes.size();
