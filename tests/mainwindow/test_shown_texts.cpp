@@ -29,12 +29,12 @@ namespace {
 // The picture "trap.png" in the current folder, which must not be opened.
 class Trap {
 public:
-    Trap() {
-        QFile file("trap.png");
+    explicit Trap(const QString& path = "trap.png") {
+        QFile file(path);
         if (!file.open(QFile::WriteOnly))
             qFatal("no trap");
         file.close();
-        inotify_add_watch(m_watch, "trap.png", IN_OPEN);
+        inotify_add_watch(m_watch, path.toUtf8(), IN_OPEN);
     }
     ~Trap() { close(m_watch); }
     Q_DISABLE_COPY_MOVE(Trap)
@@ -204,9 +204,13 @@ private Q_SLOTS:
                  int(QDialog::Accepted)); // an escaped path wasn't typed
     }
 
-    // The question whether to overwrite a file names it.
+    // The question whether to overwrite a file names it. The trap is in a folder that Qt's dialog doesn't
+    // list, since it reads the beginnings of the files that it lists.
     void saveDialog() {
-        const QString name = "<img src=trap.png>.png";
+        const QTemporaryDir elsewhere;
+        QString trap = elsewhere.filePath("trap.png");
+        m_trap = std::make_unique<Trap>(trap);
+        const QString name = "<img src=" + trap.replace('/', "&#47;") + ">.png";
         QVERIFY(QFile(m_folder->filePath(name)).open(QFile::WriteOnly));
         bool asked = false;
         ModalAnswer outer([&](QWidget* dialog) {
