@@ -53,7 +53,7 @@ void FrameSlot::deliver(SampleHandle sample) {
             m_last && gst_sample_get_buffer(m_last.get()) == gst_sample_get_buffer(sample.get());
         m_last = std::move(sample);
         m_frameSize = FrameConverter::frameSize(m_last.get());
-        if (again || !m_window || m_target.visible.isEmpty())
+        if (again || m_isHeld || !m_window || m_target.visible.isEmpty())
             return;
         target = m_target;
         sample.reset(gst_sample_ref(m_last.get()));
@@ -61,7 +61,7 @@ void FrameSlot::deliver(SampleHandle sample) {
     if (!m_converter.convert(sample.get(), target.size, target.visible, &m_back))
         return;
     const std::scoped_lock lock(m_mutex);
-    if (target == m_target && m_window)
+    if (target == m_target && m_window && !m_isHeld)
         publish();
 }
 
@@ -85,14 +85,41 @@ void FrameSlot::setTarget(QObject* window, const PictureTarget& target) {
             m_isEventPosted = false;
         m_window = window;
         m_target = target;
-        if (!m_last || !window || target.visible.isEmpty())
+        if (!m_last || m_isHeld || !window || target.visible.isEmpty())
             return;
         last.reset(gst_sample_ref(m_last.get()));
     }
+    convertLast(std::move(last), target);
+}
+
+// With m_convertMutex held.
+void FrameSlot::convertLast(SampleHandle last, const PictureTarget& target) {
     if (!m_converter.convert(last.get(), target.size, target.visible, &m_back))
         return;
     const std::scoped_lock lock(m_mutex);
     publish();
+}
+
+void FrameSlot::hold() {
+    const std::scoped_lock lock(m_mutex);
+    if (!m_front.isNull())
+        return;
+    m_isHeld = true;
+    m_readyIsFresh = false;
+}
+
+void FrameSlot::release() {
+    const std::scoped_lock converting(m_convertMutex);
+    SampleHandle last;
+    PictureTarget target;
+    {
+        const std::scoped_lock lock(m_mutex);
+        if (!std::exchange(m_isHeld, false) || !m_last || !m_window || m_target.visible.isEmpty())
+            return;
+        target = m_target;
+        last.reset(gst_sample_ref(m_last.get()));
+    }
+    convertLast(std::move(last), target);
 }
 
 const QImage& FrameSlot::takePicture() {

@@ -36,6 +36,10 @@ public:
     // Interface thread. A null `window` or an empty visible part stops the conversion; a changed target
     // converts the last frame again before this returns.
     void setTarget(QObject* window, const PictureTarget& target);
+    // Interface thread. Between the two, no picture is shown unless one has been shown before: frames that
+    // precede the target of a seek don't flash up in a clip that was just opened. release() shows the newest.
+    void hold();
+    void release();
     // The newest picture, with the size of the target's visible part; null before the first.
     const QImage& takePicture();
 
@@ -45,6 +49,7 @@ public:
 private:
     void deliver(SampleHandle sample);
     void publish();
+    void convertLast(SampleHandle last, const PictureTarget& target);
 
     mutable std::mutex m_mutex;
     QObject* m_window = nullptr;
@@ -54,6 +59,7 @@ private:
     QImage m_ready;
     bool m_readyIsFresh = false;
     bool m_isEventPosted = false;
+    bool m_isHeld = false;
 
     // Streaming thread, and the interface thread while it converts again; guarded by m_convertMutex.
     std::mutex m_convertMutex;

@@ -204,7 +204,20 @@ Status Graph::SetPositions(std::int64_t* current, Positioning currentFlags, std:
     drainBus();
     if (!transport())
         return kStatusFail;
-    return m_transport->seek(*current) ? kStatusOk : kStatusFail;
+    if (*current > 0)
+        holdPictures(true);
+    const bool accepted = m_transport->seek(*current);
+    if (!accepted || m_transport->isSettled())
+        holdPictures(false);
+    return accepted ? kStatusOk : kStatusFail;
+}
+
+void Graph::holdPictures(bool on) {
+    m_holdsPictures = on;
+    for (const auto& filter : m_filters) {
+        if (auto* renderer = dynamic_cast<VideoRenderer*>(filter.get()))
+            renderer->holdPicture(on);
+    }
 }
 
 Status Graph::GetPositions(std::int64_t* current, std::int64_t* stop) {
@@ -297,6 +310,8 @@ void Graph::drainBus() {
         else if (GST_MESSAGE_TYPE(message.get()) & (GST_MESSAGE_EOS | GST_MESSAGE_ERROR))
             m_transport->ended(number);
     }
+    if (m_holdsPictures && m_transport->isSettled())
+        holdPictures(false);
 }
 
 } // namespace ql240::gstreamer

@@ -57,6 +57,7 @@ private:
     std::vector<Filter*> chainOf(Filter& sink) const;
     void dropIdleFilters();
     void drainBus();
+    void holdPictures(bool on);
     void keep(MessageHandle message);
     MessageHandle takeMessage();
     void passToSound(GstMessage* message) const;
@@ -67,6 +68,7 @@ private:
     Splitter* m_splitter = nullptr; // of the streams
     std::unique_ptr<PipelineStreams> m_streams;
     std::unique_ptr<Transport> m_transport;
+    bool m_holdsPictures = false; // until the seek in flight has been answered
 
     std::mutex m_messagesMutex; // guards what the streaming threads have posted
     std::deque<MessageHandle> m_messages;

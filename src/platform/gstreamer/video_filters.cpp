@@ -192,6 +192,13 @@ VideoRenderer::~VideoRenderer() {
     delete m_window.data();
 }
 
+void VideoRenderer::holdPicture(bool on) {
+    if (on)
+        m_slot->hold();
+    else
+        m_slot->release();
+}
+
 Status VideoRenderer::GetVideoSize(std::int32_t* width, std::int32_t* height) {
     if (!isJoined())
         return kStatusNotConnected;

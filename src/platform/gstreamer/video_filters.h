@@ -81,6 +81,9 @@ public:
 
     bool isSink() const override { return true; }
 
+    // See FrameSlot::hold().
+    void holdPicture(bool on);
+
     Status GetVideoSize(std::int32_t* width, std::int32_t* height) override;
 
     Status put_AutoShow(bool show) override;
