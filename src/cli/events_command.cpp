@@ -4,88 +4,69 @@
 
 #include "cli/clip_summary.h"
 #include "cli/commands.h"
+#include "clips/clip_moments.h"
 #include "clips/track_export.h"
 
 namespace ql240::cli {
 namespace {
 
-struct Event {
-    QString clip;
-    std::optional<std::int64_t> utcMs;
-    std::optional<std::int64_t> cameraMs;
-    std::int64_t offsetUs = 0;
-    QString kind; // "shock", or what the camera decided: "event", "motion"
-    std::optional<Shock> shock;
-    std::optional<RecordedFix> place;
-};
-
 class EventList {
 public:
     // False if the clip has neither accelerations nor a classification by the camera.
     bool add(const ClipInput& input, double thresholdG) {
-        const ClipRecord& record = input.contents.record;
-        if (!m_cameraOffsetMs)
-            m_cameraOffsetMs = cameraOffsetMs(record);
-        const CameraDecision decision = cameraDecision(input.fileName);
-        if (decision != CameraDecision::None) {
-            const bool isEvent = decision == CameraDecision::Event;
-            add(input, {}, 0, isEvent ? QStringLiteral("event") : QStringLiteral("motion"));
-        }
+        const ClipContents& contents = input.contents;
         ShockOptions options;
         options.thresholdG = thresholdG;
-        for (const Shock& shock : findShocks(record.accelerations, options))
-            add(input, shock, shock.timeUs, QStringLiteral("shock"));
-        return decision != CameraDecision::None || !record.accelerations.empty();
+        ClipMoments found = momentsOf(contents.record, input.fileName, contents.lengthMs, options);
+        m_offsets.add(found);
+        for (Moment& moment : found.moments) {
+            moment.clip = input.name;
+            m_events.push_back(moment);
+        }
+        return !found.moments.empty() || !contents.record.accelerations.empty();
     }
 
     // Sorted by time; events without a known time come last.
-    const std::vector<Event>& sorted() {
-        const auto key = [this](const Event& event) {
-            return timeOrder(event.utcMs, event.cameraMs, m_cameraOffsetMs);
-        };
-        std::stable_sort(m_events.begin(), m_events.end(),
-                         [&](const Event& a, const Event& b) { return key(a) < key(b); });
+    const std::vector<Moment>& sorted() {
+        m_offsets.sort(m_events);
         return m_events;
     }
 
 private:
-    void add(const ClipInput& input, const std::optional<Shock>& shock, std::int64_t offsetUs,
-             const QString& kind) {
-        const ClipRecord& record = input.contents.record;
-        Event event{input.name, {}, {}, offsetUs, kind, shock, {}};
-        if (record.startBySatellitesMs)
-            event.utcMs = *record.startBySatellitesMs + offsetUs / 1000;
-        if (record.startByName.isValid())
-            event.cameraMs = record.startByName.toMSecsSinceEpoch() + offsetUs / 1000;
-        if (const RecordedFix* fix = fixAt(record, offsetUs))
-            event.place = *fix;
-        m_events.push_back(event);
-    }
-
-    std::vector<Event> m_events;
-    std::optional<std::int64_t> m_cameraOffsetMs;
+    std::vector<Moment> m_events;
+    CameraOffsets m_offsets;
 };
 
-QString timeText(const Event& event) {
+bool isShock(const Moment& event) {
+    return event.kind == Moment::Kind::Shock;
+}
+
+// "shock", or what the camera decided.
+QString kindName(const Moment& event) {
+    if (isShock(event))
+        return QStringLiteral("shock");
+    return event.kind == Moment::Kind::Event ? QStringLiteral("event") : QStringLiteral("motion");
+}
+
+QString timeText(const Moment& event) {
     if (event.utcMs)
         return clockText(*event.utcMs, ClipRecord::Clock::Utc);
     return event.cameraMs ? clockText(*event.cameraMs, ClipRecord::Clock::Camera) : QString();
 }
 
-QByteArray rowText(const Event& event) {
-    const QString size =
-        event.shock
-            ? QStringLiteral("%1 %2").arg(event.shock->sizeG, 0, 'f', 2).arg(axisName(event.shock->axis))
-            : QStringLiteral("-");
+QByteArray rowText(const Moment& event) {
+    const QString size = isShock(event)
+                             ? QStringLiteral("%1 %2").arg(event.sizeG, 0, 'f', 2).arg(axisName(event.axis))
+                             : QStringLiteral("-");
     const QString place = event.place ? QStringLiteral("%1,%2")
                                             .arg(event.place->latitude, 0, 'f', 6)
                                             .arg(event.place->longitude, 0, 'f', 6)
                                       : QStringLiteral("-");
     const QString time = timeText(event);
-    const QString offset = QString::number(static_cast<double>(event.offsetUs) / 1e6, 'f', 3);
+    const QString offset = QString::number(static_cast<double>(event.timeUs) / 1e6, 'f', 3);
     return QStringLiteral("%1  %2  %3  %4  %5  %6\n")
         .arg(time.isEmpty() ? QStringLiteral("-") : time, -24)
-        .arg(event.kind, -6)
+        .arg(kindName(event), -6)
         .arg(offset, 9)
         .arg(size, 6)
         .arg(place, -22)
@@ -93,15 +74,15 @@ QByteArray rowText(const Event& event) {
         .toLocal8Bit();
 }
 
-QJsonObject rowObject(const Event& event) {
+QJsonObject rowObject(const Moment& event) {
     QJsonObject object{{QStringLiteral("clip"), event.clip},
-                       {QStringLiteral("offset_s"), static_cast<double>(event.offsetUs) / 1e6},
-                       {QStringLiteral("kind"), event.kind}};
+                       {QStringLiteral("offset_s"), static_cast<double>(event.timeUs) / 1e6},
+                       {QStringLiteral("kind"), kindName(event)}};
     if (const QString time = timeText(event); !time.isEmpty())
         object[QStringLiteral("time")] = time;
-    if (event.shock) {
-        object[QStringLiteral("size_g")] = thousandths(event.shock->sizeG);
-        object[QStringLiteral("axis")] = axisName(event.shock->axis);
+    if (isShock(event)) {
+        object[QStringLiteral("size_g")] = thousandths(event.sizeG);
+        object[QStringLiteral("axis")] = axisName(event.axis);
     }
     if (event.place) {
         object[QStringLiteral("latitude")] = event.place->latitude;
@@ -110,18 +91,18 @@ QJsonObject rowObject(const Event& event) {
     return object;
 }
 
-QByteArray textOf(const std::vector<Event>& events) {
+QByteArray textOf(const std::vector<Moment>& events) {
     QByteArray text;
     if (!events.empty())
         text = "time                      kind    offset s  size g  place                   clip\n";
-    for (const Event& event : events)
+    for (const Moment& event : events)
         text += rowText(event);
     return text;
 }
 
-QByteArray jsonOf(const std::vector<Event>& events) {
+QByteArray jsonOf(const std::vector<Moment>& events) {
     QJsonArray rows;
-    for (const Event& event : events)
+    for (const Moment& event : events)
         rows.append(rowObject(event));
     return QJsonDocument(rows).toJson();
 }
@@ -136,7 +117,7 @@ bool runEvents(const Options& options, Reports& reports) {
                         reports.fail(input.name, QStringLiteral("no accelerations in it"));
                     return true;
                 });
-    const std::vector<Event>& sorted = events.sorted();
+    const std::vector<Moment>& sorted = events.sorted();
     return writeResult(options.json ? jsonOf(sorted) : textOf(sorted), reports);
 }
 
