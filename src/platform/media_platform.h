@@ -34,6 +34,9 @@ public:
     virtual Status CoCreateInstance(const Guid& classId, IUnknown* outer, ClassContext context,
                                     const Guid& iid, void** object) = 0;
 
+    // Whether a second clip can be open beside the first one.
+    virtual bool opensSeveral() const { return true; }
+
     // Loads what the first clip will need, on a thread of its own.
     virtual void warmUp() = 0;
 

@@ -256,6 +256,11 @@ bool Player::isRunning() const {
     return succeeded(m_graph.as<IMediaControl>()->GetState(0, &state)) && state == GraphState::Running;
 }
 
+bool Player::isSettled() const {
+    GraphState state = GraphState::Stopped;
+    return !m_graph || m_graph.as<IMediaControl>()->GetState(0, &state) != kStatusIntermediate;
+}
+
 const QImage& Player::frame(int index, bool grab) {
     QImage& frame = m_frame[at(index)];
     const auto grabber = of<ISampleGrabber>(m_grabber[at(index)]);

@@ -50,6 +50,8 @@ public:
     std::int64_t positionMs() const;
     std::int64_t durationMs() const;
     bool isRunning() const;
+    // Whether no state change or seek is under way.
+    bool isSettled() const;
     bool isStopped() const { return m_state & kStopped; }
     bool isPaused() const { return m_state & kPaused; }
     const Clip* clip() const { return m_clip; }

@@ -78,6 +78,7 @@ public:
 
     Status CoCreateInstance(const Guid& classId, IUnknown* outer, ClassContext context, const Guid& iid,
                             void** object) override;
+    bool opensSeveral() const override { return false; }
     void warmUp() override {}
     void setOutputVolume(std::uint16_t, std::uint16_t) override {}
 
