@@ -8,6 +8,7 @@
 
 #include "base/preferences.h"
 #include "clips/clip_folder.h"
+#include "mainwindow/incident_desk.h"
 #include "mainwindow/my_list_widget.h"
 #include "mainwindow/stay_awake.h"
 #include "platform/host.h"
@@ -80,6 +81,7 @@ MainWindow::MainWindow(QWidget* parent, Qt::WindowFlags flags)
 }
 
 MainWindow::~MainWindow() {
+    m_incident.reset();
     m_clipList->clear();
     m_updateTimer->stop();
     releaseFolder();

@@ -23,9 +23,11 @@ namespace ql240 {
 class Clip;
 class ClipFolder;
 class FlHlp;
+class IncidentDesk;
 class MapView;
 class MyListWidget;
 class Player;
+class SkinWindow;
 class VideoView;
 class WidgetProgressA;
 class WidgetVolume;
@@ -76,6 +78,11 @@ public Q_SLOTS:
     void OnTimeoutUpdate();
     void OnTimeoutRefreshMap();
     void OnTimeoutRefreshMapB();
+
+    // Opens the clip of that path, unless it is open, and pauses it at this time.
+    void showMoment(const QString& path, std::int32_t ms);
+    // Runs a command as its key does.
+    void run(const Command& command);
 
     // Fills two images with the streams' last frames; false when there are none.
     bool getSnap(QImage* images);
@@ -130,7 +137,7 @@ private:
     VideoView* bigView() const;
     bool pausedSnap(QImage* images);
     bool runCommandKey(const QKeyEvent& event);
-    void run(const Command& command);
+    void runInIncident(const Command& command);
     bool handToList(QKeyEvent* event);
     bool handToPanel(const QMouseEvent& event);
 
@@ -155,7 +162,9 @@ private:
     PictureAdjustment m_adjustment;
     ClipSession m_session;
     bool m_painted = false;
-    std::optional<Dropped> m_dropped; // while dragged over the window
+    std::optional<Dropped> m_dropped;         // while dragged over the window
+    SkinWindow* m_keysWindow = nullptr;       // once it was opened
+    std::unique_ptr<IncidentDesk> m_incident; // once the Incident window was opened
 };
 
 } // namespace ql240

@@ -6,7 +6,9 @@
 #include "clips/clip.h"
 #include "clips/clip_folder.h"
 #include "clips/clip_name.h"
+#include "mainwindow/commands.h"
 #include "mainwindow/folder_browser.h"
+#include "mainwindow/incident_desk.h"
 #include "mainwindow/main_window.h"
 #include "mainwindow/my_list_widget.h"
 #include "playback/video_view.h"
@@ -55,6 +57,8 @@ void MainWindow::showListing(const FolderListing& listing, const QString& clipNa
 
 void MainWindow::showFolder(std::unique_ptr<ClipFolder> folder, const QString& clipName) {
     m_folder = std::move(folder);
+    if (m_incident)
+        m_incident->setFolder(m_folder.get());
     const Clip* wanted = nullptr;
     for (const Clip* clip : m_folder->values()) {
         if (!wanted || clip->file().fileName() == clipName)
@@ -74,6 +78,8 @@ void MainWindow::showFolderPath(const QString& path) {
 }
 
 void MainWindow::releaseFolder() {
+    if (m_incident)
+        m_incident->setFolder(nullptr);
     m_folder.reset();
     showFolderPath({});
     releaseRetiredClips(m_mainView->player()->clip());
@@ -155,6 +161,27 @@ void MainWindow::updateClipInformation(const Clip* clip) {
         m_progressPanel->loadSensorData(m_currentPlayer->durationMs());
     else
         m_progressPanel->clearSensorData();
+}
+
+void MainWindow::showMoment(const QString& path, std::int32_t ms) {
+    const int row = m_clipList->rowOfPath(path);
+    if (row < 0)
+        return;
+    const Clip* clip = MyListWidget::clipOf(m_clipList->item(row));
+    if (m_session.clip() != clip)
+        m_clipList->setCurrentRow(row);
+    OnSlotspause();
+    if (m_session.clip() == clip) // it was opened, and no dialog has closed it
+        OnSlotsProgress(ms);
+}
+
+void MainWindow::runInIncident(const Command& command) {
+    if (!m_incident) {
+        m_incident = std::make_unique<IncidentDesk>(
+            IncidentDesk::Parts{*this, m_session, *m_progressPanel, *m_clipList, *m_mainView, *m_subView});
+        m_incident->setFolder(m_folder.get());
+    }
+    m_incident->run(command.id);
 }
 
 void MainWindow::OnSlotssetting() {

@@ -7,10 +7,13 @@
 #include <utility>
 
 #include "mainwindow/commands.h"
+#include "mainwindow/incident_desk.h"
+#include "mainwindow/keys_window.h"
 #include "mainwindow/main_window.h"
 #include "mainwindow/my_list_widget.h"
 #include "playback/video_view.h"
 #include "sensors/widget_progress.h"
+#include "widgets/skin_window.h"
 
 namespace ql240 {
 
@@ -32,6 +35,10 @@ bool isMoveForView(QPoint point) {
 } // namespace
 
 void MainWindow::enterFullScreen() {
+    if (m_incident)
+        m_incident->close();
+    if (m_keysWindow)
+        m_keysWindow->close();
     m_mainView->setFocus();
     m_fullScreen.enter();
     setFullScreenLayout();
@@ -117,19 +124,32 @@ bool MainWindow::handToList(QKeyEvent* event) {
 }
 
 bool MainWindow::runCommandKey(const QKeyEvent& event) {
-    const Command* command = commandOf(event);
+    const Command* command = commandOf(event, m_incident && m_incident->isOpen());
     if (command && (!event.isAutoRepeat() || command->repeats))
         run(*command);
     return command;
 }
 
 void MainWindow::run(const Command& command) {
-    if (command.button)
+    if (command.button) {
         button(*command.button)->click();
-    else if (command.id == CommandId::PlayOrPause)
-        button(m_playing ? ButtonId::Pause : ButtonId::Play)->click();
-    else if (command.id == CommandId::FullScreen)
-        enterFullScreen();
+        return;
+    }
+    switch (command.id) {
+        case CommandId::PlayOrPause:
+            button(m_playing ? ButtonId::Pause : ButtonId::Play)->click();
+            break;
+        case CommandId::FullScreen:
+            enterFullScreen();
+            break;
+        case CommandId::Keys:
+            if (!m_keysWindow)
+                m_keysWindow = makeKeysWindow(this);
+            m_keysWindow->toggle();
+            break;
+        default:
+            runInIncident(command);
+    }
 }
 
 void MainWindow::paintEvent(QPaintEvent*) {

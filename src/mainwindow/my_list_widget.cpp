@@ -89,6 +89,15 @@ int MyListWidget::rowOf(const Clip* clip) const {
     return -1;
 }
 
+int MyListWidget::rowOfPath(const QString& path) const {
+    for (int row = 0; row < count(); ++row) {
+        const Clip* clip = clipOf(item(row));
+        if (clip && clip->file().absoluteFilePath() == path)
+            return row;
+    }
+    return -1;
+}
+
 void MyListWidget::mousePressEvent(QMouseEvent* event) {
     const QPoint pointer = QCursor::pos();
     if (m_busy)
@@ -124,7 +133,7 @@ bool MyListWidget::isTyping() const {
 }
 
 void MyListWidget::keyPressEvent(QKeyEvent* event) {
-    if (passesList(*event, isTyping())) {
+    if (passesList(*event, isTyping(), m_passesIncident)) {
         event->ignore();
         return;
     }

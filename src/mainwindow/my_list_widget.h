@@ -28,6 +28,11 @@ public:
 
     // The first row with the clip, or -1.
     int rowOf(const Clip* clip) const;
+    // The row of the clip with this absolute path, or -1.
+    int rowOfPath(const QString& path) const;
+
+    // Whether the keys of the Incident window's commands are passed on too.
+    void setPassesIncident(bool on) { m_passesIncident = on; }
 
     // A press away from the pointer's position is posted to the owner as a click at a fixed position.
     void mousePressEvent(QMouseEvent* event) override;
@@ -51,6 +56,7 @@ private:
 
     QWidget* m_owner;
     bool m_busy = false;
+    bool m_passesIncident = false;
     bool m_takingFocus = false;
     QElapsedTimer m_lastTyped;
 };

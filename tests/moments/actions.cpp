@@ -129,11 +129,11 @@ std::optional<RowValues> valuesOf(const QWidget* window) {
 }
 
 void typeKey(Run& run) {
-    constexpr int kKeys[] = {Qt::Key_Space,    Qt::Key_Left,  Qt::Key_Right, Qt::Key_PageUp, Qt::Key_PageDown,
-                             Qt::Key_Plus,     Qt::Key_Minus, Qt::Key_0,     Qt::Key_M,      Qt::Key_S,
-                             Qt::Key_F,        Qt::Key_Up,    Qt::Key_Down,  Qt::Key_Tab,    Qt::Key_Return,
-                             Qt::Key_Escape,   Qt::Key_Home,  Qt::Key_End,   Qt::Key_R,      Qt::Key_E,
-                             Qt::Key_Backspace};
+    constexpr int kKeys[] = {
+        Qt::Key_Space, Qt::Key_Left, Qt::Key_Right,     Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_Plus,
+        Qt::Key_Minus, Qt::Key_0,    Qt::Key_M,         Qt::Key_S,      Qt::Key_F,        Qt::Key_Up,
+        Qt::Key_Down,  Qt::Key_Tab,  Qt::Key_Return,    Qt::Key_Escape, Qt::Key_Home,     Qt::Key_End,
+        Qt::Key_R,     Qt::Key_E,    Qt::Key_Backspace, Qt::Key_F1};
     const int key = run.luck().oneOf(kKeys);
     QWidget* front = run.front();
     if (qobject_cast<ConfigWindow*>(front) && (key == Qt::Key_Return || key == Qt::Key_Space))
@@ -152,6 +152,18 @@ void typeKey(Run& run) {
     }
     if (after.setsClock != before->setsClock)
         run.cards().chose(&RowValues::setsClock, after.setsClock);
+}
+
+// The Incident window's, also while it is closed.
+void useIncident(Run& run) {
+    constexpr std::pair<int, Qt::KeyboardModifier> kKeys[] = {
+        {Qt::Key_I, Qt::ControlModifier},      {Qt::Key_I, Qt::ControlModifier},
+        {Qt::Key_M, Qt::ControlModifier},      {Qt::Key_M, Qt::ControlModifier},
+        {Qt::Key_Comma, Qt::NoModifier},       {Qt::Key_Period, Qt::NoModifier},
+        {Qt::Key_BracketLeft, Qt::NoModifier}, {Qt::Key_BracketRight, Qt::NoModifier},
+        {Qt::Key_BracketLeft, Qt::NoModifier}, {Qt::Key_BracketRight, Qt::NoModifier}};
+    const auto [key, modifier] = run.luck().oneOf(kKeys);
+    run.hands().type(run.front(), key, modifier);
 }
 
 void openFolderByKey(Run& run) {
@@ -311,6 +323,7 @@ constexpr Action kActions[] = {
     {"slide off a button", 2, Picture, slideOffButton},
     {"right click", 3, Any, rightClickPicture},
     {"type", 14, Any, typeKey, true},
+    {"incident", 12, Folder, useIncident, true},
     {"drop", 8, Folder, drop, true},
     {"activate or minimise", 3, Folder, changeActivity},
     {"answer the dialog", 40, Card, useDialog, true},
