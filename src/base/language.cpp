@@ -27,6 +27,10 @@ QString currentLanguage() {
     return languageSlot();
 }
 
+bool interfaceIsKorean() {
+    return columnOf(languageSlot()) == &UiTextRow::korean;
+}
+
 QString uiText(UiText text) {
     const UiTextRow& row = kUiTexts[static_cast<std::size_t>(text)];
     return QString::fromUtf8(row.*columnOf(languageSlot()));

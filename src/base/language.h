@@ -16,6 +16,9 @@ void setCurrentLanguage(const QString& code);
 // Empty until start-up has set one.
 QString currentLanguage();
 
+// Whether the texts are Korean, as they are for an unknown code.
+bool interfaceIsKorean();
+
 // A text in the current language. Chinese and Spanish fall back to English, an unknown code to Korean.
 QString uiText(UiText text);
 

@@ -67,6 +67,7 @@ MainWindow::MainWindow(QWidget* parent, Qt::WindowFlags flags)
     connectButtons();
     setWindowTitle(tr("QL240 Viewer"));
     makeViews();
+    sayHowToBegin();
 
     m_windowHelper->watchWindow(this);
     m_windowHelper->setResizable(false);
@@ -169,6 +170,22 @@ void MainWindow::makeViews() {
     m_subView = new VideoView(this);
     describePart(m_subView, tr("Second video"), QAccessible::Animation);
     setNormalLayout();
+}
+
+// In hover texts over the picture and the list, for as long as they are empty.
+void MainWindow::sayHowToBegin() {
+    const auto update = [this] {
+        const QString text = tr("Ctrl+O opens a folder. F1 shows the keys.");
+        m_mainView->setToolTip(m_session.clip() ? QString() : text);
+        m_clipList->setToolTip(m_clipList->count() > 0 ? QString() : text);
+    };
+    const QAbstractItemModel* rows = m_clipList->model();
+    connect(rows, &QAbstractItemModel::rowsInserted, this, update);
+    connect(rows, &QAbstractItemModel::rowsRemoved, this, update);
+    connect(rows, &QAbstractItemModel::modelReset, this, update);
+    connect(&m_session, &ClipSession::opened, this, update);
+    connect(&m_session, &ClipSession::closed, this, update);
+    update();
 }
 
 void MainWindow::setNormalLayout() {

@@ -109,6 +109,7 @@ private:
     void makeWidgets();
     void makeViews();
     void followTrack();
+    void sayHowToBegin();
     void connectButtons();
 
     void setNormalLayout();

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "settings/choice_row_accessible.h"
+#include "settings/spoken_texts.h"
 
 namespace ql240 {
 namespace {
@@ -118,6 +119,7 @@ void ChoiceRow::paintEvent(QPaintEvent*) {
 }
 
 QList<ChoiceRow*> addChoiceRows(QWidget* window, RowOwner& owner, std::span<const OptionRow> rows) {
+    addRowHoverTexts(window, rows);
     QList<ChoiceRow*> widgets;
     for (const OptionRow& row : rows)
         widgets.append(new ChoiceRow(window, owner, row));

@@ -6,6 +6,7 @@
 #include <QWindow>
 
 #include "settings/choice_row.h"
+#include "settings/spoken_texts.h"
 
 namespace ql240 {
 namespace {
@@ -26,7 +27,7 @@ public:
     void setText(QAccessible::Text, const QString&) override {}
 
     QString text(QAccessible::Text kind) const override {
-        return kind == QAccessible::Name ? choice().name.text() : QString();
+        return kind == QAccessible::Name ? spokenText(choice().name.text()) : QString();
     }
 
     QRect rect() const override {
@@ -84,10 +85,10 @@ public:
 
     QString text(QAccessible::Text kind) const override {
         if (kind == QAccessible::Name)
-            return row()->row().name.text();
+            return spokenText(row()->row().name.text());
         const int chosen = row()->chosenIndex();
         return kind == QAccessible::Value && chosen >= 0 && !ticks()
-                   ? row()->row().choices[static_cast<std::size_t>(chosen)].name.text()
+                   ? spokenText(row()->row().choices[static_cast<std::size_t>(chosen)].name.text())
                    : QString();
     }
 

@@ -6,6 +6,7 @@
 #include "settings/config_window.h"
 #include "settings/dialog_parts.h"
 #include "settings/flat_fields.h"
+#include "settings/spoken_texts.h"
 #include "widgets/skin.h"
 
 namespace ql240 {
@@ -112,9 +113,9 @@ void ConfigWindow::addLanguageList() {
 
 // Names widgets without a text of their own by the painted text beside them.
 void ConfigWindow::nameForScreenReaders() {
-    labelOf(m_drives)->setText(QStringLiteral("드라이브"));
-    labelOf(m_firmware)->setText(QStringLiteral("펌웨어"));
-    labelOf(m_micom)->setText(QStringLiteral("마이콤"));
+    labelOf(m_drives)->setText(spokenText(QStringLiteral("드라이브")));
+    labelOf(m_firmware)->setText(spokenText(QStringLiteral("펌웨어")));
+    labelOf(m_micom)->setText(spokenText(QStringLiteral("마이콤")));
     labelOf(m_languages)->setText(uiText(UiText::Language));
     m_clock->setAccessibleName(uiText(UiText::TimeSetting));
     for (FlatField* field : m_dst)

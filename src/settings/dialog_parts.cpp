@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "settings/option_rows.h"
+#include "settings/spoken_texts.h"
 #include "widgets/fonts.h"
 #include "widgets/skin.h"
 
@@ -60,6 +61,7 @@ ImageButton* addTextButton(QWidget* window, const char* images, const QRect& pla
     auto* button = new IconToolButton(window, controlImages(QLatin1String(images)));
     button->setGeometry(place);
     button->setText(text);
+    speak(button, text);
     return button;
 }
 

@@ -5,6 +5,7 @@
 #include <QPainter>
 
 #include "settings/dialog_parts.h"
+#include "settings/spoken_texts.h"
 #include "widgets/fonts.h"
 #include "widgets/skin.h"
 
@@ -17,7 +18,8 @@ SettingsPage::SettingsPage(QWidget* parent, const pages::PageLayout& layout)
     resize(layout.size);
     centreOverParent(this);
     setWindowTitle(QString::fromUtf16(layout.title));
-    addTitle(this, layout.titleBox, windowTitle());
+    speak(this, windowTitle());
+    speak(addTitle(this, layout.titleBox, windowTitle()), windowTitle());
     ImageButton* cancel = addButtons(layout.ok, layout.cancel, layout.close);
     if (layout.enterCancels)
         cancel->setFocus();

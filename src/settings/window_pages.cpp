@@ -3,6 +3,7 @@
 #include <QLabel>
 
 #include "settings/dialog_parts.h"
+#include "settings/spoken_texts.h"
 
 namespace ql240 {
 
@@ -13,9 +14,11 @@ WindowBtn7::WindowBtn7(QWidget* parent) : SettingsPage(parent, pages::kPages[7])
                                 "전원을 연결하면 포맷이 자동 진행 됩니다. "),
                  Qt::black, 11);
     notice->setAlignment(Qt::AlignCenter);
-    addLabel(this, pages::kCaution,
-             QStringLiteral("-주  의-\n포맷시 블랙박스에 저장 된 모든 데이터가 삭제 됩니다. "), kPageText,
-             11);
+    speak(notice, notice->text());
+    QLabel* caution = addLabel(
+        this, pages::kCaution,
+        QStringLiteral("-주  의-\n포맷시 블랙박스에 저장 된 모든 데이터가 삭제 됩니다. "), kPageText, 11);
+    speak(caution, caution->text());
 }
 
 } // namespace ql240

@@ -38,6 +38,9 @@ private Q_SLOTS:
         viewer().show();
         for (const QWidget* widget : viewer().window->findChildren<QWidget*>())
             QCOMPARE(widget->contextMenuPolicy(), Qt::NoContextMenu);
+        for (const QWidget* empty :
+             {static_cast<QWidget*>(viewer().mainView()), static_cast<QWidget*>(viewer().list())})
+            QVERIFY(empty->toolTip().contains("Ctrl+O"));
         viewer().click(ButtonId::Logo);
         QCOMPARE(viewer().urls.opened.size(), 1);
         viewer().click(ButtonId::Exit);
@@ -47,6 +50,7 @@ private Q_SLOTS:
     // Cancelling changes nothing; a folder without clips clears the list.
     void folderWithoutClips() {
         viewer().playCard(kThree);
+        QVERIFY(viewer().mainView()->toolTip().isEmpty() && viewer().list()->toolTip().isEmpty());
         for (const bool chosen : {false, true}) {
             if (chosen)
                 viewer().folderDialogs.choice = viewer().path(".");

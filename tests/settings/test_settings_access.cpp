@@ -1,5 +1,8 @@
 // The settings windows by keyboard, with a screen reader, and in every language.
+#include <QHelpEvent>
 #include <QSignalSpy>
+#include <QToolTip>
+#include <algorithm>
 
 #include "settings/config_layout.h"
 #include "settings/page_layout.h"
@@ -27,6 +30,10 @@ ChoiceRow* rowOf(const QWidget& window, int RowValues::*value) {
     return nullptr;
 }
 
+bool isHangul(QChar letter) {
+    return letter.script() == QChar::Script_Hangul;
+}
+
 void showActive(QWidget& window) {
     window.show();
     QApplication::setActiveWindow(&window);
@@ -50,11 +57,13 @@ private Q_SLOTS:
             QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
         } while (nameOf(window.focusWidget()) != u"Resolution" && names.size() < 60);
         QCOMPARE(names.join(u'|'),
-                 "Resolution|영상 조절|영상화질|Video Frame Rate|영상 덮어쓰기|음성녹음|음성안내 음량|"
-                 "Time Setting|Shock Sensitivity|상세설정|Parking Watch|"
-                 "Motion Sensitivity|타이머방전전압차단|12V 방전 전압 차단|24V 방전 전압 차단|"
-                 "Speed Unit|메모리파티션타입|LED 설정|Language|Speed Unit|Cancel|OK|"
-                 "드라이브|펌웨어|마이콤|Close");
+                 "Resolution|Picture adjustment|Video Quality|Video Frame Rate|Overwriting of recordings|"
+                 "Sound Recording|Volume of the voice guidance|"
+                 "Time Setting|Shock Sensitivity|Shock sensitivity in detail|Parking Watch|"
+                 "Motion Sensitivity|Battery cut-off by timer|Battery cut-off voltage, 12 V|"
+                 "Battery cut-off voltage, 24 V|"
+                 "Speed Unit|Memory partition type|Security LED|Language|Speed Unit|Cancel|OK|"
+                 "Drive|Firmware|Microcontroller|Close");
     }
 
     void keys() {
@@ -109,14 +118,14 @@ private Q_SLOTS:
         ReadyWindow window;
         showActive(window);
         QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
-        QCOMPARE(nameOf(window.focusWidget()), "영상 조절");
+        QCOMPARE(nameOf(window.focusWidget()), "Picture adjustment");
         const ModalAnswer answer([](QWidget* modal) {
             QApplication::setActiveWindow(modal);
             QVERIFY(QTest::qWaitForWindowActive(modal));
             const QRect place = modal->focusWidget()->geometry();
             const QImage before = modal->grab(place).toImage();
             QTest::keyClick(modal->focusWidget(), Qt::Key_Tab);
-            QCOMPARE(nameOf(modal->focusWidget()), "대비조절");
+            QCOMPARE(nameOf(modal->focusWidget()), "Contrast");
             QTest::keyClick(modal->focusWidget(), Qt::Key_Backtab, Qt::ShiftModifier);
             QVERIFY(modal->grab(place).toImage() != before);
             QTest::keyClick(modal->focusWidget(), Qt::Key_Right);
@@ -174,7 +183,15 @@ private Q_SLOTS:
         QVERIFY(speaker->child(1)->state().checked && !speaker->child(4)->state().checked);
     }
 
+    // Every part has a name, and the names of the interface's languages are the only Korean ones.
+    void everyPartSpeaks_data() {
+        QTest::addColumn<QString>("language");
+        QTest::newRow("English") << "en";
+        QTest::newRow("Russian") << "ru";
+    }
     void everyPartSpeaks() {
+        QFETCH(QString, language);
+        setCurrentLanguage(language);
         ConfigWindow window;
         WindowGMT zones(&window);
         WindowBtn0 picture(&window);
@@ -184,8 +201,34 @@ private Q_SLOTS:
              {static_cast<QWidget*>(&window), static_cast<QWidget*>(&zones), static_cast<QWidget*>(&picture),
               static_cast<QWidget*>(&shock), static_cast<QWidget*>(&partition)}) {
             each->show();
-            QCOMPARE(AccessibleTree(each).nameless.join(u'\n'), QString());
+            const AccessibleTree tree(each);
+            QCOMPARE(tree.nameless.join(u'\n'), QString());
+            for (const QString& name : tree.byName.keys()) {
+                if (!name.contains(u'('))
+                    QVERIFY2(std::none_of(name.begin(), name.end(), isHangul), qPrintable(name));
+            }
         }
+    }
+
+    // The meaning of a choice, and beside the choices that of the row; in Korean the painted text says it.
+    void hoverTexts() {
+        ReadyWindow window;
+        window.show();
+        const OptionRow& row = rowOf(window, &RowValues::qualityvalue)->row();
+        const auto rest = [&window](QPoint place) {
+            QToolTip::hideText();
+            QHelpEvent rests(QEvent::ToolTip, place, window.mapToGlobal(place));
+            QCoreApplication::sendEvent(&window, &rests);
+            return QToolTip::text();
+        };
+        QVERIFY(rest(row.choices[2].mark.center()).contains("Video Quality: High"));
+        QVERIFY(rest(row.nameBox.topLeft() + QPoint(4, 4)).contains(">Video Quality<"));
+        setCurrentLanguage("ru");
+        QVERIFY(rest(row.choices[0].mark.center()).contains(uiText(UiText::Low)));
+        setCurrentLanguage("kr");
+        rest(row.choices[0].mark.center());
+        QTRY_COMPARE(QToolTip::text(), QString()); // the one before fades
+        setCurrentLanguage("en");
     }
 
     // No painted text overlaps its neighbour, no button's text its edge.
