@@ -25,6 +25,8 @@ public:
     // Speeds in the list are in this unit.
     void setKilometres(bool on);
 
+    QSize sizeHint() const override { return {460, 614}; } // as high as the main window, with its frame
+
 Q_SIGNALS:
     void endWanted(ql240::Incident::End end);
     void markWanted();

@@ -50,8 +50,8 @@ void SkinWindow::open() {
 // To the right of the main window, or to its left, or else over it, inside the screen.
 void SkinWindow::place() {
     m_isPlaced = true;
-    adjustSize();
     const QRect screen = m_beside->screen()->availableGeometry();
+    resize(sizeHint().boundedTo(screen.size()));
     const QRect main = m_beside->frameGeometry();
     int x = main.right() + 1;
     if (x + width() > screen.right() + 1)
