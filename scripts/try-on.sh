@@ -63,6 +63,8 @@ echo "./run.sh: the viewer stood, its map engine ran, and neither said a word"
 ./test.sh
 packaging/build-deb.sh
 INSIDE
-# In a PID namespace of its own too, so that no process outlives the trial.
-unshare --pid --fork --mount --kill-child sh -c 'mount --rbind /dev "$1/dev"; exec chroot "$1" sh /tmp/try/inside.sh' \
+# In a PID namespace of its own too, so that no process outlives the trial. Shared memory isn't this machine's: libraries
+# of another release leave files there that their other versions stumble over.
+unshare --pid --fork --mount --kill-child sh -c 'mount --rbind /dev "$1/dev"; mount -t tmpfs tmpfs "$1/dev/shm"
+    exec chroot "$1" sh /tmp/try/inside.sh' \
     sh "$root"

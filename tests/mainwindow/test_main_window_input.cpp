@@ -189,6 +189,7 @@ private Q_SLOTS:
         for (const auto& row : rows) {
             dropOn(row.place, viewer().path(row.dropped), row.others);
             QTRY_VERIFY_WITH_TIMEOUT(!viewer().window->isReadingFolder(), kWaitMs);
+            QTRY_VERIFY_WITH_TIMEOUT(viewer().list()->currentItem(), kWaitMs);
             QCOMPARE(viewer().list()->currentItem()->text(), row.current);
             QCOMPARE(viewer().player()->clip()->file().fileName(), row.current);
         }
