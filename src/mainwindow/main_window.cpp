@@ -83,6 +83,7 @@ MainWindow::MainWindow(QWidget* parent, Qt::WindowFlags flags)
 
 MainWindow::~MainWindow() {
     m_incident.reset();
+    m_clipList->model()->disconnect(this); // the list's end resets it
     m_clipList->clear();
     m_updateTimer->stop();
     releaseFolder();
