@@ -17,8 +17,6 @@
 namespace ql240::cli {
 namespace {
 
-const QString kStandardInput = QStringLiteral("-");
-
 // Copies a stream into a seekable temporary file; false, with the reason, if that fails.
 bool spool(QFile& from, QTemporaryFile& to, QString& reason) {
     constexpr std::int64_t kPiece = 65536;

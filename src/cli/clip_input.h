@@ -9,6 +9,9 @@
 
 namespace ql240::cli {
 
+// The name that stands for standard input.
+inline constexpr QLatin1StringView kStandardInput{"-"};
+
 struct ClipInput {
     QString name; // as given; with the folder's path for a clip in a folder
     QString fileName;

@@ -41,28 +41,34 @@ const char* kindName(ClipStream::Kind kind) {
     return kNames[static_cast<std::size_t>(kind)];
 }
 
+// A fragmented clip's header gives no length and no rate.
 QString streamText(const ClipStream& stream) {
     QString text = QString::fromLatin1(kindName(stream.kind)) + u' ' + stream.codec;
     if (stream.kind == ClipStream::Kind::Video) {
-        text += QStringLiteral(", %1x%2, %3 frames/s")
-                    .arg(stream.width)
-                    .arg(stream.height)
-                    .arg(thousandths(stream.framesASecond));
+        text += QStringLiteral(", %1x%2").arg(stream.width).arg(stream.height);
+        if (stream.framesASecond > 0)
+            text += QStringLiteral(", %1 frames/s").arg(thousandths(stream.framesASecond));
     } else if (stream.kind == ClipStream::Kind::Sound) {
         text +=
             QStringLiteral(", %1 Hz, %2 channel(s)").arg(grouped(stream.samplesASecond)).arg(stream.channels);
     }
-    return text + QStringLiteral(", ") + seconds(stream.lengthMs);
+    return stream.lengthMs > 0 ? text + QStringLiteral(", ") + seconds(stream.lengthMs) : text;
+}
+
+void addDuration(QJsonObject& object, std::int64_t ms) {
+    if (ms > 0)
+        object[QStringLiteral("duration_s")] = static_cast<double>(ms) / 1000;
 }
 
 QJsonObject streamObject(const ClipStream& stream) {
     QJsonObject object{{QStringLiteral("kind"), QString::fromLatin1(kindName(stream.kind))},
-                       {QStringLiteral("codec"), stream.codec},
-                       {QStringLiteral("duration_s"), static_cast<double>(stream.lengthMs) / 1000}};
+                       {QStringLiteral("codec"), stream.codec}};
+    addDuration(object, stream.lengthMs);
     if (stream.kind == ClipStream::Kind::Video) {
         object[QStringLiteral("width")] = stream.width;
         object[QStringLiteral("height")] = stream.height;
-        object[QStringLiteral("frames_per_s")] = thousandths(stream.framesASecond);
+        if (stream.framesASecond > 0)
+            object[QStringLiteral("frames_per_s")] = thousandths(stream.framesASecond);
     } else if (stream.kind == ClipStream::Kind::Sound) {
         object[QStringLiteral("samples_per_s")] = stream.samplesASecond;
         object[QStringLiteral("channels")] = stream.channels;
@@ -173,9 +179,10 @@ QByteArray summaryText(const ClipInput& input) {
     const ClipContents& contents = input.contents;
     const ClipRecord& record = contents.record;
     Lines lines;
-    lines.add("container", QStringLiteral("%1, %2 bytes, %3")
-                               .arg(QLatin1StringView(contents.container), grouped(input.bytes),
-                                    seconds(contents.lengthMs)));
+    lines.add(
+        "container",
+        QStringLiteral("%1, %2 bytes").arg(QLatin1StringView(contents.container), grouped(input.bytes)) +
+            (contents.lengthMs > 0 ? QStringLiteral(", ") + seconds(contents.lengthMs) : QString()));
     for (const ClipStream& stream : contents.streams)
         lines.add("stream", streamText(stream));
     lines.add("camera", record.camera);
@@ -199,9 +206,9 @@ QJsonObject summaryObject(const ClipInput& input) {
     QJsonObject object{{QStringLiteral("clip"), input.name},
                        {QStringLiteral("container"), QString::fromLatin1(contents.container)},
                        {QStringLiteral("size_bytes"), whole(input.bytes)},
-                       {QStringLiteral("duration_s"), static_cast<double>(contents.lengthMs) / 1000},
                        {QStringLiteral("streams"), streams},
                        {QStringLiteral("wrong"), QJsonArray::fromStringList(wrongOf(contents))}};
+    addDuration(object, contents.lengthMs);
     const auto addText = [&object](const char* key, const QString& text) {
         if (!text.isEmpty())
             object[QLatin1StringView(key)] = text;

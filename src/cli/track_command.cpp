@@ -1,11 +1,12 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <map>
+#include <utility>
 
 #include "cli/clip_input.h"
 #include "cli/commands.h"
 #include "cli/track_output.h"
+#include "clips/clip_moments.h"
 #include "clips/clip_name.h"
 #include "clips/track_joiner.h"
 
@@ -16,69 +17,45 @@ struct Start {
     QString name;
     std::optional<std::int64_t> cameraMs; // by the clip's name
     std::optional<std::int64_t> utcMs;    // by the receiver's clock
+    bool isRead = false;                  // standard input, which can be read once only
+    std::optional<ClipInput> input;       // nothing if it failed
 };
 
-// The camera's time minus UTC, by the clips with both.
-class CameraOffsets {
-public:
-    explicit CameraOffsets(const std::vector<Start>& starts) {
-        for (const Start& start : starts) {
-            if (start.cameraMs && start.utcMs)
-                m_offsets[*start.cameraMs] = *start.cameraMs - *start.utcMs;
-        }
-    }
-
-    // Of the nearest such clip: the camera's clock may have been set between two clips.
-    std::optional<std::int64_t> at(std::optional<std::int64_t> cameraMs) const {
-        if (!cameraMs || m_offsets.empty())
-            return std::nullopt;
-        const auto after = m_offsets.lower_bound(*cameraMs);
-        if (after == m_offsets.begin())
-            return after->second;
-        const auto before = std::prev(after);
-        const bool isAfterNearer =
-            after != m_offsets.end() && after->first - *cameraMs < *cameraMs - before->first;
-        return isAfterNearer ? after->second : before->second;
-    }
-
-private:
-    std::map<std::int64_t, std::int64_t> m_offsets;
-};
-
-// By the clip's name, and by its receiver. A clip that can't be read is reported later, when its track is.
-Start startOf(const QString& name) {
-    Start start{name, {}, {}};
+// A clip that can't be read is reported later, when its track is.
+Start startOf(const QString& name, RecordPart part, Reports& reports) {
+    Start start{name, {}, {}, name == kStandardInput, {}};
+    Reports silent(Reports::Kind::Silent);
+    std::optional<ClipInput> input =
+        start.isRead ? readClip(name, part, reports) : readClip(name, RecordPart::Fixes, silent);
     const QDateTime byName = clipStart(name.section(u'/', -1));
     if (byName.isValid())
         start.cameraMs = byName.toMSecsSinceEpoch();
-    if (name == QLatin1String("-"))
-        return start; // which can be read once only
-    Reports silent(Reports::Kind::Silent);
-    if (const std::optional<ClipInput> input = readClip(name, RecordPart::Fixes, silent))
+    if (input)
         start.utcMs = input->contents.record.startBySatellitesMs;
+    if (start.isRead)
+        start.input = std::move(input);
     return start;
 }
 
 // Sorts by the receivers' clocks, and clips without one by the camera's. Reads each clip, which is done again
 // for its track: the records of a whole card are too many to keep.
-QStringList inOrderOfTime(const QStringList& names, Reports& reports) {
-    if (names.size() < 2)
-        return names;
+std::vector<Start> inOrderOfTime(const QStringList& names, RecordPart part, Reports& reports) {
     std::vector<Start> starts;
     for (const QString& name : names) {
         reports.progress(static_cast<qsizetype>(starts.size()) + 1, names.size(), name);
-        starts.push_back(startOf(name));
+        starts.push_back(names.size() > 1 ? startOf(name, part, reports) : Start{name, {}, {}, false, {}});
     }
-    const CameraOffsets offsets(starts);
+    CameraOffsets offsets;
+    for (const Start& start : starts) {
+        if (start.cameraMs && start.utcMs)
+            offsets.add(start.cameraMs, *start.cameraMs - *start.utcMs);
+    }
     const auto key = [&offsets](const Start& start) {
         return timeOrder(start.utcMs, start.cameraMs, offsets.at(start.cameraMs));
     };
     std::stable_sort(starts.begin(), starts.end(),
                      [&key](const Start& a, const Start& b) { return key(a) < key(b); });
-    QStringList ordered;
-    for (const Start& start : starts)
-        ordered << start.name;
-    return ordered;
+    return starts;
 }
 
 void addClip(const ClipInput& input, TrackOutput& output, TrackJoiner& joiner, Reports& reports) {
@@ -99,24 +76,40 @@ void addClip(const ClipInput& input, TrackOutput& output, TrackJoiner& joiner, R
     }
 }
 
+// Whether writing the output would replace one of the clips.
+bool isAmong(const QString& output, const QStringList& names) {
+    return !output.isEmpty() && std::any_of(names.begin(), names.end(), [&output](const QString& name) {
+        return containers::isSameFile(name == kStandardInput ? QStringLiteral("/dev/stdin") : name, output);
+    });
+}
+
 } // namespace
 
 bool runTrack(const Options& options, Reports& reports) {
     if (options.output.isEmpty() && ::isatty(STDOUT_FILENO) == 1)
         reports.hideProgress();
     TrackOutput output(options);
+    const QStringList names = clipNames(options.names, reports);
+    if (isAmong(options.output, names)) {
+        reports.fail(output.name(), QStringLiteral("it is one of the clips"));
+        return false;
+    }
     QString reason;
     if (!output.open(reason)) {
         reports.fail(output.name(), reason);
         return false;
     }
-    const QStringList names = inOrderOfTime(clipNames(options.names, reports), reports);
     const RecordPart part = options.accelerations ? RecordPart::FixesAndAccelerations : RecordPart::Fixes;
+    std::vector<Start> starts = inOrderOfTime(names, part, reports);
     TrackJoiner joiner;
-    forEachClip(names, part, reports, [&](const ClipInput& input) {
-        addClip(input, output, joiner, reports);
-        return true;
-    });
+    for (std::size_t i = 0; i < starts.size(); ++i) {
+        Start& start = starts[i];
+        reports.progress(static_cast<qsizetype>(i) + 1, names.size(), start.name);
+        const std::optional<ClipInput> input =
+            start.isRead ? std::exchange(start.input, {}) : readClip(start.name, part, reports);
+        if (input)
+            addClip(*input, output, joiner, reports);
+    }
     if (output.finish(reason))
         return true;
     reports.fail(output.name(), reason);

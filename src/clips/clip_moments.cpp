@@ -45,21 +45,28 @@ ClipMoments momentsOf(const ClipRecord& record, const QString& path, std::int64_
     return found;
 }
 
-void CameraOffsets::add(const ClipMoments& clip) {
-    if (clip.startMs && clip.offsetMs)
-        m_offsets[*clip.startMs] = *clip.offsetMs;
+void CameraOffsets::add(std::optional<std::int64_t> startMs, std::optional<std::int64_t> offsetMs) {
+    if (startMs && offsetMs)
+        m_offsets[*startMs] = *offsetMs;
 }
 
-std::int64_t CameraOffsets::orderOf(const Moment& moment) const {
-    if (!moment.cameraMs || m_offsets.empty())
-        return timeOrder(moment.utcMs, moment.cameraMs, {});
-    auto nearest = m_offsets.lower_bound(*moment.cameraMs);
+std::optional<std::int64_t> CameraOffsets::at(std::optional<std::int64_t> startMs) const {
+    if (!startMs || m_offsets.empty())
+        return std::nullopt;
+    auto nearest = m_offsets.lower_bound(*startMs);
     if (nearest == m_offsets.end())
         nearest = std::prev(nearest);
-    else if (nearest != m_offsets.begin() &&
-             *moment.cameraMs - std::prev(nearest)->first < nearest->first - *moment.cameraMs)
+    else if (nearest != m_offsets.begin() && *startMs - std::prev(nearest)->first < nearest->first - *startMs)
         nearest = std::prev(nearest);
-    return timeOrder(moment.utcMs, moment.cameraMs, nearest->second);
+    return nearest->second;
+}
+
+// By the clip's start, so that all moments of a clip have the same offset.
+std::int64_t CameraOffsets::orderOf(const Moment& moment) const {
+    std::optional<std::int64_t> startMs = moment.cameraMs;
+    if (startMs)
+        *startMs -= moment.timeUs / kUsPerMs;
+    return timeOrder(moment.utcMs, moment.cameraMs, at(startMs));
 }
 
 void CameraOffsets::sort(std::vector<Moment>& moments) const {

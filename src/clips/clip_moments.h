@@ -37,7 +37,11 @@ ClipMoments momentsOf(const ClipRecord& record, const QString& path, std::int64_
 // changed.
 class CameraOffsets {
 public:
-    void add(const ClipMoments& clip);
+    // A clip's start by its camera's clock, and that minus UTC; ignored unless both are known.
+    void add(std::optional<std::int64_t> startMs, std::optional<std::int64_t> offsetMs);
+    void add(const ClipMoments& clip) { add(clip.startMs, clip.offsetMs); }
+    // Of the clip nearest to this start; nothing without one.
+    std::optional<std::int64_t> at(std::optional<std::int64_t> startMs) const;
     // The sort key: UTC, as far as known. Moments without any time come last.
     std::int64_t orderOf(const Moment& moment) const;
     void sort(std::vector<Moment>& moments) const;

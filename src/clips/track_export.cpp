@@ -32,6 +32,13 @@ QString utcText(const RecordedFix& fix, ClipRecord::Clock clock) {
     return clock == ClipRecord::Clock::Utc && fix.hasClock() ? clockText(fix.clockMs, clock) : QString();
 }
 
+// A file name for XML, which excludes most control characters.
+QString xmlText(QString name) {
+    std::replace_if(
+        name.begin(), name.end(), [](QChar c) { return c < u' ' || c == u'\uFFFE' || c == u'\uFFFF'; }, u'?');
+    return name;
+}
+
 class GpxWriter final : public TrackWriter {
 public:
     explicit GpxWriter(QIODevice& device) : m_xml(&device) {
@@ -149,7 +156,7 @@ public:
 private:
     void writeSegment() override {
         m_xml.writeStartElement(QStringLiteral("Placemark"));
-        m_xml.writeTextElement(QStringLiteral("name"), m_clip);
+        m_xml.writeTextElement(QStringLiteral("name"), xmlText(m_clip));
         const bool hasTimes = std::all_of(m_points.begin(), m_points.end(), [this](const RecordedFix& fix) {
             return !utcText(fix, m_clock).isEmpty();
         });

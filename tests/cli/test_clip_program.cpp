@@ -86,9 +86,11 @@ private Q_SLOTS:
         put("text.mp4", "no clip at all");
         put("wave.avi", riffChunk("RIFF", "WAVE" + riffChunk("gps0", QByteArray(32, 'x'))));
         put("mute.mp4", mp4({}));
+        put("endless.mp4", mp4({}).replace(bigEndian(60000, 4), bigEndian(0, 4)));
         put("quiet.mp4", textless());
         put("cut.mp4", driveClip(start, 0).left(2000));
         put("old.gpx", "old");
+        put("bell\a.mp4", driveClip(start, 0));
         QVERIFY(QFile::link("outside.gpx", "link.gpx"));
     }
 
@@ -135,6 +137,9 @@ private Q_SLOTS:
         row("track -o none.gpx mute.mp4", 1, "ql240-clip: mute.mp4: no position in it\n");
         row("track -f csv -o /dev/null --force card", 1, "ql240-clip: /dev/null: no regular file\n");
         row("track -o link.gpx --force card", 1, "ql240-clip: link.gpx: no regular file\n");
+        row("track -f kml bell\a.mp4", 0, "");
+        row("track -f csv --force -o card/EVS_2013_04_05_21_30_05.mp4 card", 1,
+            "ql240-clip: card/EVS_2013_04_05_21_30_05.mp4: it is one of the clips\n");
         row("repair cut.mp4 mute.mp4", 2, "ql240-clip: one clip or folder at a time\n");
         row("repair -", 2, "ql240-clip: repair needs files\n");
         row("repair mute.mp4", 1, "ql240-clip: mute.mp4: it has its index, or is no clip\n");
@@ -180,6 +185,7 @@ private Q_SLOTS:
         QCOMPARE(text("camera_offset_s"), QString("32400"));
         QCOMPARE(text("highest_speed_kmh"), QString("36"));
         QCOMPARE(object["strongest_shock"].toObject()["offset_s"].toDouble(), 3.1);
+        QVERIFY(clip("info endless.mp4").output.contains(" bytes\n")); // no length in its header
         const Ended people = clip("info card/REC_2013_04_05_21_30_00.mp4");
         QVERIFY(people.output.contains("camera's offset  +09:00:00\n"));
         QVERIFY(people.output.contains("strongest shock  2.00 g at 3.100 s, x\n"));
@@ -193,6 +199,8 @@ private Q_SLOTS:
         QCOMPARE(file.output.count('\n'), 15);
         QCOMPARE(pipe.output, file.output);
         QCOMPARE(pipe.code, 0);
+        const Ended both = clip("track -f csv card/EVS_2013_04_05_21_30_05.mp4 -", clipPath);
+        QVERIFY(both.output.split('\n').value(1).startsWith("\"-\",1,"));
     }
 
     void whatCannotBeRead() {

@@ -75,6 +75,8 @@ private Q_SLOTS:
         QCOMPARE(offsets.orderOf(moment), 8 * kHour);
         moment.cameraMs = 11 * kHour;
         QCOMPARE(offsets.orderOf(moment), 10 * kHour);
+        moment.timeUs = kHour * 1000; // its clip is nearer to the first one
+        QCOMPARE(offsets.orderOf(moment), 9 * kHour);
         moment.cameraMs = 20 * kHour;
         QCOMPARE(offsets.orderOf(moment), 19 * kHour);
         moment.utcMs = 5;

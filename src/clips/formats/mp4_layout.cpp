@@ -28,6 +28,12 @@ std::uint64_t number(RangeReader& reader, bool wide) {
     return wide ? reader.u64().value_or(0) : reader.u32().value_or(0);
 }
 
+// 0 if it is unknown, which all ones stand for.
+std::uint64_t readLength(RangeReader& reader, bool wide) {
+    const std::uint64_t length = number(reader, wide);
+    return length == (wide ? UINT64_MAX : UINT32_MAX) ? 0 : length;
+}
+
 // The entries after a table's 8-byte header: as many as its count says, or as the box holds if that is fewer.
 ByteRange tableEntries(ByteSource& source, const Box& box, std::int64_t entrySize) {
     std::array<char, 8> head{};
@@ -100,7 +106,7 @@ void readMedia(ByteSource& source, ByteRange area, TrackLayout& track) {
                 number(full->reader, full->version == 1); // creation and modification time
                 number(full->reader, full->version == 1);
                 track.timescale = full->reader.u32().value_or(0);
-                track.length = number(full->reader, full->version == 1);
+                track.length = readLength(full->reader, full->version == 1);
             }
         } else if (box->type == fourCc("hdlr")) {
             if (auto full = openFullBox(source, *box)) {
@@ -142,7 +148,7 @@ void readMovieHeader(ByteSource& source, const Box& box, ClipLayout& clip) {
         const std::uint64_t created = number(full->reader, full->version == 1);
         number(full->reader, full->version == 1);
         clip.timescale = full->reader.u32().value_or(0);
-        const std::uint64_t length = number(full->reader, full->version == 1);
+        const std::uint64_t length = readLength(full->reader, full->version == 1);
         if (clip.timescale > 0 && length > 0 && length <= std::numeric_limits<std::uint32_t>::max())
             clip.lengthMs = static_cast<std::int64_t>(length) * 1000 / clip.timescale;
         if (created > kSecondsFrom1904To1970 && created <= std::numeric_limits<std::uint32_t>::max())
