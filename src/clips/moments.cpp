@@ -16,7 +16,7 @@ constexpr double kStrongestJoltG = 1.75;
 constexpr std::int64_t kLongestStepUs = 45'000;
 // The width of an impact's peak at half its height; braking lasts longer.
 constexpr std::int64_t kLongestImpactUs = 500'000;
-constexpr std::size_t kMaxImpactSamples = 5000; // in case the file's times don't advance
+constexpr std::size_t kMaxImpactSamples = 1000; // in case the file's times don't advance
 // Above the noise of a road, as a fraction of the threshold.
 constexpr double kFloor = 0.42;
 constexpr std::int64_t kFixHoldsUs = 2'000'000;

@@ -22,7 +22,7 @@ QString grouped(std::int64_t number) {
 }
 
 // Takes the date from the line, before its "$"; otherwise the previous line's or the clip's, or the next day
-// after midnight.
+// after midnight. The first line may be from before midnight.
 class TrailerClock {
 public:
     explicit TrailerClock(const QDateTime& start) : m_last(start) {}
@@ -36,6 +36,9 @@ public:
         constexpr std::int64_t kHalfADayS = 43200;
         if (!day.isValid() && clock.secsTo(m_last) > kHalfADayS)
             clock = clock.addDays(1);
+        else if (!day.isValid() && m_isFirst && m_last.secsTo(clock) > kHalfADayS)
+            clock = clock.addDays(-1);
+        m_isFirst = false;
         m_last = clock;
         return clock.toMSecsSinceEpoch();
     }
@@ -57,6 +60,7 @@ private:
     }
 
     QDateTime m_last;
+    bool m_isFirst = true;
 };
 
 RecordedFix fixOf(const TrailerLine& line, TrailerClock& clock) {
@@ -74,6 +78,8 @@ RecordedFix fixOf(const TrailerLine& line, TrailerClock& clock) {
 const char* lineProblem(const TrailerLine& line, const RecordedFix& fix) {
     if (!line.isNumeric)
         return "a field isn't a number";
+    if (!line.isWhole)
+        return "no line end";
     if (line.latitude != 0.0 && line.longitude != 0.0 && !fix.isValid())
         return "no valid position";
     return TrailerClock::timeOf(line.clock).isValid() ? nullptr : "no valid clock";
@@ -106,7 +112,7 @@ private:
         fix.timeUs = m_timeUs;
         m_collector.addFix(fix);
         const auto g = [](std::int16_t count) { return count / kCountsPerG; };
-        if (line.hasAcceleration)
+        if (line.hasAcceleration && line.isWhole)
             m_collector.addAcceleration(m_timeUs, g(line.x), g(line.y), g(line.z));
         m_timeUs += m_stepUs;
         stop(line.text, lineProblem(line, fix));
@@ -220,8 +226,11 @@ ClipContents readClipContents(QIODevice& device, const QString& path, RecordPart
         readContainer(source, layout, contents);
         readRecord(source, layout, u'/' + path, part, contents);
     }
-    if (const std::optional<std::int64_t> byte = source.failedAt())
-        contents.readError = QStringLiteral("byte %1: %2").arg(grouped(*byte), device.errorString());
+    if (const std::optional<std::int64_t> byte = source.failedAt()) {
+        const QString reason = device.size() < source.size() ? QStringLiteral("the file has become shorter")
+                                                             : device.errorString();
+        contents.readError = QStringLiteral("byte %1: %2").arg(grouped(*byte), reason);
+    }
     return contents;
 }
 

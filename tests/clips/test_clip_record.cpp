@@ -21,6 +21,20 @@ ClipContents read(const QByteArray& clip, const char* name = "REC_2013_04_05_21_
     return readClipContents(buffer, QLatin1StringView(name));
 }
 
+// A clip that becomes shorter after its size was asked for.
+class ShrinkingClip : public QBuffer {
+public:
+    explicit ShrinkingClip(const QByteArray& clip) : m_before(clip.size()) {
+        setData(clip.chopped(1));
+        open(ReadOnly | Unbuffered);
+    }
+    qint64 size() const override { return m_isAsked++ == 0 ? m_before : QBuffer::size(); }
+
+private:
+    qint64 m_before;
+    mutable int m_isAsked = 0;
+};
+
 QByteArray textClip(const QList<QByteArray>& samples) {
     Track track;
     track.handler = track.format = "text";
@@ -129,6 +143,43 @@ private Q_SLOTS:
             QCOMPARE(record.fixes[i].headingDeg, 359.5);
         }
         QVERIFY(std::isnan(record.fixes[2].speedKmh));
+        const QByteArray lost = "$GPRMC,120002,V,,,,,,,050413,,\r\n$GPGGA,120002,,,,,0,00,,,M,,,,\r\n";
+        QCOMPARE(read(textClip({rmc("120000"), lost})).record.fixes.size(), size_t(2));
+    }
+
+    // What no receiver measures isn't passed on: map programs refuse a whole track for it.
+    void impossibleValues() {
+        const auto drive = [](const char* knots, const char* heading) {
+            return "$GPRMC,120000,A,3724.5,N,12707.5,E," + QByteArray(knots) + ',' + heading +
+                   ",050413,,\r\n";
+        };
+        const ClipRecord record =
+            read(textClip({drive("-27", "-5"), drive("1e300", "725"), drive("inf", "nan"),
+                           "$GPGGA,120000,3724.5,N,12707.5,E,1,08,1.1,1e300,M,,,,\r\n", drive("0", "360")}))
+                .record;
+        QCOMPARE(record.fixes.size(), size_t(5));
+        for (size_t i = 0; i < 4; ++i) {
+            const RecordedFix& fix = record.fixes[i];
+            QVERIFY(fix.isValid());
+            QVERIFY(std::isnan(fix.speedKmh) && std::isnan(fix.headingDeg) && std::isnan(fix.altitudeM));
+        }
+        QCOMPARE(record.fixes[4].headingDeg + record.fixes[4].speedKmh, 360.0);
+    }
+
+    void itShrinks() {
+        ShrinkingClip clip(textClip({rmc("120000")}));
+        QCOMPARE(readClipContents(clip, {}).readError,
+                 QStringLiteral("byte %1: the file has become shorter").arg(clip.data().size()));
+    }
+
+    // A length of all ones is unknown, in the file's header as in the track's.
+    void unknownLength() {
+        QByteArray clip = textClip({rmc("120000"), rmc("120001")});
+        const QByteArray ones(4, '\xFF');
+        clip.replace(clip.indexOf("mvhd") + 20, 4, ones);
+        QCOMPARE(read(clip).lengthMs, qint64(60));
+        clip.replace(clip.indexOf("mdhd") + 20, 4, ones);
+        QCOMPARE(read(clip).lengthMs, qint64(0));
     }
 
     void trailer_data() {
@@ -138,6 +189,8 @@ private Q_SLOTS:
         const QByteArray past = "x$235959,1,2,3,128,0,-64\n$000000,1,2,3,0,0,0\n";
         QTest::newRow("past midnight") << QByteArray("REC_2013_04_05_23_59_59.avi") << past
                                        << "0 2013-04-05T23:59:59.000|30050 2013-04-06T00:00:00.000";
+        QTest::newRow("begins before midnight") << QByteArray("REC_2013_04_06_00_00_01.avi") << past
+                                                << "0 2013-04-05T23:59:59.000|30050 2013-04-06T00:00:00.000";
         QTest::newRow("its own day") << QByteArray("clip.avi") << QByteArray("20130405$123000,0,2,3,0,0,0\n")
                                      << "0!2013-04-05T12:30:00.000";
         QTest::newRow("begins late") << QByteArray("EVT_2013_04_05_12_30_00.avi")
@@ -166,6 +219,8 @@ private Q_SLOTS:
                                   << "text sample 2 at byte 162: wrong checksum";
         QTest::newRow("motion") << motionClip({motionPlace(1, 1), motionPlace(1, 1).chopped(1)})
                                 << "motion sample 2 at byte 129: record cut short";
+        QTest::newRow("place") << motionClip({motionPlace(91, 1), motionFix(0, 91, 1, 0, 0)})
+                               << "motion sample 1 at byte 100: no valid position";
         QByteArray moved = motionClip({motionPlace(1, 1), motionPlace(1, 1)});
         const auto entry = moved.indexOf("stco") + 16;
         moved.replace(entry, 4, bigEndian(0x7FFFFFFF, 4));
@@ -231,6 +286,8 @@ private Q_SLOTS:
         const auto log = [](const QByteArray& line) {
             return mp4({}, {}, box("free", box("gps ", "[0]" + rmc("120000") + "[1000]" + line)));
         };
+        QTest::newRow("trailer") << trailerClip("x$123000,1,2,3,0,0,1")
+                                 << "trailer line 1 at byte 87: no line end";
         QTest::newRow("log") << log(unchecked) << "log line 2 at byte 294: no line end and no checksum";
         // The second sample is the file's end, without its last bytes.
         const auto text = [](const char* name, const QByteArray& line, const char* said) {

@@ -47,12 +47,17 @@ RecordedFix readPlace(std::int64_t timeUs, std::span<const char> record) {
     return fix;
 }
 
+// Of a full GPS record.
+bool hasFix(std::span<const char> record) {
+    return field<std::int32_t>(record, 12) != 0;
+}
+
 RecordedFix readFix(std::int64_t timeUs, std::span<const char> record,
                     std::optional<std::int64_t> createdAt) {
     RecordedFix fix;
     fix.timeUs = timeUs;
     fix.clockMs = clockMsOf(field<double>(record, 4), createdAt);
-    if (field<std::int32_t>(record, 12) == 0)
+    if (!hasFix(record))
         return fix;
     fix.latitude = field<double>(record, 16);
     fix.longitude = field<double>(record, 24);
@@ -72,6 +77,12 @@ void addAccelerationRecord(std::int64_t timeUs, std::span<const char> record, Re
         return static_cast<double>(field<float>(record, offset)) / kStandardGravity;
     };
     sink.addAcceleration(timeUs, g(4), g(8), g(12));
+}
+
+void addFixRecord(const TrackSample& sample, const RecordedFix& fix, bool hasPlace, RecordSink& sink) {
+    sink.addFix(fix);
+    if (hasPlace && !fix.isValid())
+        sink.addStop({"motion sample", sample.number, sample.offset, "no valid position"});
 }
 
 // Small integers, such as quiet sound, are tiny as floating-point numbers; no sensor measures that finely.
@@ -95,11 +106,11 @@ bool isPlausibleMotionRecord(std::span<const char> record) {
     if (std::all_of(record.begin(), record.end(), [](char byte) { return byte == 0; }))
         return false;
     const std::size_t type = field<std::uint16_t>(record, 2);
-    const bool hasFix = type == kFix;
-    if (hasFix || type == kPlace) {
-        const std::size_t at = hasFix ? 16 : 4;
+    const bool isFix = type == kFix;
+    if (isFix || type == kPlace) {
+        const std::size_t at = isFix ? 16 : 4;
         const double height =
-            hasFix ? static_cast<double>(field<float>(record, 32)) : field<double>(record, 20);
+            isFix ? static_cast<double>(field<float>(record, 32)) : field<double>(record, 20);
         return areBelow({field<double>(record, at)}, 90) && areBelow({field<double>(record, at + 8)}, 180) &&
                areBelow({height}, kHighestM);
     }
@@ -121,9 +132,9 @@ void readMotionSample(const TrackSample& sample, RecordSink& sink, std::optional
         if (type == kAcceleration)
             addAccelerationRecord(sample.timeUs, record, sink);
         else if (type == kPlace)
-            sink.addFix(readPlace(sample.timeUs, record));
+            addFixRecord(sample, readPlace(sample.timeUs, record), true, sink);
         else if (type == kFix)
-            sink.addFix(readFix(sample.timeUs, record, createdAt));
+            addFixRecord(sample, readFix(sample.timeUs, record, createdAt), hasFix(record), sink);
         else
             sink.addOther(sample.timeUs);
     }

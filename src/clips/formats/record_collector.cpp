@@ -9,6 +9,8 @@ namespace {
 
 constexpr std::int64_t kUsPerMs = 1000;
 constexpr double kMostG = 1e6;
+constexpr double kMostKmh = 1e5;
+constexpr double kMostM = 1e6;
 // The two sentences of one fix may have different times.
 constexpr std::int64_t kSameFixUs = 500'000;
 
@@ -64,17 +66,20 @@ bool complete(RecordedFix& fix, const RecordedFix& from) {
     return true;
 }
 
-double finite(double value) {
-    return std::isfinite(value) ? value : RecordedFix::kNothing;
+// Outside the limits it is no measurement.
+double within(double value, double least, double most) {
+    return value >= least && value <= most ? value : RecordedFix::kNothing;
 }
 
 } // namespace
 
-// RMC and GGA each have one part of a fix.
+// RMC and GGA each have one part of a fix; of a lost one, the second may have nothing.
 bool RecordCollector::completesLast(const RecordedFix& fix) {
     if (m_record.fixes.empty())
         return false;
     RecordedFix& last = m_record.fixes.back();
+    if (!last.isValid() && !fix.isValid() && !fix.hasClock() && fix.timeUs == last.timeUs)
+        return true;
     return std::abs(fix.timeUs - last.timeUs) <= kSameFixUs && isSamePlace(last, fix) && complete(last, fix);
 }
 
@@ -97,9 +102,9 @@ void RecordCollector::addFix(const RecordedFix& fix) {
     if (fix.isValid()) {
         kept.latitude = fix.latitude;
         kept.longitude = fix.longitude;
-        kept.speedKmh = finite(fix.speedKmh);
-        kept.headingDeg = finite(fix.headingDeg);
-        kept.altitudeM = finite(fix.altitudeM);
+        kept.speedKmh = within(fix.speedKmh, 0, kMostKmh);
+        kept.headingDeg = within(fix.headingDeg, 0, 360);
+        kept.altitudeM = within(fix.altitudeM, -kMostM, kMostM);
     }
     if (!completesLast(kept))
         m_record.fixes.push_back(kept);

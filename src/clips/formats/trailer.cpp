@@ -66,6 +66,7 @@ bool parseLine(QByteArrayView text, TrailerLine& line) {
     line.y = reader.count(fields[5], line.hasAcceleration);
     line.z = reader.count(fields[6], line.hasAcceleration);
     line.isNumeric = reader.isNumeric;
+    line.isWhole = start <= text.size(); // more fields follow
     return true;
 }
 
@@ -95,10 +96,12 @@ bool forEachTrailerLine(QByteArrayView tail, const std::function<void(const Trai
         line.text = whole;
         if (bytes.isEmpty())
             continue;
-        if (parseLine(bytes, line))
+        if (parseLine(bytes, line)) {
+            line.isWhole = line.isWhole || feed >= 0;
             visit(line);
-        else if (skip)
+        } else if (skip) {
             skip(whole);
+        }
     }
     return true;
 }

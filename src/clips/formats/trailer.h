@@ -22,6 +22,7 @@ struct TrailerLine {
     std::int16_t x = 0; // in 1/128 g
     std::int16_t y = 0;
     std::int16_t z = 0;
+    bool isWhole = false; // false: it ends without a line break, so its last number may be cut
     // Whether they are in the line, not 0 in place of something else.
     bool hasSpeed = false;
     bool hasAcceleration = false;
