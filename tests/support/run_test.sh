@@ -7,6 +7,8 @@ trap 'rm -rf "$home"' EXIT
 mkdir -p -m 700 "$home/config" "$home/cache" "$home/data" "$home/runtime"
 export HOME="$home" XDG_CONFIG_HOME="$home/config" XDG_CACHE_HOME="$home/cache"
 export XDG_DATA_HOME="$home/data" XDG_RUNTIME_DIR="$home/runtime"
+# Or else each process that may play sound would leave a folder in /tmp.
+export PULSE_RUNTIME_PATH="$home/runtime/pulse"
 export LC_ALL=C.UTF-8 TZ=UTC QT_QPA_PLATFORM="${QT_QPA_PLATFORM:-offscreen}"
 export QT_SCALE_FACTOR="${QT_SCALE_FACTOR:-1}" QT_FONT_DPI=96
 # Creating GStreamer's plugin registry takes half a second: all tests of a build share one.
