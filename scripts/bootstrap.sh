@@ -12,7 +12,7 @@ run="g++ cmake ninja-build pkg-config
 test="ffmpeg libimage-exiftool-perl gpsbabel gdal-bin dbus-daemon pulseaudio pulseaudio-utils xvfb openbox weston xdotool
     gstreamer1.0-tools clang-format clang-tidy"
 bench="ffmpeg mpv libimage-exiftool-perl gstreamer1.0-plugins-base-apps xvfb python3 xdotool"
-package="dpkg-dev debhelper fakeroot lintian appstream desktop-file-utils debootstrap"
+package="build-essential dpkg-dev debhelper fakeroot lintian appstream desktop-file-utils debootstrap"
 fuzz="clang-14 libclang-rt-14-dev"
 
 wanted=
